@@ -1,0 +1,106 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <expected>
+#include <variant>
+
+#include "text/characters.h"
+
+namespace tavrelon::platform {
+
+/// Why an accessibility call failed. The numbers appear in log lines and are fixed.
+enum class AXError : int {
+    Success = 0,
+    Failure = -25200,
+    IllegalArgument = -25201,
+    InvalidUIElement = -25202,
+    InvalidUIElementObserver = -25203,
+    CannotComplete = -25204,
+    AttributeUnsupported = -25205,
+    ActionUnsupported = -25206,
+    NotificationUnsupported = -25207,
+    NotImplemented = -25208,
+    NotificationAlreadyRegistered = -25209,
+    NotificationNotRegistered = -25210,
+    APIDisabled = -25211,
+    NoValue = -25212,
+    ParameterizedAttributeUnsupported = -25213,
+    NotEnoughPrecision = -25214,
+};
+
+/// The error's name in log lines, as "kAXErrorNoValue"; "AXError(<number>)" for a number without a name.
+QString axErrorName(AXError error);
+
+/// An attribute of an element.
+enum class AXAttribute {
+    FocusedUIElement,          ///< of the system-wide element or of an application: an element
+    FocusedApplication,        ///< of the system-wide element: an element
+    FocusedWindow,             ///< of an application: an element
+    Title,                     ///< of a window: a string
+    SelectedText,              ///< a string; the only attribute that can be set: it replaces the selection
+    SelectedTextRange,         ///< a range in UTF-16 units of Value, whatever the toolkit counts in
+    Value,                     ///< the whole text
+    AttributedStringForRange,  ///< parameterised by a range in UTF-16 units: a string
+};
+
+/// A handle to an element of some application. It stays valid as a value when the element is gone; calls then answer
+/// `InvalidUIElement`.
+struct AXElement {
+    enum class Kind { SystemWide, Application, Window, Object };
+
+    Kind kind = Kind::SystemWide;
+    qint64 processIdentifier = 0;  ///< of Application and Window
+    QString busName;               ///< of Object: the platform's address of the element, opaque to callers
+    QString path;
+    bool operator==(const AXElement&) const = default;
+};
+
+/// A text that came with attributes; only its characters are kept.
+struct AXAttributedString {
+    QString plainText;
+    bool operator==(const AXAttributedString&) const = default;
+};
+
+/// A value of a type that no caller understands.
+struct AXOtherValue {
+    QString typeName;
+    bool operator==(const AXOtherValue&) const = default;
+};
+
+/// `monostate` is a value that is present but empty.
+using AXValue = std::variant<std::monostate, QString, AXAttributedString, text::Utf16Range, AXElement, AXOtherValue>;
+
+/// The value's type, for log lines.
+QString axTypeName(const AXValue& value);
+
+/// Reads and writes the elements of other applications. Main thread. Every call is bounded: an application that does
+/// not answer costs at most 250 ms in all within one turn of the main loop, and nothing afterwards until it answers
+/// again; until then its calls give `CannotComplete`.
+class Accessibility {
+ public:
+    using Result = std::expected<AXValue, AXError>;
+
+    virtual ~Accessibility() = default;
+
+    /// Whether this process may use accessibility and post keys at all. A missing bus is not a missing right: reads
+    /// then give `APIDisabled`.
+    virtual bool isProcessTrusted() const = 0;
+
+    virtual Result copyAttribute(const AXElement& element, AXAttribute attribute) = 0;
+    virtual Result copyParameterizedAttribute(const AXElement& element, AXAttribute attribute,
+                                              text::Utf16Range range) = 0;
+
+    /// `Success` only if the application was seen to hold the new text; otherwise nothing can be said of the field
+    /// except that the caller must write in another way.
+    virtual AXError setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) = 0;
+};
+
+inline AXElement axSystemWideElement() {
+    return {};
+}
+inline AXElement axApplicationElement(qint64 processIdentifier) {
+    return {AXElement::Kind::Application, processIdentifier, {}, {}};
+}
+
+}  // namespace tavrelon::platform

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "keys/modifiers.h"
+#include "keys/virtual_keys.h"
+
+namespace tavrelon::platform {
+
+/// Types keys on the user's behalf into the focused window. Main thread.
+class KeyPoster {
+ public:
+    virtual ~KeyPoster() = default;
+
+    /// Presses and releases a key with these flags, resolved in the live keyboard layout. Command stands for the
+    /// desktop's shortcut modifier. A key that no layout has is skipped silently. No key is left down.
+    virtual void press(keys::VirtualKey key, keys::Modifiers flags) = 0;
+
+    /// Between these two, modifiers that the user still holds do not reach the target with the posted keys. Calls nest;
+    /// the last one gives back what is still held. Use `ModifiersAside`.
+    virtual void putModifiersAside() = 0;
+    virtual void giveModifiersBack() = 0;
+};
+
+/// Keeps held modifiers aside for its lifetime.
+class ModifiersAside {
+ public:
+    explicit ModifiersAside(KeyPoster& poster) : poster_(poster) { poster_.putModifiersAside(); }
+    ModifiersAside(const ModifiersAside&) = delete;
+    ModifiersAside& operator=(const ModifiersAside&) = delete;
+    ~ModifiersAside() { poster_.giveModifiersBack(); }
+
+ private:
+    KeyPoster& poster_;
+};
+
+}  // namespace tavrelon::platform

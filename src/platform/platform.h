@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+
+#include "async/main_loop.h"
+#include "platform/accessibility.h"
+#include "platform/defaults_store.h"
+#include "platform/event_tap.h"
+#include "platform/file_system.h"
+#include "platform/http_session.h"
+#include "platform/input_source.h"
+#include "platform/key_poster.h"
+#include "platform/log.h"
+#include "platform/pasteboard.h"
+#include "platform/screen_capture.h"
+#include "platform/workspace.h"
+
+namespace tavrelon::platform {
+
+/// Everything the logic needs of a desktop. The referents outlive all services.
+struct Platform {
+    async::MainLoop& mainLoop;
+    Log& log;
+    Accessibility& accessibility;
+    EventTap& eventTap;
+    KeyPoster& keyPoster;
+    Pasteboard& pasteboard;
+    Workspace& workspace;
+    InputSource& inputSource;
+    ScreenCapture& screenCapture;
+    HttpSession& httpSession;
+    DefaultsStore& defaultsStore;
+    FileSystem& fileSystem;
+    QString applicationSupport;  ///< the folder "Tavrelon" in the user's data folder, absolute
+};
+
+}  // namespace tavrelon::platform

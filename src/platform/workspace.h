@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QUrl>
+#include <optional>
+
+namespace tavrelon::platform {
+
+/// An application with a window, as it was when it was asked for.
+struct RunningApplication {
+    qint64 processIdentifier = 0;
+    std::optional<QString> bundleIdentifier;  ///< desktop entry, window class, or the known name of the same product
+    std::optional<QString> localizedName;
+    quint64 windowIdentifier = 0;  ///< the window that was in front; 0 where there is none
+    bool operator==(const RunningApplication&) const = default;
+};
+
+/// The applications of the session. Main thread; answers within a few milliseconds whatever the applications do.
+class Workspace {
+ public:
+    virtual ~Workspace() = default;
+
+    /// The application whose window has the focus. Absent when no window has it or its process is unknown.
+    virtual std::optional<RunningApplication> frontmostApplication() = 0;
+
+    /// The title of the window that has the focus.
+    virtual std::optional<QString> frontmostWindowTitle() = 0;
+
+    /// Whether one of our own windows has the focus.
+    virtual bool isOwnApplicationActive() = 0;
+
+    virtual bool isTerminated(const RunningApplication& application) = 0;
+
+    /// Asks the window manager to bring the application to the front. False when it cannot be asked.
+    virtual bool activate(const RunningApplication& application) = 0;
+
+    virtual bool openUrl(const QUrl& url) = 0;
+};
+
+}  // namespace tavrelon::platform

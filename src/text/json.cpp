@@ -1,0 +1,110 @@
+#include "text/json.h"
+
+#include <cmath>
+
+namespace tavrelon::text {
+
+namespace {
+
+/// 2001-01-01 00:00:00 UTC, in seconds since 1970.
+constexpr double referenceEpoch = 978'307'200.0;
+
+[[noreturn]] void throwTypeMismatch(const Json& json, const char* wanted) {
+    throw JsonError(QStringLiteral("Expected %1 but found %2 instead.")
+                        .arg(QLatin1StringView(wanted), QLatin1StringView(json.type_name())));
+}
+
+}  // namespace
+
+Json parseJson(QByteArrayView bytes) {
+    try {
+        return Json::parse(bytes.begin(), bytes.end());
+    } catch (const Json::exception& error) {
+        throw JsonError(QString::fromUtf8(error.what()));
+    }
+}
+
+QByteArray compactJson(const Json& json) {
+    return QByteArray::fromStdString(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+Json toJson(const QString& text) {
+    return text.toStdString();
+}
+
+QString stringFrom(const Json& json) {
+    if (!json.is_string())
+        throwTypeMismatch(json, "a string");
+    return QString::fromStdString(json.get_ref<const std::string&>());
+}
+
+bool boolFrom(const Json& json) {
+    if (!json.is_boolean())
+        throwTypeMismatch(json, "a boolean");
+    return json.get<bool>();
+}
+
+double doubleFrom(const Json& json) {
+    if (!json.is_number())
+        throwTypeMismatch(json, "a number");
+    return json.get<double>();
+}
+
+qint64 integerFrom(const Json& json) {
+    if (json.is_number_unsigned() && json.get<quint64>() > static_cast<quint64>(INT64_MAX))
+        throw JsonError(QStringLiteral("The number does not fit in 64 bits."));
+    if (json.is_number_integer())
+        return json.get<qint64>();
+    if (json.is_number_float()) {
+        const double value = json.get<double>();
+        if (std::trunc(value) == value && std::abs(value) < 9.0e15)
+            return static_cast<qint64>(value);
+    }
+    throwTypeMismatch(json, "an integer");
+}
+
+const Json& required(const Json& json, const char* key) {
+    if (!json.is_object())
+        throwTypeMismatch(json, "an object");
+    const auto found = json.find(key);
+    if (found == json.end())
+        throw JsonError(QStringLiteral("No value found for the key \"%1\".").arg(QLatin1StringView(key)));
+    return *found;
+}
+
+const Json* find(const Json& json, const char* key) {
+    if (!json.is_object())
+        throwTypeMismatch(json, "an object");
+    const auto found = json.find(key);
+    return found == json.end() || found->is_null() ? nullptr : &*found;
+}
+
+std::optional<QString> optionalString(const Json& json, const char* key) {
+    if (const auto* value = find(json, key))
+        return stringFrom(*value);
+    return std::nullopt;
+}
+
+QString uuidText(const QUuid& id) {
+    return id.toString(QUuid::WithoutBraces).toUpper();
+}
+
+QUuid uuidFrom(const Json& json) {
+    const auto text = stringFrom(json);
+    const auto id = text.size() == 36 ? QUuid::fromString(text) : QUuid();
+    if (id.isNull() && text != QLatin1StringView("00000000-0000-0000-0000-000000000000"))
+        throw JsonError(QStringLiteral("The text is no UUID."));
+    return id;
+}
+
+double secondsSinceReferenceDate(std::chrono::system_clock::time_point date) {
+    return std::chrono::duration<double>(date.time_since_epoch()).count() - referenceEpoch;
+}
+
+std::chrono::system_clock::time_point dateFromReferenceSeconds(double seconds) {
+    const auto sinceEpoch = std::chrono::duration<double>(seconds + referenceEpoch);
+    return std::chrono::system_clock::time_point(
+        std::chrono::duration_cast<std::chrono::system_clock::duration>(sinceEpoch));
+}
+
+}  // namespace tavrelon::text

@@ -1,0 +1,80 @@
+#include <gtest/gtest.h>
+
+#include "support/qt_gtest.h"
+#include "text/characters.h"
+#include "text/json.h"
+#include "text/tolerant_json.h"
+
+namespace tavrelon::text {
+
+TEST(Characters, CountsWhatAPersonWouldCount) {
+    EXPECT_EQ(characterCount(u""), 0);
+    EXPECT_EQ(characterCount(u"hello"), 5);
+    EXPECT_EQ(characterCount(u"a\r\nb"), 3);
+    EXPECT_EQ(characterCount(u"你好😀"), 3);
+    EXPECT_EQ(characterCount(u"👨‍👩‍👧🇩🇪e\u0301"), 3);
+    EXPECT_EQ(characterCount(u"🇩🇪🇫🇷🇩"), 3);
+    EXPECT_EQ(characterCount(u"한글"), 2);
+    EXPECT_EQ(withoutLastCharacter(QStringLiteral("a👨‍👩‍👧")), QStringLiteral("a"));
+    EXPECT_EQ(withoutLastCharacter(QString()), QString());
+    EXPECT_EQ(prefixOfCharacters(QStringLiteral("😀😀😀"), 2), QStringLiteral("😀😀"));
+    EXPECT_EQ(prefixOfCharacters(QStringLiteral("😀"), 2), QStringLiteral("😀"));
+}
+
+TEST(Characters, RangesThatSplitAPairOrLeaveTheTextGiveNothing) {
+    const auto text = QStringLiteral("a😀b");
+    EXPECT_EQ(substring(text, {1, 2}), QStringLiteral("😀"));
+    EXPECT_EQ(substring(text, {4, 0}), QString());
+    EXPECT_EQ(substring(text, {2, 1}), std::nullopt);
+    EXPECT_EQ(substring(text, {0, 2}), std::nullopt);
+    EXPECT_EQ(substring(text, {3, 2}), std::nullopt);
+    EXPECT_EQ(substring(text, {-1, 1}), std::nullopt);
+    EXPECT_EQ(substring(text, {1, INT64_MAX}), std::nullopt);
+}
+
+TEST(Characters, BlankAndAsciiTests) {
+    EXPECT_TRUE(isBlank(u" \t\r\n\u3000"));
+    EXPECT_FALSE(isBlank(u" x "));
+    EXPECT_EQ(trimmedOrAbsent(QStringLiteral(" \n")), std::nullopt);
+    EXPECT_TRUE(isASCIIOnly(u""));
+    EXPECT_FALSE(isASCIIOnly(u"caf\u00e9"));
+    EXPECT_TRUE(containsIgnoringCase(QStringLiteral("RE: Ärger"), QStringLiteral("re: äRGER")));
+}
+
+TEST(Json, TypesAndRangesAreChecked) {
+    EXPECT_EQ(integerFrom(parseJson("3.0")), 3);
+    EXPECT_EQ(integerFrom(parseJson("-9223372036854775808")), INT64_MIN);
+    EXPECT_THROW(integerFrom(parseJson("9223372036854775808")), JsonError);
+    EXPECT_THROW(integerFrom(parseJson("3.5")), JsonError);
+    EXPECT_THROW(boolFrom(parseJson("1")), JsonError);
+    EXPECT_THROW(parseJson("\"\xff\""), JsonError);
+    EXPECT_THROW(parseJson(""), JsonError);
+    EXPECT_EQ(optionalString(parseJson(R"({"a":null})"), "a"), std::nullopt);
+    EXPECT_EQ(stringFrom(parseJson(R"("你\u0000好")")), QString::fromUtf16(u"你\0好", 3));
+}
+
+TEST(Json, IdentifiersAndDates) {
+    const auto id = QUuid::fromString(QStringLiteral("{0a1b2c3d-0000-4000-8000-00000000abcd}"));
+    EXPECT_EQ(uuidText(id), QStringLiteral("0A1B2C3D-0000-4000-8000-00000000ABCD"));
+    EXPECT_EQ(uuidFrom(toJson(uuidText(id))), id);
+    EXPECT_THROW(uuidFrom(parseJson("\"0A1B\"")), JsonError);
+    EXPECT_EQ(std::chrono::system_clock::to_time_t(dateFromReferenceSeconds(0)), 978307200);
+    EXPECT_DOUBLE_EQ(secondsSinceReferenceDate(dateFromReferenceSeconds(785.25)), 785.25);
+}
+
+TEST(TolerantJson, FindsTheObjectInAReply) {
+    const auto keyIn = [](const char16_t* reply) {
+        const auto object = parseJSONObject(QString::fromUtf16(reply));
+        return object ? optionalString(*object, "k") : std::nullopt;
+    };
+    EXPECT_EQ(keyIn(uR"({"k":"a"})"), QStringLiteral("a"));
+    EXPECT_EQ(keyIn(u"Sure!\n```json\n{\"k\":\"b\"}\n```\nand {\"k\":\"c\"}"), QStringLiteral("b"));
+    EXPECT_EQ(keyIn(u"Here: {\"k\":\"c\"} done"), QStringLiteral("c"));
+    EXPECT_EQ(keyIn(uR"("{\"k\":\"d\"}")"), QStringLiteral("d"));
+    EXPECT_EQ(keyIn(u"``` {\"k\":\"e\"}"), QStringLiteral("e"));  // no closing fence: the braces decide
+    EXPECT_EQ(keyIn(u"} {"), std::nullopt);
+    EXPECT_EQ(keyIn(u"[1]"), std::nullopt);
+    EXPECT_EQ(keyIn(u""), std::nullopt);
+}
+
+}  // namespace tavrelon::text
