@@ -44,7 +44,7 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
     const auto& settings = services_.storageManager.settings();
     std::optional<QString> userStyle;
     if (settings.enableLocalLearning)
-        userStyle = services_.historyManager.userStyleProfile(settings.maxHistoryEntries);
+        userStyle = services_.historyManager.userStyleProfile(std::max<qint64>(settings.maxHistoryEntries, 0));
     const auto retried = co_await generateWithRetry(
         machine_, services_.platform.mainLoop, id, generationAttempts, generationRetryDelay,
         [this, &context, prompt, userStyle] { return generateOnce(prompt, context, userStyle); });

@@ -11,7 +11,7 @@ async::Task<RetriedResult> TextRequestPipeline::askModel(TextRequest& request) {
     auto userVoice = adaptivePromptForRequest(settings);
     std::optional<QString> userStyle;
     if (settings.enableLocalLearning && !userVoice)  // the two never go together
-        userStyle = services_.historyManager.userStyleProfile(settings.maxHistoryEntries);
+        userStyle = services_.historyManager.userStyleProfile(std::max<qint64>(settings.maxHistoryEntries, 0));
     co_return co_await generateWithRetry(
         machine_, services_.platform.mainLoop, request.id, generationAttempts, generationRetryDelay,
         [this, &request, userStyle, userVoice] { return generateOnce(request, userStyle, userVoice); });
