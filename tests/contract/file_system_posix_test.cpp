@@ -1,13 +1,18 @@
-#include <fcntl.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <array>
+#include <atomic>
+#include <csignal>
 #include <thread>
+#include <vector>
 
 #include "desktop/linux/posix_file_system.h"
 #include "support/qt_gtest.h"
@@ -15,8 +20,6 @@
 namespace tavrelon::desktop {
 
 namespace {
-
-constexpr uid_t nobody = 65534;
 
 int modeOf(const QString& path) {
     struct stat status{};
@@ -28,17 +31,29 @@ ino_t fileNumber(const QString& path) {
     return ::stat(path.toLocal8Bit().constData(), &status) == 0 ? status.st_ino : 0;
 }
 
-/// Runs the block as a user whom permissions bind, which root is not, and gives its result.
+/// Takes the privileges away by which root writes where it may not.
+bool dropPrivileges() {
+    __user_cap_header_struct header{.version = _LINUX_CAPABILITY_VERSION_3, .pid = 0};
+    std::array<__user_cap_data_struct, 2> none{};
+    return ::syscall(SYS_capset, &header, none.data()) == 0;
+}
+
+/// Runs the block in a process that permissions bind and gives its result.
 template <typename Block>
-bool asOrdinaryUser(Block block) {
+bool inOrdinaryProcess(Block block) {
     const pid_t child = ::fork();
-    if (child == 0) {
-        const bool bound = ::geteuid() != 0 || ::setresuid(nobody, nobody, nobody) == 0;
-        ::_exit(bound && block() ? 0 : 1);
-    }
+    if (child == 0)
+        ::_exit(dropPrivileges() && block() ? 0 : 1);
     int status = 0;
     ::waitpid(child, &status, 0);
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+/// Lets no file of this process grow beyond `bytes`, as on a full disk.
+bool limitFileSize(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{bytes, bytes};
+    return ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
 }
 
 }  // namespace
@@ -88,11 +103,10 @@ TEST_F(PosixFileSystemTest, LinksAreFollowedAndStay) {
 TEST_F(PosixFileSystemTest, AFolderThatRefusesNewFilesIsWrittenInPlace) {
     ASSERT_TRUE(files.write(at("open"), "a long old content"));
     ASSERT_TRUE(files.write(at("closed"), "old"));
-    ASSERT_EQ(::chmod(native("open").constData(), 0666), 0);
     ASSERT_EQ(::chmod(native("closed").constData(), 0444), 0);
     ASSERT_EQ(::chmod(native(".").constData(), 0555), 0);
     const auto before = fileNumber(at("open"));
-    const bool asExpected = asOrdinaryUser([this] {
+    const bool asExpected = inOrdinaryProcess([this] {
         return files.write(at("open"), "short") && files.write(at("open"), QByteArray(9000, 'n')) &&
                !files.write(at("closed"), "new") && !files.write(at("new"), "new") &&
                !files.createDirectory(at("folder"));
@@ -103,6 +117,22 @@ TEST_F(PosixFileSystemTest, AFolderThatRefusesNewFilesIsWrittenInPlace) {
     EXPECT_EQ(contentOf("closed"), "old");
     EXPECT_EQ(fileNumber(at("open")), before);
     EXPECT_EQ(names(), (QStringList{QStringLiteral("closed"), QStringLiteral("open")}));
+}
+
+TEST_F(PosixFileSystemTest, AFullDiskLeavesTheOldContent) {
+    ASSERT_TRUE(files.createDirectory(at("writable")));
+    ASSERT_TRUE(files.createDirectory(at("refusing")));
+    for (const char* name : {"writable/f", "refusing/f"})
+        ASSERT_TRUE(files.write(at(name), "old"));
+    ASSERT_EQ(::chmod(native("refusing").constData(), 0555), 0);
+    EXPECT_TRUE(inOrdinaryProcess([this] {
+        return limitFileSize(5000) && !files.write(at("writable/f"), QByteArray(9000, 'n')) &&
+               !files.write(at("refusing/f"), QByteArray(9000, 'n')) && files.write(at("refusing/f"), "new");
+    }));
+    ASSERT_EQ(::chmod(native("refusing").constData(), 0700), 0);
+    EXPECT_EQ(contentOf("writable/f"), "old");
+    EXPECT_EQ(contentOf("refusing/f"), "new");
+    EXPECT_EQ(QDir(at("writable")).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("f")});
 }
 
 TEST_F(PosixFileSystemTest, PipesAndDevicesNeverHoldItUp) {
