@@ -127,7 +127,8 @@ TEST_F(PosixFileSystemTest, AFullDiskLeavesTheOldContent) {
     ASSERT_EQ(::chmod(native("refusing").constData(), 0555), 0);
     EXPECT_TRUE(inOrdinaryProcess([this] {
         return limitFileSize(5000) && !files.write(at("writable/f"), QByteArray(9000, 'n')) &&
-               !files.write(at("refusing/f"), QByteArray(9000, 'n')) && files.write(at("refusing/f"), "new");
+               !files.write(at("refusing/f"), QByteArray(9000, 'n')) && contentOf("refusing/f") == "old" &&
+               files.write(at("refusing/f"), "new");
     }));
     ASSERT_EQ(::chmod(native("refusing").constData(), 0700), 0);
     EXPECT_EQ(contentOf("writable/f"), "old");
