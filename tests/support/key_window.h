@@ -56,7 +56,6 @@ class KeyWindow {
     xcb_connection_t* connection_;
     xcb_window_t root_ = 0;
     xcb_window_t window_ = 0;
-    bool focused_ = false;
     std::vector<Stroke> strokes_;
 };
 

@@ -56,6 +56,7 @@ void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys
     xtest_->post(code, KeyAction::Release);
     for (const auto modifier : std::views::reverse(modifierKeys))
         xtest_->post(modifier, KeyAction::Release);
+    xtest_->send();
 }
 
 void X11KeyPoster::putModifiersAside() {

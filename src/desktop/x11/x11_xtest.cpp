@@ -22,7 +22,6 @@ void X11XTest::post(KeyCode code, KeyAction action) {
     posted_->expect(code, action, loop_.now());
     const std::uint8_t type = action == KeyAction::Press ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
     xcb_test_fake_input(connection_->get(), type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    connection_->flush();
 }
 
 std::shared_ptr<const X11Keyboard> X11XTest::keyboard() {

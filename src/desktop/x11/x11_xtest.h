@@ -16,8 +16,13 @@ class X11XTest {
     static std::expected<std::unique_ptr<X11XTest>, QString> open(async::MainLoop& loop,
                                                                   std::shared_ptr<PostedKeys> posted);
 
-    /// Any thread, but callers take turns: the order of posting is the order in which the tap expects the keys.
+    /// Adds a key to those that `send` sends. Any thread, but callers take turns: the order of posting is the order in
+    /// which the tap expects the keys.
     void post(KeyCode code, KeyAction action);
+
+    /// Sends in one go, so that hardly a key of the user comes in between, and returns once the server has them. Any
+    /// thread.
+    void send() { connection_->sync(); }
 
     /// The keyboard map as it is now, or nothing if the server does not give it.
     std::shared_ptr<const X11Keyboard> keyboard();

@@ -31,11 +31,11 @@ X11HeldModifiers::~X11HeldModifiers() {
         const std::lock_guard lock(mutex_);
         stop_ = true;
         releaseRestored();
+        xtest_.send();
     }
     wake_.signal();
     watchConnection_->breakOff();
     thread_.join();
-    xtest_.connection().sync();
 }
 
 void X11HeldModifiers::releaseRestored() {
@@ -60,6 +60,7 @@ void X11HeldModifiers::putAside(const X11Keyboard& keyboard) {
         xtest_.post(code, KeyAction::Release);
         aside_.set(code);
     });
+    xtest_.send();
 }
 
 void X11HeldModifiers::giveBack() {
@@ -69,6 +70,7 @@ void X11HeldModifiers::giveBack() {
     restored_ |= aside_ & down;
     aside_.reset();
     forEachKey(restored_, [this](KeyCode code) { xtest_.post(code, KeyAction::Press); });
+    xtest_.send();
 }
 
 void X11HeldModifiers::watch() {
@@ -108,6 +110,7 @@ void X11HeldModifiers::released(KeyCode code) {
         return;
     restored_.reset(code);
     xtest_.post(code, KeyAction::Release);
+    xtest_.send();
 }
 
 }  // namespace tavrelon::desktop
