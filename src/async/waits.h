@@ -57,6 +57,31 @@ Task<void> ignoringCancellation(Wait wait) {
     }
 }
 
+/// Awaits a task that must not be cut short: it runs to its own end whatever is asked of the awaiting one. For work that
+/// puts something back, and only where that work is bounded.
+template <typename T>
+class Shielded {
+ public:
+    explicit Shielded(Task<T> task) : task_(std::move(task)) {}
+    bool await_ready() noexcept { return false; }
+    template <TaskPromise P>
+    bool await_suspend(std::coroutine_handle<P> awaiting) {
+        task_.start(Cancellation::create());
+        if (task_.done())
+            return false;
+        task_.continueWith(awaiting);
+        return true;
+    }
+    T await_resume() { return task_.result(); }
+
+ private:
+    Task<T> task_;
+};
+template <typename T>
+Shielded<T> shielded(Task<T> task) {
+    return Shielded<T>(std::move(task));
+}
+
 /// Thrown by `raceWithDeadline` when the deadline came first.
 class DeadlineExceeded : public std::exception {
  public:

@@ -16,18 +16,18 @@ using HttpHeaders = std::vector<std::pair<QByteArray, QByteArray>>;
 
 struct HttpRequest {
     QByteArray method = "GET";
-    QUrl url;
-    HttpHeaders headers;
-    QByteArray body;
+    QUrl url{};
+    HttpHeaders headers{};
+    QByteArray body{};
     std::chrono::milliseconds requestTimeout{60'000};    ///< without a byte moving
     std::chrono::milliseconds resourceTimeout{120'000};  ///< for the whole exchange
 };
 
 struct HttpResponse {
     int status = 0;
-    HttpHeaders headers;
-    QByteArray body;
-    QUrl url;  ///< the address that answered, after redirects
+    HttpHeaders headers{};
+    QByteArray body{};
+    QUrl url{};  ///< the address that answered, after redirects
 };
 
 struct HttpError {

@@ -8,6 +8,7 @@
 #include "platform/event_tap.h"
 #include "platform/file_system.h"
 #include "platform/http_session.h"
+#include "platform/image_codec.h"
 #include "platform/input_source.h"
 #include "platform/key_poster.h"
 #include "platform/log.h"
@@ -28,6 +29,7 @@ struct Platform {
     Workspace& workspace;
     InputSource& inputSource;
     ScreenCapture& screenCapture;
+    ImageCodec& imageCodec;
     HttpSession& httpSession;
     DefaultsStore& defaultsStore;
     FileSystem& fileSystem;

@@ -107,4 +107,12 @@ std::chrono::system_clock::time_point dateFromReferenceSeconds(double seconds) {
         std::chrono::duration_cast<std::chrono::system_clock::duration>(sinceEpoch));
 }
 
+std::chrono::system_clock::time_point dateFrom(const Json& json) {
+    constexpr double farthest = 8.0e9;  // seconds, within the 292 years that the clock counts in nanoseconds
+    const double seconds = doubleFrom(json);
+    if (!(std::abs(seconds) < farthest))
+        throw JsonError(QStringLiteral("The date is out of range."));
+    return dateFromReferenceSeconds(seconds);
+}
+
 }  // namespace tavrelon::text

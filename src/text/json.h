@@ -60,4 +60,7 @@ QUuid uuidFrom(const Json& json);
 double secondsSinceReferenceDate(std::chrono::system_clock::time_point date);
 std::chrono::system_clock::time_point dateFromReferenceSeconds(double seconds);
 
+/// Throws `JsonError` for another type and for a date that the clock cannot hold.
+std::chrono::system_clock::time_point dateFrom(const Json& json);
+
 }  // namespace tavrelon::text

@@ -1,0 +1,116 @@
+#include "app/app_state.h"
+
+#include "app/provider_settings.h"
+
+namespace tavrelon::app {
+
+using input::InputState;
+
+namespace {
+
+/// How many requests the history keeps, whatever the settings say.
+constexpr int historyCap = 20;
+
+generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoints) {
+    return {endpoints.builtInPollinationsKey, endpoints.builtInGLMKey, std::nullopt};
+}
+
+capture::ScreenshotMode screenshotModeNamed(const QString& name) {
+    if (name == QLatin1StringView("fullScreen"))
+        return capture::ScreenshotMode::fullScreen;
+    if (name == QLatin1StringView("none"))
+        return capture::ScreenshotMode::none;
+    return capture::ScreenshotMode::focusedWindow;
+}
+
+}  // namespace
+
+AppState::AppState(platform::Platform& platform, const generation::ServiceEndpoints& endpoints)
+    : platform_(platform),
+      storageManager_(platform.defaultsStore, platform.fileSystem, platform.log, platform.mainLoop,
+                      platform.applicationSupport),
+      hotkeyManager_(platform),
+      contextCapturer_(platform),
+      outputWriter_(platform),
+      historyManager_(platform.fileSystem, platform.log, platform.applicationSupport, historyCap),
+      pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)) {
+    enforceProviderExclusivity(storageManager_);
+    applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
+    aiService_ = std::make_unique<generation::TavrelonAIService>(pollinationsService_, sceneRouter_, platform.log);
+    generator_ = std::make_unique<AIGenerator>(*aiService_);
+    inputStateMachine_ = std::make_shared<input::InputStateMachine>(
+        input::InputServices{platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_,
+                             nullptr, nullptr});
+    hotkeyManager_.stateMachine = inputStateMachine_;
+    applyHotkeySettings();
+    setCallbacks();
+    applyCaptureSettings();
+}
+
+AppState::~AppState() = default;
+
+void AppState::applyHotkeySettings() {
+    const auto& settings = storageManager_.settings();
+    auto& manager = hotkeyManager_;
+    manager.toggleHotkey = settings.toggleHotkey;
+    manager.toggleHotkeyEnabled = settings.toggleHotkeyEnabled;
+    manager.voiceHotkey = settings.voiceHotkey;
+    manager.voiceHotkeyEnabled = settings.voiceHotkeyEnabled;
+    manager.voiceDictationHotkey = settings.voiceDictationHotkey;
+    manager.voiceDictationHotkeyEnabled = settings.voiceDictationHotkeyEnabled;
+    manager.cancelHotkey = settings.cancelHotkey;
+    manager.cancelHotkeyEnabled = settings.cancelHotkeyEnabled;
+    manager.autoReplyHotkey = settings.autoReplyHotkey;
+    manager.autoReplyHotkeyEnabled = settings.autoReplyHotkeyEnabled;
+    manager.toggleAllHotkeysHotkey = settings.toggleAllHotkeysHotkey;
+    manager.toggleAllHotkeysHotkeyEnabled = settings.toggleAllHotkeysHotkeyEnabled;
+    manager.videoHotkey = settings.videoHotkey;
+    manager.videoHotkeyEnabled = settings.videoHotkeyEnabled;
+    manager.floatingInputHotkey = settings.floatingInputHotkey;
+    manager.floatingInputHotkeyEnabled = settings.floatingInputHotkeyEnabled;
+    manager.hotkeysEnabled = settings.hotkeysEnabled;
+    // A bare grave accent is taken from the user only where it opens something.
+    manager.quickAskHotkeyEnabled = static_cast<bool>(manager.onFloatingInputHotkeyPressed);
+    manager.clearLatches();
+    manager.refreshTap();
+}
+
+void AppState::applyCaptureSettings() {
+    const auto& settings = storageManager_.settings();
+    contextCapturer_.screenshotMode = screenshotModeNamed(settings.screenshotMode);
+    contextCapturer_.screenshotQuality = settings.screenshotQuality;
+    contextCapturer_.maxScreenshotWidth = static_cast<double>(settings.maxScreenshotWidth);
+}
+
+/// The work runs a turn later, after the key's verdict has been given.
+template <typename Work>
+hotkeys::HotkeyManager::Callback AppState::nextTurn(Work work) {
+    return [this, work] { platform_.mainLoop.post(lifetime_.guard(work)); };
+}
+
+void AppState::setCallbacks() {
+    hotkeyManager_.onAutoReplyHotkeyPressed = nextTurn([this] { inputStateMachine_->startAutoReply(); });
+    hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
+    hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });
+}
+
+void AppState::toggleAllHotkeys() {
+    const bool enabled = !storageManager_.settings().hotkeysEnabled;
+    storageManager_.changeSettings([enabled](persistence::AppSettings& settings) { settings.hotkeysEnabled = enabled; });
+    storageManager_.saveSettings();
+    hotkeyManager_.hotkeysEnabled = enabled;
+    hotkeyManager_.clearLatches();
+    hotkeyManager_.refreshTap();
+}
+
+void AppState::toggleVideo() {
+    switch (inputStateMachine_->currentState().value) {
+        case InputState::Case::listening:
+        case InputState::Case::listeningVoice:
+        case InputState::Case::processing: break;
+        case InputState::Case::recordingVideo: inputStateMachine_->stopVideoInput(); break;
+        default: inputStateMachine_->startVideoInput();
+    }
+}
+
+}  // namespace tavrelon::app

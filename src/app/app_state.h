@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+
+#include "app/ai_generator.h"
+#include "async/lifetime.h"
+#include "capture/context_capturer.h"
+#include "generation/ai_service.h"
+#include "generation/pollinations_service.h"
+#include "hotkeys/hotkey_manager.h"
+#include "input/input_state_machine.h"
+#include "output/output_writer.h"
+#include "persistence/history_manager.h"
+#include "persistence/storage_manager.h"
+#include "scenes/scene_router.h"
+
+namespace tavrelon::app {
+
+/// Builds every service in a fixed order, wires them, and pushes the stored settings into them. Nothing else makes a
+/// service. Main thread; lives as long as the process.
+class AppState {
+ public:
+    /// `platform` outlives this object. Construction has no failure path: what is missing is defaults.
+    AppState(platform::Platform& platform, const generation::ServiceEndpoints& endpoints);
+    AppState(const AppState&) = delete;
+    AppState& operator=(const AppState&) = delete;
+    ~AppState();
+
+    persistence::StorageManager& storageManager() { return storageManager_; }
+    hotkeys::HotkeyManager& hotkeyManager() { return hotkeyManager_; }
+    scenes::SceneRouter& sceneRouter() { return sceneRouter_; }
+    persistence::HistoryManager& historyManager() { return historyManager_; }
+    generation::PollinationsService& pollinationsService() { return pollinationsService_; }
+    input::InputStateMachine& inputStateMachine() { return *inputStateMachine_; }
+
+ private:
+    void applyHotkeySettings();
+    void applyCaptureSettings();
+    void setCallbacks();
+    void toggleAllHotkeys();
+    void toggleVideo();
+    template <typename Work>
+    hotkeys::HotkeyManager::Callback nextTurn(Work work);
+
+    platform::Platform& platform_;
+    persistence::StorageManager storageManager_;
+    hotkeys::HotkeyManager hotkeyManager_;
+    capture::ContextCapturer contextCapturer_;
+    scenes::SceneRouter sceneRouter_;
+    output::OutputWriter outputWriter_;
+    persistence::HistoryManager historyManager_;
+    generation::PollinationsService pollinationsService_;
+    std::unique_ptr<generation::TavrelonAIService> aiService_;
+    std::unique_ptr<AIGenerator> generator_;
+    std::shared_ptr<input::InputStateMachine> inputStateMachine_;
+    async::Lifetime lifetime_;
+};
+
+}  // namespace tavrelon::app

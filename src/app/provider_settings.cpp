@@ -1,0 +1,63 @@
+#include "app/provider_settings.h"
+
+#include "text/characters.h"
+
+namespace tavrelon::app {
+
+using generation::OllamaMode;
+using generation::PollinationsService;
+using generation::VisionModelPreference;
+using persistence::AppSettings;
+
+namespace {
+
+std::optional<QString> storedKey(const platform::DefaultsStore& userDefaults, QLatin1StringView entry) {
+    const auto key = userDefaults.string(entry);
+    return key ? text::trimmedOrAbsent(*key) : std::nullopt;
+}
+
+}  // namespace
+
+void enforceProviderExclusivity(persistence::StorageManager& storage) {
+    const auto& settings = storage.settings();
+    if (settings.enableCustomPollinations) {
+        if (!settings.enableOllamaVision && !settings.enableNvidiaLocal)
+            return;
+        storage.changeSettings([](AppSettings& changed) { changed.enableOllamaVision = changed.enableNvidiaLocal = false; });
+    } else {
+        if (!settings.enableNvidiaLocal || !settings.enableOllamaVision)
+            return;
+        storage.changeSettings([](AppSettings& changed) { changed.enableOllamaVision = false; });
+    }
+    storage.saveSettings();
+}
+
+void applyProviderSettings(const AppSettings& settings, const platform::DefaultsStore& userDefaults,
+                           PollinationsService& service) {
+    namespace entries = persistence::defaults_keys;
+    service.pollinationsCustomEnabled = settings.enableCustomPollinations;
+    service.pollinationsBaseURLOverride = PollinationsService::normalizedBaseURL(settings.pollinationsBaseURL);
+    service.pollinationsImageModelOverride = PollinationsService::normalizedModelName(settings.pollinationsImageModel);
+    service.pollinationsVisionModelOverride =
+        PollinationsService::normalizedModelName(settings.pollinationsVisionModel);
+    service.pollinationsApiKey = storedKey(userDefaults, entries::pollinationsApiKey);
+
+    service.ollamaEnabled = settings.enableOllamaVision;
+    service.ollamaMode =
+        text::trimmed(settings.ollamaMode) == QLatin1StringView("local") ? OllamaMode::local : OllamaMode::cloud;
+    service.ollamaCloudModel = text::trimmedOrAbsent(settings.ollamaCloudModel);
+    service.ollamaCloudApiKey = storedKey(userDefaults, entries::ollamaCloudApiKey);
+    service.ollamaLocalModel = text::trimmedOrAbsent(settings.ollamaLocalModel);
+    service.ollamaLocalEndpoint = text::trimmedOrAbsent(settings.ollamaLocalEndpoint);
+    service.ollamaLocalApiKey = storedKey(userDefaults, entries::ollamaLocalApiKey);
+
+    service.nvidiaEnabled = settings.enableNvidiaLocal;
+    service.nvidiaApiKey =
+        settings.enableNvidiaLocal ? storedKey(userDefaults, entries::nvidiaApiKey) : std::nullopt;
+    service.nvidiaThinkEnabled = settings.enableNvidiaThink;
+    service.setVisionModelPreference(settings.visionModelPreference == QLatin1StringView("quality")
+                                         ? VisionModelPreference::quality
+                                         : VisionModelPreference::speed);
+}
+
+}  // namespace tavrelon::app

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "generation/pollinations_service.h"
+#include "persistence/storage_manager.h"
+#include "platform/defaults_store.h"
+
+namespace tavrelon::app {
+
+/// Lets at most one provider override stand: the custom gateway beats both others, NVIDIA beats Ollama. Saves the
+/// settings if that changed them.
+void enforceProviderExclusivity(persistence::StorageManager& storage);
+
+/// Pushes the stored provider settings and keys into the service.
+void applyProviderSettings(const persistence::AppSettings& settings, const platform::DefaultsStore& userDefaults,
+                           generation::PollinationsService& service);
+
+}  // namespace tavrelon::app

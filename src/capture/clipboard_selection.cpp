@@ -1,0 +1,84 @@
+#include "capture/clipboard_selection.h"
+
+#include "async/waits.h"
+#include "text/characters.h"
+
+namespace tavrelon::capture {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// What slow applications need after a copy and a select-all. They are the whole budget of this way of reading.
+constexpr auto afterCopy = 60ms;
+constexpr auto afterSelectAll = 40ms;
+
+bool isMissing(const std::optional<QString>& string) {
+    return !string || string->isEmpty();
+}
+
+}  // namespace
+
+ClipboardSelection::ClipboardSelection(async::MainLoop& loop, platform::Log& log, platform::Pasteboard& pasteboard,
+                                       platform::KeyPoster& poster)
+    : loop_(loop), log_(log), pasteboard_(pasteboard), poster_(poster) {}
+
+async::Task<std::optional<QString>> ClipboardSelection::read(SelectAll selectAll) {
+    auto saved = co_await snapshot();
+    const auto baseCount = pasteboard_.changeCount();
+    const platform::ModifiersAside aside(poster_);
+    pressCommand(keys::keyC);
+    co_await async::ignoringCancellation(async::pause(loop_, afterCopy));
+    auto string = co_await stringSince(baseCount);
+    if (isMissing(string) && selectAll == SelectAll::Allowed) {
+        pressCommand(keys::keyA);
+        co_await async::ignoringCancellation(async::pause(loop_, afterSelectAll));
+        pressCommand(keys::keyC);
+        co_await async::ignoringCancellation(async::pause(loop_, afterCopy));
+        string = co_await stringSince(baseCount);
+    }
+    if (pasteboard_.changeCount() != baseCount)
+        restore(std::move(saved));
+    co_return finish(std::move(string));
+}
+
+async::Task<ClipboardSelection::Snapshot> ClipboardSelection::snapshot() {
+    auto items = co_await async::shielded(pasteboard_.items());
+    if (!items) {
+        log_.line(
+            QStringLiteral("[ContextCapturer] The clipboard's owner did not hand out its content; "
+                           "it cannot be put back if a copy replaces it"));
+        co_return std::nullopt;
+    }
+    co_return *std::move(items);
+}
+
+void ClipboardSelection::restore(Snapshot snapshot) {
+    if (!snapshot)
+        return;
+    pasteboard_.clearContents();
+    if (!snapshot->empty())
+        pasteboard_.writeItems(*std::move(snapshot));
+}
+
+void ClipboardSelection::pressCommand(keys::VirtualKey key) {
+    poster_.press(key, keys::commandFlag);
+}
+
+async::Task<std::optional<QString>> ClipboardSelection::stringSince(std::int64_t baseCount) {
+    if (pasteboard_.changeCount() == baseCount)
+        co_return std::nullopt;
+    co_return co_await async::shielded(pasteboard_.string());
+}
+
+std::optional<QString> ClipboardSelection::finish(std::optional<QString> string) {
+    if (isMissing(string)) {
+        log_.line(QStringLiteral("[ContextCapturer] Clipboard fallback did not capture selection"));
+        return std::nullopt;
+    }
+    log_.line(QStringLiteral("[ContextCapturer] Clipboard fallback captured selection, length: %1")
+                  .arg(text::characterCount(*string)));
+    return string;
+}
+
+}  // namespace tavrelon::capture

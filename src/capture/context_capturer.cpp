@@ -1,0 +1,66 @@
+#include "capture/context_capturer.h"
+
+#include "text/characters.h"
+
+namespace tavrelon::capture {
+
+using platform::AXAttribute;
+using platform::AXElement;
+
+ContextCapturer::ContextCapturer(platform::Platform& platform)
+    : platform_(platform),
+      reader_(platform.mainLoop, platform.log, platform.accessibility, platform.workspace),
+      clipboardSelection_(platform.mainLoop, platform.log, platform.pasteboard, platform.keyPoster) {}
+
+async::Task<CapturedContext> ContextCapturer::captureContext(QString inputBuffer, ScreenshotWish wish) {
+    const auto application = platform_.workspace.frontmostApplication();
+    const auto own = co_await async::currentCancellation();
+    async::Concurrent selection(selectedText(), own);
+    async::Concurrent title(focusedWindowTitle(), own);
+    CapturedContext context;
+    // Without the right to capture screens the request goes on without a picture.
+    (void)wish;
+    context.inputBuffer = std::move(inputBuffer);
+    context.selection = co_await std::move(selection);
+    context.windowTitle = co_await std::move(title);
+    if (application) {
+        context.appBundleID = application->bundleIdentifier;
+        context.appName = application->localizedName;
+    }
+    co_return context;
+}
+
+async::Task<std::optional<QString>> ContextCapturer::selectedText() {
+    if (!platform_.accessibility.isProcessTrusted())
+        co_return std::nullopt;
+    const auto element = reader_.focusedElement();
+    if (!element)
+        co_return std::nullopt;
+    const auto value = platform_.accessibility.copyAttribute(*element, AXAttribute::SelectedText);
+    if (!value) {
+        platform_.log.line(QStringLiteral("[ContextCapturer] Failed to get selected text, error: %1")
+                               .arg(platform::axErrorName(value.error())));
+        co_return std::nullopt;
+    }
+    if (const auto* string = std::get_if<QString>(&*value))
+        co_return *string;
+    co_return std::nullopt;
+}
+
+async::Task<std::optional<QString>> ContextCapturer::focusedWindowTitle() {
+    if (!platform_.accessibility.isProcessTrusted())
+        co_return std::nullopt;
+    const auto application = reader_.focusedApplication();
+    if (!application)
+        co_return std::nullopt;
+    const auto window =
+        reader_.copyElementAttribute(*application, AXAttribute::FocusedWindow, QStringLiteral("focused window"));
+    if (!window)
+        co_return std::nullopt;
+    const auto title = reader_.copyAttribute(*window, AXAttribute::Title, QStringLiteral("window title"));
+    if (title && std::holds_alternative<QString>(*title))
+        co_return std::get<QString>(*title);
+    co_return std::nullopt;
+}
+
+}  // namespace tavrelon::capture

@@ -1,0 +1,174 @@
+#include "desktop/atspi/atspi_accessibility.h"
+
+#include <QCoreApplication>
+
+#include "desktop/atspi/atspi_focus_finder.h"
+#include "desktop/atspi/chain.h"
+#include "desktop/atspi/field_writer.h"
+
+namespace tavrelon::desktop {
+
+using namespace std::chrono_literals;
+using atspi::ObjectReference;
+using platform::AXAttribute;
+using platform::AXAttributedString;
+using platform::AXElement;
+using platform::AXError;
+using text::Utf16Range;
+using Kind = AXElement::Kind;
+
+namespace {
+
+// Time-outs of the bus may come a twentieth late, and the bounds that callers are promised are 250 and 500 ms.
+constexpr auto readAllowance = 235ms;
+constexpr auto writeAllowance = 470ms;
+
+ObjectReference referenceOf(const AXElement& element) {
+    return {element.busName, element.path};
+}
+
+}  // namespace
+
+/// What was read in this turn of the main loop.
+struct AtspiAccessibility::Turn {
+    atspi::Allowance allowance{readAllowance};
+    std::optional<std::optional<qint64>> frontmostProcess;
+    std::optional<std::pair<qint64, Result>> focusedElement;
+    std::optional<std::pair<ObjectReference, Contents>> contents;
+};
+
+AtspiAccessibility::AtspiAccessibility(platform::Workspace& workspace, async::MainLoop& loop, platform::Log& log)
+    : workspace_(workspace), loop_(loop), log_(log), tracker_(log) {}
+
+AtspiAccessibility::~AtspiAccessibility() = default;
+
+AtspiAccessibility::Turn& AtspiAccessibility::turn() {
+    if (!turn_) {
+        turn_ = std::make_unique<Turn>();
+        loop_.post(lifetime_.guard([this] { turn_.reset(); }));
+        if (const auto bus = tracker_.bus(0ms))
+            directory_.enter(bus->generation);
+    }
+    return *turn_;
+}
+
+std::optional<qint64> AtspiAccessibility::frontmostProcess() {
+    auto& known = turn().frontmostProcess;
+    if (!known) {
+        const auto application = workspace_.frontmostApplication();
+        known.emplace(application ? std::optional(application->processIdentifier) : std::nullopt);
+    }
+    return *known;
+}
+
+AtspiAccessibility::Result AtspiAccessibility::copyAttribute(const AXElement& element, AXAttribute attribute) {
+    switch (element.kind) {
+        case Kind::SystemWide:
+            if (attribute != AXAttribute::FocusedUIElement && attribute != AXAttribute::FocusedApplication)
+                return std::unexpected(AXError::AttributeUnsupported);
+            if (const auto process = frontmostProcess(); !process)
+                return std::unexpected(AXError::NoValue);
+            else if (attribute == AXAttribute::FocusedApplication)
+                return platform::axApplicationElement(*process);
+            else
+                return focusedElementOf(*process);
+        case Kind::Application:
+            return ofApplication(element.processIdentifier, attribute);
+        case Kind::Window:
+            if (attribute != AXAttribute::Title)
+                return std::unexpected(AXError::AttributeUnsupported);
+            return titleOf(element.processIdentifier);
+        case Kind::Object:
+            return ofField(element, attribute);
+    }
+    return std::unexpected(AXError::IllegalArgument);
+}
+
+AtspiAccessibility::Result AtspiAccessibility::ofApplication(qint64 process, AXAttribute attribute) {
+    if (attribute != AXAttribute::FocusedUIElement && attribute != AXAttribute::FocusedWindow)
+        return std::unexpected(AXError::AttributeUnsupported);
+    if (frontmostProcess() != process)
+        return std::unexpected(AXError::NoValue);
+    if (attribute == AXAttribute::FocusedWindow)
+        return AXElement{Kind::Window, process, {}, {}};
+    return focusedElementOf(process);
+}
+
+AtspiAccessibility::Result AtspiAccessibility::titleOf(qint64 process) {
+    if (frontmostProcess() != process)
+        return std::unexpected(AXError::NoValue);
+    const auto title = workspace_.frontmostWindowTitle();
+    if (!title)
+        return std::unexpected(AXError::NoValue);
+    return *title;
+}
+
+AtspiAccessibility::Result AtspiAccessibility::focusedElementOf(qint64 process) {
+    // The thread that would have to answer is the one that would wait here.
+    if (process == QCoreApplication::applicationPid())
+        return std::unexpected(AXError::NoValue);
+    auto& known = turn().focusedElement;
+    if (known && known->first == process)
+        return known->second;
+    atspi::AtspiCalls calls(tracker_, turn().allowance);
+    atspi::AtspiFocusFinder finder(calls, directory_);
+    const auto found =
+        atspi::mapped(finder.focusedElementOf(process), [](const ObjectReference& reference) -> platform::AXValue {
+            return AXElement{Kind::Object, 0, reference.busName, reference.path};
+        });
+    known.emplace(process, found);
+    return found;
+}
+
+const AtspiAccessibility::Contents& AtspiAccessibility::contentsOf(const ObjectReference& field) {
+    auto& known = turn().contents;
+    if (!known || known->first != field) {
+        atspi::AtspiCalls calls(tracker_, turn().allowance);
+        atspi::FieldReader reader(calls, directory_);
+        known.emplace(field, atspi::chain(reader.describe(field), [&](const atspi::FieldDescription& description) {
+                          return reader.read(field, description);
+                      }));
+    }
+    return known->second;
+}
+
+AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element, AXAttribute attribute) {
+    if (attribute != AXAttribute::Value && attribute != AXAttribute::SelectedText &&
+        attribute != AXAttribute::SelectedTextRange)
+        return std::unexpected(AXError::AttributeUnsupported);
+    const auto& contents = contentsOf(referenceOf(element));
+    if (!contents)
+        return std::unexpected(contents.error());
+    if (attribute == AXAttribute::Value)
+        return contents->value;
+    if (!contents->selection)
+        return std::unexpected(AXError::NoValue);
+    if (attribute == AXAttribute::SelectedTextRange)
+        return *contents->selection;
+    return contents->value.mid(contents->selection->location, contents->selection->length);
+}
+
+AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const AXElement& element,
+                                                                          AXAttribute attribute, Utf16Range range) {
+    if (element.kind != Kind::Object || attribute != AXAttribute::AttributedStringForRange)
+        return std::unexpected(AXError::ParameterizedAttributeUnsupported);
+    const auto& contents = contentsOf(referenceOf(element));
+    if (!contents)
+        return std::unexpected(contents.error() == AXError::AttributeUnsupported
+                                   ? AXError::ParameterizedAttributeUnsupported
+                                   : contents.error());
+    if (range.location < 0 || range.length < 0 || range.location > contents->value.size())
+        return std::unexpected(AXError::IllegalArgument);
+    return AXAttributedString{contents->value.mid(range.location, range.length)};
+}
+
+AXError AtspiAccessibility::setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) {
+    if (element.kind != Kind::Object || attribute != AXAttribute::SelectedText)
+        return AXError::AttributeUnsupported;
+    turn().contents.reset();
+    atspi::Allowance allowance(writeAllowance);
+    atspi::AtspiCalls calls(tracker_, allowance);
+    return atspi::FieldWriter(calls, directory_, log_).replaceSelection(referenceOf(element), value);
+}
+
+}  // namespace tavrelon::desktop

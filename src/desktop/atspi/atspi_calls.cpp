@@ -1,0 +1,115 @@
+#include "desktop/atspi/atspi_calls.h"
+
+#include <QDBusPendingCall>
+#include <array>
+
+#include "desktop/atspi/chain.h"
+
+namespace tavrelon::desktop::atspi {
+
+using namespace std::chrono_literals;
+using platform::AXError;
+using std::chrono::steady_clock;
+
+namespace {
+
+/// Less than this says nothing about the application that did not answer in time.
+constexpr auto telling = 100ms;
+
+constexpr auto busDaemon = "org.freedesktop.DBus";
+
+bool changesSomething(const QDBusMessage& message) {
+    static constexpr std::array readers{QLatin1String("Get"),           QLatin1String("GetState"),
+                                        QLatin1String("GetText"),       QLatin1String("GetSelection"),
+                                        QLatin1String("GetChildren"),   QLatin1String("GetRole"),
+                                        QLatin1String("GetInterfaces"), QLatin1String("GetConnectionUnixProcessID")};
+    return std::ranges::none_of(readers, [&](QLatin1String reader) { return message.member() == reader; });
+}
+
+}  // namespace
+
+std::vector<AtspiCalls::Reply> AtspiCalls::send(const std::vector<QDBusMessage>& messages) {
+    std::vector<Reply> replies(messages.size(), std::unexpected(AXError::CannotComplete));
+    const auto start = steady_clock::now();
+    const auto bus = tracker_.bus(allowance_.left());
+    if (!bus)
+        return std::vector<Reply>(messages.size(), std::unexpected(AXError::APIDisabled));
+
+    const auto patience = std::chrono::floor<std::chrono::milliseconds>(allowance_.left());
+    std::vector<std::optional<QDBusPendingCall>> pending(messages.size());
+    for (std::size_t i = 0; i < messages.size(); ++i)
+        if (patience > 0ms && !tracker_.isHung(messages[i].service()))
+            pending[i] = bus->connection.asyncCall(messages[i], static_cast<int>(patience.count()));
+
+    for (std::size_t i = 0; i < messages.size(); ++i) {
+        if (!pending[i])
+            continue;
+        pending[i]->waitForFinished();
+        const QDBusMessage reply = pending[i]->reply();
+        if (reply.type() == QDBusMessage::ReplyMessage) {
+            replies[i] = reply;
+            continue;
+        }
+        replies[i] = std::unexpected(errorOf(reply.errorName()));
+        if (replies[i].error() == AXError::CannotComplete && patience >= telling)
+            markHung(messages[i]);
+    }
+    allowance_.spend(steady_clock::now() - start);
+    return replies;
+}
+
+void AtspiCalls::markHung(const QDBusMessage& message) {
+    // The very call that got no answer is the best question to ask again, if asking does no harm.
+    const bool harmless = !changesSomething(message);
+    const ObjectReference object{message.service(), message.path()};
+    tracker_.markHung(message.service(), harmless ? message : methodCall(object, accessibleInterface, "GetState"));
+}
+
+void AtspiDirectory::enter(quint64 generation) {
+    if (generation == generation_)
+        return;
+    generation_ = generation;
+    processes_.clear();
+    toolkits_.clear();
+}
+
+std::vector<qint64> AtspiDirectory::processesOf(const std::vector<QString>& busNames, AtspiCalls& calls) {
+    std::vector<QString> unknown;
+    std::vector<QDBusMessage> questions;
+    for (const auto& name : busNames)
+        if (!processes_.contains(name)) {
+            unknown.push_back(name);
+            questions.push_back(methodCall({QLatin1String(busDaemon), QStringLiteral("/org/freedesktop/DBus")},
+                                           busDaemon, "GetConnectionUnixProcessID", {name}));
+        }
+    const auto replies = calls.send(questions);
+    for (std::size_t i = 0; i < replies.size(); ++i)
+        if (const auto process = chain(replies[i], numberOf))
+            processes_.insert_or_assign(unknown[i], *process);
+
+    std::vector<qint64> processes;
+    for (const auto& name : busNames) {
+        const auto found = processes_.find(name);
+        processes.push_back(found == processes_.end() ? 0 : found->second);
+    }
+    return processes;
+}
+
+bool AtspiDirectory::isKnownAs(qint64 process, const QString& busName) const {
+    const auto found = processes_.find(busName);
+    return found != processes_.end() && found->second == process;
+}
+
+std::expected<Toolkit, AXError> AtspiDirectory::toolkitOf(const QString& busName, AtspiCalls& calls) {
+    if (const auto known = toolkits_.find(busName); known != toolkits_.end())
+        return known->second;
+    const ObjectReference root{busName, QLatin1String(rootPath)};
+    const auto name = chain(calls.send(propertyCall(root, applicationInterface, "ToolkitName")), propertyOf);
+    if (!name && name.error() == AXError::CannotComplete)
+        return std::unexpected(name.error());
+    const auto toolkit = toolkitNamed(name ? name->toString() : QString());
+    toolkits_.emplace(busName, toolkit);
+    return toolkit;
+}
+
+}  // namespace tavrelon::desktop::atspi

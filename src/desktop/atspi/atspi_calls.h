@@ -1,0 +1,69 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <expected>
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "desktop/atspi/atspi_tracker.h"
+#include "desktop/atspi/field_text.h"
+
+namespace tavrelon::desktop::atspi {
+
+/// Time that may be spent waiting; what is spent is gone.
+class Allowance {
+ public:
+    explicit Allowance(std::chrono::nanoseconds total) : left_(total) {}
+    std::chrono::nanoseconds left() const { return left_; }
+    void spend(std::chrono::nanoseconds spent) { left_ -= std::min(left_, spent); }
+
+ private:
+    std::chrono::nanoseconds left_;
+};
+
+/// Calls to other applications over the accessibility bus, as many together as depend on nothing of one another. Main
+/// thread, which waits without running its event loop; never longer than the allowance. An application that leaves a
+/// call unanswered is marked as hung, and calls to a hung one are not sent.
+class AtspiCalls {
+ public:
+    using Reply = std::expected<QDBusMessage, platform::AXError>;
+
+    AtspiCalls(AtspiTracker& tracker, Allowance& allowance) : tracker_(tracker), allowance_(allowance) {}
+
+    /// The replies, in the order of the messages. `APIDisabled` when there is no bus.
+    std::vector<Reply> send(const std::vector<QDBusMessage>& messages);
+    Reply send(const QDBusMessage& message) { return std::move(send(std::vector{message}).front()); }
+
+    AtspiTracker& tracker() const { return tracker_; }
+    Allowance& allowance() const { return allowance_; }
+
+ private:
+    void markHung(const QDBusMessage& message);
+
+    AtspiTracker& tracker_;
+    Allowance& allowance_;
+};
+
+/// What never changes about a connection to the bus, asked for once. Main thread.
+class AtspiDirectory {
+ public:
+    /// Forgets everything if the bus is another one than before.
+    void enter(quint64 generation);
+
+    /// The processes behind the bus names, 0 where it cannot be told.
+    std::vector<qint64> processesOf(const std::vector<QString>& busNames, AtspiCalls& calls);
+
+    /// Whether the process is known to be behind the bus name, without asking.
+    bool isKnownAs(qint64 process, const QString& busName) const;
+
+    std::expected<Toolkit, platform::AXError> toolkitOf(const QString& busName, AtspiCalls& calls);
+
+ private:
+    quint64 generation_ = 0;
+    std::map<QString, qint64> processes_;
+    std::map<QString, Toolkit> toolkits_;
+};
+
+}  // namespace tavrelon::desktop::atspi

@@ -1,0 +1,174 @@
+#include "desktop/atspi/atspi_tracker_thread.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
+#include <QTimer>
+#include <QUuid>
+
+namespace tavrelon::desktop::atspi {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto launcherTimeout = 10s;  // the launcher may have to be started first
+constexpr auto probeTimeout = 60s;
+constexpr auto firstDelay = 1s;
+constexpr auto longestDelay = 30s;
+
+QString connectionName(const char* bus) {
+    return QLatin1String(bus) + QUuid::createUuid().toString(QUuid::WithoutBraces);
+}
+
+}  // namespace
+
+TrackerThread::TrackerThread(std::shared_ptr<TrackerState> state)
+    : state_(std::move(state)),
+      sessionName_(connectionName("tavrelon-session-")),
+      busName_(connectionName("tavrelon-accessibility-")),
+      nextDelay_(firstDelay) {}
+
+TrackerThread::~TrackerThread() {
+    leave();
+    QDBusConnection::disconnectFromBus(sessionName_);
+}
+
+void TrackerThread::start() {
+    QDBusConnection session(sessionName_);
+    if (!session.isConnected()) {
+        QDBusConnection::disconnectFromBus(sessionName_);
+        session = QDBusConnection::connectToBus(QDBusConnection::SessionBus, sessionName_);
+    }
+    if (!session.isConnected())
+        return failed(session.lastError().message());
+
+    // Several toolkits answer only while this is on, some look at it only when they start. The neighbouring switch for
+    // screen readers stays as it is: setting it makes some desktops start one.
+    const auto enable = QVariant::fromValue(QDBusVariant(true));
+    auto set = QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
+                                              QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Set"));
+    set.setArguments({QStringLiteral("org.a11y.Status"), QStringLiteral("IsEnabled"), enable});
+    call(session, set, launcherTimeout, [](const QDBusMessage&) {});
+
+    const auto ask = QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
+                                                    QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress"));
+    call(session, ask, launcherTimeout, [this](const QDBusMessage& reply) {
+        if (const auto address = textOf(reply); address && reply.type() == QDBusMessage::ReplyMessage)
+            connectTo(*address);
+        else
+            failed(reply.errorMessage());
+    });
+}
+
+void TrackerThread::call(const QDBusConnection& connection, const QDBusMessage& message,
+                         std::chrono::milliseconds timeout, Done done) {
+    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(message, static_cast<int>(timeout.count())), this);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, done = std::move(done)] {
+        watcher->deleteLater();
+        done(watcher->reply());
+    });
+}
+
+void TrackerThread::connectTo(const QString& address) {
+    auto connection = QDBusConnection::connectToBus(address, busName_);
+    if (!connection.isConnected())
+        return failed(connection.lastError().message());
+    follow(connection);
+    nextDelay_ = firstDelay;
+    const std::lock_guard lock(state_->mutex);
+    if (!state_->log)
+        return;  // the owner is gone
+    state_->connection = connection;
+    ++state_->generation;
+    state_->firstAttempt = FirstAttempt::Done;
+    state_->firstAttemptDone.notify_all();
+}
+
+void TrackerThread::follow(QDBusConnection& connection) {
+    // The toolkits send this signal with different signatures. A null one accepts them all; an empty one would accept
+    // only a signal without arguments.
+    const QString anySignature;
+    connection.connect({}, {}, QStringLiteral("org.a11y.atspi.Event.Object"), QStringLiteral("StateChanged"),
+                       {QStringLiteral("focused")}, anySignature, this, SLOT(stateChanged(QDBusMessage)));
+    connection.connect({}, QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
+                       QStringLiteral("NameOwnerChanged"), this, SLOT(nameOwnerChanged(QString, QString, QString)));
+    connection.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"), QStringLiteral("org.freedesktop.DBus.Local"),
+                       QStringLiteral("Disconnected"), this, SLOT(disconnected()));
+    registerFor(connection, "object:state-changed:focused");
+    registerFor(connection, "window:activate");
+}
+
+void TrackerThread::registerFor(const QDBusConnection& connection, const char* event) {
+    auto message =
+        QDBusMessage::createMethodCall(QLatin1String(registryName), QStringLiteral("/org/a11y/atspi/registry"),
+                                       QLatin1String(registryName), QStringLiteral("RegisterEvent"));
+    message.setArguments({QString::fromLatin1(event)});
+    call(connection, message, launcherTimeout, [](const QDBusMessage&) {});
+}
+
+void TrackerThread::failed(const QString& reason) {
+    leave();
+    {
+        const std::lock_guard lock(state_->mutex);
+        if (state_->firstAttempt == FirstAttempt::UnderWay && state_->log)
+            state_->log->line(QStringLiteral("[Accessibility] No accessibility bus, the fields of other applications "
+                                             "cannot be read: %1")
+                                  .arg(reason));
+        state_->firstAttempt = FirstAttempt::Done;
+        state_->firstAttemptDone.notify_all();
+    }
+    QTimer::singleShot(nextDelay_, this, &TrackerThread::start);
+    nextDelay_ = std::min<std::chrono::milliseconds>(nextDelay_ * 2, longestDelay);
+}
+
+void TrackerThread::leave() {
+    {
+        const std::lock_guard lock(state_->mutex);
+        state_->connection.reset();
+        state_->focus.clear();
+        state_->hung.clear();
+    }
+    QDBusConnection::disconnectFromBus(busName_);
+}
+
+void TrackerThread::disconnected() {
+    failed({});
+}
+
+void TrackerThread::stateChanged(const QDBusMessage& signal) {
+    if (signal.arguments().size() < 2)
+        return;
+    const ObjectReference element{signal.service(), signal.path()};
+    const bool gained = signal.arguments().at(1).toInt() != 0;
+    const std::lock_guard lock(state_->mutex);
+    if (gained)
+        state_->focus.gained(element);
+    else
+        state_->focus.lost(element);
+}
+
+void TrackerThread::nameOwnerChanged(const QString& name, const QString&, const QString& after) {
+    if (!after.isEmpty())
+        return;
+    const std::lock_guard lock(state_->mutex);
+    state_->focus.forget(name);
+    state_->hung.erase(name);
+}
+
+void TrackerThread::probe(const QString& busName, const QDBusMessage& message) {
+    const QDBusConnection connection(busName_);
+    call(connection, message, probeTimeout, [this, busName, message](const QDBusMessage& reply) {
+        const bool silent = reply.type() == QDBusMessage::ErrorMessage &&
+                            errorOf(reply.errorName()) == platform::AXError::CannotComplete;
+        {
+            const std::lock_guard lock(state_->mutex);
+            if (!silent)
+                state_->hung.erase(busName);
+            if (!state_->hung.contains(busName))
+                return;
+        }
+        probe(busName, message);
+    });
+}
+
+}  // namespace tavrelon::desktop::atspi

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+
+#include "desktop/atspi/focus_book.h"
+#include "platform/log.h"
+
+namespace tavrelon::desktop::atspi {
+
+enum class FirstAttempt { UnderWay, Done };
+
+/// What the tracker's thread knows, for all threads.
+struct TrackerState {
+    std::mutex mutex;  // guards all that follows
+    platform::Log* log = nullptr;
+    FirstAttempt firstAttempt = FirstAttempt::UnderWay;
+    std::condition_variable firstAttemptDone;
+    std::optional<QDBusConnection> connection;
+    quint64 generation = 0;
+    FocusBook focus;
+    std::set<QString> hung;
+};
+
+/// The tracker's work. Lives on the tracker's thread, where all of its operations run.
+class TrackerThread : public QObject {
+    Q_OBJECT
+
+ public:
+    explicit TrackerThread(std::shared_ptr<TrackerState> state);
+    ~TrackerThread() override;
+
+    void start();
+    void probe(const QString& busName, const QDBusMessage& call);
+
+ private Q_SLOTS:
+    void stateChanged(const QDBusMessage& signal);
+    void nameOwnerChanged(const QString& name, const QString& before, const QString& after);
+    void disconnected();
+
+ private:
+    using Done = std::function<void(const QDBusMessage& reply)>;
+
+    void call(const QDBusConnection& connection, const QDBusMessage& message, std::chrono::milliseconds timeout,
+              Done done);
+    void connectTo(const QString& address);
+    void follow(QDBusConnection& connection);
+    void registerFor(const QDBusConnection& connection, const char* event);
+    void failed(const QString& reason);
+    void leave();
+
+    std::shared_ptr<TrackerState> state_;
+    QString sessionName_;
+    QString busName_;
+    std::chrono::milliseconds nextDelay_;
+};
+
+}  // namespace tavrelon::desktop::atspi

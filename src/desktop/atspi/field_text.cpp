@@ -1,0 +1,89 @@
+#include "desktop/atspi/field_text.h"
+
+#include <algorithm>
+
+namespace tavrelon::desktop::atspi {
+
+namespace {
+
+constexpr QChar filler(0xFEFF);
+
+bool isPairAt(const QString& text, qint64 index) {
+    return text.at(index).isHighSurrogate() && index + 1 < text.size() && text.at(index + 1).isLowSurrogate();
+}
+
+}  // namespace
+
+Toolkit toolkitNamed(const QString& name) {
+    Toolkit toolkit;
+    if (name == QLatin1String("Qt")) {
+        toolkit.offsets = OffsetUnit::Utf16;
+        toolkit.insertLength = LengthUnit::Utf16;
+    } else if (name == QLatin1String("Gecko")) {
+        toolkit.offsets = OffsetUnit::Utf16WithFillers;
+        toolkit.editing = Editing::OnlyClaimsToWork;
+    } else if (name == QLatin1String("Chromium")) {
+        toolkit.selectionEnds = SelectionEnds::StartAndCaret;
+    } else if (name == QLatin1String("GTK")) {  // GTK 4; GTK 3 calls itself gtk
+        toolkit.showing = ShowingState::NeverSet;
+    }
+    return toolkit;
+}
+
+QString shownText(const QString& sent, OffsetUnit unit) {
+    if (unit != OffsetUnit::Utf16WithFillers)
+        return sent;
+    QString shown;
+    shown.reserve(sent.size());
+    for (qint64 i = 0; i < sent.size(); ++i) {
+        shown.append(sent.at(i));
+        const bool afterPair = i > 0 && isPairAt(sent, i - 1);
+        if (afterPair && i + 1 < sent.size() && sent.at(i + 1) == filler)
+            ++i;
+    }
+    return shown;
+}
+
+qint64 toApplicationOffset(const QString& shown, qint64 utf16, OffsetUnit unit) {
+    const qint64 within = std::clamp<qint64>(utf16, 0, shown.size());
+    // A filler stands for the second unit of its pair, so the application's count is that of UTF-16.
+    if (unit != OffsetUnit::CodePoints)
+        return within;
+    qint64 offset = 0;
+    for (qint64 i = 0; i < within; i += isPairAt(shown, i) ? 2 : 1)
+        ++offset;
+    return offset;
+}
+
+qint64 toUtf16Offset(const QString& shown, qint64 offset, OffsetUnit unit) {
+    if (unit != OffsetUnit::CodePoints)
+        return std::clamp<qint64>(offset, 0, shown.size());
+    qint64 index = 0;
+    for (qint64 i = 0; i < offset && index < shown.size(); ++i)
+        index += isPairAt(shown, index) ? 2 : 1;
+    return index;
+}
+
+std::optional<text::Utf16Range> selectionOf(const QString& shown, const ReportedSelection& reported,
+                                            const Toolkit& toolkit) {
+    const auto position = [&](qint64 offset) { return toUtf16Offset(shown, offset, toolkit.offsets); };
+    const bool selects = reported.ends && reported.ends->first != reported.ends->second;
+    if (!selects) {
+        // With nothing selected some say caret..caret, some 0..0 and some give an error; the caret is always right.
+        if (reported.caret && *reported.caret >= 0)
+            return text::Utf16Range{position(*reported.caret), 0};
+        if (!reported.ends || reported.ends->first < 0)
+            return std::nullopt;
+        return text::Utf16Range{position(reported.ends->first), 0};
+    }
+    auto [start, end] = std::minmax(reported.ends->first, reported.ends->second);
+    if (toolkit.selectionEnds == SelectionEnds::StartAndCaret && reported.caret && *reported.caret > start)
+        return text::Utf16Range{position(start), position(*reported.caret) - position(start)};
+    return text::Utf16Range{position(start), position(end) - position(start)};
+}
+
+qint64 insertLength(const QString& inserted, LengthUnit unit) {
+    return unit == LengthUnit::Utf8Bytes ? inserted.toUtf8().size() : inserted.size();
+}
+
+}  // namespace tavrelon::desktop::atspi

@@ -1,0 +1,149 @@
+#include "desktop/atspi/field_writer.h"
+
+#include <thread>
+
+#include "desktop/atspi/chain.h"
+#include "desktop/atspi/field_repair.h"
+
+namespace tavrelon::desktop::atspi {
+
+using namespace std::chrono_literals;
+using platform::AXError;
+
+namespace {
+
+/// How long a change that was accepted may take to show.
+constexpr auto settleTime = 60ms;
+constexpr auto settlePause = 10ms;
+
+/// Stands for a picture or another thing in the text, which no text can bring back.
+constexpr QChar embeddedObject(0xFFFC);
+
+bool canBeSent(const QString& text) {
+    return !text.contains(QChar(0)) && QString::fromUtf8(text.toUtf8()) == text;
+}
+
+}  // namespace
+
+AXError FieldWriter::replaceSelection(const ObjectReference& field, const QString& inserted) {
+    if (!canBeSent(inserted))
+        return AXError::IllegalArgument;
+    field_ = field;
+    const auto description = reader_.describe(field);
+    if (!description)
+        return description.error();
+    description_ = *description;
+    const auto contents = reader_.read(field, description_);
+    if (!contents)
+        return contents.error();
+    if (!contents->selection)
+        return AXError::NoValue;
+    original_ = contents->value;
+    selection_ = *contents->selection;
+    return mayEdit(inserted) ? edit(inserted) : AXError::AttributeUnsupported;
+}
+
+bool FieldWriter::mayEdit(const QString& inserted) const {
+    const auto selected = original_.mid(selection_.location, selection_.length);
+    return description_.has(editableTextInterface) && description_.toolkit.editing == Editing::Works &&
+           !selected.contains(embeddedObject) && selected != inserted;
+}
+
+AXError FieldWriter::edit(const QString& inserted) {
+    QString before = original_;
+    if (selection_.length > 0) {
+        const auto without = TextEdit{selection_, {}}.applied(original_);
+        const bool accepted = remove(selection_, original_);
+        if (const auto result = outcome(accepted, before, without); result != Outcome::Reached)
+            return giveUp(result);
+        before = without;
+    }
+    if (!inserted.isEmpty()) {
+        const auto wanted = TextEdit{{selection_.location, 0}, inserted}.applied(before);
+        const bool accepted = insert(inserted, selection_.location, before);
+        if (const auto result = outcome(accepted, before, wanted); result != Outcome::Reached)
+            return giveUp(result);
+        before = wanted;
+    }
+    command(textInterface, "SetCaretOffset", {offset(selection_.location + inserted.size(), before)});
+    return AXError::Success;
+}
+
+FieldWriter::Outcome FieldWriter::outcome(bool accepted, const QString& before, const QString& wanted) {
+    for (auto waited = 0ms;; waited += settlePause) {
+        const auto now = reader_.readText(field_, description_.toolkit);
+        if (!now)
+            return Outcome::Unknown;
+        if (*now == wanted)
+            return Outcome::Reached;
+        if (*now != before)
+            return Outcome::SomethingElse;
+        if (!accepted || waited >= settleTime)
+            return Outcome::Unchanged;
+        std::this_thread::sleep_for(settlePause);
+        calls_.allowance().spend(settlePause);
+    }
+}
+
+AXError FieldWriter::giveUp(Outcome outcome) {
+    // One who does not answer may still do all that it was told; more commands would only add to it.
+    if (outcome == Outcome::Unknown)
+        return AXError::CannotComplete;
+    restore();
+    return AXError::Failure;
+}
+
+void FieldWriter::restore() {
+    const auto now = reader_.readText(field_, description_.toolkit);
+    if (!now)
+        return;
+    if (*now == original_)
+        return restoreSelection();
+    const auto repair = editBetween(*now, original_);
+    const auto without = TextEdit{repair.removed, {}}.applied(*now);
+    if (repair.removed.length > 0)
+        remove(repair.removed, *now);
+    if (!repair.inserted.isEmpty())
+        insert(repair.inserted, repair.removed.location, without);
+    if (!holds(original_))
+        command(editableTextInterface, "SetTextContents", {original_});
+    if (holds(original_))
+        return restoreSelection();
+    log_.line(QStringLiteral("[Accessibility] An application broke off a replacement and %1 characters could not be "
+                             "put back")
+                  .arg(text::characterCount(repair.inserted)));
+}
+
+void FieldWriter::restoreSelection() {
+    const auto start = offset(selection_.location, original_);
+    const auto end = offset(selection_.location + selection_.length, original_);
+    if (start == end)
+        command(textInterface, "SetCaretOffset", {start});
+    else if (!command(textInterface, "AddSelection", {start, end}))
+        command(textInterface, "SetSelection", {qint32{0}, start, end});
+}
+
+bool FieldWriter::remove(text::Utf16Range range, const QString& from) {
+    return command(editableTextInterface, "DeleteText",
+                   {offset(range.location, from), offset(range.location + range.length, from)});
+}
+
+bool FieldWriter::insert(const QString& inserted, qint64 at, const QString& into) {
+    // The wrong unit here makes some insert nothing and others swallow what follows.
+    const auto length = static_cast<qint32>(insertLength(inserted, description_.toolkit.insertLength));
+    return command(editableTextInterface, "InsertText", {offset(at, into), inserted, length});
+}
+
+bool FieldWriter::command(const char* interface, const char* method, const QVariantList& arguments) {
+    return chain(calls_.send(methodCall(field_, interface, method, arguments)), answerOf).value_or(false);
+}
+
+bool FieldWriter::holds(const QString& text) {
+    return reader_.readText(field_, description_.toolkit) == text;
+}
+
+qint32 FieldWriter::offset(qint64 utf16, const QString& in) const {
+    return static_cast<qint32>(toApplicationOffset(in, utf16, description_.toolkit.offsets));
+}
+
+}  // namespace tavrelon::desktop::atspi

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "desktop/atspi/field_reader.h"
+#include "platform/log.h"
+
+namespace tavrelon::desktop::atspi {
+
+/// Replaces the selection of one field. Main thread; within the allowance of `calls`.
+class FieldWriter {
+ public:
+    FieldWriter(AtspiCalls& calls, AtspiDirectory& directory, platform::Log& log)
+        : calls_(calls), reader_(calls, directory), log_(log) {}
+
+    /// Puts `inserted` in place of the selection, or at the caret where nothing is selected. Every step is read back,
+    /// since applications answer that they did what they did not. If one fails the field gets back what it held, and
+    /// its selection.
+    platform::AXError replaceSelection(const ObjectReference& field, const QString& inserted);
+
+ private:
+    enum class Outcome { Reached, Unchanged, SomethingElse, Unknown };
+
+    platform::AXError edit(const QString& inserted);
+    bool mayEdit(const QString& inserted) const;
+    bool remove(text::Utf16Range range, const QString& from);
+    bool insert(const QString& inserted, qint64 at, const QString& into);
+    bool command(const char* interface, const char* method, const QVariantList& arguments);
+    Outcome outcome(bool accepted, const QString& before, const QString& wanted);
+    platform::AXError giveUp(Outcome outcome);
+    void restore();
+    void restoreSelection();
+    bool holds(const QString& text);
+    qint32 offset(qint64 utf16, const QString& in) const;
+
+    AtspiCalls& calls_;
+    FieldReader reader_;
+    platform::Log& log_;
+    ObjectReference field_;
+    FieldDescription description_;
+    QString original_;
+    text::Utf16Range selection_;
+};
+
+}  // namespace tavrelon::desktop::atspi

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/file_system.h"
+
+namespace tavrelon::desktop {
+
+/// Files of the local disk. A write goes to a temporary file beside the target, is flushed to the disk and then takes
+/// the target's name, so a crash leaves the old or the new content; at most a few files `.tavrelon-write-N` stay
+/// behind, which later writes use again. Where the folder refuses new files, an existing target is overwritten in
+/// place. A target that is a symbolic link is followed. Only regular files are read; a device may be written to.
+class PosixFileSystem : public platform::FileSystem {
+ public:
+    bool exists(const QString& path) const override;
+    std::expected<QByteArray, platform::FileError> read(const QString& path) const override;
+    std::expected<void, platform::FileError> write(const QString& path, const QByteArray& content) override;
+    std::expected<void, platform::FileError> createDirectory(const QString& path) override;
+    std::expected<void, platform::FileError> remove(const QString& path) override;
+};
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,57 @@
+#include "desktop/qt/http_redirect.h"
+
+#include <algorithm>
+
+namespace tavrelon::desktop {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool sameOrigin(const QUrl& a, const QUrl& b) {
+    const auto port = [](const QUrl& url) { return url.port(url.scheme() == "https"_L1 ? 443 : 80); };
+    return a.scheme() == b.scheme() && a.host() == b.host() && port(a) == port(b);
+}
+
+bool named(const std::pair<QByteArray, QByteArray>& header, QByteArrayView name) {
+    return header.first.compare(name, Qt::CaseInsensitive) == 0;
+}
+
+bool carriesKeyOrBody(const platform::HttpRequest& request) {
+    return !request.body.isEmpty() ||
+           std::ranges::any_of(request.headers, [](const auto& header) { return named(header, "Authorization"); });
+}
+
+void turnIntoGet(platform::HttpRequest& request) {
+    request.method = "GET";
+    request.body.clear();
+    std::erase_if(request.headers, [](const auto& header) { return named(header, "Content-Type"); });
+}
+
+}  // namespace
+
+bool isRedirect(int status) {
+    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+std::expected<platform::HttpRequest, platform::HttpError> redirected(const platform::HttpRequest& request, int status,
+                                                                     const QByteArray& location) {
+    const auto refuse = [](const QString& why) {
+        return std::unexpected(platform::HttpError{platform::HttpError::Code::Transport, why});
+    };
+    const auto target = request.url.resolved(QUrl::fromEncoded(location, QUrl::StrictMode));
+    if (!target.isValid() || target.host().isEmpty() || (target.scheme() != "https"_L1 && target.scheme() != "http"_L1))
+        return refuse(u"The server redirected to an address that cannot be followed."_s);
+
+    auto next = request;
+    next.url = target;
+    if ((status == 303 && request.method != "HEAD") || ((status == 301 || status == 302) && request.method == "POST"))
+        turnIntoGet(next);
+    if (request.url.scheme() == "https"_L1 && target.scheme() == "http"_L1 && carriesKeyOrBody(request))
+        return refuse(u"The server redirected to an address without encryption."_s);
+    if (!sameOrigin(request.url, target))
+        std::erase_if(next.headers, [](const auto& header) { return named(header, "Authorization"); });
+    return next;
+}
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,135 @@
+#include "desktop/qt/qt_http_exchange.h"
+
+#include <QNetworkAccessManager>
+#include <QSslError>
+
+#include "desktop/qt/http_error_text.h"
+#include "desktop/qt/http_redirect.h"
+
+namespace tavrelon::desktop {
+
+using namespace Qt::StringLiterals;
+using Code = platform::HttpError::Code;
+
+namespace {
+
+bool isHttpAddress(const QUrl& url) {
+    return url.isValid() && !url.host().isEmpty() && (url.scheme() == "http"_L1 || url.scheme() == "https"_L1);
+}
+
+QNetworkRequest networkRequest(const platform::HttpRequest& request) {
+    QNetworkRequest network(request.url);
+    network.setHeader(QNetworkRequest::UserAgentHeader, u"Tavrelon/1.0"_s);
+    for (const auto& [name, value] : request.headers)
+        network.setRawHeader(name, value);
+    network.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    network.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    network.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
+    network.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
+    network.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    network.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    return network;
+}
+
+}  // namespace
+
+QtHttpExchange::QtHttpExchange(QNetworkAccessManager& manager, async::MainLoop& loop, platform::HttpRequest request,
+                               std::move_only_function<void(Answer)> finished)
+    : manager_(manager), loop_(loop), request_(std::move(request)), finished_(std::move(finished)) {}
+
+QtHttpExchange::~QtHttpExchange() {
+    dropReply();
+}
+
+void QtHttpExchange::start() {
+    if (!isHttpAddress(request_.url))
+        return fail(Code::InvalidUrl, u"The address is not valid."_s);
+    wholeTimer_ = loop_.after(request_.resourceTimeout, [this] { fail(Code::TimedOut, u"The request timed out."_s); });
+    sendRequest();
+}
+
+void QtHttpExchange::sendRequest() {
+    noteActivity();
+    const auto network = networkRequest(request_);
+    if (request_.method == "GET")
+        reply_ = manager_.get(network);
+    else if (request_.method == "POST")
+        reply_ = manager_.post(network, request_.body);
+    else
+        reply_ = manager_.sendCustomRequest(network, request_.method, request_.body);
+    connect(reply_, &QNetworkReply::uploadProgress, this, [this] { noteActivity(); });
+    connect(reply_, &QNetworkReply::encrypted, this, [this] { noteActivity(); });
+    connect(reply_, &QNetworkReply::readyRead, this, [this] { readBody(); });
+    connect(reply_, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
+        if (!errors.isEmpty())
+            tlsFault_ = errors.first().errorString();
+    });
+    connect(reply_, &QNetworkReply::finished, this, [this] { readAnswer(); });
+    watchActivity();
+}
+
+void QtHttpExchange::watchActivity() {
+    const auto quiet = loop_.now() - lastActivity_;
+    if (quiet >= request_.requestTimeout)
+        return fail(Code::TimedOut, u"The request timed out."_s);
+    activityTimer_ = loop_.after(request_.requestTimeout - quiet, [this] { watchActivity(); });
+}
+
+void QtHttpExchange::readBody() {
+    noteActivity();
+    body_ += reply_->readAll();
+    if (body_.size() > platform::HttpSession::bodyCap)
+        fail(Code::BodyTooLarge, u"The answer of %1 is larger than 64 MiB."_s.arg(request_.url.host()));
+}
+
+void QtHttpExchange::readAnswer() {
+    readBody();
+    if (!reply_)
+        return;
+    const int status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const auto error = reply_->error();
+    const bool whole = error == QNetworkReply::NoError || (status >= 400 && isStatusError(error));
+    if (status <= 0 || !whole)
+        return finish(std::unexpected(httpError(error, request_.url, tlsFault_)));
+    if (isRedirect(status) && reply_->hasRawHeader("Location"))
+        return follow(status);
+    const auto pairs = reply_->rawHeaderPairs();
+    finish(platform::HttpResponse{
+        .status = status, .headers = {pairs.begin(), pairs.end()}, .body = std::move(body_), .url = request_.url});
+}
+
+void QtHttpExchange::follow(int status) {
+    auto next = redirected(request_, status, reply_->rawHeader("Location"));
+    if (next && ++redirects_ > mostRedirects)
+        next = std::unexpected(platform::HttpError{Code::Transport, u"The server redirects without end."_s});
+    if (!next)
+        return finish(std::unexpected(next.error()));
+    dropReply();
+    body_.clear();
+    request_ = std::move(*next);
+    sendRequest();
+}
+
+void QtHttpExchange::dropReply() {
+    if (!reply_)
+        return;
+    auto* reply = reply_.data();
+    reply_.clear();
+    reply->disconnect(this);
+    reply->abort();
+    reply->deleteLater();
+}
+
+void QtHttpExchange::fail(Code code, const QString& description) {
+    finish(std::unexpected(platform::HttpError{code, description}));
+}
+
+void QtHttpExchange::finish(Answer answer) {
+    activityTimer_.reset();
+    wholeTimer_.reset();
+    dropReply();
+    if (auto finished = std::exchange(finished_, nullptr))
+        finished(std::move(answer));
+}
+
+}  // namespace tavrelon::desktop

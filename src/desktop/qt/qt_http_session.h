@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+
+#include "async/main_loop.h"
+#include "platform/http_session.h"
+
+class QNetworkAccessManager;
+
+namespace tavrelon::desktop {
+
+/// HTTP/1.1 and HTTP/2 on Qt's network stack. No cookies, no cache; the proxy is the environment's, except for the
+/// machine itself, which is always reached directly. The stack is built at the first request and given back a minute
+/// after the last one, so that an idle process does not hold its threads, connections and certificates.
+class QtHttpSession : public platform::HttpSession {
+ public:
+    static constexpr std::chrono::seconds idleLife{60};
+
+    explicit QtHttpSession(async::MainLoop& loop);
+    ~QtHttpSession() override;
+
+    async::Task<std::expected<platform::HttpResponse, platform::HttpError>> send(
+        platform::HttpRequest request) override;
+
+ private:
+    class Use;
+
+    async::MainLoop& loop_;
+    std::unique_ptr<QNetworkAccessManager> manager_;
+    int uses_ = 0;
+    async::Timer idleTimer_;
+};
+
+}  // namespace tavrelon::desktop

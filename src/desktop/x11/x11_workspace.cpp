@@ -1,0 +1,82 @@
+#include "desktop/x11/x11_workspace.h"
+
+#include <unistd.h>
+
+#include "desktop/linux/process_info.h"
+#include "desktop/linux/process_launcher.h"
+#include "desktop/x11/application_identifiers.h"
+
+namespace tavrelon::desktop {
+
+using platform::RunningApplication;
+
+namespace {
+
+/// The process behind a window; 0 where it is unknown. A number from another machine would name a stranger here. Some
+/// programs give no machine: they are taken to run here if such a process exists.
+qint64 trustedProcess(const X11WindowProperties& window) {
+    const bool here = window.machine.isEmpty() || isThisMachine(window.machine);
+    return here && isProcessRunning(window.processIdentifier) ? window.processIdentifier : 0;
+}
+
+std::optional<QString> notEmpty(const QString& text) {
+    return text.isEmpty() ? std::nullopt : std::optional(text);
+}
+
+}  // namespace
+
+std::expected<std::unique_ptr<X11Workspace>, QString> X11Workspace::create(const QByteArray& displayName,
+                                                                           DesktopEntryCatalog entries) {
+    auto windows = X11WindowQueries::open(displayName);
+    if (!windows)
+        return std::unexpected(windows.error());
+    return std::unique_ptr<X11Workspace>(new X11Workspace(std::move(*windows), std::move(entries)));
+}
+
+std::optional<RunningApplication> X11Workspace::frontmostApplication() {
+    const auto window = windows_->activeWindow();
+    if (window == XCB_NONE)
+        return std::nullopt;
+    const auto found = windows_->properties(window);
+    const auto process = trustedProcess(found);
+    if (process == 0)
+        return std::nullopt;
+    const auto entry = entries_.find({.applicationId = found.applicationId,
+                                      .windowClass = found.windowClass,
+                                      .windowInstance = found.windowInstance,
+                                      .executable = executableNameOf(process)});
+    return RunningApplication{
+        .processIdentifier = process,
+        .bundleIdentifier = bundleIdentifierOf(
+            {entry ? entry->id : QString(), found.applicationId, found.windowClass, found.windowInstance}),
+        .localizedName = entry ? entry->name : notEmpty(found.windowClass),
+        .windowIdentifier = window};
+}
+
+std::optional<QString> X11Workspace::frontmostWindowTitle() {
+    const auto window = windows_->activeWindow();
+    return window == XCB_NONE ? std::nullopt : windows_->title(window);
+}
+
+bool X11Workspace::isOwnApplicationActive() {
+    const auto window = windows_->activeWindow();
+    return window != XCB_NONE && trustedProcess(windows_->properties(window)) == ::getpid();
+}
+
+bool X11Workspace::isTerminated(const RunningApplication& application) {
+    if (!isProcessRunning(application.processIdentifier))
+        return true;
+    return application.windowIdentifier != 0 &&
+           windows_->isGone(static_cast<xcb_window_t>(application.windowIdentifier));
+}
+
+bool X11Workspace::activate(const RunningApplication& application) {
+    return application.windowIdentifier != 0 &&
+           windows_->requestActivation(static_cast<xcb_window_t>(application.windowIdentifier));
+}
+
+bool X11Workspace::openUrl(const QUrl& url) {
+    return openInDesktop(url);
+}
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,88 @@
+#include "generation/chat_glm.h"
+#include "generation/chat_nvidia.h"
+#include "generation/chat_ollama.h"
+#include "generation/chat_pollinations.h"
+#include "generation/chat_wire.h"
+#include "generation/pollinations_service.h"
+
+/// The gateway's single calls: what it holds is put into a request, sent, and the answer read.
+namespace tavrelon::generation {
+
+async::Task<QString> PollinationsService::generateWithPollinations(QString model, ImageCapability imageCapable,
+                                                                   ChatPrompt prompt, JsonMode jsonMode) {
+    auto request = chat_pollinations::buildRequest({.baseURL = pollinationsBaseURL(),
+                                                    .key = effectivePollinationsApiKey(),
+                                                    .model = std::move(model),
+                                                    .imageCapable = imageCapable,
+                                                    .prompt = std::move(prompt),
+                                                    .jsonMode = jsonMode});
+    const auto response = co_await raceWithDeadline(raceDeadline, exchange(std::move(request)));
+    co_return chat_pollinations::readResponse(response);
+}
+
+async::Task<QString> PollinationsService::generateWithGLM(PollinationsModel model, ChatPrompt prompt,
+                                                          JsonMode jsonMode) {
+    auto request = chat_glm::buildRequest({.baseURL = endpoints_.glmBaseURL,
+                                           .key = glmApiKey,
+                                           .model = model,
+                                           .prompt = std::move(prompt),
+                                           .jsonMode = jsonMode});
+    const auto response = co_await raceWithDeadline(raceDeadline, exchange(std::move(request)));
+    co_return chat_glm::readResponse(response);
+}
+
+async::Task<QString> PollinationsService::generateWithNvidia(PollinationsModel model, ChatPrompt prompt,
+                                                             std::optional<std::vector<QByteArray>> images,
+                                                             Thinking thinking) {
+    auto request = chat_nvidia::buildRequest({.url = endpoints_.nvidiaChatCompletionsURL,
+                                              .key = effectiveNvidiaApiKey(),
+                                              .model = model,
+                                              .prompt = std::move(prompt),
+                                              .images = std::move(images),
+                                              .thinking = thinking,
+                                              .thinkEnabled = nvidiaThinkEnabled});
+    const auto response = co_await exchange(std::move(request));
+    co_return chat_nvidia::readResponse(response);
+}
+
+async::Task<QString> PollinationsService::generateWithOllama(QString systemPrompt, QString userPrompt,
+                                                             std::optional<QByteArray> image) {
+    const bool cloud = ollamaMode == OllamaMode::cloud;
+    auto request = chat_ollama::buildRequest(
+        {.mode = ollamaMode,
+         .url = cloud ? endpoints_.ollamaCloudChatURL : ollamaLocalEndpoint.value_or(endpoints_.ollamaLocalChatURL),
+         .model = cloud ? ollamaCloudModel : ollamaLocalModel,
+         .key = cloud ? ollamaCloudApiKey : ollamaLocalApiKey,
+         .systemPrompt = std::move(systemPrompt),
+         .userPrompt = std::move(userPrompt),
+         .image = std::move(image)});
+    const auto response = co_await exchange(std::move(request));
+    co_return chat_ollama::readResponse(response);
+}
+
+async::Task<QString> PollinationsService::generateWithModel(PollinationsModel model, ChatPrompt prompt,
+                                                            JsonMode jsonMode) {
+    switch (chatProtocol(model)) {
+        case ChatProtocol::GLM:
+            co_return co_await generateWithGLM(model, std::move(prompt), jsonMode);
+        case ChatProtocol::Nvidia:
+            co_return co_await generateWithNvidia(model, std::move(prompt), std::nullopt, Thinking::AsConfigured);
+        case ChatProtocol::Pollinations:
+            break;
+    }
+    const bool capable = model == PollinationsModel::openai || model == PollinationsModel::gemini;
+    co_return co_await generateWithPollinations(identifier(model), capable ? ImageCapability::Yes : ImageCapability::No,
+                                                std::move(prompt), jsonMode);
+}
+
+async::Task<QStringList> PollinationsService::fetchOllamaCloudModels() {
+    const auto url = chat_wire::formUrl(endpoints_.ollamaCloudTagsURL);
+    if (!url)
+        throw PollinationsError::invalidURL();
+    platform::HttpRequest request;
+    request.url = *url;
+    request.requestTimeout = chat_wire::requestTimeout;
+    co_return chat_ollama::readModelList(co_await exchange(std::move(request)));
+}
+
+}  // namespace tavrelon::generation

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QUrl>
+#include <optional>
+
+#include "platform/http_session.h"
+#include "text/json.h"
+
+/// What the chat protocols have in common on the wire. Pure.
+namespace tavrelon::generation::chat_wire {
+
+/// A time without a moving byte after which a chat request is given up.
+inline constexpr std::chrono::seconds requestTimeout{60};
+
+/// The address, absent when the text does not form one.
+std::optional<QUrl> formUrl(const QString& text);
+
+/// A number that prints as the shortest decimal that means this float: 0.7, not 0.699999988.
+text::Json decimal(float value);
+
+text::Json message(const char* role, text::Json content);
+text::Json textPart(const QString& text);
+
+/// {"type": "image_url", ...} with the JPEG as a data URL.
+text::Json imagePart(const QByteArray& jpeg);
+
+/// A POST of the document. The Authorization header goes out only with a key that is not empty.
+platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& key, const text::Json& body);
+
+/// "Authorization: Bearer" and the key, appended only when there is one.
+void authorize(platform::HttpRequest& request, const std::optional<QString>& key);
+
+/// The body as UTF-8, or "Unknown error" when it is not.
+QString errorText(const QByteArray& body);
+
+/// The document of an answer with status 200. Any other status is an `apiError` with the body, a body that is no JSON
+/// a `JsonError`.
+text::Json document(const platform::HttpResponse& response);
+
+/// The "content" of the first choice's message; null when the document has another shape or no such key.
+const text::Json* firstChoiceContent(const text::Json& document);
+
+}  // namespace tavrelon::generation::chat_wire

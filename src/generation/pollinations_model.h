@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+#include <array>
+#include <cstdint>
+
+namespace tavrelon::generation {
+
+/// The models that the gateway knows, whatever protocol they speak.
+enum class PollinationsModel : std::uint8_t {
+    openai,
+    mistral,
+    gemini,
+    deepseek,
+    nvidiaNemotron,
+    glmTextFlash,
+    glmVision,
+    glmVisionFlash,
+    zimage,
+    flux,
+    turbo,
+};
+
+enum class ChatProtocol : std::uint8_t { Pollinations, Nvidia, GLM };
+
+/// The identifier on the wire.
+QString identifier(PollinationsModel model);
+QString displayName(PollinationsModel model);
+
+/// The protocol by which a walk asks the model. An image model counts as a Pollinations one.
+ChatProtocol chatProtocol(PollinationsModel model);
+
+/// Which model goes first when an image is sent.
+enum class VisionModelPreference : std::uint8_t { speed, quality };
+inline constexpr std::array allVisionModelPreferences{VisionModelPreference::speed, VisionModelPreference::quality};
+QString rawValue(VisionModelPreference preference);
+
+/// Where the user's Ollama server is.
+enum class OllamaMode : std::uint8_t { cloud, local };
+inline constexpr std::array allOllamaModes{OllamaMode::cloud, OllamaMode::local};
+QString rawValue(OllamaMode mode);
+
+}  // namespace tavrelon::generation

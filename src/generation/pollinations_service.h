@@ -1,0 +1,134 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "async/waits.h"
+#include "generation/chat_prompt.h"
+#include "generation/pollinations_error.h"
+#include "generation/pollinations_model.h"
+#include "generation/service_endpoints.h"
+#include "platform/http_session.h"
+#include "platform/log.h"
+
+namespace tavrelon::generation {
+
+/// The keys that the service is made with; each is trimmed, and absent when nothing is left of it.
+struct ProviderKeys {
+    std::optional<QString> defaultPollinationsApiKey;
+    std::optional<QString> glmApiKey;
+    std::optional<QString> nvidiaApiKey;
+};
+
+/// Through this object every model call leaves the machine. It holds the addresses, the keys, the model lists and the
+/// rules of fall-back. Main thread; it outlives the tasks it gives out.
+///
+/// Operations throw `PollinationsError`, `TransportError`, `text::JsonError` (all of them `text::LocalizedError`), or
+/// `async::CancellationError` when the awaiting task was asked to stop; a walk over models ends there at once.
+class PollinationsService {
+ public:
+    static constexpr std::chrono::seconds raceDeadline{30};
+
+    PollinationsService(async::MainLoop& mainLoop, platform::HttpSession& session, platform::Log& log,
+                        ServiceEndpoints endpoints, const ProviderKeys& keys);
+
+    // The user's configuration. A request in flight reads it as it goes.
+    std::optional<QString> pollinationsApiKey;
+    std::optional<QString> glmApiKey;
+    std::optional<QString> nvidiaApiKey;
+    bool nvidiaEnabled = false;
+    bool nvidiaThinkEnabled = false;
+    bool ollamaEnabled = false;
+    OllamaMode ollamaMode = OllamaMode::cloud;
+    std::optional<QString> ollamaCloudModel;
+    std::optional<QString> ollamaCloudApiKey;
+    std::optional<QString> ollamaLocalModel;
+    std::optional<QString> ollamaLocalEndpoint;
+    std::optional<QString> ollamaLocalApiKey;
+    bool pollinationsCustomEnabled = false;
+    std::optional<QString> pollinationsBaseURLOverride;
+    std::optional<QString> pollinationsImageModelOverride;
+    std::optional<QString> pollinationsVisionModelOverride;
+    PollinationsModel imageModel = PollinationsModel::zimage;
+    bool allowGLMFallbackForPromptEnhancement = false;
+
+    // The lists that walks go through, first to last.
+    std::vector<PollinationsModel> textModels;
+    std::vector<PollinationsModel> visionModels;
+
+    VisionModelPreference visionModelPreference() const { return visionModelPreference_; }
+
+    /// Stores the preference and rebuilds `visionModels`.
+    void setVisionModelPreference(VisionModelPreference preference);
+    void rebuildVisionModels();
+
+    /// Asks the configured chain of models until one answers. An empty text is an answer. Throws the last model's
+    /// error, or `allModelsFailed` when no model was asked.
+    async::Task<QString> generateText(QString systemPrompt, QString userPrompt, std::optional<QByteArray> image,
+                                      qint64 maxTokens, float temperature);
+
+    // One call of one model. No fall-back, no retry.
+    async::Task<QString> generateWithPollinations(QString model, ImageCapability imageCapable, ChatPrompt prompt,
+                                                  JsonMode jsonMode);
+    async::Task<QString> generateWithGLM(PollinationsModel model, ChatPrompt prompt, JsonMode jsonMode);
+    async::Task<QString> generateWithNvidia(PollinationsModel model, ChatPrompt prompt,
+                                            std::optional<std::vector<QByteArray>> images, Thinking thinking);
+    async::Task<QString> generateWithOllama(QString systemPrompt, QString userPrompt, std::optional<QByteArray> image);
+
+    /// One call by the protocol that the model speaks, as every walk makes it.
+    async::Task<QString> generateWithModel(PollinationsModel model, ChatPrompt prompt, JsonMode jsonMode);
+
+    /// The names of the models in the Ollama cloud, sorted, each once.
+    async::Task<QStringList> fetchOllamaCloudModels();
+
+    /// The models of `list` that can be asked, in order: with an image only those that take one.
+    static std::vector<PollinationsModel> availableModels(const std::vector<PollinationsModel>& list,
+                                                          const std::optional<QByteArray>& image);
+
+    /// Awaits `request` for at most `limit`; past it the request is ended and `requestTimedOut` thrown.
+    template <typename T>
+    async::Task<T> raceWithDeadline(std::chrono::nanoseconds limit, async::Task<T> request);
+
+    /// Sends the request. Throws `invalidResponse` for what is no HTTP and `TransportError` for no answer at all.
+    async::Task<platform::HttpResponse> exchange(platform::HttpRequest request);
+
+    /// Trimmed, without any trailing "/"; absent when empty.
+    static std::optional<QString> normalizedBaseURL(const QString& typed);
+
+    /// Trimmed; absent when empty; "openai.pollinations" is "openai".
+    static std::optional<QString> normalizedModelName(const QString& typed);
+
+    /// The user's gateway while custom mode is on and one is set, else the default one.
+    QString pollinationsBaseURL() const;
+
+    /// The user's key while custom mode is on, else the built-in one.
+    std::optional<QString> effectivePollinationsApiKey() const;
+
+    /// The user's NVIDIA key if there is one and NVIDIA is on, else the built-in one.
+    std::optional<QString> effectiveNvidiaApiKey() const;
+
+    const ServiceEndpoints& endpoints() const { return endpoints_; }
+
+ private:
+    async::Task<std::optional<QString>> customModelText(ChatPrompt prompt);
+    async::Task<std::optional<QString>> firstWalk(ChatPrompt prompt, std::exception_ptr& lastError);
+    async::Task<std::optional<QString>> walkWithoutImage(ChatPrompt prompt, std::exception_ptr& lastError);
+
+    async::MainLoop& mainLoop_;
+    platform::HttpSession& session_;
+    platform::Log& log_;
+    ServiceEndpoints endpoints_;
+    std::optional<QString> defaultPollinationsApiKey_;
+    VisionModelPreference visionModelPreference_ = VisionModelPreference::speed;
+};
+
+template <typename T>
+async::Task<T> PollinationsService::raceWithDeadline(std::chrono::nanoseconds limit, async::Task<T> request) {
+    try {
+        co_return co_await async::raceWithDeadline(mainLoop_, limit, std::move(request));
+    } catch (const async::DeadlineExceeded&) {
+        throw PollinationsError::requestTimedOut();
+    }
+}
+
+}  // namespace tavrelon::generation

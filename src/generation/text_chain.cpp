@@ -1,0 +1,109 @@
+#include "generation/model_walk.h"
+
+/// The chain that serves a text or vision request, from the user's own model down to the last of the list.
+namespace tavrelon::generation {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto tag = "[Pollinations] "_L1;
+
+/// The line that tells why the first walk leaves a model.
+QString failureLine(PollinationsModel model, const std::exception_ptr& error, bool imageSent) {
+    const auto failed = tag + "Text generation failed with "_L1 + displayName(model) + ": "_L1;
+    try {
+        std::rethrow_exception(error);
+    } catch (const PollinationsError& known) {
+        const bool api = known.code() == PollinationsError::Code::apiError;
+        if (api && known.status() == 400 && known.text().contains("1210"_L1) &&
+            chatProtocol(model) == ChatProtocol::GLM)
+            return tag + (imageSent ? "GLM error 1210 with image input. Skipping model."_L1
+                                    : "GLM error 1210. Skipping model."_L1);
+        if (known.code() == PollinationsError::Code::unsupportedImageInput)
+            return tag + known.text() + ". Skipping model."_L1;
+        return failed + (api ? known.text() : known.localizedDescription());
+    } catch (const std::exception& other) {
+        return failed + text::localizedDescription(other);
+    }
+}
+
+}  // namespace
+
+async::Task<QString> PollinationsService::generateText(QString systemPrompt, QString userPrompt,
+                                                       std::optional<QByteArray> image, qint64 maxTokens,
+                                                       float temperature) {
+    if (ollamaEnabled && image)
+        co_return co_await generateWithOllama(std::move(systemPrompt), std::move(userPrompt), std::move(image));
+
+    const ChatPrompt prompt{std::move(systemPrompt), std::move(userPrompt), std::move(image), maxTokens, temperature};
+    if (auto text = co_await customModelText(prompt))
+        co_return *text;
+    std::exception_ptr lastError;
+    if (auto text = co_await firstWalk(prompt, lastError))
+        co_return *text;
+    if (prompt.image) {
+        log_.line(tag + "All vision models failed. Retrying without image."_L1);
+        if (auto text = co_await walkWithoutImage(prompt, lastError))
+            co_return *text;
+    }
+    if (lastError)
+        std::rethrow_exception(lastError);
+    throw PollinationsError::allModelsFailed();
+}
+
+async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPrompt prompt) {
+    if (!pollinationsCustomEnabled || !pollinationsVisionModelOverride || pollinationsVisionModelOverride->isEmpty())
+        co_return std::nullopt;
+    const auto model = *pollinationsVisionModelOverride;
+    const auto capable = prompt.image ? ImageCapability::Yes : ImageCapability::No;
+    try {
+        auto text = co_await generateWithPollinations(model, capable, std::move(prompt), JsonMode::Off);
+        log_.line(tag + "Text generated with custom model "_L1 + model);
+        co_return text;
+    } catch (const async::CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        log_.line(tag + "Custom Pollinations model failed: "_L1 + text::localizedDescription(error));
+    }
+    co_return std::nullopt;
+}
+
+async::Task<std::optional<QString>> PollinationsService::firstWalk(ChatPrompt prompt, std::exception_ptr& lastError) {
+    auto models = availableModels(prompt.image ? visionModels : textModels, prompt.image);
+    const bool imageSent = prompt.image.has_value();
+    WalkSteps steps{
+        .accept =
+            [this](PollinationsModel model, const QString& reply) {
+                log_.line(tag + "Text generated with "_L1 + displayName(model));
+                return std::optional(reply);
+            },
+        .failed =
+            [this, &lastError, imageSent](PollinationsModel model, std::exception_ptr error) {
+                log_.line(failureLine(model, error, imageSent));
+                lastError = std::move(error);
+            },
+    };
+    return walkModels(*this, std::move(models), std::move(prompt), JsonMode::Off, std::move(steps));
+}
+
+async::Task<std::optional<QString>> PollinationsService::walkWithoutImage(ChatPrompt prompt,
+                                                                          std::exception_ptr& lastError) {
+    prompt.image.reset();
+    WalkSteps steps{
+        .accept =
+            [this](PollinationsModel model, const QString& reply) {
+                log_.line(tag + "Text generated with "_L1 + displayName(model) + " (no image)"_L1);
+                return std::optional(reply);
+            },
+        .failed =
+            [this, &lastError](PollinationsModel model, std::exception_ptr error) {
+                log_.line(tag + "Text generation failed with "_L1 + displayName(model) + " (no image): "_L1 +
+                          describe(error));
+                lastError = std::move(error);
+            },
+    };
+    return walkModels(*this, textModels, std::move(prompt), JsonMode::Off, std::move(steps));
+}
+
+}  // namespace tavrelon::generation

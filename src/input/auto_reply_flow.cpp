@@ -1,0 +1,96 @@
+#include "input/auto_reply_flow.h"
+
+#include "async/waits.h"
+#include "input/request_settings.h"
+
+namespace tavrelon::input {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const auto promptWithoutSelection = QStringLiteral("请根据当前上下文直接输出一条合适的回复正文，不要加前缀或解释。");
+const auto promptBeforeSelection = QStringLiteral("请直接输出回复正文，不要加前缀或解释：\n");
+
+}  // namespace
+
+void AutoReplyFlow::startAutoReply() {
+    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
+        return;
+    machine_.enterProcessingLater(InputTrigger::autoReply);
+    machine_.beginProcessingTask([this](QUuid id) { return processAutoReply(id); });
+}
+
+async::Task<void> AutoReplyFlow::processAutoReply(QUuid id) {
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    const auto context = co_await services_.contextCapturer.captureContext(QString(), capture::ScreenshotWish::Include);
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    try {
+        co_await reply(id, context);
+    } catch (const async::CancellationError&) {
+        machine_.resetIfOwned(id);
+    } catch (const std::exception& error) {
+        const auto description = text::localizedDescription(error);
+        services_.platform.log.line(QStringLiteral("Error processing auto reply: ") + description);
+        machine_.failLater(id, description);
+    }
+}
+
+async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedContext& context) {
+    const auto selection = context.selection ? text::trimmed(*context.selection) : QString();
+    const auto prompt = selection.isEmpty() ? promptWithoutSelection : promptBeforeSelection + selection;
+    const auto& settings = services_.storageManager.settings();
+    std::optional<QString> userStyle;
+    if (settings.enableLocalLearning)
+        userStyle = services_.historyManager.userStyleProfile(std::max<qint64>(settings.maxHistoryEntries, 0));
+    const auto retried = co_await generateWithRetry(
+        machine_, services_.platform.mainLoop, id, generationAttempts, generationRetryDelay,
+        [this, &context, prompt, userStyle] { return generateOnce(prompt, context, userStyle); });
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    if (retried.result.text) {
+        co_await async::pause(services_.platform.mainLoop, 50ms);
+        co_await services_.outputWriter.pasteText(*retried.result.text);
+        if (!machine_.isCurrentTask(id))
+            co_return;
+    }
+    record(context, selection, retried);
+    co_await machine_.complete(id, 2s);
+}
+
+async::Task<generation::GenerationResult> AutoReplyFlow::generateOnce(QString prompt,
+                                                                      const capture::CapturedContext& context,
+                                                                      std::optional<QString> userStyle) {
+    const auto& settings = services_.storageManager.settings();
+    GenerationRequest request;
+    request.input = std::move(prompt);
+    request.context = context;
+    request.userStyle = std::move(userStyle);
+    request.languageStyle = cloneLanguageStyleForRequest(settings);
+    request.cloneSystemPrompt = cloneSystemPromptForRequest(settings);
+    request.userVoice = adaptivePromptForRequest(settings);
+    request.enhanceImagePrompts = settings.enableImagePromptEnhancement;
+    co_return co_await services_.generator.generate(std::move(request));
+}
+
+void AutoReplyFlow::record(const capture::CapturedContext& context, const QString& inputText,
+                           const RetriedResult& retried) {
+    const auto& decision = retried.result.decisionObject;
+    persistence::HistoryEntry entry;
+    entry.id = QUuid::createUuid();
+    entry.timestamp = services_.platform.mainLoop.wallTime();
+    if (decision)
+        entry.sceneID = decision->sceneID;
+    entry.intent = decision ? decision->intent : QStringLiteral("reply");
+    entry.appBundleID = context.appBundleID;
+    entry.appName = context.appName;
+    entry.windowTitle = context.windowTitle;
+    entry.inputText = inputText;
+    entry.outputText = retried.result.text.value_or(QStringLiteral("[Auto Reply]"));
+    entry.retryCount = retried.retryCount;
+    services_.historyManager.addEntry(std::move(entry));
+}
+
+}  // namespace tavrelon::input

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+
+#include "async/task.h"
+#include "generation/generation_result.h"
+#include "input/input_state_machine.h"
+
+namespace tavrelon::input {
+
+/// A result and how many failed attempts came before it.
+struct RetriedResult {
+    generation::GenerationResult result;
+    qint64 retryCount = 0;
+};
+
+using GenerationOperation = std::function<async::Task<generation::GenerationResult>()>;
+
+/// How often a request is tried, and the pause after the first failure; the second pause is twice as long. Nothing has
+/// touched the field before an answer is there, so trying again is safe.
+inline constexpr int generationAttempts = 3;
+inline constexpr std::chrono::milliseconds generationRetryDelay{350};
+
+/// Runs `operation` until it succeeds, at most `maxAttempts` times. A cancellation, an empty input and an unfinished
+/// input are not tried again. Throws the last error, or `CancellationError` when `id` was overtaken.
+async::Task<RetriedResult> generateWithRetry(InputStateMachine& machine, async::MainLoop& loop,
+                                             InputStateMachine::TaskID id, int maxAttempts,
+                                             std::chrono::nanoseconds baseDelay, GenerationOperation operation);
+
+}  // namespace tavrelon::input

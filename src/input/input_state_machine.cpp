@@ -1,0 +1,221 @@
+#include "input/input_state_machine.h"
+
+#include "async/waits.h"
+#include "input/auto_reply_flow.h"
+#include "input/text_request_pipeline.h"
+#include "input/video_flow.h"
+#include "input/voice_flow.h"
+
+namespace tavrelon::input {
+
+using Case = InputState::Case;
+
+InputStateMachine::InputStateMachine(InputServices services)
+    : services_(services),
+      textRequests_(std::make_unique<TextRequestPipeline>(*this, services)),
+      voice_(std::make_unique<VoiceFlow>(*this, services)),
+      autoReply_(std::make_unique<AutoReplyFlow>(*this, services)),
+      video_(std::make_unique<VideoFlow>(*this, services)),
+      tasks_(services.platform.mainLoop) {}
+
+InputStateMachine::~InputStateMachine() = default;
+
+void InputStateMachine::startTextInput() {
+    if (!isNewInputPossible() || !ensureAIEnabled())
+        return;
+    clearTypedInput();
+    // At once, before any further key can arrive.
+    initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    schedule([this] { enterInputState(Case::listening, InputTrigger::text); });
+}
+
+void InputStateMachine::commitTextInput() {
+    if (currentState() != Case::listening)
+        return;
+    auto snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    setStateLater(Case::processing);
+    beginProcessingTask([this, snapshot = std::move(snapshot), buffer = typedInputBuffer_](TaskID id) {
+        return textRequests_->processTextRequest(buffer, snapshot, id, TranscriptInserted::No);
+    });
+}
+
+void InputStateMachine::submitFloatingInput(const QString& text) {
+    if (!isNewInputPossible() || !ensureAIEnabled())
+        return;
+    initialTextSnapshot.reset();
+    clearTypedInput();
+    enterProcessingLater(InputTrigger::floatingInput);
+    schedule([this, text] {
+        beginProcessingTask([this, text](TaskID id) {
+            return textRequests_->processTextRequest(text, std::nullopt, id, TranscriptInserted::No);
+        });
+    });
+}
+
+void InputStateMachine::handleVoiceHotkey() {
+    voice_->handleVoiceHotkey();
+}
+void InputStateMachine::handleVoiceDictationHotkey() {
+    voice_->handleVoiceDictationHotkey();
+}
+void InputStateMachine::setSpeechRecognizer(media::SpeechRecognizer& recognizer) {
+    voice_->setSpeechRecognizer(recognizer);
+}
+void InputStateMachine::startAutoReply() {
+    autoReply_->startAutoReply();
+}
+void InputStateMachine::startVideoInput() {
+    video_->startVideoInput();
+}
+void InputStateMachine::stopVideoInput() {
+    video_->stopVideoInput();
+}
+
+void InputStateMachine::cancelInput() {
+    switch (currentState().value) {
+        case Case::processing:
+            cancelProcessing();
+            return;
+        case Case::listeningVoice:
+            voice_->cancel();
+            break;
+        case Case::recordingVideo:
+            dropFramesLater();
+            break;
+        default:
+            break;
+    }
+    initialTextSnapshot.reset();
+    clearTypedInput();
+    schedule([this] {
+        currentState_ = Case::idle;
+        currentTranscript_ = QString();
+        activeTrigger_ = std::nullopt;
+    });
+}
+
+void InputStateMachine::cancelProcessing() {
+    if (currentState() != Case::processing)
+        return;
+    if (processingTask_)
+        processingTask_->cancel();
+    // Cleared first, so that the task finds itself overtaken when it wakes.
+    processingTask_.reset();
+    processingTaskID_.reset();
+    resetToIdle();
+}
+
+void InputStateMachine::resetToIdle() {
+    schedule([this] {
+        currentState_ = Case::idle;
+        currentTranscript_ = QString();
+        lastError_ = std::nullopt;
+        activeTrigger_ = std::nullopt;
+    });
+    voice_->stopSilenceTimer();
+    initialTextSnapshot.reset();
+    clearTypedInput();
+    dropFramesLater();
+}
+
+void InputStateMachine::enterInputState(const InputState& state, InputTrigger trigger) {
+    currentState_ = state;
+    currentTranscript_ = QString();
+    activeTrigger_ = trigger;
+}
+
+bool InputStateMachine::ensureAIEnabled() {
+    if (services_.storageManager.settings().enableAI)
+        return true;
+    failInput(QStringLiteral("AI is disabled"));
+    return false;
+}
+
+void InputStateMachine::failInput(const QString& message) {
+    schedule([this, message] {
+        lastError_ = message;
+        currentState_ = InputState::error(message);
+    });
+}
+
+void InputStateMachine::beginProcessingTask(std::function<async::Task<void>(TaskID)> operation) {
+    if (processingTask_)
+        processingTask_->cancel();
+    const auto id = TaskID::createUuid();
+    processingTaskID_ = id;
+    processingTask_ = tasks_.spawn(runProcessingTask(std::move(operation), id));
+}
+
+async::Task<void> InputStateMachine::runProcessingTask(std::function<async::Task<void>(TaskID)> operation, TaskID id) {
+    try {
+        co_await operation(id);
+    } catch (const async::CancellationError&) {  // the flow was stopped outside of its own handler
+        resetIfOwned(id);
+    }
+    // A turn later: blocks that the flow has just scheduled still ask whether it owns the input.
+    schedule([this, id] { finishProcessingTask(id); });
+}
+
+void InputStateMachine::finishProcessingTask(const TaskID& id) {
+    if (!ownsInput(id))
+        return;
+    processingTaskID_.reset();
+    processingTask_.reset();
+}
+
+bool InputStateMachine::isCurrentTask(const TaskID& id) const {
+    return ownsInput(id) && processingTask_ && !processingTask_->isCancelled();
+}
+
+void InputStateMachine::resetIfOwned(const TaskID& id) {
+    if (ownsInput(id))
+        resetToIdle();
+}
+
+async::Task<void> InputStateMachine::complete(TaskID id, std::chrono::milliseconds pauseLength) {
+    schedule([this, id] {
+        if (ownsInput(id))
+            currentState_ = Case::completed;
+    });
+    co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, pauseLength));
+    resetIfOwned(id);
+}
+
+void InputStateMachine::failLater(const TaskID& id, const QString& message) {
+    schedule([this, id, message] {
+        if (!ownsInput(id))
+            return;
+        lastError_ = message;
+        currentState_ = InputState::error(message);
+    });
+}
+
+void InputStateMachine::setStateLater(const InputState& state) {
+    schedule([this, state] { currentState_ = state; });
+}
+
+void InputStateMachine::enterProcessingLater(InputTrigger trigger) {
+    schedule([this, trigger] {
+        currentState_ = Case::processing;
+        activeTrigger_ = trigger;
+    });
+}
+
+void InputStateMachine::schedule(std::function<void()> block) {
+    services_.platform.mainLoop.post(lifetime_.guard(std::move(block)));
+}
+
+void InputStateMachine::startRecordingFrames() {
+    tasks_.spawn(services_.videoRecorder->startCapture());
+}
+
+void InputStateMachine::dropFramesLater() {
+    if (services_.videoRecorder)
+        tasks_.spawn(dropFrames());
+}
+
+async::Task<void> InputStateMachine::dropFrames() {
+    co_await services_.videoRecorder->stopCapture();
+}
+
+}  // namespace tavrelon::input

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <QProperty>
+#include <QUuid>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "async/lifetime.h"
+#include "async/task_scope.h"
+#include "input/input_services.h"
+#include "input/input_state.h"
+#include "media/speech_recognizer.h"
+
+namespace tavrelon::input {
+
+class TextRequestPipeline;
+class VoiceFlow;
+class AutoReplyFlow;
+class VideoFlow;
+
+/// Owns one input from the hotkey that starts it to the written result or the failure. Main thread.
+///
+/// Operations that change the state do so one turn after they return: an operation called in the same turn still sees
+/// the old state. One processing task runs at a time; a task that was overtaken finds out by its identifier and ends
+/// without touching anything.
+class InputStateMachine {
+ public:
+    using TaskID = QUuid;
+
+    explicit InputStateMachine(InputServices services);
+    InputStateMachine(const InputStateMachine&) = delete;
+    InputStateMachine& operator=(const InputStateMachine&) = delete;
+    ~InputStateMachine();
+
+    // What others observe.
+    InputState currentState() const { return currentState_.value(); }
+    QString currentTranscript() const { return currentTranscript_.value(); }
+    std::optional<QString> lastError() const { return lastError_.value(); }
+    std::optional<InputTrigger> activeTrigger() const { return activeTrigger_.value(); }
+    QBindable<InputState> bindableCurrentState() { return &currentState_; }
+    QBindable<QString> bindableCurrentTranscript() { return &currentTranscript_; }
+    QBindable<std::optional<QString>> bindableLastError() { return &lastError_; }
+    QBindable<std::optional<InputTrigger>> bindableActiveTrigger() { return &activeTrigger_; }
+    const QString& typedInputBuffer() const { return typedInputBuffer_; }
+
+    // What hotkeys and the prompt box call.
+    void startTextInput();
+    void commitTextInput();
+    void submitFloatingInput(const QString& text);
+    void handleVoiceHotkey();
+    void handleVoiceDictationHotkey();
+    void startVideoInput();
+    void stopVideoInput();
+    void startAutoReply();
+    void cancelInput();
+    void cancelProcessing();
+    void resetToIdle();
+
+    /// Adds a key to the private copy of what is typed; the application gets the key as usual.
+    void captureTypedKey(const platform::KeyEvent& event);
+
+    /// Attaches the recognizer, which outlives the machine. Called once.
+    void setSpeechRecognizer(media::SpeechRecognizer& recognizer);
+
+    // What the flows share.
+    bool isNewInputPossible() const { return currentState().acceptsNewInput(); }
+    void enterInputState(const InputState& state, InputTrigger trigger);
+    bool ensureAIEnabled();
+    void beginProcessingTask(std::function<async::Task<void>(TaskID)> operation);
+
+    /// Whether `id` is the running task and was not asked to stop.
+    bool isCurrentTask(const TaskID& id) const;
+
+    /// Whether `id` is the running task, asked to stop or not.
+    bool ownsInput(const TaskID& id) const { return processingTaskID_ == id; }
+    void resetIfOwned(const TaskID& id);
+
+    /// The end of a flow: `completed`, a pause, and back to idle, each only while `id` still owns the input.
+    async::Task<void> complete(TaskID id, std::chrono::milliseconds pauseLength);
+    void failLater(const TaskID& id, const QString& message);
+
+    /// Shows a failure that belongs to no task.
+    void failInput(const QString& message);
+
+    void startRecordingFrames();
+    void setStateLater(const InputState& state);
+    void enterProcessingLater(InputTrigger trigger);
+    void schedule(std::function<void()> block);
+
+    /// The focused text when the input began; taken once by the flow that uses it.
+    std::optional<capture::AccessibilityTextSnapshot> initialTextSnapshot;
+    void clearTypedInput() { typedInputBuffer_.clear(); }
+    void setCurrentTranscript(const QString& transcript) { currentTranscript_ = transcript; }
+
+    TextRequestPipeline& textRequests() { return *textRequests_; }
+
+ private:
+    async::Task<void> runProcessingTask(std::function<async::Task<void>(TaskID)> operation, TaskID id);
+    void finishProcessingTask(const TaskID& id);
+    void dropFramesLater();
+    async::Task<void> dropFrames();
+
+    InputServices services_;
+    QProperty<InputState> currentState_;
+    QProperty<QString> currentTranscript_;
+    QProperty<std::optional<QString>> lastError_;
+    QProperty<std::optional<InputTrigger>> activeTrigger_;
+    QString typedInputBuffer_;
+    std::optional<async::TaskHandle> processingTask_;
+    std::optional<TaskID> processingTaskID_;
+    std::unique_ptr<TextRequestPipeline> textRequests_;
+    std::unique_ptr<VoiceFlow> voice_;
+    std::unique_ptr<AutoReplyFlow> autoReply_;
+    std::unique_ptr<VideoFlow> video_;
+    async::TaskScope tasks_;
+    async::Lifetime lifetime_;
+};
+
+}  // namespace tavrelon::input

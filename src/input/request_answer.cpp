@@ -1,0 +1,88 @@
+// The second half of the text request pipeline: the model's answer takes the request's place.
+#include "input/request_settings.h"
+#include "input/text_request_pipeline.h"
+
+namespace tavrelon::input {
+
+using Method = scenes::ReplacementStrategy::Method;
+
+async::Task<RetriedResult> TextRequestPipeline::askModel(TextRequest& request) {
+    const auto& settings = services_.storageManager.settings();
+    auto userVoice = adaptivePromptForRequest(settings);
+    std::optional<QString> userStyle;
+    if (settings.enableLocalLearning && !userVoice)  // the two never go together
+        userStyle = services_.historyManager.userStyleProfile(std::max<qint64>(settings.maxHistoryEntries, 0));
+    co_return co_await generateWithRetry(
+        machine_, services_.platform.mainLoop, request.id, generationAttempts, generationRetryDelay,
+        [this, &request, userStyle, userVoice] { return generateOnce(request, userStyle, userVoice); });
+}
+
+async::Task<generation::GenerationResult> TextRequestPipeline::generateOnce(const TextRequest& request,
+                                                                            std::optional<QString> userStyle,
+                                                                            std::optional<QString> userVoice) {
+    const auto& settings = services_.storageManager.settings();
+    GenerationRequest generation;
+    generation.input = request.finalText;
+    generation.context = request.context;
+    generation.userStyle = std::move(userStyle);
+    generation.languageStyle = cloneLanguageStyleForRequest(settings);
+    generation.cloneSystemPrompt = cloneSystemPromptForRequest(settings);
+    generation.userVoice = std::move(userVoice);
+    generation.enhanceImagePrompts = settings.enableImagePromptEnhancement;
+    co_return co_await services_.generator.generate(std::move(generation));
+}
+
+std::optional<qint64> TextRequestPipeline::effectiveDeleteCount(const TextRequest& request) const {
+    const auto trigger = machine_.activeTrigger();
+    const bool neverReachedTheField =
+        trigger == InputTrigger::floatingInput ||
+        (trigger == InputTrigger::voice && request.transcriptInserted == TranscriptInserted::No);
+    return neverReachedTheField ? 0 : request.finalDeleteCount;
+}
+
+async::Task<persistence::HistoryEntry> TextRequestPipeline::write(const TextRequest& request,
+                                                                  const generation::GenerationResult& result) {
+    const auto strategy =
+        makeReplacementStrategy(request.requestText, request.context.selection, effectiveDeleteCount(request));
+    persistence::HistoryEntry entry;
+    entry.id = QUuid::createUuid();
+    if (result.decisionObject) {
+        entry.sceneID = result.decisionObject->sceneID;
+        entry.intent = result.decisionObject->intent;
+    }
+    entry.appBundleID = request.context.appBundleID;
+    entry.appName = request.context.appName;
+    entry.windowTitle = request.context.windowTitle;
+    entry.inputText = request.finalText;
+    entry.outputText = QStringLiteral("[Image Generated]");
+    if (result.imageData) {
+        entry.outputImagePath = services_.historyManager.saveImage(*result.imageData, entry.id);
+        entry.outputText = co_await writeImage(request, *result.imageData, strategy);
+    } else if (result.text) {
+        co_await services_.outputWriter.writeText(*result.text, strategy.method, strategy.deleteCharCount,
+                                                  text::characterCount(request.requestText));
+        entry.outputText = *result.text;
+    }
+    entry.timestamp = services_.platform.mainLoop.wallTime();
+    co_return entry;
+}
+
+async::Task<QString> TextRequestPipeline::writeImage(const TextRequest& request, const QByteArray& image,
+                                                     const scenes::ReplacementStrategy& strategy) {
+    auto& writer = services_.outputWriter;
+    const auto typedCount = text::characterCount(request.requestText);
+    switch (strategy.method) {
+        case Method::replaceSelection:
+            break;
+        case Method::replaceComposition:
+            co_await writer.writeText(QString(), strategy.method, strategy.deleteCharCount, typedCount);
+            break;
+        case Method::deleteChars:
+            if (const auto count = strategy.deleteCharCount.value_or(typedCount); count > 0)
+                co_await writer.deleteBackward(count);
+            break;
+    }
+    co_return co_await writer.writeImage(image, std::nullopt, output::AutoPaste::Yes);
+}
+
+}  // namespace tavrelon::input

@@ -1,0 +1,113 @@
+// The first half of the text request pipeline: what did the user ask for?
+#include "input/text_difference.h"
+#include "input/text_request_pipeline.h"
+
+namespace tavrelon::input {
+
+namespace {
+
+/// How far around the caret non-ASCII text tells of a user who writes in such a script, in UTF-16 units.
+constexpr qint64 scriptRadius = 400;
+
+bool isMissing(const std::optional<QString>& text) {
+    return !text || text->isEmpty();
+}
+
+}  // namespace
+
+async::Task<TextRequestPipeline::Next> TextRequestPipeline::findText(TextRequest& request) {
+    if (!co_await readInput(request))
+        co_return Next::End;
+    request.context =
+        co_await services_.contextCapturer.captureContext(request.requestText, capture::ScreenshotWish::Include);
+    if (!machine_.isCurrentTask(request.id))
+        co_return Next::End;
+    believeSelection(request);
+    testForComposition(request);
+    co_return co_await settleText(request);
+}
+
+async::Task<bool> TextRequestPipeline::readInput(TextRequest& request) {
+    if (!request.current)
+        request.current = services_.contextCapturer.fetchFocusedTextSnapshot();
+    if (!request.current)
+        request.current = request.initial;
+    if (!machine_.isCurrentTask(request.id))
+        co_return false;
+    machine_.initialTextSnapshot.reset();
+    request.imeActive = services_.platform.inputSource.isInputMethodActive();
+    const bool typed = machine_.activeTrigger() == InputTrigger::text;
+    // The one case in which Copy is pressed in the user's application: nothing could be read, and the keys alone are
+    // not enough.
+    if (typed && !request.current && (text::isBlank(request.inputBuffer) || request.imeActive))
+        request.clipboardSelection =
+            co_await services_.contextCapturer.selectionViaClipboard(capture::SelectAll::Allowed);
+    request.requestText = chooseRequestText(request);
+    co_return true;
+}
+
+QString TextRequestPipeline::chooseRequestText(const TextRequest& request) {
+    const bool typed = machine_.activeTrigger() == InputTrigger::text;
+    if (typed && !request.current) {
+        if (request.clipboardSelection)
+            return *request.clipboardSelection;
+        if (!text::isBlank(request.inputBuffer))
+            log(QStringLiteral("[StateMachine] Using keystroke buffer fallback, length: %1")
+                    .arg(text::characterCount(request.inputBuffer)));
+        return request.inputBuffer;
+    }
+    if (typed || request.transcriptInserted == TranscriptInserted::Yes)
+        return deriveInputText(request.initial, request.current).value_or(request.inputBuffer);
+    return request.inputBuffer;
+}
+
+void TextRequestPipeline::believeSelection(TextRequest& request) {
+    auto& selection = request.context.selection;
+    if (isMissing(selection))
+        if (auto selected = selectedTextOf(request.current))
+            selection = std::move(selected);
+    if (isMissing(selection) && request.clipboardSelection)
+        if (auto copied = text::trimmedOrAbsent(*request.clipboardSelection))
+            selection = std::move(copied);
+    if (selection)
+        request.normalizedSelection = text::trimmed(*selection);
+}
+
+void TextRequestPipeline::testForComposition(TextRequest& request) {
+    // An input method that has not committed leaves ASCII letters in the field, which would be nonsense to the model.
+    if (text::isBlank(request.requestText) || !text::isASCIIOnly(text::trimmed(request.requestText)))
+        return;
+    std::optional<QString> window;
+    if (request.current)
+        window = caretWindow(request.current->value, request.current->selectedRange, scriptRadius);
+    request.imeMayBeComposing = request.imeActive || (window && !text::isASCIIOnly(*window));
+}
+
+async::Task<TextRequestPipeline::Next> TextRequestPipeline::settleText(TextRequest& request) {
+    if (machine_.activeTrigger() == InputTrigger::floatingInput) {
+        request.finalText = request.requestText;
+        co_return Next::Stage;
+    }
+    auto candidate = deriveRequestText(request.current, request.normalizedSelection, request.initial);
+    if (request.imeMayBeComposing && (!candidate || text::isASCIIOnly(candidate->text))) {
+        switch (co_await settlingLoop_.run(request, std::move(candidate))) {
+            case Settling::Settled:
+                co_return Next::Stage;
+            case Settling::Empty:
+                co_return Next::EmptyInput;
+            case Settling::Overtaken:
+                co_return Next::End;
+        }
+    }
+    if (candidate) {
+        request.finalText = std::move(candidate->text);
+        request.finalDeleteCount = candidate->deleteCount;
+        co_return Next::Stage;
+    }
+    if (text::isBlank(request.requestText))
+        co_return Next::EmptyInput;
+    request.finalText = request.requestText;
+    co_return Next::Stage;
+}
+
+}  // namespace tavrelon::input

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "capture/captured_context.h"
+#include "scenes/replacement_strategy.h"
+
+namespace tavrelon::input {
+
+using capture::AccessibilityTextSnapshot;
+
+/// What the user asked for, and how many characters of it stand in the field; the count is absent when the text was
+/// not typed there.
+struct RequestText {
+    QString text;
+    std::optional<qint64> deleteCount;
+    bool operator==(const RequestText&) const = default;
+};
+
+/// The trimmed text that is selected in the snapshot; absent when nothing or only white space is.
+std::optional<QString> selectedTextOf(const std::optional<AccessibilityTextSnapshot>& snapshot);
+
+/// The text of an input by the field alone: what was inserted, else the selection, else the whole field.
+std::optional<QString> deriveInputText(const std::optional<AccessibilityTextSnapshot>& initial,
+                                       const std::optional<AccessibilityTextSnapshot>& current);
+
+/// The text of a request: what was inserted, with its length; else the believed selection; else the selected range.
+std::optional<RequestText> deriveRequestText(const std::optional<AccessibilityTextSnapshot>& current,
+                                             const std::optional<QString>& selection,
+                                             const std::optional<AccessibilityTextSnapshot>& initial);
+
+/// How the answer takes the request's place.
+scenes::ReplacementStrategy makeReplacementStrategy(const QString& text, const std::optional<QString>& selection,
+                                                    std::optional<qint64> deleteCount);
+
+/// Whether an input may teach the learner: raw letters of an unfinished composition must not.
+bool shouldRecordInput(const QString& text, bool imeActive);
+
+}  // namespace tavrelon::input

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <QUuid>
+#include <optional>
+
+#include "capture/captured_context.h"
+
+namespace tavrelon::input {
+
+/// Whether a spoken text already stands in the field.
+enum class TranscriptInserted { No, Yes };
+
+/// The values of one run of the text request pipeline.
+struct TextRequest {
+    QUuid id;
+    QString inputBuffer;  ///< typed keys, prompt box text or transcript
+    TranscriptInserted transcriptInserted = TranscriptInserted::No;
+    std::optional<capture::AccessibilityTextSnapshot> initial;  ///< the field when the input began
+    std::optional<capture::AccessibilityTextSnapshot> current;  ///< the field now
+    bool imeActive = false;
+    std::optional<QString> clipboardSelection;
+    QString requestText;  ///< the input before the capture; also gives the fall-back delete count
+    capture::CapturedContext context;
+    std::optional<QString> normalizedSelection;  ///< the selection finally believed, trimmed
+    bool imeMayBeComposing = false;
+    QString finalText;                       ///< what goes to the model
+    std::optional<qint64> finalDeleteCount;  ///< characters to remove from the field
+};
+
+}  // namespace tavrelon::input

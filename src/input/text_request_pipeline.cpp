@@ -1,0 +1,74 @@
+#include "input/text_request_pipeline.h"
+
+#include "generation/processing_error.h"
+
+namespace tavrelon::input {
+
+using generation::ProcessingError;
+
+TextRequestPipeline::TextRequestPipeline(InputStateMachine& machine, const InputServices& services)
+    : machine_(machine), services_(services), settlingLoop_(machine, services_) {}
+
+async::Task<void> TextRequestPipeline::processTextRequest(QString inputBuffer,
+                                                          std::optional<AccessibilityTextSnapshot> focusedSnapshot,
+                                                          QUuid id, TranscriptInserted transcriptInserted) {
+    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled())
+        co_return;
+    TextRequest request;
+    request.id = id;
+    request.inputBuffer = std::move(inputBuffer);
+    request.transcriptInserted = transcriptInserted;
+    request.initial = machine_.initialTextSnapshot;
+    request.current = std::move(focusedSnapshot);
+    const auto next = co_await findText(request);
+    if (next == Next::EmptyInput || (next == Next::Stage && text::isBlank(request.finalText)))
+        endEmpty(id);
+    if (next != Next::Stage || text::isBlank(request.finalText))
+        co_return;
+    try {
+        co_await answer(request);
+    } catch (const async::CancellationError&) {
+        machine_.resetIfOwned(id);
+    } catch (const ProcessingError& error) {
+        if (error.code() == ProcessingError::Code::emptyInput) {
+            log(QStringLiteral("[StateMachine] Empty input; stopping without error UI"));
+            machine_.resetIfOwned(id);
+        } else {
+            fail(id, QStringLiteral("[StateMachine] Processing error: "), error);
+        }
+    } catch (const std::exception& error) {
+        fail(id, QStringLiteral("[StateMachine] Error processing: "), error);
+    }
+}
+
+async::Task<void> TextRequestPipeline::answer(TextRequest& request) {
+    request.context.inputBuffer = request.finalText;
+    auto retried = co_await askModel(request);
+    if (!machine_.isCurrentTask(request.id))
+        co_return;
+    auto entry = co_await write(request, retried.result);
+    if (!machine_.isCurrentTask(request.id))
+        co_return;
+    entry.retryCount = retried.retryCount;
+    record(request, std::move(entry));
+    co_await machine_.complete(request.id, std::chrono::seconds(2));
+}
+
+void TextRequestPipeline::record(const TextRequest& request, persistence::HistoryEntry entry) {
+    services_.historyManager.addEntry(std::move(entry));
+    if (services_.adaptivePromptLearner && shouldRecordInput(request.finalText, request.imeActive))
+        services_.adaptivePromptLearner->recordInput(request.finalText);
+}
+
+void TextRequestPipeline::endEmpty(const QUuid& id) {
+    log(QStringLiteral("[StateMachine] Empty input detected, skipping processing"));
+    machine_.resetIfOwned(id);
+}
+
+void TextRequestPipeline::fail(const QUuid& id, const QString& logPrefix, const std::exception& error) {
+    const auto description = text::localizedDescription(error);
+    log(logPrefix + description);
+    machine_.failLater(id, description);
+}
+
+}  // namespace tavrelon::input

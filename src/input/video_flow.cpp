@@ -1,0 +1,104 @@
+#include "input/video_flow.h"
+
+#include "generation/processing_error.h"
+#include "input/request_settings.h"
+#include "input/request_text.h"
+
+namespace tavrelon::input {
+
+using namespace std::chrono_literals;
+using generation::ProcessingError;
+
+void VideoFlow::startVideoInput() {
+    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
+        return;
+    if (!services_.videoRecorder || !services_.platform.screenCapture.preflightAccess()) {
+        machine_.failInput(QStringLiteral("Screen recording permission required"));
+        return;
+    }
+    machine_.initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    machine_.startRecordingFrames();
+    machine_.schedule([this] { machine_.enterInputState(InputState::Case::recordingVideo, InputTrigger::video); });
+}
+
+void VideoFlow::stopVideoInput() {
+    if (machine_.currentState() != InputState::Case::recordingVideo || machine_.activeTrigger() != InputTrigger::video)
+        return;
+    machine_.setStateLater(InputState::Case::processing);
+    machine_.beginProcessingTask([this](QUuid id) { return process(id); });
+}
+
+async::Task<void> VideoFlow::process(QUuid id) {
+    auto frames = co_await services_.videoRecorder->stopCapture();
+    co_await processVideoInput(QString(), std::move(frames), id);
+}
+
+async::Task<void> VideoFlow::processVideoInput(QString text, std::vector<QByteArray> frames, QUuid id) {
+    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled())
+        co_return;
+    const auto initial = machine_.initialTextSnapshot;
+    const auto current = services_.contextCapturer.fetchFocusedTextSnapshot();
+    machine_.initialTextSnapshot.reset();
+    const auto requestText = deriveInputText(initial, current).value_or(text);
+    try {
+        co_await describe(requestText, frames, id);
+    } catch (const async::CancellationError&) {
+        machine_.resetIfOwned(id);
+    } catch (const std::exception& error) {
+        const auto description = text::localizedDescription(error);
+        services_.platform.log.line(QStringLiteral("Error processing video input: ") + description);
+        machine_.failLater(id, description);
+    }
+}
+
+async::Task<void> VideoFlow::describe(const QString& requestText, const std::vector<QByteArray>& frames,
+                                      const QUuid& id) {
+    const auto prompt = text::trimmedOrAbsent(requestText).value_or(QStringLiteral("Describe the video."));
+    if (frames.empty())
+        throw ProcessingError::generationFailed(QStringLiteral("No video frames captured"));
+    auto context = co_await services_.contextCapturer.captureContext(prompt, capture::ScreenshotWish::LeaveOut);
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    const auto retried = co_await generateWithRetry(
+        machine_, services_.platform.mainLoop, id, generationAttempts, generationRetryDelay, [&, this] {
+            const auto& settings = services_.storageManager.settings();
+            GenerationRequest request;
+            request.input = prompt;
+            request.context = context;
+            request.languageStyle = cloneLanguageStyleForRequest(settings);
+            request.cloneSystemPrompt = cloneSystemPromptForRequest(settings);
+            request.userVoice = adaptivePromptForRequest(settings);
+            return services_.generator.generateVideoResult(std::move(request), frames);
+        });
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    if (retried.result.text) {
+        const auto typed = text::characterCount(requestText);
+        const auto strategy = makeReplacementStrategy(requestText, context.selection, typed);
+        co_await services_.outputWriter.writeText(*retried.result.text, strategy.method, strategy.deleteCharCount,
+                                                  typed);
+        if (!machine_.isCurrentTask(id))
+            co_return;
+    }
+    record(context, retried);
+    co_await machine_.complete(id, 2s);
+}
+
+void VideoFlow::record(const capture::CapturedContext& context, const RetriedResult& retried) {
+    const auto& decision = retried.result.decisionObject;
+    persistence::HistoryEntry entry;
+    entry.id = QUuid::createUuid();
+    entry.timestamp = services_.platform.mainLoop.wallTime();
+    if (decision)
+        entry.sceneID = decision->sceneID;
+    entry.intent = decision ? decision->intent : QStringLiteral("video");
+    entry.appBundleID = context.appBundleID;
+    entry.appName = context.appName;
+    entry.windowTitle = context.windowTitle;
+    entry.inputText = context.inputBuffer;
+    entry.outputText = retried.result.text.value_or(QStringLiteral("[Video Result]"));
+    entry.retryCount = retried.retryCount;
+    services_.historyManager.addEntry(std::move(entry));
+}
+
+}  // namespace tavrelon::input

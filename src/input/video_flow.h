@@ -1,0 +1,27 @@
+#pragma once
+
+#include "input/generation_retry.h"
+#include "input/input_state_machine.h"
+
+namespace tavrelon::input {
+
+/// Records frames of the focused window between two presses and lets a vision model describe them; what was typed
+/// meanwhile is the prompt. Main thread.
+class VideoFlow {
+ public:
+    VideoFlow(InputStateMachine& machine, const InputServices& services) : machine_(machine), services_(services) {}
+
+    void startVideoInput();
+    void stopVideoInput();
+
+ private:
+    async::Task<void> process(QUuid id);
+    async::Task<void> processVideoInput(QString text, std::vector<QByteArray> frames, QUuid id);
+    async::Task<void> describe(const QString& requestText, const std::vector<QByteArray>& frames, const QUuid& id);
+    void record(const capture::CapturedContext& context, const RetriedResult& retried);
+
+    InputStateMachine& machine_;
+    InputServices services_;
+};
+
+}  // namespace tavrelon::input

@@ -1,0 +1,107 @@
+// Recording: how the two spoken inputs start and end.
+#include "input/voice_flow.h"
+
+namespace tavrelon::input {
+
+using Case = InputState::Case;
+
+void VoiceFlow::setSpeechRecognizer(media::SpeechRecognizer& recognizer) {
+    speechRecognizer_ = &recognizer;
+    transcriptSubscription_ = recognizer.bindableCurrentTranscript().addNotifier([this] {
+        machine_.schedule([this, transcript = speechRecognizer_->bindableCurrentTranscript().value()] {
+            if (machine_.currentState() != Case::listeningVoice)
+                return;
+            machine_.setCurrentTranscript(transcript);
+            handleTranscriptUpdate(transcript);
+        });
+    });
+}
+
+void VoiceFlow::toggle(InputTrigger kind) {
+    if (machine_.isNewInputPossible())
+        kind == InputTrigger::voice ? startVoiceInput() : startVoiceDictation();
+    else
+        stop(kind);
+}
+
+void VoiceFlow::startVoiceInput() {
+    if (!machine_.ensureAIEnabled())
+        return;
+    if (speechRecognizer_) {
+        machine_.clearTypedInput();
+        machine_.initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    }
+    startRecording(InputTrigger::voice, QStringLiteral("[StateMachine] Failed to start voice recording: "));
+}
+
+void VoiceFlow::startVoiceDictation() {
+    if (speechRecognizer_)
+        machine_.initialTextSnapshot.reset();
+    startRecording(InputTrigger::voiceDictation, QStringLiteral("[StateMachine] Failed to start voice dictation: "));
+}
+
+void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
+    if (!speechRecognizer_) {
+        log(QStringLiteral("[StateMachine] SpeechRecognizer not available"));
+        machine_.failInput(QStringLiteral("Speech recognition is not available."));
+        return;
+    }
+    machine_.schedule([this, kind] { machine_.enterInputState(Case::listeningVoice, kind); });
+    try {
+        speechRecognizer_->startRecording();
+    } catch (const std::exception& error) {
+        const auto description = text::localizedDescription(error);
+        log(logPrefix + description);
+        machine_.setStateLater(InputState::error(description));
+        return;
+    }
+    restartVoiceSilenceTimer(kind);
+}
+
+void VoiceFlow::stop(InputTrigger kind) {
+    if (machine_.currentState() != Case::listeningVoice || machine_.activeTrigger() != kind)
+        return;
+    stopSilenceTimer();
+    if (speechRecognizer_)
+        speechRecognizer_->stopRecording();
+    machine_.setStateLater(Case::processing);
+    machine_.beginProcessingTask([this, kind](QUuid id) {
+        return kind == InputTrigger::voice ? processVoiceInput(id) : processVoiceDictation(id);
+    });
+}
+
+void VoiceFlow::cancel() {
+    stopSilenceTimer();
+    if (speechRecognizer_)
+        speechRecognizer_->cancelRecording();
+}
+
+void VoiceFlow::handleTranscriptUpdate(const QString& text) {
+    if (!text::isBlank(text))
+        restartVoiceSilenceTimer(machine_.activeTrigger());
+}
+
+void VoiceFlow::restartVoiceSilenceTimer(std::optional<InputTrigger> trigger) {
+    stopSilenceTimer();
+    const auto timeout = silenceTimeout(trigger);
+    if (timeout <= timeout.zero())
+        return;
+    // A day is longer than anyone is silent, and far below what a timer can hold.
+    const auto bounded = std::min(timeout, std::chrono::duration<double>(std::chrono::hours(24)));
+    voiceSilenceTimer_ = services_.platform.mainLoop.after(
+        std::chrono::duration_cast<std::chrono::nanoseconds>(bounded), [this] { handleVoiceSilenceTimeout(); });
+}
+
+std::chrono::duration<double> VoiceFlow::silenceTimeout(std::optional<InputTrigger> trigger) const {
+    const auto& settings = services_.storageManager.settings();
+    return std::chrono::duration<double>(trigger == InputTrigger::voiceDictation
+                                             ? settings.voiceDictationSilenceTimeoutSeconds
+                                             : settings.voiceInputSilenceTimeoutSeconds);
+}
+
+void VoiceFlow::handleVoiceSilenceTimeout() {
+    if (const auto trigger = machine_.activeTrigger())
+        stop(*trigger);
+}
+
+}  // namespace tavrelon::input

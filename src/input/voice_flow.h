@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QPropertyNotifier>
+#include <optional>
+
+#include "input/input_state_machine.h"
+
+namespace tavrelon::input {
+
+/// The two spoken inputs. Voice input writes the transcript into the field and treats it as a text request; dictation
+/// only writes it. Both record in `ListeningVoice` and end by their hotkey or by silence. Main thread.
+class VoiceFlow {
+ public:
+    VoiceFlow(InputStateMachine& machine, const InputServices& services) : machine_(machine), services_(services) {}
+
+    void setSpeechRecognizer(media::SpeechRecognizer& recognizer);
+    void handleVoiceHotkey() { toggle(InputTrigger::voice); }
+    void handleVoiceDictationHotkey() { toggle(InputTrigger::voiceDictation); }
+
+    /// Drops the recording.
+    void cancel();
+    void stopSilenceTimer() { voiceSilenceTimer_.reset(); }
+
+ private:
+    void toggle(InputTrigger kind);
+    void startVoiceInput();
+    void startVoiceDictation();
+    void startRecording(InputTrigger kind, const QString& logPrefix);
+    void stop(InputTrigger kind);
+
+    void handleTranscriptUpdate(const QString& text);
+    void restartVoiceSilenceTimer(std::optional<InputTrigger> trigger);
+    std::chrono::duration<double> silenceTimeout(std::optional<InputTrigger> trigger) const;
+    void handleVoiceSilenceTimeout();
+
+    async::Task<QString> currentVoiceTranscript();
+    async::Task<QString> waitForVoiceTranscript(QUuid id);
+    async::Task<void> insertTranscript(QString text, QUuid id);
+    async::Task<bool> tryInsertTranscript(QString text, QUuid id);
+    async::Task<void> processVoiceInput(QUuid id);
+    async::Task<void> processVoiceDictation(QUuid id);
+    async::Task<void> insertVoiceDictation(QString transcript, QUuid id);
+    void log(const QString& line) { services_.platform.log.line(line); }
+
+    InputStateMachine& machine_;
+    InputServices services_;
+    media::SpeechRecognizer* speechRecognizer_ = nullptr;
+    QPropertyNotifier transcriptSubscription_;
+    async::Timer voiceSilenceTimer_;
+};
+
+}  // namespace tavrelon::input

@@ -1,0 +1,107 @@
+// What becomes of a finished recording.
+#include "async/waits.h"
+#include "input/text_request_pipeline.h"
+#include "input/voice_flow.h"
+
+namespace tavrelon::input {
+
+using namespace std::chrono_literals;
+using Method = scenes::ReplacementStrategy::Method;
+
+namespace {
+
+/// How long a final transcript is waited for after the recording ended, and how often it is looked for.
+constexpr auto transcriptTimeout = 1200ms;
+constexpr auto transcriptInterval = 150ms;
+
+}  // namespace
+
+async::Task<QString> VoiceFlow::currentVoiceTranscript() {
+    // Deliveries that are queued already get in first.
+    co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, 0ms));
+    auto transcript = speechRecognizer_ ? speechRecognizer_->bindableCurrentTranscript().value() : QString();
+    if (transcript.isEmpty())
+        transcript = machine_.currentTranscript();
+    co_return text::trimmed(transcript);
+}
+
+async::Task<QString> VoiceFlow::waitForVoiceTranscript(QUuid id) {
+    auto transcript = co_await currentVoiceTranscript();
+    for (auto waited = 0ms; transcript.isEmpty() && waited < transcriptTimeout; waited += transcriptInterval) {
+        co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, transcriptInterval));
+        if (!machine_.isCurrentTask(id))
+            co_return QString();
+        transcript = co_await currentVoiceTranscript();
+    }
+    co_return transcript;
+}
+
+async::Task<void> VoiceFlow::insertTranscript(QString text, QUuid id) {
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    const auto selection = co_await services_.contextCapturer.selectedText();
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    if (selection && !text::isBlank(*selection))
+        co_await services_.outputWriter.writeText(std::move(text), Method::replaceSelection, std::nullopt, 0);
+    else
+        co_await services_.outputWriter.writeText(std::move(text), Method::deleteChars, 0, 0);
+}
+
+async::Task<bool> VoiceFlow::tryInsertTranscript(QString text, QUuid id) {
+    try {
+        co_await insertTranscript(std::move(text), id);
+        co_return true;
+    } catch (const std::exception& error) {
+        log(QStringLiteral("[StateMachine] Failed to insert voice transcript: ") + text::localizedDescription(error));
+    }
+    co_return false;
+}
+
+async::Task<void> VoiceFlow::processVoiceInput(QUuid id) {
+    const auto transcript = co_await waitForVoiceTranscript(id);
+    if (transcript.isEmpty()) {
+        log(QStringLiteral("[StateMachine] No voice transcript to process"));
+        machine_.resetIfOwned(id);
+        co_return;
+    }
+    std::optional<AccessibilityTextSnapshot> snapshot;
+    auto inserted = TranscriptInserted::No;
+    if (co_await tryInsertTranscript(transcript, id)) {
+        if (!machine_.isCurrentTask(id))
+            co_return;
+        snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+        inserted = TranscriptInserted::Yes;
+    }
+    co_await machine_.textRequests().processTextRequest(transcript, std::move(snapshot), id, inserted);
+}
+
+async::Task<void> VoiceFlow::processVoiceDictation(QUuid id) {
+    const auto transcript = co_await waitForVoiceTranscript(id);
+    if (transcript.isEmpty()) {
+        log(QStringLiteral("[StateMachine] No dictation transcript to insert"));
+        machine_.resetIfOwned(id);
+        co_return;
+    }
+    co_await insertVoiceDictation(transcript, id);
+}
+
+async::Task<void> VoiceFlow::insertVoiceDictation(QString transcript, QUuid id) {
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    try {
+        co_await insertTranscript(std::move(transcript), id);
+    } catch (const async::CancellationError&) {
+        machine_.resetIfOwned(id);
+        co_return;
+    } catch (const std::exception& error) {
+        const auto description = text::localizedDescription(error);
+        log(QStringLiteral("Error processing voice dictation: ") + description);
+        machine_.failLater(id, description);
+        co_return;
+    }
+    if (machine_.isCurrentTask(id))
+        co_await machine_.complete(id, 1s);
+}
+
+}  // namespace tavrelon::input

@@ -1,0 +1,118 @@
+#include "output/output_writer.h"
+
+#include <cstdlib>
+
+#include "async/waits.h"
+
+namespace tavrelon::output {
+
+using namespace std::chrono_literals;
+using Method = scenes::ReplacementStrategy::Method;
+using platform::AXAttribute;
+using platform::AXElement;
+
+namespace {
+
+// What slow targets need between posted keys; measured, and not to be turned into polling.
+constexpr auto afterEscape = 50ms;
+constexpr auto afterBackspace = 10ms;
+constexpr auto afterLastBackspace = 50ms;
+constexpr auto beforePaste = 20ms;
+
+QString describe(OutputWriterError::Code code, const QString& detail) {
+    switch (code) {
+        case OutputWriterError::Code::writeFailed:
+            return QStringLiteral("Failed to write output: ") + detail;
+        case OutputWriterError::Code::permissionDenied:
+            return QStringLiteral("Accessibility permission is required");
+        case OutputWriterError::Code::noFrontmostApp:
+            return QStringLiteral("No frontmost application found");
+        case OutputWriterError::Code::invalidImageData:
+            return QStringLiteral("Invalid image data");
+    }
+    std::abort();
+}
+
+}  // namespace
+
+OutputWriterError::OutputWriterError(Code code, const QString& detail)
+    : LocalizedError(describe(code, detail)), code_(code) {}
+
+async::Task<void> OutputWriter::writeText(QString text, Method method, std::optional<qint64> deleteCharCount,
+                                          qint64 fallbackDeleteCount) {
+    if (method == Method::replaceSelection) {
+        co_await replaceSelection(std::move(text));
+        co_return;
+    }
+    const platform::ModifiersAside aside(platform_.keyPoster);  // over the whole write: no flicker between its keys
+    switch (method) {
+        case Method::replaceSelection:
+            break;
+        case Method::replaceComposition:
+            pressPlain(keys::keyEscape);
+            co_await async::pause(platform_.mainLoop, afterEscape);
+            break;
+        case Method::deleteChars:
+            co_await deleteBackward(deleteCharCount.value_or(fallbackDeleteCount));
+            break;
+    }
+    co_await pasteText(std::move(text));
+}
+
+async::Task<void> OutputWriter::replaceSelection(QString text) {
+    auto& accessibility = platform_.accessibility;
+    if (!accessibility.isProcessTrusted())
+        throw OutputWriterError(OutputWriterError::Code::permissionDenied);
+    const auto application = platform_.workspace.frontmostApplication();
+    if (!application)
+        throw OutputWriterError(OutputWriterError::Code::noFrontmostApp);
+    const auto focused = accessibility.copyAttribute(platform::axApplicationElement(application->processIdentifier),
+                                                     AXAttribute::FocusedUIElement);
+    const auto* element = focused ? std::get_if<AXElement>(&*focused) : nullptr;
+    if (element && accessibility.setAttribute(*element, AXAttribute::SelectedText, text) == platform::AXError::Success)
+        co_return;
+    co_await pasteText(std::move(text));
+}
+
+async::Task<void> OutputWriter::deleteBackward(qint64 count) {
+    if (count < 0)
+        std::abort();
+    const platform::ModifiersAside aside(platform_.keyPoster);
+    for (qint64 i = 0; i < count; ++i) {
+        pressPlain(keys::keyBackspace);
+        co_await async::pause(platform_.mainLoop, afterBackspace);
+    }
+    co_await async::pause(platform_.mainLoop, afterLastBackspace);
+}
+
+async::Task<void> OutputWriter::pasteText(QString text) {
+    // What was on the pasteboard is not asked for: a paste does not give it back, and its owner may be slow.
+    platform_.pasteboard.clearContents();
+    platform_.pasteboard.setString(text);
+    co_await pressPaste();
+}
+
+async::Task<void> OutputWriter::pressPaste() {
+    co_await async::pause(platform_.mainLoop, beforePaste);
+    const platform::ModifiersAside aside(platform_.keyPoster);
+    platform_.keyPoster.press(keys::keyV, keys::commandFlag);
+    co_await async::pause(platform_.mainLoop, postPasteDelay);
+}
+
+async::Task<QString> OutputWriter::writeImage(QByteArray data, std::optional<QString> caption, AutoPaste autoPaste) {
+    platform_.pasteboard.clearContents();
+    auto item = platform_.imageCodec.pasteboardItem(data);
+    if (!item) {
+        if (caption)
+            co_return *caption;
+        throw OutputWriterError(OutputWriterError::Code::invalidImageData);
+    }
+    std::vector<platform::PasteboardItem> items;
+    items.push_back(*std::move(item));
+    platform_.pasteboard.writeItems(std::move(items));
+    if (autoPaste == AutoPaste::Yes)
+        co_await pressPaste();
+    co_return caption.value_or(QStringLiteral("图片已复制到剪贴板"));
+}
+
+}  // namespace tavrelon::output

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <QString>
+#include <chrono>
+#include <optional>
+
+#include "keys/hotkey_config.h"
+#include "persistence/service_defaults.h"
+#include "text/json.h"
+
+namespace tavrelon::persistence {
+
+/// Every setting of the user but the keys of the model services. A new record holds the defaults.
+struct AppSettings {
+    using Date = std::chrono::system_clock::time_point;
+
+    keys::HotkeyConfig toggleHotkey = keys::defaults::toggleHotkey;
+    bool toggleHotkeyEnabled = true;
+    keys::HotkeyConfig voiceHotkey = keys::defaults::voiceHotkey;
+    bool voiceHotkeyEnabled = true;
+    keys::HotkeyConfig voiceDictationHotkey = keys::defaults::voiceDictationHotkey;
+    bool voiceDictationHotkeyEnabled = true;
+    double voiceInputSilenceTimeoutSeconds = 2.0;
+    double voiceDictationSilenceTimeoutSeconds = 2.0;
+    keys::HotkeyConfig cancelHotkey = keys::defaults::cancelHotkey;
+    bool cancelHotkeyEnabled = true;
+    keys::HotkeyConfig autoReplyHotkey = keys::defaults::autoReplyHotkey;
+    bool autoReplyHotkeyEnabled = true;
+    keys::HotkeyConfig toggleAllHotkeysHotkey = keys::defaults::toggleAllHotkeysHotkey;
+    bool toggleAllHotkeysHotkeyEnabled = true;
+    keys::HotkeyConfig videoHotkey = keys::defaults::videoHotkey;
+    bool videoHotkeyEnabled = true;
+    keys::HotkeyConfig floatingInputHotkey = keys::defaults::floatingInputHotkey;
+    bool floatingInputHotkeyEnabled = true;
+    bool hotkeysEnabled = true;  ///< the master switch of all hotkeys
+
+    QString screenshotMode = QStringLiteral("focusedWindow");  ///< or "fullScreen", "none"
+    double screenshotQuality = 0.7;
+    qint64 maxScreenshotWidth = 1920;  ///< pixels
+
+    qint64 aiMaxTokens = 2000;   ///< carried along; nothing reads it
+    double aiTemperature = 0.7;  ///< carried along; nothing reads it
+    double aiTimeout = 30.0;     ///< carried along; nothing reads it
+
+    QString visionModelPreference = QStringLiteral("speed");  ///< or "quality"
+    bool enableCustomPollinations = false;
+    QString pollinationsBaseURL = defaultPollinationsBaseURL();
+    QString pollinationsImageModel = QStringLiteral("zimage");
+    QString pollinationsVisionModel = QStringLiteral("openai");
+    bool enableOllamaVision = false;
+    QString ollamaMode = QStringLiteral("cloud");  ///< or "local"
+    QString ollamaCloudModel;
+    QString ollamaLocalModel = QStringLiteral("genmini-3-flash-preview");
+    QString ollamaLocalEndpoint = defaultOllamaLocalEndpoint();
+    bool enableImagePromptEnhancement = true;
+    bool enableAI = true;  ///< without it every input for a model ends in an error; no view edits it
+
+    bool autoReset = true;        ///< carried along; nothing reads it
+    double autoResetDelay = 2.0;  ///< seconds; carried along; nothing reads it
+    bool showStatusHUD = false;   ///< carried along; nothing reads it
+
+    QString adaptiveSystemPrompt;
+    std::optional<Date> adaptiveSystemPromptUpdatedAt;
+
+    QString cloneApiBaseURL = defaultCloneApiBaseURL();
+    QString cloneLanguageStyle;
+    QString cloneSystemPrompt;
+    std::optional<Date> cloneLanguageStyleUpdatedAt;
+
+    bool enableNvidiaLocal = false;
+    bool enableNvidiaThink = false;
+
+    bool enableHistory = true;      ///< carried along; nothing reads it
+    qint64 maxHistoryEntries = 20;  ///< how many entries feed the style profile; the history's own cap is constant
+    bool enableLocalLearning = true;
+    bool shareImprovements = false;              ///< carried along; nothing reads it
+    QString appLanguage = QStringLiteral("en");  ///< any other value is Chinese
+
+    bool operator==(const AppSettings&) const = default;
+};
+
+/// The record with every default.
+const AppSettings& defaultSettings();
+
+/// The stored document. Absent dates are left out. Throws `text::JsonError` when a number is not finite, which JSON
+/// cannot hold.
+text::Json toJson(const AppSettings& settings);
+
+/// A key that is missing or null takes its default; unknown keys are ignored. Throws `text::JsonError` when any value
+/// is of another type or out of range: then the whole document counts as faulty.
+AppSettings appSettingsFrom(const text::Json& json);
+
+}  // namespace tavrelon::persistence

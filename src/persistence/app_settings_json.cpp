@@ -1,0 +1,98 @@
+#include <cmath>
+
+#include "persistence/settings_fields.h"
+#include "text/characters.h"
+
+namespace tavrelon::persistence {
+
+namespace {
+
+using text::Json;
+
+/// The one silence time of older documents, from before voice input and dictation each had their own.
+constexpr const char* legacySilenceKey = "voiceSilenceTimeoutSeconds";
+
+void put(Json& json, const char* key, const keys::HotkeyConfig& value) {
+    json[key] = keys::toJson(value);
+}
+
+void put(Json& json, const char* key, bool value) {
+    json[key] = value;
+}
+
+void put(Json& json, const char* key, double value) {
+    if (!std::isfinite(value))
+        throw text::JsonError(QStringLiteral("The number under \"%1\" is not finite.").arg(QLatin1StringView(key)));
+    json[key] = value;
+}
+
+void put(Json& json, const char* key, qint64 value) {
+    json[key] = value;
+}
+
+void put(Json& json, const char* key, const QString& value) {
+    json[key] = text::toJson(value);
+}
+
+void put(Json& json, const char* key, const std::optional<AppSettings::Date>& value) {
+    if (value)
+        json[key] = text::secondsSinceReferenceDate(*value);
+}
+
+void take(const Json& json, keys::HotkeyConfig& value) {
+    value = keys::hotkeyConfigFrom(json);
+}
+
+void take(const Json& json, bool& value) {
+    value = text::boolFrom(json);
+}
+
+void take(const Json& json, double& value) {
+    value = text::doubleFrom(json);
+}
+
+void take(const Json& json, qint64& value) {
+    value = text::integerFrom(json);
+}
+
+void take(const Json& json, QString& value) {
+    value = text::stringFrom(json);
+}
+
+void take(const Json& json, std::optional<AppSettings::Date>& value) {
+    value = text::dateFrom(json);
+}
+
+void takeLegacySilence(const Json& json, AppSettings& settings) {
+    if (const auto* silence = text::find(json, legacySilenceKey)) {
+        settings.voiceInputSilenceTimeoutSeconds = text::doubleFrom(*silence);
+        settings.voiceDictationSilenceTimeoutSeconds = settings.voiceInputSilenceTimeoutSeconds;
+    }
+}
+
+/// A model was once stored under the name of its gateway.
+QString migratedVisionModel(const QString& stored) {
+    const auto model = text::trimmed(stored);
+    return model == QLatin1StringView("openai.pollinations") ? QStringLiteral("openai") : model;
+}
+
+}  // namespace
+
+Json toJson(const AppSettings& settings) {
+    auto json = Json::object();
+    for (const auto& field : settingsFieldsInDocumentOrder)
+        std::visit([&](auto member) { put(json, field.key, settings.*member); }, field.member);
+    return json;
+}
+
+AppSettings appSettingsFrom(const Json& json) {
+    auto settings = defaultSettings();
+    takeLegacySilence(json, settings);
+    for (const auto& field : settingsFields)
+        if (const auto* value = text::find(json, field.key))
+            std::visit([&](auto member) { take(*value, settings.*member); }, field.member);
+    settings.pollinationsVisionModel = migratedVisionModel(settings.pollinationsVisionModel);
+    return settings;
+}
+
+}  // namespace tavrelon::persistence

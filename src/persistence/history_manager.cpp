@@ -1,0 +1,95 @@
+#include "persistence/history_manager.h"
+
+#include <iterator>
+#include <utility>
+
+#include "persistence/style_profile.h"
+
+namespace tavrelon::persistence {
+
+namespace {
+
+constexpr QLatin1StringView imagesFolder("history-images");
+
+}  // namespace
+
+HistoryManager::HistoryManager(platform::FileSystem& fileSystem, platform::Log& log, QString storageDirectory,
+                               qsizetype maxEntries)
+    : fileSystem_(fileSystem), log_(log), storageDirectory_(std::move(storageDirectory)), maxEntries_(maxEntries) {
+    // If the folders cannot be made, the first write says so.
+    static_cast<void>(fileSystem_.createDirectory(storageDirectory_));
+    static_cast<void>(fileSystem_.createDirectory(imagesDirectory()));
+    load();
+}
+
+void HistoryManager::load() {
+    if (!fileSystem_.exists(storagePath()))
+        return;
+    const auto failed = [this](const QString& error) { log_.line(QStringLiteral("Failed to load history: ") + error); };
+    const auto document = fileSystem_.read(storagePath());
+    if (!document)
+        return failed(document.error().description);
+    try {
+        entries_ = historyEntriesFrom(text::parseJson(*document));
+    } catch (const text::JsonError& error) {
+        failed(error.localizedDescription());
+    }
+}
+
+void HistoryManager::save() {
+    const auto written = fileSystem_.write(storagePath(), text::compactJson(toJson(entries_)));
+    if (!written)
+        log_.line(QStringLiteral("Failed to save history: ") + written.error().description);
+}
+
+void HistoryManager::addEntry(HistoryEntry entry) {
+    entries_.insert(entries_.begin(), std::move(entry));
+    if (std::ssize(entries_) > maxEntries_) {
+        const auto firstDropped = entries_.begin() + maxEntries_;
+        const std::vector<HistoryEntry> dropped(firstDropped, entries_.end());
+        entries_.erase(firstDropped, entries_.end());
+        removeImages(dropped);
+    }
+    save();
+    notice_.announce();
+}
+
+void HistoryManager::clearHistory() {
+    removeImages(std::exchange(entries_, {}));
+    save();
+    notice_.announce();
+}
+
+std::optional<QString> HistoryManager::saveImage(const QByteArray& data, const QUuid& id) {
+    const auto fileName = text::uuidText(id) + QStringLiteral(".jpg");
+    const auto written = fileSystem_.write(imagesDirectory() + u'/' + fileName, data);
+    if (!written) {
+        log_.line(QStringLiteral("Failed to save history image: ") + written.error().description);
+        return std::nullopt;
+    }
+    return imagesFolder + u'/' + fileName;
+}
+
+std::optional<QString> HistoryManager::userStyleProfile(qint64 limit) const {
+    return persistence::userStyleProfile(entries_, limit);
+}
+
+void HistoryManager::removeImages(const std::vector<HistoryEntry>& dropped) {
+    for (const auto& entry : dropped)
+        if (entry.outputImagePath && !entry.outputImagePath->isEmpty())
+            static_cast<void>(fileSystem_.remove(resolvedImagePath(*entry.outputImagePath)));
+}
+
+QString HistoryManager::resolvedImagePath(const QString& outputImagePath) const {
+    return outputImagePath.startsWith(u'/') ? outputImagePath : storageDirectory_ + u'/' + outputImagePath;
+}
+
+QString HistoryManager::storagePath() const {
+    return storageDirectory_ + QStringLiteral("/history.json");
+}
+
+QString HistoryManager::imagesDirectory() const {
+    return storageDirectory_ + u'/' + imagesFolder;
+}
+
+}  // namespace tavrelon::persistence

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <vector>
+
+#include "persistence/change_notice.h"
+#include "persistence/history_entry.h"
+#include "platform/file_system.h"
+#include "platform/log.h"
+
+namespace tavrelon::persistence {
+
+/// Keeps the last requests of the user, on disk as well. Nothing here throws: a failed write is logged, and the list in
+/// memory is then ahead of the file until the next one that succeeds. Main thread.
+class HistoryManager {
+ public:
+    /// Makes the folders and loads the history from `storageDirectory`. A faulty file is logged and means an empty
+    /// history; it stays on disk until the next change.
+    HistoryManager(platform::FileSystem& fileSystem, platform::Log& log, QString storageDirectory,
+                   qsizetype maxEntries);
+
+    /// Newest first. The reference stays good; the entries move with each change.
+    const std::vector<HistoryEntry>& entries() const { return entries_; }
+
+    /// Calls `handler` after each change of the entries, until the subscription is dropped.
+    template <typename Handler>
+    [[nodiscard]] ChangeSubscription onChange(Handler handler) const {
+        return notice_.subscribe(std::move(handler));
+    }
+
+    /// Puts the entry in front and stores the list; what exceeds the cap goes, with its images.
+    void addEntry(HistoryEntry entry);
+
+    /// Removes all entries and their images.
+    void clearHistory();
+
+    /// Stores an image for the entry `id` and gives the path to put into it; absent when it could not be stored.
+    std::optional<QString> saveImage(const QByteArray& data, const QUuid& id);
+
+    /// How the user writes, in a few lines, judged by the newest `limit` inputs (0 or more); absent without any input.
+    std::optional<QString> userStyleProfile(qint64 limit) const;
+
+    /// Where an entry's `outputImagePath` lies.
+    QString resolvedImagePath(const QString& outputImagePath) const;
+
+    const QString& storageDirectory() const { return storageDirectory_; }
+
+ private:
+    void load();
+    void save();
+    void removeImages(const std::vector<HistoryEntry>& dropped);
+    QString storagePath() const;
+    QString imagesDirectory() const;
+
+    platform::FileSystem& fileSystem_;
+    platform::Log& log_;
+    QString storageDirectory_;
+    qsizetype maxEntries_;
+    std::vector<HistoryEntry> entries_;
+    ChangeNotice notice_;
+};
+
+}  // namespace tavrelon::persistence

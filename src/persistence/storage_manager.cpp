@@ -1,0 +1,59 @@
+#include "persistence/storage_manager.h"
+
+namespace tavrelon::persistence {
+
+StorageManager::StorageManager(platform::DefaultsStore& userDefaults, platform::FileSystem& fileSystem,
+                               platform::Log& log, async::MainLoop& mainLoop, QString applicationSupport)
+    : userDefaults_(userDefaults),
+      fileSystem_(fileSystem),
+      log_(log),
+      mainLoop_(mainLoop),
+      applicationSupport_(std::move(applicationSupport)) {
+    // Without the folder the program still works; it only remembers nothing.
+    static_cast<void>(fileSystem_.createDirectory(applicationSupport_));
+    settings_ = storedSettings();
+    scenes_ = storedScenes();
+}
+
+AppSettings StorageManager::storedSettings() const {
+    const auto document = userDefaults_.data(defaults_keys::settings);
+    if (!document)
+        return defaultSettings();
+    try {
+        return appSettingsFrom(text::parseJson(*document));
+    } catch (const text::JsonError&) {
+        return defaultSettings();
+    }
+}
+
+std::vector<scenes::SceneConfig> StorageManager::storedScenes() const {
+    const auto path = applicationSupport_ + QStringLiteral("/scenes.json");
+    if (!fileSystem_.exists(path))
+        return scenes::defaultScenes();
+    const auto failed = [this](const QString& error) {
+        log_.line(QStringLiteral("Failed to load scenes: ") + error);
+        return scenes::defaultScenes();
+    };
+    const auto document = fileSystem_.read(path);
+    if (!document)
+        return failed(document.error().description);
+    try {
+        return scenes::sceneListFrom(text::parseJson(*document));
+    } catch (const text::JsonError& error) {
+        return failed(error.localizedDescription());
+    }
+}
+
+void StorageManager::saveSettings() {
+    try {
+        userDefaults_.setData(defaults_keys::settings, text::compactJson(toJson(settings_)));
+    } catch (const text::JsonError&) {
+        // The stored document is better than one with a hole.
+    }
+}
+
+void StorageManager::notifySettingsChanged() {
+    mainLoop_.post(lifetime_.guard([this] { notice_.announce(); }));
+}
+
+}  // namespace tavrelon::persistence

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <chrono>
+#include <functional>
+#include <memory>
+
+#include "desktop/atspi/atspi_accessibility.h"
+#include "desktop/qt/qt_main_loop.h"
+#include "platform/workspace.h"
+#include "support/recording_log.h"
+
+struct xcb_connection_t;
+
+namespace tavrelon::testing {
+
+/// What the window manager says is in front; or, once `pretend` is set, an application that has no window.
+class WindowManagerWorkspace : public platform::Workspace {
+ public:
+    WindowManagerWorkspace();
+    ~WindowManagerWorkspace() override;
+
+    std::optional<qint64> pretend;  ///< the process to name as frontmost
+
+    std::optional<platform::RunningApplication> frontmostApplication() override;
+    std::optional<QString> frontmostWindowTitle() override;
+    bool isOwnApplicationActive() override { return false; }
+    bool isTerminated(const platform::RunningApplication&) override { return false; }
+    bool activate(const platform::RunningApplication&) override { return false; }
+    bool openUrl(const QUrl&) override { return false; }
+
+ private:
+    QByteArray property(quint32 window, const char* name) const;
+    quint32 activeWindow() const;
+
+    xcb_connection_t* connection_;
+};
+
+/// Runs the event loop until `condition` holds; false when ten seconds passed without it.
+bool eventually(const std::function<bool()>& condition);
+
+/// Ends the turn of the main loop.
+void nextTurn();
+
+/// How long `work` took.
+std::chrono::milliseconds timeOf(const std::function<void()>& work);
+
+/// Runs a program to its end, as xdotool.
+void runTool(const QString& program, const QStringList& arguments);
+void pressKeys(const QStringList& keys);
+
+/// A program with a window, ended as a window manager's user would end it.
+class RunningProgram {
+ public:
+    RunningProgram(const QString& program, const QStringList& arguments);
+    ~RunningProgram();
+    qint64 process() const { return process_.processId(); }
+    void signal(int number) const;
+
+ private:
+    QProcess process_;
+};
+
+/// A connection of the test's own to the accessibility bus, to arrange what the adapter is to find.
+class AccessibilityBus {
+ public:
+    AccessibilityBus();
+    ~AccessibilityBus();
+    QDBusMessage call(const platform::AXElement& element, const char* interface, const char* method,
+                      const QVariantList& arguments = {}) const;
+    QDBusConnection connection() const { return QDBusConnection(name_); }
+
+ private:
+    QString name_;
+};
+
+/// The adapter at work on this desktop.
+struct AccessibilitySession {
+    WindowManagerWorkspace workspace;
+    desktop::QtMainLoop loop;
+    RecordingLog log;
+    desktop::AtspiAccessibility accessibility{workspace, loop, log};
+
+    platform::Accessibility::Result focused();
+    platform::Accessibility::Result read(const platform::AXElement& element, platform::AXAttribute attribute);
+
+    /// Waits until something of the process has the focus, and gives it.
+    std::optional<platform::AXElement> waitForFocusIn(qint64 process);
+};
+
+QString writeFile(const QTemporaryDir& folder, const QString& name, const QString& text);
+
+}  // namespace tavrelon::testing

@@ -1,0 +1,153 @@
+#include "support/fake_accessibility.h"
+
+#include <algorithm>
+
+namespace tavrelon::testing {
+
+using platform::AXAttributedString;
+using text::Utf16Range;
+
+FakeAccessibility::AXElement FakeAccessibility::fieldElement() const {
+    return {Kind::Object, 0, QStringLiteral(":field"), QStringLiteral("/field")};
+}
+
+void FakeAccessibility::focus(const QString& value) {
+    focus(value, {value.size(), 0});
+}
+
+void FakeAccessibility::focus(const QString& value, Utf16Range selection) {
+    field = Field{value, selection};
+}
+
+void FakeAccessibility::fail(Kind kind, AXAttribute attribute, AXError error) {
+    scripts_.insert_or_assign({kind, attribute}, std::unexpected(error));
+}
+
+void FakeAccessibility::answer(Kind kind, AXAttribute attribute, AXValue value) {
+    scripts_.insert_or_assign({kind, attribute}, std::move(value));
+}
+
+void FakeAccessibility::behave(Kind kind, AXAttribute attribute) {
+    scripts_.erase({kind, attribute});
+}
+
+int FakeAccessibility::callCount(Kind kind, AXAttribute attribute) const {
+    return static_cast<int>(std::ranges::count_if(
+        calls_, [&](const Call& call) { return call.element.kind == kind && call.attribute == attribute; }));
+}
+
+std::vector<QString> FakeAccessibility::textsSet() const {
+    std::vector<QString> texts;
+    for (const auto& call : calls_)
+        if (call.operation == Call::Operation::Set && call.attribute == AXAttribute::SelectedText)
+            texts.push_back(*call.value);
+    return texts;
+}
+
+void FakeAccessibility::record(Call call) {
+    calls_.push_back(std::move(call));
+    if (!beforeCall)
+        return;
+    const Call made = calls_.back();  // the hook may clear the log
+    beforeCall(made);
+}
+
+std::optional<FakeAccessibility::Result> FakeAccessibility::scripted(const AXElement& element,
+                                                                     AXAttribute attribute) const {
+    const auto found = scripts_.find({element.kind, attribute});
+    if (found == scripts_.end())
+        return std::nullopt;
+    return found->second;
+}
+
+FakeAccessibility::Result FakeAccessibility::copyAttribute(const AXElement& element, AXAttribute attribute) {
+    record({Call::Operation::Copy, element, attribute, {}, {}});
+    if (auto result = scripted(element, attribute))
+        return *result;
+    switch (element.kind) {
+        case Kind::SystemWide:
+            return ofSystem(attribute);
+        case Kind::Application:
+            return ofApplication(element.processIdentifier, attribute);
+        case Kind::Window:
+            return ofWindow(attribute);
+        case Kind::Object:
+            return ofField(element, attribute);
+    }
+    return std::unexpected(AXError::IllegalArgument);
+}
+
+FakeAccessibility::Result FakeAccessibility::ofSystem(AXAttribute attribute) const {
+    if (attribute == AXAttribute::FocusedUIElement)
+        return frontmostProcess ? ofApplication(*frontmostProcess, attribute) : std::unexpected(AXError::NoValue);
+    if (attribute != AXAttribute::FocusedApplication)
+        return std::unexpected(AXError::AttributeUnsupported);
+    if (!frontmostProcess)
+        return std::unexpected(AXError::NoValue);
+    return platform::axApplicationElement(*frontmostProcess);
+}
+
+FakeAccessibility::Result FakeAccessibility::ofApplication(qint64 process, AXAttribute attribute) const {
+    if (attribute != AXAttribute::FocusedUIElement && attribute != AXAttribute::FocusedWindow)
+        return std::unexpected(AXError::AttributeUnsupported);
+    if (frontmostProcess != process)
+        return std::unexpected(AXError::NoValue);
+    if (attribute == AXAttribute::FocusedWindow)
+        return AXElement{Kind::Window, process, {}, {}};
+    if (!field)
+        return std::unexpected(AXError::NoValue);
+    return fieldElement();
+}
+
+FakeAccessibility::Result FakeAccessibility::ofWindow(AXAttribute attribute) const {
+    if (attribute != AXAttribute::Title)
+        return std::unexpected(AXError::AttributeUnsupported);
+    if (!windowTitle)
+        return std::unexpected(AXError::NoValue);
+    return *windowTitle;
+}
+
+FakeAccessibility::Result FakeAccessibility::ofField(const AXElement& element, AXAttribute attribute) const {
+    if (!field || element != fieldElement())
+        return std::unexpected(AXError::InvalidUIElement);
+    switch (attribute) {
+        case AXAttribute::Value:
+            return field->value;
+        case AXAttribute::SelectedTextRange:
+            return field->selection;
+        case AXAttribute::SelectedText:
+            return field->value.mid(field->selection.location, field->selection.length);
+        default:
+            return std::unexpected(AXError::AttributeUnsupported);
+    }
+}
+
+FakeAccessibility::Result FakeAccessibility::copyParameterizedAttribute(const AXElement& element, AXAttribute attribute,
+                                                                        Utf16Range range) {
+    record({Call::Operation::CopyParameterized, element, attribute, range, {}});
+    if (auto result = scripted(element, attribute))
+        return *result;
+    if (element.kind != Kind::Object || attribute != AXAttribute::AttributedStringForRange)
+        return std::unexpected(AXError::ParameterizedAttributeUnsupported);
+    if (!field || element != fieldElement())
+        return std::unexpected(AXError::InvalidUIElement);
+    if (range.location < 0 || range.length < 0 || range.location > field->value.size())
+        return std::unexpected(AXError::IllegalArgument);
+    return AXAttributedString{field->value.mid(range.location, range.length)};
+}
+
+FakeAccessibility::AXError FakeAccessibility::setAttribute(const AXElement& element, AXAttribute attribute,
+                                                           const QString& value) {
+    record({Call::Operation::Set, element, attribute, {}, value});
+    if (element.kind != Kind::Object || attribute != AXAttribute::SelectedText)
+        return AXError::AttributeUnsupported;
+    if (!field || element != fieldElement())
+        return AXError::InvalidUIElement;
+    if (setSelectedTextResult != AXError::Success)
+        return setSelectedTextResult;
+    field->value.replace(field->selection.location, field->selection.length, value);
+    field->selection = {field->selection.location + value.size(), 0};
+    return AXError::Success;
+}
+
+}  // namespace tavrelon::testing

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QStringList>
+#include <chrono>
+#include <functional>
+
+#include "async/main_loop.h"
+#include "platform/pasteboard.h"
+
+namespace tavrelon::testing {
+
+/// A pasteboard in memory. Until a test says otherwise it is empty and every owner answers at once.
+///
+/// What the code under test put there itself is read at once; delays, hanging and errors concern what another
+/// application put there, as on a real desktop. Main thread.
+class FakePasteboard : public platform::Pasteboard {
+ public:
+    enum class Owner { Answers, Hangs };
+
+    explicit FakePasteboard(async::MainLoop& loop) : loop_(loop) {}
+
+    std::int64_t changeCount() override { return changeCount_; }
+    async::Task<std::expected<std::vector<platform::PasteboardItem>, platform::PasteboardError>> items() override;
+    async::Task<std::optional<QString>> string() override;
+    void clearContents() override;
+    void setString(const QString& text) override;
+    void writeItems(std::vector<platform::PasteboardItem> items) override;
+
+    /// What another application does.
+    void copyElsewhere(const QString& text);
+    void copyElsewhere(std::vector<platform::PasteboardItem> items);
+
+    /// How the other application behaves when it is read: it answers after a delay, or never (a read then ends after
+    /// `bound`), or `items` fails with an error and `string` finds nothing.
+    void setReadDelay(std::chrono::nanoseconds delay) { delay_ = delay; }
+    void setOwner(Owner owner) { owner_ = owner; }
+    void setReadError(std::optional<platform::PasteboardError> error) { error_ = error; }
+    static constexpr std::chrono::seconds bound{1};
+
+    /// What the focused application does when the copy shortcut reaches it. A test connects `copyShortcut` to its key
+    /// poster; without a reaction nothing happens.
+    void onCopyShortcut(std::function<void(FakePasteboard&)> reaction) { copyReaction_ = std::move(reaction); }
+    void copyShortcut();
+
+    /// A look that neither waits nor is journalled.
+    const std::vector<platform::PasteboardItem>& contents() const { return contents_; }
+    std::optional<QString> text() const { return textOf(contents_); }
+
+    /// The calls of the port in their order: "items", "string", "clearContents", "setString", "writeItems".
+    const QStringList& journal() const { return journal_; }
+    void clearJournal() { journal_.clear(); }
+
+    /// The one-item list that `setString` makes of a text.
+    static std::vector<platform::PasteboardItem> itemsOf(const QString& text);
+
+ private:
+    enum class Source { Ours, Elsewhere };
+    using Read = std::expected<std::vector<platform::PasteboardItem>, platform::PasteboardError>;
+
+    async::Task<Read> read();
+    void replace(std::vector<platform::PasteboardItem> items, Source source);
+    static std::optional<QString> textOf(const std::vector<platform::PasteboardItem>& items);
+
+    async::MainLoop& loop_;
+    std::vector<platform::PasteboardItem> contents_;
+    Source source_ = Source::Ours;
+    std::int64_t changeCount_ = 1;
+    std::chrono::nanoseconds delay_{0};
+    Owner owner_ = Owner::Answers;
+    std::optional<platform::PasteboardError> error_;
+    std::function<void(FakePasteboard&)> copyReaction_;
+    QStringList journal_;
+};
+
+}  // namespace tavrelon::testing

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/workspace.h"
+
+namespace tavrelon::testing {
+
+/// A workspace of windows that a test opens. It starts with no window in front. Main thread.
+class FakeWorkspace : public platform::Workspace {
+ public:
+    /// The process number that counts as our own.
+    static constexpr qint64 ownProcessIdentifier = 4711;
+
+    std::optional<platform::RunningApplication> frontmostApplication() override;
+    std::optional<QString> frontmostWindowTitle() override;
+    bool isOwnApplicationActive() override;
+    bool isTerminated(const platform::RunningApplication& application) override;
+    bool activate(const platform::RunningApplication& application) override;
+    bool openUrl(const QUrl& url) override;
+
+    /// Opens a window of the application, or takes the one with the same process and window, and puts it in front.
+    void focus(const platform::RunningApplication& application, std::optional<QString> title = std::nullopt);
+
+    /// Puts one of our own windows in front.
+    void focusOwnWindow();
+
+    /// No window has the focus any longer; all stay open.
+    void focusNothing() { frontmost_.reset(); }
+
+    /// Ends the application with all its windows.
+    void terminate(const platform::RunningApplication& application);
+
+    /// Whether the window manager can be asked, and whether there is a program that opens addresses.
+    void setActivationPossible(bool possible) { activationPossible_ = possible; }
+    void setUrlsOpen(bool open) { urlsOpen_ = open; }
+
+    /// The applications that were activated and the addresses that were opened, in order.
+    const std::vector<platform::RunningApplication>& activated() const { return activated_; }
+    const std::vector<QUrl>& openedUrls() const { return openedUrls_; }
+
+ private:
+    struct Window {
+        platform::RunningApplication application;
+        std::optional<QString> title;
+    };
+    std::optional<std::size_t> indexOf(const platform::RunningApplication& application) const;
+
+    std::vector<Window> windows_;
+    std::optional<std::size_t> frontmost_;
+    bool activationPossible_ = true;
+    bool urlsOpen_ = true;
+    std::vector<platform::RunningApplication> activated_;
+    std::vector<QUrl> openedUrls_;
+};
+
+}  // namespace tavrelon::testing
