@@ -9,7 +9,7 @@ namespace tavrelon::generation::chat_glm {
 
 struct Call {
     QString baseURL;  ///< without a trailing "/"
-    std::optional<QString> key;
+    std::optional<QString> key{};
     PollinationsModel model = PollinationsModel::glmTextFlash;
     ChatPrompt prompt;
     JsonMode jsonMode = JsonMode::Off;

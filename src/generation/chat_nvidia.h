@@ -11,10 +11,10 @@ namespace tavrelon::generation::chat_nvidia {
 
 struct Call {
     QString url;
-    std::optional<QString> key;
+    std::optional<QString> key{};
     PollinationsModel model = PollinationsModel::nvidiaNemotron;
     ChatPrompt prompt;
-    std::optional<std::vector<QByteArray>> images;  ///< JPEG; instead of the prompt's single image
+    std::optional<std::vector<QByteArray>> images{};  ///< JPEG; instead of the prompt's single image
     Thinking thinking = Thinking::AsConfigured;
     bool thinkEnabled = false;  ///< the user's setting
 };

@@ -12,11 +12,11 @@ namespace tavrelon::generation::chat_ollama {
 struct Call {
     OllamaMode mode = OllamaMode::cloud;
     QString url;  ///< used as it stands
-    std::optional<QString> model;
-    std::optional<QString> key;
+    std::optional<QString> model{};
+    std::optional<QString> key{};
     QString systemPrompt;
     QString userPrompt;
-    std::optional<QByteArray> image;  ///< JPEG
+    std::optional<QByteArray> image{};  ///< JPEG
 };
 
 /// Throws `configurationMissing` for what the user did not set, and `invalidURL` for an address that cannot be formed.

@@ -8,7 +8,7 @@ namespace tavrelon::generation::chat_pollinations {
 
 struct Call {
     QString baseURL;  ///< without a trailing "/"
-    std::optional<QString> key;
+    std::optional<QString> key{};
     QString model;
     ImageCapability imageCapable = ImageCapability::No;
     ChatPrompt prompt;

@@ -11,7 +11,7 @@ namespace tavrelon::generation {
 struct ChatPrompt {
     QString system;
     QString user;
-    std::optional<QByteArray> image;  ///< JPEG
+    std::optional<QByteArray> image{};  ///< JPEG
     qint64 maxTokens = 0;
     float temperature = 0;
 };

@@ -12,7 +12,7 @@ class ChangeNotice {
  public:
     template <typename Handler>
     [[nodiscard]] ChangeSubscription subscribe(Handler handler) const {
-        return revision_.addNotifier(std::move(handler));
+        return ChangeSubscription(revision_, std::move(handler));
     }
 
     /// Calls every subscriber before it returns.

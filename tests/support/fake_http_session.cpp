@@ -48,6 +48,8 @@ FakeHttpSession::Reply FakeHttpSession::take(const platform::HttpRequest& reques
 async::Task<FakeHttpSession::Outcome> FakeHttpSession::send(platform::HttpRequest request) {
     if (!isHttpAddress(request.url))
         co_return failure(Code::InvalidUrl, "The address is not valid.");
+    if ((co_await async::currentCancellation())->requested())
+        throw async::CancellationError();
     requests_.push_back(request);
     auto reply = take(request);
     auto guard = qScopeGuard([this] { ++abandoned_; });

@@ -6,6 +6,7 @@ using namespace Qt::StringLiterals;
 
 bool isStatusError(QNetworkReply::NetworkError error) {
     return error == QNetworkReply::ProtocolInvalidOperationError ||
+           error == QNetworkReply::ProxyAuthenticationRequiredError ||
            (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError) ||
            error >= QNetworkReply::InternalServerError;
 }

@@ -1,0 +1,206 @@
+#include <gmock/gmock.h>
+
+#include "generation/gateway_fixture.h"
+
+namespace tavrelon::generation {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using tavrelon::testing::runTask;
+using ::testing::ElementsAre;
+using ::testing::Not;
+
+namespace {
+const QString nemotron = u"nvidia/nemotron-nano-12b-v2-vl"_s;
+const QByteArray jpeg("\xff\xd8");
+}  // namespace
+
+class TextChainTest : public tavrelon::testing::GatewayFixture {
+ public:
+    bool logged(const QString& line) const { return log.contains("[Pollinations] "_L1 + line); }
+};
+
+TEST_F(TextChainTest, ATextRequestWalksTheTextModelsAndThrowsTheLastError) {
+    http.answer(500, "one");
+    http.answer(429, "two");
+    http.answer(400, R"({"code":"1210"})");
+    EXPECT_EQ(generateError(), u"API error (400): {\"code\":\"1210\"}"_s);
+    EXPECT_EQ(askedModels(), (QStringList{nemotron, u"openai"_s, u"glm-4v-flash"_s}));
+    EXPECT_EQ(log.lines(),
+              (QStringList{u"[Pollinations] Text generation failed with NVIDIA Nemotron Nano 12B VL: one"_s,
+                           u"[Pollinations] Text generation failed with OpenAI: two"_s,
+                           u"[Pollinations] GLM error 1210. Skipping model."_s}));
+    EXPECT_EQ(header(http.requests()[0], "Authorization"), "Bearer nvapi-built-in");
+    EXPECT_EQ(header(http.requests()[1], "Authorization"), "Bearer sk_default");
+    EXPECT_EQ(header(http.requests()[2], "Authorization"), "Bearer glm.key");
+}
+
+TEST_F(TextChainTest, TheFirstAnswerEndsTheWalkEvenIfItIsEmpty) {
+    http.fail(platform::HttpError::Code::Transport, u"Could not connect to nvidia.test."_s);
+    http.answer(200, chatReply(QString()));
+    EXPECT_EQ(generate(), u""_s);
+    EXPECT_EQ(log.lines().last(), u"[Pollinations] Text generated with OpenAI"_s);
+    EXPECT_TRUE(
+        logged(u"Text generation failed with NVIDIA Nemotron Nano 12B VL: Could not connect to nvidia.test."_s));
+}
+
+TEST_F(TextChainTest, AnImageGoesToTheVisionModelsFirstAndIsThenLeftOut) {
+    for (int i = 0; i < 4; ++i)
+        http.answer(500, "no");
+    http.answer(400, R"({"code":"1210"})");
+    EXPECT_EQ(generateError(jpeg), u"API error (400): {\"code\":\"1210\"}"_s);
+    EXPECT_EQ(askedModels(), (QStringList{nemotron, u"openai"_s, nemotron, u"openai"_s, u"glm-4v-flash"_s}));
+    const auto carriesImage = [this](std::size_t index) { return http.requests()[index].body.contains("image_url"); };
+    EXPECT_TRUE(carriesImage(0) && carriesImage(1));
+    EXPECT_FALSE(carriesImage(2) || carriesImage(3) || carriesImage(4));
+    EXPECT_TRUE(logged(u"All vision models failed. Retrying without image."_s));
+    EXPECT_TRUE(logged(u"Text generation failed with GLM 4V Flash (no image): API error (400): {\"code\":\"1210\"}"_s));
+
+    log.clear();
+    http.answer(500, "no");
+    http.answer(500, "no");
+    http.answer(200, chatReply(u"blind"_s));
+    EXPECT_EQ(generate(jpeg), u"blind"_s);
+    EXPECT_TRUE(logged(u"Text generated with NVIDIA Nemotron Nano 12B VL (no image)"_s));
+}
+
+TEST_F(TextChainTest, TheSpecialLinesOfTheFirstWalk) {
+    service.visionModels = {PollinationsModel::glmVision};
+    service.textModels = {};
+    http.answer(400, "code 1210");
+    EXPECT_EQ(generateError(jpeg), u"API error (400): code 1210"_s);
+    EXPECT_TRUE(logged(u"GLM error 1210 with image input. Skipping model."_s));
+
+    service.textModels = {PollinationsModel::glmTextFlash, PollinationsModel::openai,
+                          PollinationsModel::nvidiaNemotron};
+    http.answer(400, "bad");
+    http.answer(400, "code 1210");
+    http.answer(200, "[]");
+    EXPECT_EQ(generateError(), u"Parse error: Invalid NVIDIA response format"_s);
+    EXPECT_TRUE(logged(u"Text generation failed with GLM 4 Flash 250414: bad"_s));
+    EXPECT_TRUE(logged(u"Text generation failed with OpenAI: code 1210"_s)) << "the rule is for GLM alone";
+
+    service.textModels = {};
+    EXPECT_EQ(generateError(), u"All models failed to process request"_s);
+    service.visionModels = {PollinationsModel::glmVisionFlash};
+    EXPECT_EQ(generateError(jpeg), u"All models failed to process request"_s);
+}
+
+TEST_F(TextChainTest, MissingKeysFailTheirModelsAndTheWalkGoesOn) {
+    auto bare = endpoints();
+    bare.builtInNvidiaApiKey = u" "_s;
+    PollinationsService keyless(loop, http, log, bare, {});
+    http.answer(200, chatReply(u"ok"_s));
+    EXPECT_EQ(runTask(loop, keyless.generateText(u"S"_s, u"U"_s, {}, 10, 0.7F)), u"ok"_s);
+    ASSERT_EQ(http.requests().size(), 1U);
+    EXPECT_EQ(header(http.requests()[0], "Authorization"), "") << "no key, no header";
+    EXPECT_TRUE(logged(u"Text generation failed with NVIDIA Nemotron Nano 12B VL: NVIDIA API key not configured"_s));
+    keyless.textModels = {PollinationsModel::glmTextFlash};
+    EXPECT_THROW(runTask(loop, keyless.generateText(u"S"_s, u"U"_s, {}, 10, 0.7F)), PollinationsError);
+    EXPECT_TRUE(logged(u"Text generation failed with GLM 4 Flash 250414: GLM API key not configured"_s));
+}
+
+TEST_F(TextChainTest, OllamaTakesOverRequestsWithAnImageOnly) {
+    service.ollamaEnabled = true;
+    EXPECT_EQ(generateError(jpeg), u"Ollama cloud model is required"_s);
+    EXPECT_TRUE(http.requests().empty());
+
+    service.ollamaMode = OllamaMode::local;
+    service.ollamaLocalModel = u"llava"_s;
+    http.answer(500, "down");
+    EXPECT_EQ(generateError(jpeg), u"API error (500): down"_s);
+    ASSERT_EQ(http.requests().size(), 1U);
+    EXPECT_EQ(http.requests()[0].url, QUrl(u"http://localhost:11434/api/chat"_s));
+    service.ollamaLocalEndpoint = u"http://box:1/api/chat"_s;
+    http.answer(200, R"({"message":{"content":"seen"}})");
+    EXPECT_EQ(generate(jpeg), u"seen"_s);
+    EXPECT_EQ(http.requests()[1].url.host(), u"box"_s);
+    EXPECT_TRUE(log.lines().isEmpty());
+
+    http.answer(200, chatReply(u"text"_s));
+    EXPECT_EQ(generate(), u"text"_s);
+    EXPECT_EQ(http.requests()[2].url.host(), u"nvidia.test"_s);
+}
+
+TEST_F(TextChainTest, TheCustomModelGoesFirstAndItsFailureIsDropped) {
+    service.pollinationsCustomEnabled = true;
+    service.pollinationsBaseURLOverride = u"https://mine.test"_s;
+    service.pollinationsVisionModelOverride = u"my-model"_s;
+    http.answer(200, chatReply(u"mine"_s));
+    EXPECT_EQ(generate(jpeg), u"mine"_s);
+    EXPECT_EQ(http.requests()[0].url, QUrl(u"https://mine.test/v1/chat/completions"_s));
+    EXPECT_EQ(header(http.requests()[0], "Authorization"), "") << "the built-in key never goes to a custom gateway";
+    EXPECT_TRUE(http.requests()[0].body.contains("image_url"));
+    EXPECT_TRUE(logged(u"Text generated with custom model my-model"_s));
+
+    service.pollinationsApiKey = u"own"_s;
+    http.answer(503, "off");
+    http.answer(200, chatReply(u"chain"_s));
+    EXPECT_EQ(generate(), u"chain"_s);
+    EXPECT_EQ(header(http.requests()[1], "Authorization"), "Bearer own");
+    EXPECT_TRUE(logged(u"Custom Pollinations model failed: API error (503): off"_s));
+
+    service.pollinationsVisionModelOverride = QString();
+    http.answer(200, chatReply(u"chain"_s));
+    EXPECT_EQ(generate(), u"chain"_s);
+    EXPECT_EQ(askedModels().last(), nemotron) << "an empty override skips the custom step";
+}
+
+TEST_F(TextChainTest, TheDeadlineCutsPollinationsAndGLMButNotNvidia) {
+    service.textModels = {PollinationsModel::openai, PollinationsModel::glmVisionFlash};
+    http.neverAnswer();
+    http.neverAnswer();
+    const auto start = loop.now();
+    EXPECT_EQ(generateError(), u"Request timed out"_s);
+    EXPECT_EQ(loop.now() - start, 60s) << "thirty seconds each";
+    EXPECT_EQ(http.abandoned(), 2) << "past its deadline a request is ended on the wire";
+
+    service.textModels = {PollinationsModel::nvidiaNemotron};
+    http.answer({platform::HttpResponse{.status = 200, .body = chatReply(u"slow"_s)}, 45s});
+    EXPECT_EQ(generate(), u"slow"_s);
+}
+
+TEST_F(TextChainTest, ACancellationEndsTheWalk) {
+    http.neverAnswer();
+    bool cancelled = false;
+    async::TaskScope scope(loop);
+    auto handle = scope.spawn([](PollinationsService& gateway, bool& flag) -> async::Task<void> {
+        try {
+            co_await gateway.generateText(u"S"_s, u"U"_s, std::nullopt, 10, 0.7F);
+        } catch (const async::CancellationError&) {
+            flag = true;
+        }
+    }(service, cancelled));
+    loop.advance(1s);
+    handle.cancel();
+    loop.advance(1s);
+    EXPECT_TRUE(cancelled);
+    EXPECT_EQ(http.requests().size(), 1U) << "no other model is asked";
+    EXPECT_EQ(http.abandoned(), 1);
+}
+
+TEST_F(TextChainTest, VisionModelsFollowThePreference) {
+    using enum PollinationsModel;
+    service.setVisionModelPreference(VisionModelPreference::quality);
+    EXPECT_THAT(service.visionModels, ElementsAre(openai, glmVisionFlash, nvidiaNemotron));
+    EXPECT_THAT(PollinationsService::availableModels(service.visionModels, jpeg), ElementsAre(openai, nvidiaNemotron));
+    EXPECT_THAT(PollinationsService::availableModels({mistral, glmVision, gemini, glmTextFlash}, jpeg),
+                ElementsAre(glmVision, gemini));
+    service.setVisionModelPreference(VisionModelPreference::speed);
+    EXPECT_THAT(service.visionModels, ElementsAre(nvidiaNemotron, openai, glmVisionFlash));
+}
+
+TEST_F(TextChainTest, NormalizesWhatTheUserTyped) {
+    EXPECT_EQ(PollinationsService::normalizedBaseURL(u"  https://a.test/b// \n"_s), u"https://a.test/b"_s);
+    EXPECT_EQ(PollinationsService::normalizedBaseURL(u" "_s), std::nullopt);
+    EXPECT_EQ(PollinationsService::normalizedModelName(u" openai.pollinations "_s), u"openai"_s);
+    EXPECT_EQ(PollinationsService::normalizedModelName(u"mistral"_s), u"mistral"_s);
+    EXPECT_EQ(PollinationsService::normalizedModelName(u"\t"_s), std::nullopt);
+
+    service.nvidiaApiKey = u" own "_s;
+    EXPECT_EQ(service.effectiveNvidiaApiKey(), u"nvapi-built-in"_s) << "not while NVIDIA is off";
+    service.nvidiaEnabled = true;
+    EXPECT_EQ(service.effectiveNvidiaApiKey(), u"own"_s);
+}
+
+}  // namespace tavrelon::generation
