@@ -28,8 +28,8 @@ class Stage:
         self.service.answer_with(case.answer)
         with Editor(kind, path, self.output / f"{kind}.log", self.tavrelon.home) as editor:
             screen.press(*case.keys)
-            self.ask(case, stem)
-            self.see_outcome(case)
+            mark = self.ask(case, stem)
+            self.see_outcome(case, mark)
             after = editor.saved_text(case.after)
             screen.picture(self.output / f"{stem}-after.png")
         return after
@@ -44,9 +44,9 @@ class Stage:
         screen.picture(self.output / f"{stem}-before.png")
         screen.press(screen.HOTKEY)
         self.tavrelon.wait_for_line(r"\[Hotkey\] Committing text input", mark)
+        return mark
 
-    def see_outcome(self, case):
-        mark = len(self.tavrelon.written())
+    def see_outcome(self, case, mark):
         heard = wait_for("a request at the service", self.service.user_messages, seconds=15)
         if not heard[0].startswith(case.request):
             raise Fault(f"the service heard {heard[0]!r} instead of {case.request!r}")
