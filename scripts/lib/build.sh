@@ -3,12 +3,13 @@
 # Builds of different checkouts share what ccache has.
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
 
-build_preset() {  # build_preset PRESET [TARGET...]: configures and builds, saying little when all goes well
-    local preset=$1 targets=()
+build_preset() {  # build_preset PRESET [-DOPTION=VALUE...] [TARGET...]: configures and builds
+    local preset=$1 options=() targets=()
     shift
+    while [[ ${1:-} == -D* ]]; do options+=("$1"); shift; done
     [ $# -eq 0 ] || targets=(--target "$@")
     mkdir -p build
-    if ! cmake --preset "$preset" >"build/$preset-configure.log" 2>&1; then
+    if ! cmake --preset "$preset" "${options[@]}" >"build/$preset-configure.log" 2>&1; then
         cat "build/$preset-configure.log" >&2
         return 1
     fi

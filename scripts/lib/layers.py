@@ -22,6 +22,7 @@ ADAPTERS = ["desktop/linux", "desktop/qt", "desktop/x11", "desktop/atspi"]
 # Neighbours on one floor that may be used in this one direction, with the reason.
 NEIGHBOURS = {
     ("keys", "text"): "hotkey records are written as JSON",
+    ("desktop/x11", "desktop/linux"): "the process behind a window and its desktop entry are found in /proc and on disk",
 }
 
 ROOF = "main.cpp"
@@ -63,15 +64,17 @@ def folder_of(path):
 
 def objection(user, used):
     """Why the folder `user` may not use the folder `used`; None if it may."""
-    if user == used:
+    if user == used or (user, used) in NEIGHBOURS:
         return None
+    if used in ADAPTERS and user in ADAPTERS:
+        return f"the adapter {user}/ may not use its neighbour {used}/"
     if used in ADAPTERS:
         return f"only main.cpp and tests may name the adapter {used}/"
     if user in ADAPTERS:
         if used == "platform" or floor_of(used) == 0:
             return None
         return f"the adapter {user}/ may use only platform/ and floor 0, not {used}/ on floor {floor_of(used)}"
-    if floor_of(used) < floor_of(user) or (user, used) in NEIGHBOURS:
+    if floor_of(used) < floor_of(user):
         return None
     relation = "its neighbour" if floor_of(used) == floor_of(user) else "the higher"
     return f"{user}/ on floor {floor_of(user)} may not use {relation} {used}/ on floor {floor_of(used)}"
