@@ -2,10 +2,15 @@
 
 namespace tavrelon::app {
 
-async::Task<generation::GenerationResult> AIGenerator::generate(input::GenerationRequest request) {
-    return service_.generate(std::move(request.input), std::move(request.context), std::move(request.userStyle),
-                             std::move(request.languageStyle), std::move(request.cloneSystemPrompt),
-                             std::move(request.userVoice), request.enhanceImagePrompts);
+async::Task<generation::GenerationResult> AIGenerator::generate(generation::GenerationRequest request) {
+    return service_.generate(std::move(request));
+}
+
+async::Task<generation::GenerationResult> AIGenerator::generateVideoResult(generation::GenerationRequest request,
+                                                                           std::vector<QByteArray> frames) {
+    (void)request, (void)frames;
+    throw generation::ProcessingError::generationFailed(QStringLiteral("Window video is not available"));
+    co_return generation::GenerationResult{};
 }
 
 }  // namespace tavrelon::app

@@ -10,8 +10,8 @@ class AIGenerator : public input::Generator {
  public:
     explicit AIGenerator(generation::TavrelonAIService& service) : service_(service) {}
 
-    async::Task<generation::GenerationResult> generate(input::GenerationRequest request) override;
-    async::Task<generation::GenerationResult> generateVideoResult(input::GenerationRequest request,
+    async::Task<generation::GenerationResult> generate(generation::GenerationRequest request) override;
+    async::Task<generation::GenerationResult> generateVideoResult(generation::GenerationRequest request,
                                                                   std::vector<QByteArray> frames) override;
 
  private:

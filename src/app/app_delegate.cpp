@@ -7,7 +7,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     appState_.sceneRouter().updateScenes(appState_.storageManager().scenes());
 }
 
-void AppDelegate::applicationWillTerminate() { appState_.hotkeyManager().stopListening(); }
+void AppDelegate::applicationWillTerminate() {
+    appState_.hotkeyManager().stopListening();
+}
 
 void AppDelegate::startHotkeyListener() {
     try {

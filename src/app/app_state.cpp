@@ -38,9 +38,8 @@ AppState::AppState(platform::Platform& platform, const generation::ServiceEndpoi
     applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
     aiService_ = std::make_unique<generation::TavrelonAIService>(pollinationsService_, sceneRouter_, platform.log);
     generator_ = std::make_unique<AIGenerator>(*aiService_);
-    inputStateMachine_ = std::make_shared<input::InputStateMachine>(
-        input::InputServices{platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_,
-                             nullptr, nullptr});
+    inputStateMachine_ = std::make_shared<input::InputStateMachine>(input::InputServices{
+        platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_, nullptr, nullptr});
     hotkeyManager_.stateMachine = inputStateMachine_;
     applyHotkeySettings();
     setCallbacks();
@@ -96,7 +95,8 @@ void AppState::setCallbacks() {
 
 void AppState::toggleAllHotkeys() {
     const bool enabled = !storageManager_.settings().hotkeysEnabled;
-    storageManager_.changeSettings([enabled](persistence::AppSettings& settings) { settings.hotkeysEnabled = enabled; });
+    storageManager_.changeSettings(
+        [enabled](persistence::AppSettings& settings) { settings.hotkeysEnabled = enabled; });
     storageManager_.saveSettings();
     hotkeyManager_.hotkeysEnabled = enabled;
     hotkeyManager_.clearLatches();
@@ -107,9 +107,13 @@ void AppState::toggleVideo() {
     switch (inputStateMachine_->currentState().value) {
         case InputState::Case::listening:
         case InputState::Case::listeningVoice:
-        case InputState::Case::processing: break;
-        case InputState::Case::recordingVideo: inputStateMachine_->stopVideoInput(); break;
-        default: inputStateMachine_->startVideoInput();
+        case InputState::Case::processing:
+            break;
+        case InputState::Case::recordingVideo:
+            inputStateMachine_->stopVideoInput();
+            break;
+        default:
+            inputStateMachine_->startVideoInput();
     }
 }
 

@@ -23,7 +23,8 @@ void enforceProviderExclusivity(persistence::StorageManager& storage) {
     if (settings.enableCustomPollinations) {
         if (!settings.enableOllamaVision && !settings.enableNvidiaLocal)
             return;
-        storage.changeSettings([](AppSettings& changed) { changed.enableOllamaVision = changed.enableNvidiaLocal = false; });
+        storage.changeSettings(
+            [](AppSettings& changed) { changed.enableOllamaVision = changed.enableNvidiaLocal = false; });
     } else {
         if (!settings.enableNvidiaLocal || !settings.enableOllamaVision)
             return;
@@ -52,8 +53,7 @@ void applyProviderSettings(const AppSettings& settings, const platform::Defaults
     service.ollamaLocalApiKey = storedKey(userDefaults, entries::ollamaLocalApiKey);
 
     service.nvidiaEnabled = settings.enableNvidiaLocal;
-    service.nvidiaApiKey =
-        settings.enableNvidiaLocal ? storedKey(userDefaults, entries::nvidiaApiKey) : std::nullopt;
+    service.nvidiaApiKey = settings.enableNvidiaLocal ? storedKey(userDefaults, entries::nvidiaApiKey) : std::nullopt;
     service.nvidiaThinkEnabled = settings.enableNvidiaThink;
     service.setVisionModelPreference(settings.visionModelPreference == QLatin1StringView("quality")
                                          ? VisionModelPreference::quality

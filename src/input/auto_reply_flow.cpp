@@ -64,15 +64,11 @@ async::Task<generation::GenerationResult> AutoReplyFlow::generateOnce(QString pr
                                                                       const capture::CapturedContext& context,
                                                                       std::optional<QString> userStyle) {
     const auto& settings = services_.storageManager.settings();
-    GenerationRequest request;
-    request.input = std::move(prompt);
-    request.context = context;
-    request.userStyle = std::move(userStyle);
-    request.languageStyle = cloneLanguageStyleForRequest(settings);
-    request.cloneSystemPrompt = cloneSystemPromptForRequest(settings);
-    request.userVoice = adaptivePromptForRequest(settings);
-    request.enhanceImagePrompts = settings.enableImagePromptEnhancement;
-    co_return co_await services_.generator.generate(std::move(request));
+    co_return co_await services_.generator.generate(
+        {.input = std::move(prompt),
+         .context = context,
+         .voice = voiceForRequest(settings, std::move(userStyle), adaptivePromptForRequest(settings)),
+         .enhanceImagePrompts = settings.enableImagePromptEnhancement});
 }
 
 void AutoReplyFlow::record(const capture::CapturedContext& context, const QString& inputText,

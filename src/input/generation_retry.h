@@ -3,7 +3,6 @@
 #include <functional>
 
 #include "async/task.h"
-#include "generation/generation_result.h"
 #include "input/input_state_machine.h"
 
 namespace tavrelon::input {

@@ -21,15 +21,11 @@ async::Task<generation::GenerationResult> TextRequestPipeline::generateOnce(cons
                                                                             std::optional<QString> userStyle,
                                                                             std::optional<QString> userVoice) {
     const auto& settings = services_.storageManager.settings();
-    GenerationRequest generation;
-    generation.input = request.finalText;
-    generation.context = request.context;
-    generation.userStyle = std::move(userStyle);
-    generation.languageStyle = cloneLanguageStyleForRequest(settings);
-    generation.cloneSystemPrompt = cloneSystemPromptForRequest(settings);
-    generation.userVoice = std::move(userVoice);
-    generation.enhanceImagePrompts = settings.enableImagePromptEnhancement;
-    co_return co_await services_.generator.generate(std::move(generation));
+    co_return co_await services_.generator.generate(
+        {.input = request.finalText,
+         .context = request.context,
+         .voice = voiceForRequest(settings, std::move(userStyle), std::move(userVoice)),
+         .enhanceImagePrompts = settings.enableImagePromptEnhancement});
 }
 
 std::optional<qint64> TextRequestPipeline::effectiveDeleteCount(const TextRequest& request) const {

@@ -3,6 +3,7 @@
 #include <QString>
 #include <optional>
 
+#include "generation/system_prompt.h"
 #include "persistence/app_settings.h"
 #include "text/characters.h"
 
@@ -18,6 +19,11 @@ inline std::optional<QString> cloneLanguageStyleForRequest(const persistence::Ap
 }
 inline std::optional<QString> cloneSystemPromptForRequest(const persistence::AppSettings& settings) {
     return text::trimmedOrAbsent(settings.cloneSystemPrompt);
+}
+inline generation::UserVoice voiceForRequest(const persistence::AppSettings& settings, std::optional<QString> userStyle,
+                                             std::optional<QString> adaptivePrompt) {
+    return {std::move(userStyle), cloneLanguageStyleForRequest(settings), cloneSystemPromptForRequest(settings),
+            std::move(adaptivePrompt)};
 }
 
 }  // namespace tavrelon::input

@@ -62,13 +62,11 @@ async::Task<void> VideoFlow::describe(const QString& requestText, const std::vec
     const auto retried = co_await generateWithRetry(
         machine_, services_.platform.mainLoop, id, generationAttempts, generationRetryDelay, [&, this] {
             const auto& settings = services_.storageManager.settings();
-            GenerationRequest request;
-            request.input = prompt;
-            request.context = context;
-            request.languageStyle = cloneLanguageStyleForRequest(settings);
-            request.cloneSystemPrompt = cloneSystemPromptForRequest(settings);
-            request.userVoice = adaptivePromptForRequest(settings);
-            return services_.generator.generateVideoResult(std::move(request), frames);
+            return services_.generator.generateVideoResult(
+                {.input = prompt,
+                 .context = context,
+                 .voice = voiceForRequest(settings, std::nullopt, adaptivePromptForRequest(settings))},
+                frames);
         });
     if (!machine_.isCurrentTask(id))
         co_return;

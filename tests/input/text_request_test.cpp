@@ -159,16 +159,16 @@ TEST_F(TextRequestTest, SettingsReachTheRequest) {
     desk.request(QStringLiteral("one"));
     finish();
     const auto& first = desk.generator.requests.front();
-    EXPECT_EQ(first.userVoice, QStringLiteral("voice"));
-    EXPECT_EQ(first.userStyle, std::nullopt) << "the learnt voice displaces the style profile";
-    EXPECT_EQ(first.languageStyle, QStringLiteral("style"));
-    EXPECT_EQ(first.cloneSystemPrompt, std::nullopt);
+    EXPECT_EQ(first.voice.adaptivePrompt, QStringLiteral("voice"));
+    EXPECT_EQ(first.voice.userStyle, std::nullopt) << "the learnt voice displaces the style profile";
+    EXPECT_EQ(first.voice.languageStyle, QStringLiteral("style"));
+    EXPECT_EQ(first.voice.cloneSystemPrompt, std::nullopt);
     EXPECT_FALSE(first.enhanceImagePrompts);
 
     desk.change([](auto& settings) { settings.adaptiveSystemPrompt.clear(); });
     desk.request(QStringLiteral("two"));
     finish();
-    EXPECT_TRUE(desk.generator.requests.back().userStyle);
+    EXPECT_TRUE(desk.generator.requests.back().voice.userStyle);
 }
 
 class CompositionTest : public TextRequestTest {

@@ -16,7 +16,7 @@ enum class Manners {
     LosesForGood,   ///< drops whatever is written to it
     MuteReading,    ///< does not answer when asked for its text
     MuteInserting,  ///< does not answer when told to insert
-    Garbled,         ///< answers with a number when asked for its text
+    Garbled,        ///< answers with a number when asked for its text
     Password,
     WithoutText,     ///< the field is an element of another sort
     WithoutEditing,  ///< text that can only be read

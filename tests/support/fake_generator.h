@@ -21,10 +21,10 @@ class FakeGenerator : public input::Generator {
 
     std::chrono::milliseconds delay{10};
     std::deque<Answer> script;
-    std::vector<input::GenerationRequest> requests;
+    std::vector<generation::GenerationRequest> requests;
     std::vector<std::vector<QByteArray>> videos;
 
-    async::Task<generation::GenerationResult> generate(input::GenerationRequest request) override {
+    async::Task<generation::GenerationResult> generate(generation::GenerationRequest request) override {
         requests.push_back(std::move(request));
         co_await async::pause(loop_, delay);
         Answer answer = generation::GenerationResult{.text = QStringLiteral("ANSWER")};
@@ -38,7 +38,7 @@ class FakeGenerator : public input::Generator {
             throw *error;
         co_return std::get<generation::GenerationResult>(std::move(answer));
     }
-    async::Task<generation::GenerationResult> generateVideoResult(input::GenerationRequest request,
+    async::Task<generation::GenerationResult> generateVideoResult(generation::GenerationRequest request,
                                                                   std::vector<QByteArray> frames) override {
         videos.push_back(std::move(frames));
         co_return co_await generate(std::move(request));
