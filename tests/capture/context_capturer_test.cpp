@@ -79,7 +79,7 @@ TEST_F(ContextCapturerTest, FallsBackToTheFrontmostApplication) {
     desk.accessibility.fail(Kind::SystemWide, AXAttribute::FocusedUIElement, AXError::NoValue);
     desk.accessibility.fail(Kind::SystemWide, AXAttribute::FocusedApplication, AXError::NoValue);
     EXPECT_TRUE(capturer.fetchFocusedTextSnapshot());
-    EXPECT_EQ(logged("[ContextCapturer] Falling back to frontmost app: Editor (4711)"), 1);
+    EXPECT_EQ(logged("[ContextCapturer] Falling back to frontmost app: Editor (1234)"), 1);
     desk.workspace.focusNothing();
     EXPECT_FALSE(capturer.fetchFocusedTextSnapshot());
     EXPECT_EQ(logged("[ContextCapturer] No frontmost application available for fallback"), 1);

@@ -35,6 +35,7 @@ struct Table : InputDesk {
                 break;
             case Case::listening:
                 toggle();
+                type(QStringLiteral("question"));
                 break;
             case Case::listeningVoice:
                 press(voiceTrigger == InputTrigger::voice ? hotkeys.voiceHotkey : hotkeys.voiceDictationHotkey);

@@ -22,7 +22,8 @@ void SimulatedEditor::select(qint64 location, qint64 length) {
 
 void SimulatedEditor::type(const QString& text) {
     read();
-    replaceSelection(text);
+    if (!text.isEmpty())
+        replaceSelection(text);
 }
 
 void SimulatedEditor::receive(const FakeKeyPoster::Stroke& stroke) {

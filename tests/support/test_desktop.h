@@ -62,7 +62,8 @@ struct TestDesktop {
                                 fileSystem,    QStringLiteral("/data/Tavrelon")};
 
     TestDesktop() {
-        workspace.focus({.processIdentifier = 4711,
+        accessibility.frontmostProcess = 1234;
+        workspace.focus({.processIdentifier = 1234,
                          .bundleIdentifier = QStringLiteral("org.example.editor"),
                          .localizedName = QStringLiteral("Editor"),
                          .windowIdentifier = 1},
