@@ -148,7 +148,7 @@ TEST_F(EventTapOnDesktop, LosesNoneOfTenThousandKeysAndKeepsTheirOrder) {
                 expected.push_back(code);
         }
     });
-    EXPECT_TRUE(spinUntil([this] { return seen.size() >= count; }));
+    EXPECT_TRUE(spinUntil([this] { return seen.size() >= count; }, 60s));
     typist.join();
     ASSERT_TRUE(settle());
     expected.push_back(place::f12);

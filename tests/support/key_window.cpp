@@ -14,7 +14,6 @@ KeyWindow::KeyWindow() : connection_(xcb_connect(nullptr, nullptr)), window_(xcb
     const std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, root_, 20, 20, 300, 200, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
-    xcb_map_window(connection_, window_);
     focus();
 }
 
@@ -23,8 +22,9 @@ KeyWindow::~KeyWindow() {
 }
 
 void KeyWindow::focus() {
-    // Asked for again and again: the window manager may just be about to show the window, or to focus another one.
+    // Asked for again and again: a window manager that is just starting forgets what it was asked for.
     const bool focused = spinUntil([this] {
+        xcb_map_window(connection_, window_);
         xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window_, XCB_CURRENT_TIME);
         auto* reply = xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr);
         const bool isOurs = reply && reply->focus == window_;
@@ -103,8 +103,8 @@ int KeyWindow::stateOf(place::Code code) {
     return state;
 }
 
-bool spinUntil(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+bool spinUntil(const std::function<bool()>& condition, std::chrono::seconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end)
             return false;

@@ -59,7 +59,7 @@ class KeyWindow {
     std::vector<Stroke> strokes_;
 };
 
-/// Runs the event loop of the test's thread until a condition holds; false if it does not within ten seconds.
-bool spinUntil(const std::function<bool()>& condition);
+/// Runs the event loop of the test's thread until a condition holds; false if it does not within the limit.
+bool spinUntil(const std::function<bool()>& condition, std::chrono::seconds limit = std::chrono::seconds(10));
 
 }  // namespace tavrelon::testing

@@ -18,7 +18,7 @@ std::expected<void, platform::TapError> X11EventTap::start(Handler handler) {
         return std::unexpected(platform::TapError{connection.error()});
     auto wake = std::make_shared<X11TapWake>();
     auto delivery = std::make_shared<TapDelivery>(loop_, std::move(handler), wake);
-    auto session = X11TapSession::open(**connection, delivery, posted_, log_);
+    auto session = X11TapSession::open(loop_, **connection, delivery, posted_, log_);
     if (!session)
         return std::unexpected(platform::TapError{session.error()});
     (*session)->setHotkeys(hotkeys_);

@@ -9,16 +9,15 @@ void KeySequence::see(const Stamp& stamp, platform::KeyEvent event, Expectation 
     waiting_.push_back({stamp, std::move(event), stops ? std::optional(now + stopLimit) : std::nullopt});
 }
 
-std::optional<platform::KeyEvent> KeySequence::stopped(const Stamp& stamp) {
+std::optional<KeySequence::Stopped> KeySequence::stopped(const Stamp& stamp) {
     const auto found = std::ranges::find_if(
         waiting_, [&](const Waiting& key) { return key.stamp == stamp && key.deadline.has_value(); });
     if (found == waiting_.end())
         return std::nullopt;
-    auto event = std::move(found->event);
-    // The server keeps the order, so what was seen before and did not stop will not stop any more.
-    std::for_each(waiting_.begin(), found, [](Waiting& key) { key.deadline.reset(); });
-    waiting_.erase(found);
-    return event;
+    Stopped stopped{{}, std::move(found->event)};
+    std::for_each(waiting_.begin(), found, [&](Waiting& key) { stopped.before.push_back(std::move(key.event)); });
+    waiting_.erase(waiting_.begin(), std::next(found));
+    return stopped;
 }
 
 void KeySequence::thaw(async::Instant now) {
@@ -28,20 +27,25 @@ void KeySequence::thaw(async::Instant now) {
             key.deadline = std::max(*key.deadline, now + stopLimit);
 }
 
-std::vector<platform::KeyEvent> KeySequence::takeReady(async::Instant now) {
+std::optional<async::Instant> KeySequence::deadline() const {
+    return waiting_.empty() || frozen_ ? std::nullopt : waiting_.front().deadline;
+}
+
+void KeySequence::expire(async::Instant now) {
+    if (frozen_)
+        return;
+    for (auto& key : waiting_)
+        if (key.deadline && *key.deadline <= now)
+            key.deadline.reset();
+}
+
+std::vector<platform::KeyEvent> KeySequence::takeReady() {
     std::vector<platform::KeyEvent> ready;
-    while (!waiting_.empty()) {
-        const auto& deadline = waiting_.front().deadline;
-        if (deadline && (frozen_ || now < *deadline))
-            break;
+    while (!waiting_.empty() && !waiting_.front().deadline) {
         ready.push_back(std::move(waiting_.front().event));
         waiting_.pop_front();
     }
     return ready;
-}
-
-std::optional<async::Instant> KeySequence::deadline() const {
-    return waiting_.empty() || frozen_ ? std::nullopt : waiting_.front().deadline;
 }
 
 }  // namespace tavrelon::desktop

@@ -32,19 +32,27 @@ class KeySequence {
 
     void see(const Stamp& stamp, platform::KeyEvent event, Expectation expectation, async::Instant now);
 
-    /// A key stopped at our grab. Gives the event as it was seen; all keys before it are ready then. Nothing if it is
-    /// not waited for: a key that we posted ourselves, or one that came too late and counts as seen already.
-    std::optional<platform::KeyEvent> stopped(const Stamp& stamp);
+    struct Stopped {
+        std::vector<platform::KeyEvent> before;  ///< what was seen earlier; the server keeps the order
+        platform::KeyEvent event;
+    };
+
+    /// A key stopped at our grab; takes it and all before it. Nothing if it is not waited for: a key that we posted
+    /// ourselves, or one that came too late and counts as seen already.
+    std::optional<Stopped> stopped(const Stamp& stamp);
 
     /// While the keyboard is frozen no other key can stop, so no limit runs out.
     void freeze() { frozen_ = true; }
     void thaw(async::Instant now);
 
-    /// Takes the keys whose turn it is.
-    std::vector<platform::KeyEvent> takeReady(async::Instant now);
-
-    /// When `takeReady` is worth another look.
+    /// When the first key's limit runs out.
     std::optional<async::Instant> deadline() const;
+
+    /// Gives up waiting for the keys whose limit ran out. Only after all that had arrived by then was looked at.
+    void expire(async::Instant now);
+
+    /// Takes the keys whose turn it is.
+    std::vector<platform::KeyEvent> takeReady();
 
  private:
     struct Waiting {

@@ -30,7 +30,8 @@ QString nameOf(const keys::HotkeyConfig& hotkey) {
 
 }  // namespace
 
-std::expected<std::unique_ptr<X11TapSession>, QString> X11TapSession::open(X11Connection& connection,
+std::expected<std::unique_ptr<X11TapSession>, QString> X11TapSession::open(async::MainLoop& clock,
+                                                                           X11Connection& connection,
                                                                            std::shared_ptr<TapDelivery> delivery,
                                                                            std::shared_ptr<PostedKeys> posted,
                                                                            platform::Log& log) {
@@ -38,14 +39,15 @@ std::expected<std::unique_ptr<X11TapSession>, QString> X11TapSession::open(X11Co
     std::shared_ptr<const X11Keyboard> keyboard = X11Keyboard::fromServer(connection);
     if (!devices || !keyboard)
         return std::unexpected(QStringLiteral("The X server gives no keyboard."));
-    return std::unique_ptr<X11TapSession>(new X11TapSession(connection, std::move(*devices), std::move(keyboard),
+    return std::unique_ptr<X11TapSession>(new X11TapSession(clock, connection, std::move(*devices), std::move(keyboard),
                                                             std::move(delivery), std::move(posted), log));
 }
 
-X11TapSession::X11TapSession(X11Connection& connection, KeyboardDevices devices,
+X11TapSession::X11TapSession(async::MainLoop& clock, X11Connection& connection, KeyboardDevices devices,
                              std::shared_ptr<const X11Keyboard> keyboard, std::shared_ptr<TapDelivery> delivery,
                              std::shared_ptr<PostedKeys> posted, platform::Log& log)
-    : connection_(connection),
+    : clock_(clock),
+      connection_(connection),
       devices_(std::move(devices)),
       delivery_(std::move(delivery)),
       posted_(std::move(posted)),
@@ -57,7 +59,8 @@ X11TapSession::X11TapSession(X11Connection& connection, KeyboardDevices devices,
 }
 
 X11TapSession::~X11TapSession() {
-    if (held_ && held_->offer->withdraw() != TapVerdict::Drop)
+    // Without a held key, too: one may have stopped that we have not read yet.
+    if (!held_ || held_->offer->withdraw() != TapVerdict::Drop)
         pass();
     xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, devices_.master);
 }
@@ -110,30 +113,46 @@ void X11TapSession::reportConflicts() {
     reported_ = std::move(lines);
 }
 
-void X11TapSession::work(async::Instant now) {
+void X11TapSession::work() {
     // Sending, too, reads what has arrived, and no poll announces that any more: so a last look after the last flush.
     XPointer<xcb_generic_event_t> event(xcb_poll_for_event(connection_.get()));
     do {
-        for (; event; event.reset(xcb_poll_for_event(connection_.get())))
-            handle(*event, now);
-        decide(now);
+        drain(std::move(event));
+        decide();
+        expire();
         if (std::exchange(focusMoved_, false))
             window_.followFocus();
         if (std::exchange(devicesChanged_, false))
             findDevices();
         if (std::exchange(keyboardChanged_, false))
             readKeyboard();
-        sendReady(now);
         connection_.flush();
         event.reset(xcb_poll_for_queued_event(connection_.get()));
     } while (event);
+}
+
+void X11TapSession::drain(XPointer<xcb_generic_event_t> event) {
+    for (; event; event.reset(xcb_poll_for_event(connection_.get())))
+        handle(*event);
+}
+
+void X11TapSession::expire() {
+    const auto now = clock_.now();
+    const auto deadline = sequence_.deadline();
+    if (!deadline || now < *deadline)
+        return;
+    // On a busy machine the key may still be on its way; once the server has answered, it would be here.
+    connection_.sync();
+    drain(XPointer<xcb_generic_event_t>(xcb_poll_for_event(connection_.get())));
+    sequence_.expire(now);
+    sendReady();
 }
 
 std::optional<async::Instant> X11TapSession::deadline() const {
     return held_ ? held_->deadline : sequence_.deadline();
 }
 
-void X11TapSession::handle(const xcb_generic_event_t& event, async::Instant now) {
+void X11TapSession::handle(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7F;
     focusMoved_ |= window_.concerns(event);
     if (type == connection_.firstXkbEvent())
@@ -151,65 +170,69 @@ void X11TapSession::handle(const xcb_generic_event_t& event, async::Instant now)
     const auto action = input.event_type == XCB_INPUT_KEY_PRESS ? KeyAction::Press : KeyAction::Release;
     if (input.deviceid != devices_.master)
         seen({input.deviceid, code, action, stateOf(input), (input.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0},
-             input.time, now);
+             input.time);
     else if (action == KeyAction::Press)
-        stoppedPress({input.time, code}, now);
+        stoppedPress({input.time, code});
     else
         stoppedRelease(code);
 }
 
-void X11TapSession::seen(const DeviceKey& key, std::uint32_t time, async::Instant now) {
+void X11TapSession::seen(const DeviceKey& key, std::uint32_t time) {
+    const auto now = clock_.now();
     if (key.device == devices_.posted && posted_->take(key.code, key.action, now))
         return;
     if (auto observation = observer_.observe(key)) {
         using enum KeySequence::Expectation;
         sequence_.see({time, key.code}, std::move(observation->event), observation->isHotkey ? StopsAtOurGrab : Passes,
                       now);
-        sendReady(now);
+        sendReady();
     }
 }
 
-void X11TapSession::sendReady(async::Instant now) {
-    for (auto& event : sequence_.takeReady(now))
+void X11TapSession::sendReady() {
+    for (auto& event : sequence_.takeReady())
         delivery_->send(std::move(event));
 }
 
-void X11TapSession::stoppedPress(const KeySequence::Stamp& stamp, async::Instant now) {
+void X11TapSession::stoppedPress(const KeySequence::Stamp& stamp) {
     if (!grabKey_)
         grabKey_ = stamp.code;
-    auto event = sequence_.stopped(stamp);
-    sendReady(now);
-    if (!event) {
+    auto stopped = sequence_.stopped(stamp);
+    if (!stopped) {
         // Not a hotkey: another key struck while one is held down, or one that we posted.
         pass();
         return;
     }
+    for (auto& earlier : stopped->before)
+        delivery_->send(std::move(earlier));
     if (unanswered_ && !unanswered_->finished()) {
         // The main thread still hangs in an earlier key; to wait again would make typing crawl.
         log_.line(QStringLiteral("[Hotkey] A key was passed on: the application does not answer"));
         pass();
+        sendReady();
         return;
     }
     sequence_.freeze();
-    held_ = HeldKey{delivery_->offer(std::move(*event)), now + verdictLimit, stamp.code};
+    held_ = HeldKey{delivery_->offer(std::move(stopped->event)), clock_.now() + verdictLimit, stamp.code};
+    sendReady();
 }
 
 void X11TapSession::stoppedRelease(KeyCode code) {
-    if (dropped_.erase(code) == 0)
+    if (dropped_.erase(code) == 0) {
         pass();
-    else if (grabKey_ == code) {
+    } else if (grabKey_ == code) {
+        // The server itself ends the grab here. An answer would meet the next one, if that has begun already.
         grabKey_.reset();
         dropped_.clear();
-        allow(XCB_INPUT_EVENT_MODE_ASYNC_DEVICE);
     } else {
         allow(XCB_INPUT_EVENT_MODE_SYNC_DEVICE);
     }
 }
 
-std::optional<TapVerdict> X11TapSession::verdict(async::Instant now) {
+std::optional<TapVerdict> X11TapSession::verdict() {
     if (const auto verdict = held_->offer->verdict())
         return verdict;
-    if (now < held_->deadline)
+    if (clock_.now() < held_->deadline)
         return std::nullopt;
     if (const auto verdict = held_->offer->withdraw())
         return verdict;
@@ -218,10 +241,10 @@ std::optional<TapVerdict> X11TapSession::verdict(async::Instant now) {
     return TapVerdict::Pass;
 }
 
-void X11TapSession::decide(async::Instant now) {
+void X11TapSession::decide() {
     if (!held_)
         return;
-    const auto verdict = this->verdict(now);
+    const auto verdict = this->verdict();
     if (!verdict)
         return;
     const auto code = held_->code;
@@ -230,7 +253,7 @@ void X11TapSession::decide(async::Instant now) {
         drop(code);
     else
         pass();
-    sequence_.thaw(now);
+    sequence_.thaw(clock_.now());
 }
 
 void X11TapSession::drop(KeyCode code) {

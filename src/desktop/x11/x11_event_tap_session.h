@@ -17,7 +17,8 @@ class X11TapSession {
     static constexpr std::chrono::milliseconds verdictLimit{300};
 
     /// The connection outlives the session.
-    static std::expected<std::unique_ptr<X11TapSession>, QString> open(X11Connection& connection,
+    static std::expected<std::unique_ptr<X11TapSession>, QString> open(async::MainLoop& clock,
+                                                                       X11Connection& connection,
                                                                        std::shared_ptr<TapDelivery> delivery,
                                                                        std::shared_ptr<PostedKeys> posted,
                                                                        platform::Log& log);
@@ -31,7 +32,7 @@ class X11TapSession {
     void setHotkeys(std::vector<keys::HotkeyConfig> hotkeys);
 
     /// Handles all that is there: events, verdicts, limits that ran out.
-    void work(async::Instant now);
+    void work();
 
     /// When `work` is due even if nothing arrives.
     std::optional<async::Instant> deadline() const;
@@ -43,24 +44,28 @@ class X11TapSession {
         KeyCode code = 0;
     };
 
-    X11TapSession(X11Connection& connection, KeyboardDevices devices, std::shared_ptr<const X11Keyboard> keyboard,
-                  std::shared_ptr<TapDelivery> delivery, std::shared_ptr<PostedKeys> posted, platform::Log& log);
+    X11TapSession(async::MainLoop& clock, X11Connection& connection, KeyboardDevices devices,
+                  std::shared_ptr<const X11Keyboard> keyboard, std::shared_ptr<TapDelivery> delivery,
+                  std::shared_ptr<PostedKeys> posted, platform::Log& log);
 
-    void handle(const xcb_generic_event_t& event, async::Instant now);
-    void seen(const DeviceKey& key, std::uint32_t time, async::Instant now);
-    void stoppedPress(const KeySequence::Stamp& stamp, async::Instant now);
+    void drain(XPointer<xcb_generic_event_t> event);
+    void handle(const xcb_generic_event_t& event);
+    void expire();
+    void seen(const DeviceKey& key, std::uint32_t time);
+    void stoppedPress(const KeySequence::Stamp& stamp);
     void stoppedRelease(KeyCode code);
-    void decide(async::Instant now);
-    std::optional<platform::TapVerdict> verdict(async::Instant now);
+    void decide();
+    std::optional<platform::TapVerdict> verdict();
     void drop(KeyCode code);
     void pass();
     void allow(std::uint8_t mode);
 
-    void sendReady(async::Instant now);
+    void sendReady();
     void findDevices();
     void readKeyboard();
     void reportConflicts();
 
+    async::MainLoop& clock_;
     X11Connection& connection_;
     KeyboardDevices devices_;
     std::shared_ptr<TapDelivery> delivery_;

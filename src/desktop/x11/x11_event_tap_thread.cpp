@@ -56,7 +56,7 @@ bool X11TapThread::stopRequested() {
 void X11TapThread::run() {
     while (!stopRequested()) {
         applyHotkeys();
-        session_->work(loop_.now());
+        session_->work();
         if (connection_->isBroken()) {
             log_.line(QStringLiteral("[Hotkey] The X server is gone: hotkeys are off"));
             break;
