@@ -1,4 +1,5 @@
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QTimer>
 
 #include "desktop/pasteboard_session.h"
@@ -166,6 +167,48 @@ TEST_F(PasteboardReading, ReadingsThatAreUnderWayFailWithThePasteboard) {
     pasteboard.reset();
     ASSERT_TRUE(runQtUntil([&] { return outcome.has_value(); }));
     EXPECT_EQ(*outcome, std::unexpected(PasteboardError::Failed));
+}
+
+TEST_F(PasteboardReading, AServerThatIsHeldCostsTheBoundOfEachCall) {
+    ClipboardPeer holder;
+    xcb_grab_server(holder.xcb());
+    std::free(xcb_get_input_focus_reply(holder.xcb(), xcb_get_input_focus(holder.xcb()), nullptr));
+    QElapsedTimer clock;
+    clock.start();
+    const auto before = pasteboard->changeCount();
+    pasteboard->setString(mixedText);
+    EXPECT_LT(clock.elapsed(), 3000);
+    EXPECT_FALSE(log.lines().isEmpty());
+    holder.disconnect();
+    EXPECT_TRUE(runQtUntil([&] { return pasteboard->changeCount() > before; })) << "it was taken late, not never";
+    EXPECT_EQ(string(), mixedText);
+
+    ClipboardPeer another;
+    xcb_grab_server(another.xcb());
+    std::free(xcb_get_input_focus_reply(another.xcb(), xcb_get_input_focus(another.xcb()), nullptr));
+    clock.restart();
+    pasteboard.reset();
+    EXPECT_LT(clock.elapsed(), 6000);
+}
+
+TEST(PasteboardWithoutServer, ThatEndsFailsEveryCallAndNothingElse) {
+    QProcess server;
+    server.start(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
+                                          QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    ASSERT_TRUE(server.waitForReadyRead(10'000));
+    desktop::QtMainLoop loop;
+    RecordingLog log;
+    auto pasteboard = desktop::X11Pasteboard::create(loop, log, ":" + server.readAllStandardOutput().trimmed()).value();
+    pasteboard->setString(mixedText);
+    ASSERT_TRUE(log.lines().isEmpty());
+    server.terminate();
+    ASSERT_TRUE(server.waitForFinished());
+
+    EXPECT_EQ(runTaskOnQt(loop, pasteboard->items()), std::unexpected(PasteboardError::Failed));
+    EXPECT_EQ(runTaskOnQt(loop, pasteboard->string()), std::nullopt);
+    pasteboard->setString(mixedText);
+    EXPECT_FALSE(log.lines().isEmpty());
+    EXPECT_GT(pasteboard->changeCount(), 0);
 }
 
 TEST(PasteboardWithoutServer, SaysSo) {

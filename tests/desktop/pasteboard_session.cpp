@@ -25,6 +25,7 @@ std::optional<QByteArray> PasteboardSession::readByXclip(const QString& target) 
 }
 
 void PasteboardSession::copyByXclip(const QByteArray& bytes, const QString& target) {
+    const auto before = pasteboard->changeCount();
     QProcess process;
     // It serves from a child in the background, which would keep our end of the pipes open.
     process.setStandardOutputFile(QProcess::nullDevice());
@@ -35,6 +36,7 @@ void PasteboardSession::copyByXclip(const QByteArray& bytes, const QString& targ
     process.closeWriteChannel();
     ASSERT_TRUE(process.waitForFinished(10'000));
     ASSERT_EQ(process.exitCode(), 0);
+    ASSERT_TRUE(runQtUntil([&] { return pasteboard->changeCount() != before; }));
 }
 
 QByteArray PasteboardSession::pattern(qsizetype size) {

@@ -34,8 +34,8 @@ class PasteboardSession : public ::testing::Test {
 
     /// What xclip reads of a target; absent when it is refused.
     static std::optional<QByteArray> readByXclip(const QString& target);
-    /// Lets xclip take the clipboard.
-    static void copyByXclip(const QByteArray& bytes, const QString& target);
+    /// Lets xclip take the clipboard, and waits until it has: that is later than its first process ends.
+    void copyByXclip(const QByteArray& bytes, const QString& target);
 
     static ClipboardData data(const QString& target, const QByteArray& bytes) {
         return {.target = target, .bytes = bytes};

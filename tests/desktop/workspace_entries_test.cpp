@@ -36,8 +36,9 @@ TEST(DesktopEntryParser, ReadsTheMainGroupInTheUsersLanguage) {
 }
 
 TEST(DesktopEntryParser, TellsWhyAnEntryIsNone) {
-    const auto errorOf = [](const QByteArray& text) {
-        return parseDesktopEntry(QStringLiteral("x"), text, {}).error_or(DesktopEntryError{-1});
+    const auto errorOf = [](const QByteArray& text) -> std::optional<DesktopEntryError> {
+        const auto entry = parseDesktopEntry(QStringLiteral("x"), text, {});
+        return entry ? std::nullopt : std::optional(entry.error());
     };
     EXPECT_EQ(errorOf(""), DesktopEntryError::Broken);
     EXPECT_EQ(errorOf("[Other Group]\nName=x\n"), DesktopEntryError::Broken);
@@ -70,44 +71,18 @@ TEST_F(Catalog, FindsByIdClassAndProgram) {
     write(system, QStringLiteral("vendor/tool.desktop"), "Name=Tool\nStartupWMClass=ToolWindow\nExec=/usr/bin/tool\n");
     write(system, QStringLiteral("python3.desktop"), "Name=Python\nExec=/usr/bin/python3\n");
     write(system, QStringLiteral("plain.desktop"), "Name=Plain\n");
-    EXPECT_EQ(nameOf({.applicationId = QStringLiteral("org.example.Notes"),
-                      .windowClass = {},
-                      .windowInstance = {},
-                      .executable = {}}),
-              QStringLiteral("Notes"));
-    EXPECT_EQ(
-        nameOf({.applicationId = {}, .windowClass = QStringLiteral("Plain"), .windowInstance = {}, .executable = {}}),
-        QStringLiteral("Plain"));
-    EXPECT_EQ(
-        nameOf(
-            {.applicationId = {}, .windowClass = QStringLiteral("toolwindow"), .windowInstance = {}, .executable = {}}),
-        QStringLiteral("Tool"));
-    EXPECT_EQ(
-        nameOf({.applicationId = {}, .windowClass = QStringLiteral("Notes"), .windowInstance = {}, .executable = {}}),
-        QStringLiteral("Notes"));
-    EXPECT_EQ(nameOf({.applicationId = {},
-                      .windowClass = QStringLiteral("X"),
-                      .windowInstance = {},
-                      .executable = QStringLiteral("tool")}),
+    EXPECT_EQ(nameOf({.applicationId = QStringLiteral("org.example.Notes")}), QStringLiteral("Notes"));
+    EXPECT_EQ(nameOf({.windowClass = QStringLiteral("Plain")}), QStringLiteral("Plain"));
+    EXPECT_EQ(nameOf({.windowClass = QStringLiteral("toolwindow")}), QStringLiteral("Tool"));
+    EXPECT_EQ(nameOf({.windowClass = QStringLiteral("Notes")}), QStringLiteral("Notes"));
+    EXPECT_EQ(nameOf({.windowClass = QStringLiteral("X"), .executable = QStringLiteral("tool")}),
               QStringLiteral("Tool"));
-    EXPECT_EQ(catalog
-                  .find({.applicationId = {},
-                         .windowClass = QStringLiteral("ToolWindow"),
-                         .windowInstance = {},
-                         .executable = {}})
-                  ->id,
-              QStringLiteral("vendor-tool"));
-    EXPECT_EQ(nameOf({.applicationId = {},
-                      .windowClass = QStringLiteral("X"),
-                      .windowInstance = {},
-                      .executable = QStringLiteral("python3")}),
+    EXPECT_EQ(catalog.find({.windowClass = QStringLiteral("ToolWindow")})->id, QStringLiteral("vendor-tool"));
+    EXPECT_EQ(nameOf({.windowClass = QStringLiteral("X"), .executable = QStringLiteral("python3")}),
               QStringLiteral("nothing"))
         << "what runs scripts does not name them";
     EXPECT_EQ(nameOf({}), QStringLiteral("nothing"));
-    EXPECT_EQ(
-        nameOf(
-            {.applicationId = QStringLiteral("../plain"), .windowClass = {}, .windowInstance = {}, .executable = {}}),
-        QStringLiteral("nothing"));
+    EXPECT_EQ(nameOf({.applicationId = QStringLiteral("../plain")}), QStringLiteral("nothing"));
 }
 
 TEST_F(Catalog, TheUsersEntryGoesFirstAndCanHideTheSystems) {
@@ -117,17 +92,9 @@ TEST_F(Catalog, TheUsersEntryGoesFirstAndCanHideTheSystems) {
     write(user, QStringLiteral("b.desktop"), "Hidden=true\n");
     write(user, QStringLiteral("broken.desktop"), "no name here\n");
     for (const auto* byIdOrClass : {"a", "classA"})
-        EXPECT_EQ(nameOf({.applicationId = {},
-                          .windowClass = QString::fromLatin1(byIdOrClass),
-                          .windowInstance = {},
-                          .executable = {}}),
-                  QStringLiteral("User A"));
+        EXPECT_EQ(nameOf({.windowClass = QString::fromLatin1(byIdOrClass)}), QStringLiteral("User A"));
     for (const auto* byIdOrClass : {"b", "classB"})
-        EXPECT_EQ(nameOf({.applicationId = {},
-                          .windowClass = QString::fromLatin1(byIdOrClass),
-                          .windowInstance = {},
-                          .executable = {}}),
-                  QStringLiteral("nothing"));
+        EXPECT_EQ(nameOf({.windowClass = QString::fromLatin1(byIdOrClass)}), QStringLiteral("nothing"));
 }
 
 TEST(ApplicationIdentifiers, ProductsOfTheScenesReportTheirKnownIdentifier) {

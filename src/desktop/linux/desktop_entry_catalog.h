@@ -11,10 +11,10 @@ namespace tavrelon::desktop {
 
 /// How a window names its application. Empty texts are unknown.
 struct ApplicationNames {
-    QString applicationId;
-    QString windowClass;
-    QString windowInstance;
-    QString executable;  ///< the program's file name
+    QString applicationId{};
+    QString windowClass{};
+    QString windowInstance{};
+    QString executable{};  ///< the program's file name
     bool operator==(const ApplicationNames&) const = default;
 };
 size_t qHash(const ApplicationNames& names, size_t seed = 0) noexcept;

@@ -132,7 +132,8 @@ void SelectionReader::take(SelectionConversion conversion) {
     if (conversion.target() == connection_.atoms().targets) {
         // An owner that does not even list its targets may still have a text.
         if (refused)
-            remaining_ = {QStringLiteral("UTF8_STRING"), QStringLiteral("STRING")};
+            remaining_ = kind_ == Kind::Text ? textTargets()
+                                             : QStringList{QStringLiteral("UTF8_STRING"), QStringLiteral("STRING")};
         else
             takeTargets(conversion.value().atoms());
     } else if (refused) {

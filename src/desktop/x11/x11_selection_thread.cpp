@@ -2,6 +2,7 @@
 
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -31,7 +32,11 @@ std::expected<std::unique_ptr<SelectionThread>, QString> SelectionThread::start(
 
 SelectionThread::SelectionThread(std::unique_ptr<SelectionConnection> connection, const SelectionReadLimits& limits,
                                  int wakeUp)
-    : connection_(std::move(connection)), limits_(limits), wakeUp_(wakeUp), server_(*connection_) {
+    : connection_(std::move(connection)),
+      limits_(limits),
+      wakeUp_(wakeUp),
+      socket_(xcb_get_file_descriptor(connection_->xcb())),
+      server_(*connection_) {
     thread_ = std::thread([this] { run(); });
 }
 
@@ -40,6 +45,9 @@ SelectionThread::~SelectionThread() {
         const std::lock_guard lock(mutex_);
         stopping_ = true;
     });
+    // The thread may be waiting for a server that somebody holds; without a connection it no longer does.
+    if (ended_.get_future().wait_for(callLimit) != std::future_status::ready)
+        ::shutdown(socket_, SHUT_RDWR);
     thread_.join();
     ::close(wakeUp_);
 }
@@ -129,6 +137,7 @@ void SelectionThread::run() {
         waitForWork();
     }
     failEverything();
+    ended_.set_value();
 }
 
 void SelectionThread::runCommands() {

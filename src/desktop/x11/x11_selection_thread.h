@@ -24,7 +24,8 @@ class SelectionThread {
                                                                           const SelectionReadLimits& limits);
     SelectionThread(const SelectionThread&) = delete;
     SelectionThread& operator=(const SelectionThread&) = delete;
-    /// Ends the thread; what it offered is gone, and readings under way fail.
+    /// Ends the thread; what it offered is gone, and readings under way fail. A server that
+    /// does not answer is left after `callLimit`.
     ~SelectionThread();
 
     /// Up to date with the server, unless that does not answer within the limit.
@@ -77,6 +78,7 @@ class SelectionThread {
     std::unique_ptr<SelectionConnection> connection_;
     SelectionReadLimits limits_;
     int wakeUp_;
+    int socket_;
     std::atomic<std::int64_t> changeCount_ = 1;
     std::atomic<std::uint64_t> nextReading_ = 1;
 
@@ -93,6 +95,7 @@ class SelectionThread {
     HungOwner hung_;
     std::optional<std::promise<HandOver>> handOver_;
 
+    std::promise<void> ended_;
     std::thread thread_;
 };
 
