@@ -100,6 +100,8 @@ std::optional<QVariantList> FakeAccessibleApp::controlled(const QDBusMessage& me
         say(arguments.value(0).toString(), arguments.value(1).toInt());
     else if (message.member() == QLatin1String("Speak"))
         speak();
+    else if (message.member() == QLatin1String("Deactivate"))
+        active_ = false;
     else
         return std::nullopt;
     return QVariantList{};
@@ -238,7 +240,7 @@ QStringList FakeAccessibleApp::childrenOf(const QString& path) const {
 
 QList<uint> FakeAccessibleApp::statesOf(const QString& path) const {
     uint states = showing;
-    if (path == framePath)
+    if (path == framePath && active_)
         states |= active;
     if (path == hiddenPath)
         states = 0;

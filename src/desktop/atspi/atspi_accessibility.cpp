@@ -19,9 +19,8 @@ using Kind = AXElement::Kind;
 
 namespace {
 
-// Time-outs of the bus may come a twentieth late, and the bounds that callers are promised are 250 and 500 ms.
+// Time-outs of the bus may come a twentieth late, and callers are promised 250 ms.
 constexpr auto readAllowance = 235ms;
-constexpr auto writeAllowance = 470ms;
 
 ObjectReference referenceOf(const AXElement& element) {
     return {element.busName, element.path};
@@ -166,9 +165,7 @@ AXError AtspiAccessibility::setAttribute(const AXElement& element, AXAttribute a
     if (element.kind != Kind::Object || attribute != AXAttribute::SelectedText)
         return AXError::AttributeUnsupported;
     turn().contents.reset();
-    atspi::Allowance allowance(writeAllowance);
-    atspi::AtspiCalls calls(tracker_, allowance);
-    return atspi::FieldWriter(calls, directory_, log_).replaceSelection(referenceOf(element), value);
+    return atspi::FieldWriter(tracker_, directory_, log_).replaceSelection(referenceOf(element), value);
 }
 
 }  // namespace tavrelon::desktop

@@ -87,6 +87,7 @@ AtspiFocusFinder::Found AtspiFocusFinder::walkApplication(const QString& busName
     std::size_t seen = 0;
     auto level = activeWindows(busName);
     while (!level.empty() && seen < mostNodes) {
+        level.resize(std::min(level.size(), mostNodes - seen));
         seen += level.size();
         auto nodes = describe(level);
         for (const auto& node : nodes)

@@ -33,7 +33,10 @@ AtspiTracker::~AtspiTracker() {
 
 std::optional<AtspiTracker::Bus> AtspiTracker::bus(std::chrono::nanoseconds patience) const {
     std::unique_lock lock(state_->mutex);
-    state_->firstAttemptDone.wait_for(lock, patience, [&] { return state_->firstAttempt == FirstAttempt::Done; });
+    const bool decided = state_->firstAttemptDone.wait_for(
+        lock, patience, [&] { return state_->firstAttempt != FirstAttempt::UnderWay; });
+    if (!decided && patience > std::chrono::nanoseconds::zero())
+        state_->firstAttempt = FirstAttempt::Overdue;
     if (!state_->connection)
         return std::nullopt;
     return Bus{*state_->connection, state_->generation};

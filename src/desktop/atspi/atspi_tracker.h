@@ -37,7 +37,7 @@ class AtspiTracker {
     AtspiTracker& operator=(const AtspiTracker&) = delete;
 
     /// The connection, absent when there is none. Only while the very first attempt is under way it waits, at most for
-    /// `patience`.
+    /// `patience`, and once in vain at most.
     std::optional<Bus> bus(std::chrono::nanoseconds patience) const;
 
     /// The elements that said last that they have the focus, one of each application, the latest first.

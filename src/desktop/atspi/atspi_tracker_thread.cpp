@@ -110,7 +110,7 @@ void TrackerThread::failed(const QString& reason) {
     leave();
     {
         const std::lock_guard lock(state_->mutex);
-        if (state_->firstAttempt == FirstAttempt::UnderWay && state_->log)
+        if (state_->firstAttempt != FirstAttempt::Done && state_->log)
             state_->log->line(QStringLiteral("[Accessibility] No accessibility bus, the fields of other applications "
                                              "cannot be read: %1")
                                   .arg(reason));

@@ -18,7 +18,8 @@
 
 namespace tavrelon::desktop::atspi {
 
-enum class FirstAttempt { UnderWay, Done };
+/// Of the first connection: overdue once somebody waited for it in vain.
+enum class FirstAttempt { UnderWay, Overdue, Done };
 
 /// What the tracker's thread knows, for all threads.
 struct TrackerState {

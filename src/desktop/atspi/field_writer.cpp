@@ -16,6 +16,10 @@ namespace {
 constexpr auto settleTime = 60ms;
 constexpr auto settlePause = 10ms;
 
+/// Editing cannot use up the time that putting things back may need.
+constexpr auto editAllowance = 235ms;
+constexpr auto restoreAllowance = 235ms;
+
 /// Stands for a picture or another thing in the text, which no text can bring back.
 constexpr QChar embeddedObject(0xFFFC);
 
@@ -24,6 +28,9 @@ bool canBeSent(const QString& text) {
 }
 
 }  // namespace
+
+FieldWriter::FieldWriter(AtspiTracker& tracker, AtspiDirectory& directory, platform::Log& log)
+    : allowance_(editAllowance), calls_(tracker, allowance_), reader_(calls_, directory), log_(log) {}
 
 AXError FieldWriter::replaceSelection(const ObjectReference& field, const QString& inserted) {
     if (!canBeSent(inserted))
@@ -81,7 +88,7 @@ FieldWriter::Outcome FieldWriter::outcome(bool accepted, const QString& before, 
         if (!accepted || waited >= settleTime)
             return Outcome::Unchanged;
         std::this_thread::sleep_for(settlePause);
-        calls_.allowance().spend(settlePause);
+        allowance_.spend(settlePause);
     }
 }
 
@@ -89,6 +96,7 @@ AXError FieldWriter::giveUp(Outcome outcome) {
     // One who does not answer may still do all that it was told; more commands would only add to it.
     if (outcome == Outcome::Unknown)
         return AXError::CannotComplete;
+    allowance_ = Allowance(restoreAllowance);
     restore();
     return AXError::Failure;
 }

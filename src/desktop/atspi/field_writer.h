@@ -5,11 +5,10 @@
 
 namespace tavrelon::desktop::atspi {
 
-/// Replaces the selection of one field. Main thread; within the allowance of `calls`.
+/// Replaces the selection of one field. Main thread, which waits for up to 500 ms.
 class FieldWriter {
  public:
-    FieldWriter(AtspiCalls& calls, AtspiDirectory& directory, platform::Log& log)
-        : calls_(calls), reader_(calls, directory), log_(log) {}
+    FieldWriter(AtspiTracker& tracker, AtspiDirectory& directory, platform::Log& log);
 
     /// Puts `inserted` in place of the selection, or at the caret where nothing is selected. Every step is read back,
     /// since applications answer that they did what they did not. If one fails the field gets back what it held, and
@@ -31,7 +30,8 @@ class FieldWriter {
     bool holds(const QString& text);
     qint32 offset(qint64 utf16, const QString& in) const;
 
-    AtspiCalls& calls_;
+    Allowance allowance_;
+    AtspiCalls calls_;
     FieldReader reader_;
     platform::Log& log_;
     ObjectReference field_;
