@@ -1,17 +1,15 @@
 #pragma once
 
+#include <cstdint>
+
 #include "text/localized_error.h"
 
 namespace tavrelon::generation {
 
-/// Why a request got no answer.
+/// A request that gave no result.
 class ProcessingError : public text::LocalizedError {
  public:
-    enum class Code {
-        generationFailed,   ///< every model failed; the description ends with the last one's
-        emptyInput,         ///< nothing was asked
-        imeInputIncomplete  ///< declared for unfinished compositions; nothing raises it
-    };
+    enum class Code : std::uint8_t { generationFailed, emptyInput, imeInputIncomplete };
 
     static ProcessingError generationFailed(const QString& reason) {
         return {Code::generationFailed, QStringLiteral("Generation failed: ") + reason};
@@ -20,10 +18,12 @@ class ProcessingError : public text::LocalizedError {
     static ProcessingError imeInputIncomplete() {
         return {Code::imeInputIncomplete, QStringLiteral("请先完成中文输入后再触发")};
     }
+
     Code code() const { return code_; }
 
  private:
-    ProcessingError(Code code, const QString& description) : LocalizedError(description), code_(code) {}
+    ProcessingError(Code code, QString description) : LocalizedError(std::move(description)), code_(code) {}
+
     Code code_;
 };
 

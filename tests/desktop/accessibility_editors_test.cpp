@@ -46,5 +46,89 @@ TEST_F(AccessibilityEditors, TheFocusIsFollowedFromEditorToEditorToATerminalThat
     EXPECT_EQ(session.focused(), std::unexpected(AXError::NoValue));
 }
 
+/// Puts the caret behind `before` characters of the text and selects the next `selected` ones, with keys.
+void selectWithKeys(int before, int selected) {
+    QStringList keys{QStringLiteral("ctrl+Home")};
+    for (int i = 0; i < before; ++i)
+        keys.push_back(QStringLiteral("Right"));
+    for (int i = 0; i < selected; ++i)
+        keys.push_back(QStringLiteral("shift+Right"));
+    pressKeys(keys);
+}
+
+TEST_F(AccessibilityEditors, AnEmojiIsSelectedReplacedAndComesBackByUndo) {
+    const auto original = QStringLiteral("ab😀cd");
+    for (const auto& editor : {mousepad, featherpad}) {
+        SCOPED_TRACE(editor.toStdString());
+        AccessibilitySession session;
+        const QStringList options = editor == featherpad ? QStringList{standalone} : QStringList();
+        const RunningProgram program(editor, options + QStringList{file(editor, original)});
+        const auto field = session.waitForFocusIn(program.process());
+        ASSERT_TRUE(field);
+        selectWithKeys(2, 2);
+        ASSERT_TRUE(eventually(
+            [&] { return session.read(*field, AXAttribute::SelectedTextRange) == AXValue(text::Utf16Range{2, 3}); }));
+        EXPECT_EQ(session.read(*field, AXAttribute::SelectedText), AXValue(QStringLiteral("😀c")));
+
+        EXPECT_EQ(session.accessibility.setAttribute(*field, AXAttribute::SelectedText, QStringLiteral("X😀Y")),
+                  AXError::Success);
+        EXPECT_EQ(session.read(*field, AXAttribute::Value), AXValue(QStringLiteral("abX😀Yd")));
+        EXPECT_EQ(session.read(*field, AXAttribute::SelectedTextRange), AXValue(text::Utf16Range{6, 0}));
+        pressKeys({QStringLiteral("ctrl+z"), QStringLiteral("ctrl+z")});
+        EXPECT_TRUE(eventually([&] { return session.read(*field, AXAttribute::Value) == AXValue(original); }));
+    }
+}
+
+TEST_F(AccessibilityEditors, AFieldThatHadTheFocusBeforeTheStartIsFound) {
+    for (const auto& editor : {mousepad, featherpad}) {
+        SCOPED_TRACE(editor.toStdString());
+        const QStringList options = editor == featherpad ? QStringList{standalone} : QStringList();
+        const RunningProgram program(editor, options + QStringList{file(editor, QStringLiteral("early"))});
+        {
+            AccessibilitySession earlier;  // waits until the editor is ready
+            ASSERT_TRUE(earlier.waitForFocusIn(program.process()));
+        }
+        AccessibilitySession session;
+        const auto found = session.focused();
+        ASSERT_TRUE(found);
+        EXPECT_EQ(session.read(std::get<AXElement>(*found), AXAttribute::Value), AXValue(QStringLiteral("early")));
+    }
+}
+
+TEST_F(AccessibilityEditors, AStoppedEditorCostsOneBoundedWaitAndOthersNothing) {
+    AccessibilitySession session;
+    const RunningProgram other(featherpad, {standalone, file(QStringLiteral("b.txt"), QStringLiteral("awake"))});
+    const auto awake = session.waitForFocusIn(other.process());
+    ASSERT_TRUE(awake);
+    const RunningProgram editor(mousepad, {file(QStringLiteral("a.txt"), QStringLiteral("asleep"))});
+    const auto field = session.waitForFocusIn(editor.process());
+    ASSERT_TRUE(field);
+
+    editor.signal(SIGSTOP);
+    const auto snapshot = [&] {
+        EXPECT_EQ(session.focused(), std::unexpected(AXError::CannotComplete));
+        EXPECT_EQ(session.accessibility.copyAttribute(*field, AXAttribute::SelectedTextRange),
+                  std::unexpected(AXError::CannotComplete));
+        EXPECT_EQ(session.accessibility.copyAttribute(*field, AXAttribute::Value),
+                  std::unexpected(AXError::CannotComplete));
+    };
+    nextTurn();
+    EXPECT_LT(timeOf(snapshot), 400ms);
+    for (int i = 0; i < 5; ++i) {
+        nextTurn();
+        EXPECT_LT(timeOf(snapshot), 60ms);
+    }
+    EXPECT_EQ(session.read(*awake, AXAttribute::Value), AXValue(QStringLiteral("awake")));
+    EXPECT_EQ(session.accessibility.setAttribute(*field, AXAttribute::SelectedText, QStringLiteral("x")),
+              AXError::CannotComplete);
+
+    editor.signal(SIGCONT);
+    EXPECT_TRUE(eventually([&] {
+        nextTurn();
+        return session.focused() == AXValue(*field);
+    }));
+    EXPECT_EQ(session.read(*field, AXAttribute::Value), AXValue(QStringLiteral("asleep")));
+}
+
 }  // namespace
 }  // namespace tavrelon::testing

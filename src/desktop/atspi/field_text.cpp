@@ -67,7 +67,8 @@ qint64 toUtf16Offset(const QString& shown, qint64 offset, OffsetUnit unit) {
 std::optional<text::Utf16Range> selectionOf(const QString& shown, const ReportedSelection& reported,
                                             const Toolkit& toolkit) {
     const auto position = [&](qint64 offset) { return toUtf16Offset(shown, offset, toolkit.offsets); };
-    const bool selects = reported.ends && reported.ends->first != reported.ends->second;
+    const bool selects = reported.ends && reported.ends->first >= 0 && reported.ends->second >= 0 &&
+                         reported.ends->first != reported.ends->second;
     if (!selects) {
         // With nothing selected some say caret..caret, some 0..0 and some give an error; the caret is always right.
         if (reported.caret && *reported.caret >= 0)

@@ -40,13 +40,13 @@ AXError FieldWriter::replaceSelection(const ObjectReference& field, const QStrin
         return AXError::NoValue;
     original_ = contents->value;
     selection_ = *contents->selection;
-    return mayEdit(inserted) ? edit(inserted) : AXError::AttributeUnsupported;
+    return mayEdit() ? edit(inserted) : AXError::AttributeUnsupported;
 }
 
-bool FieldWriter::mayEdit(const QString& inserted) const {
+bool FieldWriter::mayEdit() const {
     const auto selected = original_.mid(selection_.location, selection_.length);
     return description_.has(editableTextInterface) && description_.toolkit.editing == Editing::Works &&
-           !selected.contains(embeddedObject) && selected != inserted;
+           !selected.contains(embeddedObject);
 }
 
 AXError FieldWriter::edit(const QString& inserted) {

@@ -20,7 +20,7 @@ class FieldWriter {
     enum class Outcome { Reached, Unchanged, SomethingElse, Unknown };
 
     platform::AXError edit(const QString& inserted);
-    bool mayEdit(const QString& inserted) const;
+    bool mayEdit() const;
     bool remove(text::Utf16Range range, const QString& from);
     bool insert(const QString& inserted, qint64 at, const QString& into);
     bool command(const char* interface, const char* method, const QVariantList& arguments);

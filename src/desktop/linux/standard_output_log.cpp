@@ -46,19 +46,21 @@ bool StandardOutputLog::isWritable() {
 }
 
 void StandardOutputLog::line(const QString& text) {
-    const auto bytes = escapedLine(text) + '\n';
+    auto bytes = escapedLine(text) + '\n';
     const std::lock_guard lock(mutex_);
+    if (torn_)
+        bytes.prepend('\n');
     qsizetype written = 0;
-    while (written < bytes.size()) {
-        if (!isWritable())
-            return;
-        // A pipe that is writable takes this much without a wait.
+    while (written < bytes.size() && isWritable()) {
+        // A pipe that is writable takes this much at once and without a wait.
         const auto piece = std::min<qsizetype>(bytes.size() - written, PIPE_BUF);
         const auto count = ::write(fd_, bytes.constData() + written, static_cast<std::size_t>(piece));
         if (count < 0 && errno != EINTR)
-            return;
+            break;
         written += std::max<qsizetype>(count, 0);
     }
+    if (written > 0)
+        torn_ = written < bytes.size();
 }
 
 }  // namespace tavrelon::desktop

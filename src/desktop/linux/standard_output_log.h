@@ -23,8 +23,9 @@ class StandardOutputLog : public platform::Log {
     bool isWritable();
 
     int fd_;
-    std::mutex mutex_;      // guards the file and stalled_
+    std::mutex mutex_;      // guards the file and the fields below
     bool stalled_ = false;  // the reader did not take the last line in time
+    bool torn_ = false;     // it took a part of it
 };
 
 /// The text with its control characters escaped, as UTF-8.

@@ -8,7 +8,7 @@ using platform::PasteboardError;
 
 namespace {
 
-constexpr qsizetype mostTargetsBytes = 256 * 1024;
+constexpr std::size_t mostTargets = 4096;
 
 }  // namespace
 
@@ -77,12 +77,8 @@ SelectionReader::SelectionReader(SelectionConnection& connection, Kind kind, con
         return;
     }
     time_ = connection_.serverTime();
-    if (kind_ == Kind::Items) {
-        ask(connection_.atoms().targets);
-    } else {
-        remaining_ = textTargets();
-        askNext();
-    }
+    // For a text too: some owners answer a target that they do not list, with whatever they have.
+    ask(connection_.atoms().targets);
 }
 
 SelectionReader::~SelectionReader() {
@@ -150,14 +146,25 @@ void SelectionReader::take(SelectionConversion conversion) {
 }
 
 void SelectionReader::takeTargets(const std::vector<std::uint32_t>& atoms) {
-    const auto listed = std::span(atoms).first(std::min(atoms.size(), std::size_t{mostTargetsBytes / 4}));
+    const auto listed = std::span(atoms).first(std::min(atoms.size(), mostTargets));
+    QStringList names;
     for (const auto& name : connection_.namesOf(listed)) {
-        if (!name.isEmpty() && !isMetaTarget(name) && !remaining_.contains(name))
-            remaining_.push_back(name);
+        if (!name.isEmpty() && !isMetaTarget(name) && !names.contains(name))
+            names.push_back(name);
+    }
+    if (kind_ == Kind::Text) {
+        for (const auto& target : textTargets()) {
+            const auto place = std::ranges::find_if(
+                names, [&](const QString& name) { return name.compare(target, Qt::CaseInsensitive) == 0; });
+            if (place != names.end())
+                remaining_.push_back(*place);
+        }
+        return;
     }
     // TEXT leaves the type to the owner; beside a text of a known type it would only repeat it.
-    if (remaining_.contains(QStringLiteral("UTF8_STRING")) || remaining_.contains(QStringLiteral("STRING")))
-        remaining_.removeAll(QStringLiteral("TEXT"));
+    if (names.contains(QStringLiteral("UTF8_STRING")) || names.contains(QStringLiteral("STRING")))
+        names.removeAll(QStringLiteral("TEXT"));
+    remaining_ = std::move(names);
 }
 
 void SelectionReader::takeData(const QString& target, const PropertyValue& value) {

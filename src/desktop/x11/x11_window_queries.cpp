@@ -108,7 +108,10 @@ xcb_window_t X11WindowQueries::activeWindow() {
     const auto supporting = take(askedSupporting, deadline);
     if (active.type == XCB_ATOM_WINDOW && windowManagerRuns(supporting, deadline))
         return active.numbers().empty() ? static_cast<xcb_window_t>(XCB_NONE) : active.numbers().front();
-    return focusedClient(deadline);
+    const auto client = focusedClient(deadline);
+    // Where no window has the focus, window managers keep it on their own.
+    const auto managers = supporting.numbers();
+    return std::ranges::find(managers, client) == managers.end() ? client : static_cast<xcb_window_t>(XCB_NONE);
 }
 
 bool X11WindowQueries::windowManagerRuns(const Property& supportingWindow, Deadline deadline) {

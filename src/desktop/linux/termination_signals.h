@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+class QSocketNotifier;
+
+namespace tavrelon::desktop {
+
+/// Turns SIGTERM, SIGINT and SIGHUP into a call on the main thread, so that the program can end in order. A second
+/// signal ends it at once. Make it before any thread starts: they inherit the blocked signals.
+class TerminationSignals {
+ public:
+    explicit TerminationSignals(std::function<void()> onTermination);
+    TerminationSignals(const TerminationSignals&) = delete;
+    TerminationSignals& operator=(const TerminationSignals&) = delete;
+    ~TerminationSignals();
+
+ private:
+    int fd_ = -1;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+}  // namespace tavrelon::desktop

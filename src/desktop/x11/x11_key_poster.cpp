@@ -1,0 +1,74 @@
+#include "desktop/x11/x11_key_poster.h"
+
+#include <ranges>
+
+#include "desktop/x11/x11_keyboard_notices.h"
+
+namespace tavrelon::desktop {
+
+namespace {
+
+/// The keys to hold for these flags on this desktop.
+std::vector<KeyCode> modifierKeys(const X11Keyboard& keyboard, keys::Modifiers flags) {
+    std::vector<KeyCode> codes;
+    const auto hold = [&](keys::Modifiers flag) {
+        if (const auto code = keyboard.modifierKey(flag))
+            codes.push_back(*code);
+    };
+    if (flags.intersects(keys::controlFlag | keys::commandFlag))
+        hold(keys::controlFlag);
+    if (flags.contains(keys::optionFlag))
+        hold(keys::optionFlag);
+    if (flags.contains(keys::shiftFlag))
+        hold(keys::shiftFlag);
+    return codes;
+}
+
+}  // namespace
+
+std::expected<std::unique_ptr<X11KeyPoster>, QString> X11KeyPoster::open(async::MainLoop& loop,
+                                                                         std::shared_ptr<PostedKeys> posted) {
+    auto xtest = X11XTest::open(loop, std::move(posted));
+    if (!xtest)
+        return std::unexpected(xtest.error());
+    auto watch = X11Connection::open();
+    if (!watch)
+        return std::unexpected(watch.error());
+    return std::unique_ptr<X11KeyPoster>(new X11KeyPoster(std::move(*xtest), std::move(*watch)));
+}
+
+void X11KeyPoster::press(keys::VirtualKey key, keys::Modifiers flags) {
+    const platform::ModifiersAside aside(*this);
+    const auto keyboard = xtest_->keyboard();
+    if (!keyboard)
+        return;
+    if (const auto code = keyboard->codeToPress(key, keyboardGroup(xtest_->connection())))
+        stroke(*code, modifierKeys(*keyboard, flags));
+}
+
+void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys) {
+    // A key that the user holds down would not be pressed again.
+    if (keysDown(xtest_->connection()).test(code))
+        xtest_->post(code, KeyAction::Release);
+    for (const auto modifier : modifierKeys)
+        xtest_->post(modifier, KeyAction::Press);
+    xtest_->post(code, KeyAction::Press);
+    xtest_->post(code, KeyAction::Release);
+    for (const auto modifier : std::views::reverse(modifierKeys))
+        xtest_->post(modifier, KeyAction::Release);
+    xtest_->send();
+}
+
+void X11KeyPoster::putModifiersAside() {
+    ++asideDepth_;
+    // Inner calls too: the user may have pressed another one meanwhile.
+    if (const auto keyboard = xtest_->keyboard())
+        modifiers_.putAside(*keyboard);
+}
+
+void X11KeyPoster::giveModifiersBack() {
+    if (--asideDepth_ == 0)
+        modifiers_.giveBack();
+}
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <deque>
+#include <mutex>
+
+#include "async/main_loop.h"
+#include "desktop/x11/x11_key_table.h"
+
+namespace tavrelon::desktop {
+
+enum class KeyAction { Press, Release };
+
+/// The keys that this process is about to post, so that the tap knows them when they come by. Any thread.
+class PostedKeys {
+ public:
+    /// Posts are forgotten after this time: the server leaves out those that change nothing.
+    static constexpr std::chrono::seconds lifetime{2};
+
+    /// Call before the key is posted.
+    void expect(KeyCode code, KeyAction action, async::Instant now);
+
+    /// Whether an event on the posting device is the next one of ours; takes it off, and what was left out before it.
+    bool take(KeyCode code, KeyAction action, async::Instant now);
+
+ private:
+    struct Post {
+        KeyCode code;
+        KeyAction action;
+        async::Instant at;
+    };
+
+    void forgetOld(async::Instant now);
+
+    std::mutex mutex_;
+    std::deque<Post> posts_;
+};
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,28 @@
+#include "desktop/x11/x11_keyboard_notices.h"
+
+// The C header has a field named like a C++ keyword.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
+namespace tavrelon::desktop {
+
+void watchKeyboardMap(X11Connection& connection) {
+    constexpr auto events =
+        static_cast<std::uint16_t>(XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY);
+    constexpr std::uint16_t everyPart = 0xFF;
+    xcb_xkb_select_events(connection.get(), XCB_XKB_ID_USE_CORE_KBD, events, 0, events, everyPart, everyPart, nullptr);
+    connection.flush();
+}
+
+bool isKeyboardMapNotice(const xcb_generic_event_t& event) {
+    return event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY;
+}
+
+unsigned keyboardGroup(X11Connection& connection) {
+    const XPointer<xcb_xkb_get_state_reply_t> state(xcb_xkb_get_state_reply(
+        connection.get(), xcb_xkb_get_state(connection.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+    return state ? state->group : 0;
+}
+
+}  // namespace tavrelon::desktop

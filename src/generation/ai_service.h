@@ -1,0 +1,48 @@
+#pragma once
+
+#include "generation/pollinations_service.h"
+#include "generation/processing_error.h"
+#include "generation/system_prompt.h"
+#include "scenes/decision_object.h"
+
+namespace tavrelon::generation {
+
+/// What a request gave: a text or an image, never both, and what to do with it.
+struct GenerationResult {
+    std::optional<QString> text{};
+    std::optional<QByteArray> imageData{};
+    std::optional<scenes::DecisionObject> decisionObject{};  ///< always there in what the service gives
+};
+
+/// What the user asks, and what he was looking at.
+struct GenerationRequest {
+    QString input;
+    std::optional<capture::CapturedContext> context{};
+    UserVoice voice{};
+    bool enhanceImagePrompts = false;
+};
+
+/// Turns one request of the user into one result. Stateless; main thread; it outlives the tasks it gives out.
+class TavrelonAIService {
+ public:
+    static constexpr qint64 maxTokens = 2000;
+    static constexpr float temperature = 0.7F;
+
+    TavrelonAIService(PollinationsService& pollinationsService, const scenes::SceneRouter& sceneRouter,
+                      platform::Log& log);
+
+    /// Throws `ProcessingError` (`emptyInput` before any model is asked), or `async::CancellationError` when the
+    /// awaiting task was asked to stop.
+    async::Task<GenerationResult> generate(GenerationRequest request);
+
+ private:
+    struct Situation;
+
+    async::Task<GenerationResult> generateTextResult(const Situation& situation, const UserVoice& voice);
+
+    PollinationsService& pollinationsService_;
+    const scenes::SceneRouter& sceneRouter_;
+    platform::Log& log_;
+};
+
+}  // namespace tavrelon::generation

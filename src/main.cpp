@@ -1,0 +1,96 @@
+// Picks the adapters of this desktop, hands them to the application, and runs its loop.
+#include <QCoreApplication>
+#include <cstdio>
+#include <expected>
+
+#include "app/app_delegate.h"
+#include "desktop/atspi/atspi_accessibility.h"
+#include "desktop/linux/directory_defaults_store.h"
+#include "desktop/linux/posix_file_system.h"
+#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/termination_signals.h"
+#include "desktop/linux/unavailable_services.h"
+#include "desktop/linux/user_folders.h"
+#include "desktop/qt/qt_http_session.h"
+#include "desktop/qt/qt_image_codec.h"
+#include "desktop/qt/qt_main_loop.h"
+#include "desktop/x11/x11_event_tap.h"
+#include "desktop/x11/x11_key_poster.h"
+#include "desktop/x11/x11_pasteboard.h"
+#include "desktop/x11/x11_workspace.h"
+
+namespace {
+
+using namespace tavrelon;
+
+/// The parts of the desktop without which nothing can be done.
+struct Essentials {
+    desktop::UserFolders folders;
+    std::unique_ptr<desktop::X11Workspace> workspace;
+    std::unique_ptr<desktop::X11Pasteboard> pasteboard;
+    std::unique_ptr<desktop::X11KeyPoster> keyPoster;
+};
+
+std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::Log& log,
+                                               const std::shared_ptr<desktop::PostedKeys>& posted) {
+    auto folders = desktop::userFolders();
+    if (!folders)
+        return std::unexpected(QStringLiteral("There is no home folder to keep settings in; set HOME."));
+    auto workspace = desktop::X11Workspace::create();
+    if (!workspace)
+        return std::unexpected(workspace.error());
+    auto pasteboard = desktop::X11Pasteboard::create(loop, log);
+    if (!pasteboard)
+        return std::unexpected(pasteboard.error());
+    auto keyPoster = desktop::X11KeyPoster::open(loop, posted);
+    if (!keyPoster)
+        return std::unexpected(keyPoster.error());
+    return Essentials{*std::move(folders), *std::move(workspace), *std::move(pasteboard), *std::move(keyPoster)};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
+    const QCoreApplication application(argc, argv);
+    // Before any thread, so that all of them leave the signals to this one.
+    const desktop::TerminationSignals signals([] { QCoreApplication::quit(); });
+
+    desktop::StandardOutputLog log;
+    desktop::QtMainLoop loop;
+    const auto posted = std::make_shared<desktop::PostedKeys>();
+    auto essentials = openDesktop(loop, log, posted);
+    if (!essentials) {
+        std::fprintf(stderr, "Tavrelon cannot start: %s\n", qUtf8Printable(essentials.error()));
+        return 1;
+    }
+    desktop::AtspiAccessibility accessibility(*essentials->workspace, loop, log);
+    desktop::X11EventTap eventTap(loop, log, posted);
+    desktop::UnavailableInputSource inputSource(log);
+    desktop::UnavailableScreenCapture screenCapture(log);
+    desktop::QtImageCodec imageCodec;
+    desktop::QtHttpSession httpSession(loop);
+    desktop::PosixFileSystem fileSystem;
+    desktop::DirectoryDefaultsStore defaultsStore(fileSystem, essentials->folders.configuration);
+    platform::Platform platform{loop,
+                                log,
+                                accessibility,
+                                eventTap,
+                                *essentials->keyPoster,
+                                *essentials->pasteboard,
+                                *essentials->workspace,
+                                inputSource,
+                                screenCapture,
+                                imageCodec,
+                                httpSession,
+                                defaultsStore,
+                                fileSystem,
+                                essentials->folders.applicationSupport};
+
+    app::AppDelegate delegate(platform, generation::ServiceEndpoints::builtIn());
+    delegate.applicationDidFinishLaunching();
+    const int status = QCoreApplication::exec();
+    delegate.applicationWillTerminate();
+    return status;
+}

@@ -1,0 +1,103 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QList>
+#include <QTemporaryFile>
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <latch>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include "desktop/linux/standard_output_log.h"
+#include "support/qt_gtest.h"
+
+namespace tavrelon::desktop {
+
+namespace {
+
+struct Pipe {
+    Pipe() {
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+            throw std::runtime_error("no pipe");
+    }
+    ~Pipe() {
+        closeReader();
+        ::close(ends[1]);
+    }
+    void closeReader() {
+        if (ends[0] >= 0)
+            ::close(std::exchange(ends[0], -1));
+    }
+    /// What one read gives.
+    QByteArray read() const {
+        QByteArray content(65536, '\0');
+        content.resize(std::max<qsizetype>(0, ::read(ends[0], content.data(), 65536)));
+        return content;
+    }
+    int writer() const { return ends[1]; }
+    std::array<int, 2> ends{-1, -1};
+};
+
+}  // namespace
+
+TEST(StandardOutputLog, WritesEachLineAtOnceAndEscapesControlCharacters) {
+    const Pipe pipe;
+    StandardOutputLog log(pipe.writer());
+    log.line(QStringLiteral("[Hotkey] 好 \ta\\b"));
+    EXPECT_EQ(pipe.read(), QByteArray("[Hotkey] 好 \ta\\b\n"));
+    log.line(QStringLiteral("a\r\nFailed to b\n\x1b[2J\x7f"));
+    EXPECT_EQ(pipe.read(), QByteArray("a\\r\\nFailed to b\\n\\x1b[2J\\x7f\n"));
+    log.line(QString());
+    EXPECT_EQ(pipe.read(), QByteArray("\n"));
+}
+
+TEST(StandardOutputLog, LinesOfManyThreadsStayWhole) {
+    constexpr int threads = 4;
+    constexpr int linesEach = 200;
+    QTemporaryFile file;
+    ASSERT_TRUE(file.open());
+    StandardOutputLog log(file.handle());
+    {
+        std::latch start(threads);
+        std::vector<std::jthread> writers;
+        for (int i = 0; i < threads; ++i)
+            writers.emplace_back([&log, &start, letter = static_cast<char16_t>(u'a' + i)] {
+                start.arrive_and_wait();
+                for (int line = 0; line < linesEach; ++line)
+                    log.line(QString(9'000, letter));  // more than is written as one unit
+            });
+        writers.clear();
+    }
+    ASSERT_TRUE(file.seek(0));
+    const auto lines = file.readAll().trimmed().split('\n');
+    EXPECT_EQ(lines.size(), threads * linesEach);
+    for (const auto& line : lines)
+        ASSERT_EQ(line, QByteArray(9'000, line.at(0)));
+}
+
+TEST(StandardOutputLog, AReaderThatStalledOrWentHoldsNothingUp) {
+    Pipe pipe;
+    ASSERT_EQ(::fcntl(pipe.ends[0], F_SETFL, O_NONBLOCK), 0);
+    StandardOutputLog log(pipe.writer());
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 500; ++i)  // far more than a pipe holds
+        log.line(QString(9'000, u'x'));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    QByteArray all;
+    const auto drain = [&] {
+        for (auto part = pipe.read(); !part.isEmpty(); part = pipe.read())
+            all += part;
+    };
+    drain();
+    log.line(QStringLiteral("back"));
+    drain();
+    EXPECT_TRUE(all.endsWith("x\nback\n"));  // not glued to the part of a line before it
+    pipe.closeReader();
+    log.line(QStringLiteral("nobody hears this, and the process goes on"));
+}
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,65 @@
+#include <gtest/gtest.h>
+
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
+#include <csignal>
+
+#include "desktop/accessibility_session.h"
+#include "support/qt_gtest.h"
+
+namespace tavrelon::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::AXAttribute;
+using platform::AXElement;
+using platform::AXError;
+using platform::AXValue;
+
+pid_t busDaemon() {
+    const AccessibilityBus bus;
+    const QDBusReply<uint> process = bus.connection().interface()->servicePid(QStringLiteral("org.freedesktop.DBus"));
+    return static_cast<pid_t>(process.value());
+}
+
+TEST(AccessibilityBusLoss, ASilentBusIsBoundedAndAStopToo) {
+    std::optional<AccessibilitySession> session(std::in_place);
+    session->workspace.pretend = 1;
+    ASSERT_TRUE(eventually([&] {
+        nextTurn();
+        return session->focused() == std::unexpected(AXError::NoValue);
+    }));
+    const auto daemon = busDaemon();
+    ASSERT_GT(daemon, 1);
+    ::kill(daemon, SIGSTOP);
+    nextTurn();
+    EXPECT_LT(timeOf([&] { EXPECT_EQ(session->focused(), std::unexpected(AXError::CannotComplete)); }), 400ms);
+    nextTurn();
+    EXPECT_LT(timeOf([&] { EXPECT_EQ(session->focused(), std::unexpected(AXError::CannotComplete)); }), 60ms);
+    ::kill(daemon, SIGCONT);
+    EXPECT_TRUE(eventually([&] {
+        nextTurn();
+        return session->focused() == std::unexpected(AXError::NoValue);
+    }));
+    ::kill(daemon, SIGSTOP);
+    EXPECT_LT(timeOf([&] { session.reset(); }), 3000ms);
+    ::kill(daemon, SIGCONT);
+}
+
+TEST(AccessibilityBusLoss, ABusThatEndedIsConnectedToAgain) {
+    AccessibilitySession session;
+    session.workspace.pretend = 1;
+    const auto answers = [&](AXError error) {
+        return eventually([&] {
+            nextTurn();
+            return session.focused() == std::unexpected(error);
+        });
+    };
+    ASSERT_TRUE(answers(AXError::NoValue));
+    ::kill(busDaemon(), SIGTERM);
+    EXPECT_TRUE(answers(AXError::APIDisabled));
+    EXPECT_TRUE(answers(AXError::NoValue));
+}
+
+}  // namespace
+}  // namespace tavrelon::testing

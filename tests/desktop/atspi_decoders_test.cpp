@@ -1,0 +1,149 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "desktop/atspi/atspi_protocol.h"
+#include "desktop/atspi/field_repair.h"
+#include "desktop/atspi/field_text.h"
+#include "desktop/atspi/focus_book.h"
+#include "support/qt_gtest.h"
+
+namespace tavrelon::desktop::atspi {
+namespace {
+
+using platform::AXError;
+using text::Utf16Range;
+
+const auto gtk = toolkitNamed(QStringLiteral("gtk"));
+const auto qt = toolkitNamed(QStringLiteral("Qt"));
+const auto chromium = toolkitNamed(QStringLiteral("Chromium"));
+const auto gecko = toolkitNamed(QStringLiteral("Gecko"));
+
+TEST(ToolkitHabits, FollowTheNameThatTheApplicationGives) {
+    EXPECT_EQ(gtk.offsets, OffsetUnit::CodePoints);
+    EXPECT_EQ(gtk.insertLength, LengthUnit::Utf8Bytes);
+    EXPECT_EQ(gtk.showing, ShowingState::Set);
+    EXPECT_EQ(toolkitNamed(QStringLiteral("GTK")).showing, ShowingState::NeverSet);
+    EXPECT_EQ(qt.offsets, OffsetUnit::Utf16);
+    EXPECT_EQ(qt.insertLength, LengthUnit::Utf16);
+    EXPECT_EQ(gecko.editing, Editing::OnlyClaimsToWork);
+    EXPECT_EQ(toolkitNamed(QStringLiteral("a toolkit of next year")), Toolkit());
+}
+
+TEST(FieldText, OffsetsGoBothWaysBetweenCodePointsAndUtf16) {
+    const auto text = QStringLiteral("ab😀cd👩‍👩‍👧");
+    EXPECT_EQ(toUtf16Offset(text, 2, OffsetUnit::CodePoints), 2);
+    EXPECT_EQ(toUtf16Offset(text, 3, OffsetUnit::CodePoints), 4);
+    EXPECT_EQ(toUtf16Offset(text, 5, OffsetUnit::CodePoints), 6);
+    EXPECT_EQ(toUtf16Offset(text, 99, OffsetUnit::CodePoints), text.size());
+    EXPECT_EQ(toUtf16Offset(text, -1, OffsetUnit::CodePoints), 0);
+    EXPECT_EQ(toUtf16Offset(text, 99, OffsetUnit::Utf16), text.size());
+    const auto points = text.toUcs4().size();
+    for (qint64 point = 0; point <= points; ++point)
+        EXPECT_EQ(toApplicationOffset(text, toUtf16Offset(text, point, OffsetUnit::CodePoints), OffsetUnit::CodePoints),
+                  point);
+    EXPECT_EQ(toApplicationOffset(text, 4, OffsetUnit::Utf16), 4);
+}
+
+TEST(FieldText, FillersBehindAstralCharactersAreNotText) {
+    const QChar filler(0xFEFF);
+    const QString face = QStringLiteral("😀");
+    EXPECT_EQ(shownText(u'a' + face + filler + u'b', gecko.offsets), u'a' + face + u'b');
+    // Only one goes with each character; what the user has is kept.
+    EXPECT_EQ(shownText(face + filler + filler, gecko.offsets), face + filler);
+    EXPECT_EQ(shownText(filler + face, gecko.offsets), filler + face);
+    EXPECT_EQ(shownText(face + filler, gtk.offsets), face + filler);
+    // The application counts the filler as the second unit.
+    EXPECT_EQ(selectionOf(u'a' + face + u'b', {{{1, 3}}, 3}, gecko), (Utf16Range{1, 2}));
+}
+
+TEST(FieldText, SelectionsOfAllToolkitsBecomeUtf16Ranges) {
+    const auto text = QStringLiteral("ab😀cd");
+    EXPECT_EQ(selectionOf(text, {{{2, 4}}, 4}, gtk), (Utf16Range{2, 3}));
+    EXPECT_EQ(selectionOf(text, {{{2, 5}}, 5}, qt), (Utf16Range{2, 3}));
+    EXPECT_EQ(selectionOf(text, {{{4, 2}}, 2}, gtk), (Utf16Range{2, 3}));
+    EXPECT_EQ(selectionOf(text, {{{2, 3}}, 4}, chromium), (Utf16Range{2, 3})) << "the caret is right, the end is not";
+    EXPECT_EQ(selectionOf(text, {{{2, 4}}, 2}, chromium), (Utf16Range{2, 3})) << "the caret is at the start";
+}
+
+TEST(FieldText, WithoutASelectionTheCaretCounts) {
+    const auto text = QStringLiteral("ab😀cd");
+    EXPECT_EQ(selectionOf(text, {{{3, 3}}, 3}, gtk), (Utf16Range{4, 0}));
+    EXPECT_EQ(selectionOf(text, {{{0, 0}}, 4}, qt), (Utf16Range{4, 0}));
+    EXPECT_EQ(selectionOf(text, {{}, 5}, toolkitNamed(QStringLiteral("GTK"))), (Utf16Range{6, 0}));
+    EXPECT_EQ(selectionOf(text, {{{-1, 0}}, 1}, gtk), (Utf16Range{1, 0}));
+    EXPECT_EQ(selectionOf(text, {{{2, 2}}, {}}, gtk), (Utf16Range{2, 0}));
+    EXPECT_EQ(selectionOf(text, {{}, -1}, gtk), std::nullopt);
+}
+
+TEST(FieldText, InsertedLengthsAreInTheToolkitsUnit) {
+    EXPECT_EQ(insertLength(QStringLiteral("X😀é"), gtk.insertLength), 7);
+    EXPECT_EQ(insertLength(QStringLiteral("X😀é"), qt.insertLength), 4);
+}
+
+TEST(FieldRepair, LeadsFromAnyTextToAnyOtherWithoutSplittingCharacters) {
+    EXPECT_EQ(editBetween(QStringLiteral("one  three"), QStringLiteral("one two three")),
+              (TextEdit{{4, 0}, QStringLiteral("two")}));
+    // These share their first unit, and the next two their last.
+    EXPECT_EQ(editBetween(QStringLiteral("😀"), QStringLiteral("😁")), (TextEdit{{0, 2}, QStringLiteral("😁")}));
+    EXPECT_EQ(editBetween(QString::fromUcs4(U"\U00010400"), QString::fromUcs4(U"\U00011400")).removed.length, 2);
+
+    std::mt19937 random(7);
+    const auto alphabet = QStringLiteral("ab😀😁").toUcs4();
+    const auto any = [&] {
+        QString text;
+        for (auto n = random() % 8; n > 0; --n)
+            text += QString::fromUcs4(reinterpret_cast<const char32_t*>(&alphabet[random() % 4]), 1);
+        return text;
+    };
+    for (int i = 0; i < 2000; ++i) {
+        const auto from = any();
+        const auto to = any();
+        const auto edit = editBetween(from, to);
+        ASSERT_EQ(edit.applied(from), to) << from.toStdString();
+        ASSERT_EQ(QString::fromUtf8(edit.inserted.toUtf8()), edit.inserted) << to.toStdString();
+        ASSERT_TRUE(text::substring(from, edit.removed)) << from.toStdString();
+    }
+}
+
+TEST(States, AreBitsOfThirtyTwoBitWords) {
+    const StateSet states({1U << 12 | 1U << 1, 0});
+    EXPECT_TRUE(states.has(State::Focused));
+    EXPECT_TRUE(states.has(State::Active));
+    EXPECT_FALSE(states.has(State::Showing));
+    EXPECT_FALSE(StateSet().has(State::Focused));
+}
+
+TEST(BusErrors, SayWhatBecameOfTheElement) {
+    const auto error = [](const char* name) {
+        return errorOf(QStringLiteral("org.freedesktop.DBus.Error.") + QLatin1String(name));
+    };
+    EXPECT_EQ(error("NoReply"), AXError::CannotComplete);
+    EXPECT_EQ(error("NameHasNoOwner"), AXError::InvalidUIElement);
+    EXPECT_EQ(error("ServiceUnknown"), AXError::InvalidUIElement);
+    EXPECT_EQ(error("UnknownObject"), AXError::InvalidUIElement);
+    EXPECT_EQ(error("UnknownInterface"), AXError::AttributeUnsupported);
+    EXPECT_EQ(error("Disconnected"), AXError::APIDisabled);
+    EXPECT_EQ(error("AccessDenied"), AXError::Failure);
+}
+
+TEST(FocusBook, KeepsTheNewElementWhenTheOldOnesNewsComesLate) {
+    const ObjectReference first{QStringLiteral(":1.1"), QStringLiteral("/first")};
+    const ObjectReference second{QStringLiteral(":1.1"), QStringLiteral("/second")};
+    const ObjectReference elsewhere{QStringLiteral(":1.2"), QStringLiteral("/first")};
+    FocusBook book;
+    book.gained(first);
+    book.gained(elsewhere);
+    book.gained(second);
+    book.lost(first);
+    EXPECT_EQ(book.elements(), (std::vector{second, elsewhere}));
+    book.lost(second);
+    EXPECT_EQ(book.elements(), std::vector{elsewhere});
+    book.gained({QStringLiteral(":1.2"), QStringLiteral("/org/a11y/atspi/null")});
+    EXPECT_EQ(book.elements(), std::vector{elsewhere});
+    book.forget(elsewhere.busName);
+    EXPECT_TRUE(book.elements().empty());
+}
+
+}  // namespace
+}  // namespace tavrelon::desktop::atspi

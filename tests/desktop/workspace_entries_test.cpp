@@ -1,0 +1,190 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "desktop/linux/desktop_entry_catalog.h"
+#include "desktop/linux/process_info.h"
+#include "desktop/x11/application_identifiers.h"
+#include "desktop/x11/x11_window_queries.h"
+#include "support/qt_gtest.h"
+
+namespace tavrelon::desktop {
+
+namespace {
+
+TEST(DesktopEntryParser, ReadsTheMainGroupInTheUsersLanguage) {
+    const QByteArray text =
+        "# a comment\n\n[Desktop Entry]\nType=Application\nName=Mail\\sReader\nName[de]=Postleser\n"
+        "Name[zh_CN]=\xe9\x82\xae\xe4\xbb\xb6\nName[sr@latin]=Posta\nStartupWMClass = Reader\n"
+        "Exec=\"/opt/mail reader/bin/reader\" --new %U\n[Desktop Action new]\nName=New message\nExec=other\n";
+    const auto read = [&](const char* locale) {
+        return parseDesktopEntry(QStringLiteral("reader"), text, localeSuffixes(QString::fromLatin1(locale)));
+    };
+    const auto entry = read("C.UTF-8");
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->name, QStringLiteral("Mail Reader"));
+    EXPECT_EQ(entry->startupWmClass, QStringLiteral("Reader"));
+    EXPECT_EQ(entry->executable, QStringLiteral("reader"));
+    EXPECT_EQ(read("de_AT.UTF-8")->name, QStringLiteral("Postleser"));
+    EXPECT_EQ(read("zh_CN.UTF-8@pinyin")->name, QStringLiteral("邮件"));
+    EXPECT_EQ(read("sr_RS@latin")->name, QStringLiteral("Posta"));
+    EXPECT_EQ(read("fr_FR")->name, QStringLiteral("Mail Reader"));
+}
+
+TEST(DesktopEntryParser, TellsWhyAnEntryIsNone) {
+    const auto errorOf = [](const QByteArray& text) {
+        return parseDesktopEntry(QStringLiteral("x"), text, {}).error_or(DesktopEntryError{-1});
+    };
+    EXPECT_EQ(errorOf(""), DesktopEntryError::Broken);
+    EXPECT_EQ(errorOf("[Other Group]\nName=x\n"), DesktopEntryError::Broken);
+    EXPECT_EQ(errorOf("[Desktop Entry]\nName\n=\n\xff\xfe"), DesktopEntryError::Broken);
+    EXPECT_EQ(errorOf("[Desktop Entry]\nType=Link\nName=x\n"), DesktopEntryError::NotApplication);
+    EXPECT_EQ(errorOf("[Desktop Entry]\nName=x\nHidden=true\n"), DesktopEntryError::Hidden);
+}
+
+class Catalog : public ::testing::Test {
+ public:
+    QTemporaryDir user;
+    QTemporaryDir system;
+    DesktopEntryCatalog catalog{{user.path(), system.path()}, {}};
+
+    static void write(const QTemporaryDir& folder, const QString& name, const QByteArray& lines) {
+        const QString path = folder.filePath(name);
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("[Desktop Entry]\nType=Application\n" + lines);
+    }
+    QString nameOf(const ApplicationNames& names) {
+        const auto entry = catalog.find(names);
+        return entry ? entry->name : QStringLiteral("nothing");
+    }
+};
+
+TEST_F(Catalog, FindsByIdClassAndProgram) {
+    write(system, QStringLiteral("org.example.Notes.desktop"), "Name=Notes\nExec=example-notes\n");
+    write(system, QStringLiteral("vendor/tool.desktop"), "Name=Tool\nStartupWMClass=ToolWindow\nExec=/usr/bin/tool\n");
+    write(system, QStringLiteral("python3.desktop"), "Name=Python\nExec=/usr/bin/python3\n");
+    write(system, QStringLiteral("plain.desktop"), "Name=Plain\n");
+    EXPECT_EQ(nameOf({.applicationId = QStringLiteral("org.example.Notes"),
+                      .windowClass = {},
+                      .windowInstance = {},
+                      .executable = {}}),
+              QStringLiteral("Notes"));
+    EXPECT_EQ(
+        nameOf({.applicationId = {}, .windowClass = QStringLiteral("Plain"), .windowInstance = {}, .executable = {}}),
+        QStringLiteral("Plain"));
+    EXPECT_EQ(
+        nameOf(
+            {.applicationId = {}, .windowClass = QStringLiteral("toolwindow"), .windowInstance = {}, .executable = {}}),
+        QStringLiteral("Tool"));
+    EXPECT_EQ(
+        nameOf({.applicationId = {}, .windowClass = QStringLiteral("Notes"), .windowInstance = {}, .executable = {}}),
+        QStringLiteral("Notes"));
+    EXPECT_EQ(nameOf({.applicationId = {},
+                      .windowClass = QStringLiteral("X"),
+                      .windowInstance = {},
+                      .executable = QStringLiteral("tool")}),
+              QStringLiteral("Tool"));
+    EXPECT_EQ(catalog
+                  .find({.applicationId = {},
+                         .windowClass = QStringLiteral("ToolWindow"),
+                         .windowInstance = {},
+                         .executable = {}})
+                  ->id,
+              QStringLiteral("vendor-tool"));
+    EXPECT_EQ(nameOf({.applicationId = {},
+                      .windowClass = QStringLiteral("X"),
+                      .windowInstance = {},
+                      .executable = QStringLiteral("python3")}),
+              QStringLiteral("nothing"))
+        << "what runs scripts does not name them";
+    EXPECT_EQ(nameOf({}), QStringLiteral("nothing"));
+    EXPECT_EQ(
+        nameOf(
+            {.applicationId = QStringLiteral("../plain"), .windowClass = {}, .windowInstance = {}, .executable = {}}),
+        QStringLiteral("nothing"));
+}
+
+TEST_F(Catalog, TheUsersEntryGoesFirstAndCanHideTheSystems) {
+    write(system, QStringLiteral("a.desktop"), "Name=System A\nStartupWMClass=classA\n");
+    write(user, QStringLiteral("a.desktop"), "Name=User A\nStartupWMClass=classA\n");
+    write(system, QStringLiteral("b.desktop"), "Name=System B\nStartupWMClass=classB\n");
+    write(user, QStringLiteral("b.desktop"), "Hidden=true\n");
+    write(user, QStringLiteral("broken.desktop"), "no name here\n");
+    for (const auto* byIdOrClass : {"a", "classA"})
+        EXPECT_EQ(nameOf({.applicationId = {},
+                          .windowClass = QString::fromLatin1(byIdOrClass),
+                          .windowInstance = {},
+                          .executable = {}}),
+                  QStringLiteral("User A"));
+    for (const auto* byIdOrClass : {"b", "classB"})
+        EXPECT_EQ(nameOf({.applicationId = {},
+                          .windowClass = QString::fromLatin1(byIdOrClass),
+                          .windowInstance = {},
+                          .executable = {}}),
+                  QStringLiteral("nothing"));
+}
+
+TEST(ApplicationIdentifiers, ProductsOfTheScenesReportTheirKnownIdentifier) {
+    const std::pair<const char*, const char*> expected[] = {
+        {"Google-chrome", "com.google.Chrome"},
+        {"firefox-esr", "org.mozilla.firefox"},
+        {"Microsoft-edge", "com.microsoft.edgemac"},
+        {"Code", "com.microsoft.VSCode"},
+        {"Sublime_text", "com.sublimetext.4"},
+        {"jetbrains-idea-ce", "com.jetbrains.intellij"},
+        {"Notion", "notion.id"},
+        {"obsidian", "md.obsidian"},
+        {"Slack", "com.tinyspeck.slackmacgap"},
+        {"org.gnome.Evolution", "com.apple.mail"},
+        {"thunderbird", "com.apple.mail"},
+        {"Claws-mail", "com.apple.mail"},
+    };
+    for (const auto& [name, identifier] : expected)
+        EXPECT_EQ(knownIdentifier(QString::fromLatin1(name)), QString::fromLatin1(identifier)) << name;
+    EXPECT_EQ(knownIdentifier(QStringLiteral("mousepad")), std::nullopt);
+    EXPECT_EQ(knownIdentifier({}), std::nullopt);
+}
+
+TEST(ApplicationIdentifiers, AKnownNameGoesBeforeTheFirstOne) {
+    const auto first = QStringLiteral("org.xfce.mousepad");
+    EXPECT_EQ(bundleIdentifierOf({QString(), first, QStringLiteral("Mousepad")}), first);
+    EXPECT_EQ(bundleIdentifierOf({first, QStringLiteral("Slack")}), QStringLiteral("com.tinyspeck.slackmacgap"));
+    EXPECT_EQ(bundleIdentifierOf({QString(), QString()}), std::nullopt);
+}
+
+TEST(WindowClass, HasTwoPartsOrLess) {
+    EXPECT_EQ(decodeWindowClass(QByteArray("xterm\0XTerm\0", 12)),
+              std::pair(QStringLiteral("xterm"), QStringLiteral("XTerm")));
+    EXPECT_EQ(decodeWindowClass("alone"), std::pair(QStringLiteral("alone"), QString()));
+    EXPECT_EQ(decodeWindowClass({}), std::pair(QString(), QString()));
+}
+
+TEST(ProcessInfo, KnowsTheLivingFromTheDead) {
+    EXPECT_TRUE(isProcessRunning(::getpid()));
+    EXPECT_FALSE(isProcessRunning(0));
+    EXPECT_FALSE(isProcessRunning(-1));
+    QProcess sleeping;
+    sleeping.start(QStringLiteral("sleep"), {QStringLiteral("60")});
+    ASSERT_TRUE(sleeping.waitForStarted());
+    const auto number = sleeping.processId();
+    EXPECT_TRUE(isProcessRunning(number));
+    EXPECT_EQ(executableNameOf(number), QStringLiteral("sleep"));
+    sleeping.kill();
+    sleeping.waitForFinished();
+    EXPECT_FALSE(isProcessRunning(number));
+    EXPECT_EQ(executableNameOf(number), QString());
+    EXPECT_TRUE(isThisMachine(QSysInfo::machineHostName()));
+    EXPECT_TRUE(isThisMachine(QSysInfo::machineHostName() + QStringLiteral(".example.org")));
+    EXPECT_FALSE(isThisMachine(QStringLiteral("another-machine")));
+    EXPECT_FALSE(isThisMachine({}));
+}
+
+}  // namespace
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,284 @@
+// The road of a typed request, from the hotkey to the field, on a desktop of fakes.
+#include <gtest/gtest.h>
+
+#include "support/input_desk.h"
+#include "support/qt_gtest.h"
+
+namespace tavrelon::input {
+
+using namespace std::chrono_literals;
+using tavrelon::testing::FakeGenerator;
+using tavrelon::testing::InputDesk;
+using tavrelon::testing::SimulatedEditor;
+using Case = InputState::Case;
+
+class TextRequestTest : public ::testing::Test {
+ public:
+    InputDesk desk;
+
+    void finish() { desk.loop.runToEnd(); }
+    QString asked() const {
+        return desk.generator.requests.empty() ? QStringLiteral("<nothing>") : desk.generator.requests.back().input;
+    }
+    int backspaces() const { return desk.keyPoster.count(keys::keyBackspace, keys::noModifiers); }
+};
+
+TEST_F(TextRequestTest, TheAnswerTakesThePlaceOfWhatWasTyped) {
+    desk.editor.open(QStringLiteral("你好😀，世界"));
+    desk.editor.select(4);
+    desk.request(QStringLiteral("hello👨‍👩‍👧"));
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("hello👨‍👩‍👧"));
+    EXPECT_EQ(backspaces(), 6);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("你好😀ANSWER，世界"));
+    EXPECT_EQ(desk.state(), Case::idle);
+
+    ASSERT_EQ(desk.history.entries().size(), 1U);
+    const auto& entry = desk.history.entries().front();
+    EXPECT_EQ(entry.inputText, QStringLiteral("hello👨‍👩‍👧"));
+    EXPECT_EQ(entry.outputText, QStringLiteral("ANSWER"));
+    EXPECT_EQ(entry.appName, QStringLiteral("Editor"));
+    EXPECT_EQ(entry.windowTitle, QStringLiteral("Untitled"));
+    EXPECT_EQ(entry.retryCount, 0);
+    EXPECT_EQ(desk.learner.recorded, QStringList{QStringLiteral("hello👨‍👩‍👧")});
+    const auto& context = desk.generator.requests.front().context;
+    ASSERT_TRUE(context);
+    EXPECT_EQ(context->inputBuffer, QStringLiteral("hello👨‍👩‍👧"));
+}
+
+TEST_F(TextRequestTest, ASelectionAndNothingTypedIsReplacedWithoutAKey) {
+    desk.editor.open(QStringLiteral("fix this please"));
+    desk.editor.select(4, 4);
+    desk.request(QString());
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("this"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("fix ANSWER please"));
+    EXPECT_TRUE(desk.keyPoster.strokes().empty());
+    EXPECT_FALSE(desk.pasteboard.text());
+}
+
+TEST_F(TextRequestTest, ASelectionThatAccessibilityCannotReplaceIsPastedOver) {
+    desk.editor.open(QStringLiteral("fix this please"));
+    desk.editor.select(4, 4);
+    desk.accessibility.setSelectedTextResult = platform::AXError::AttributeUnsupported;
+    desk.request(QString());
+    finish();
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("fix ANSWER please"));
+    EXPECT_EQ(backspaces(), 0);
+    EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("ANSWER")) << "the answer stays on the clipboard";
+}
+
+TEST_F(TextRequestTest, EmptyInputEndsWithoutAMessage) {
+    desk.change([](auto& settings) { settings.enableLocalLearning = false; });
+    desk.editor.open(QString());
+    desk.request(QString());
+    finish();
+    EXPECT_EQ(desk.state(), Case::idle);
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Empty input detected, skipping processing")));
+    desk.editor.select(0, 0);
+    desk.request(QStringLiteral("  \n"));
+    finish();
+    EXPECT_TRUE(desk.generator.requests.empty());
+    EXPECT_EQ(desk.machine->lastError(), std::nullopt);
+}
+
+TEST_F(TextRequestTest, AnOpaqueFieldIsAnsweredFromTheKeys) {
+    desk.editor.open(QStringLiteral("before "), SimulatedEditor::Visibility::Opaque);
+    desk.request(QStringLiteral("hello"));
+    finish();
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Using keystroke buffer fallback, length: 5")));
+    EXPECT_EQ(asked(), QStringLiteral("hello"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("before ANSWER"));
+}
+
+TEST_F(TextRequestTest, AnOpaqueFieldWithoutKeysIsReadThroughTheClipboardWhichSurvives) {
+    desk.editor.open(QStringLiteral("fix this please"), SimulatedEditor::Visibility::Opaque);
+    desk.editor.select(4, 4);
+    const std::vector<platform::PasteboardItem> precious{
+        {{{QStringLiteral("image/png"), "pixels"}, {QStringLiteral("text/html"), "<b>x</b>"}}}};
+    desk.pasteboard.copyElsewhere(precious);
+    desk.generator.script = {FakeGenerator::Failure{QStringLiteral("no")}, FakeGenerator::Failure{QStringLiteral("no")},
+                             FakeGenerator::Failure{QStringLiteral("no")}};
+    desk.request(QString());
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("this"));
+    EXPECT_EQ(desk.pasteboard.contents(), precious);
+}
+
+TEST_F(TextRequestTest, AFailureIsTriedThreeTimesAndLeavesTheFieldAlone) {
+    desk.generator.script = {FakeGenerator::Failure{QStringLiteral("a")}, FakeGenerator::Failure{QStringLiteral("b")},
+                             FakeGenerator::Failure{QStringLiteral("c")}};
+    desk.request(QStringLiteral("question"));
+    const auto start = desk.loop.now();
+    while (desk.state() == Case::processing)
+        desk.loop.advance(1ms);
+    EXPECT_EQ(desk.loop.now() - start, 3 * desk.generator.delay + 350ms + 700ms);
+    finish();
+    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Generation failed: c")));
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Processing error: Generation failed: c")));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("question"));
+    EXPECT_TRUE(desk.history.entries().empty());
+
+    desk.generator.script = {FakeGenerator::Failure{QStringLiteral("a")}};
+    desk.editor.open(QString());
+    desk.request(QStringLiteral("again"));
+    finish();
+    ASSERT_EQ(desk.history.entries().size(), 1U);
+    EXPECT_EQ(desk.history.entries().front().retryCount, 1);
+}
+
+TEST_F(TextRequestTest, EmptyInputOfTheModelIsNotTriedAgain) {
+    desk.generator.script = {generation::ProcessingError::emptyInput()};
+    desk.request(QStringLiteral("question"));
+    finish();
+    EXPECT_EQ(desk.generator.requests.size(), 1U);
+    EXPECT_EQ(desk.state(), Case::idle);
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Empty input; stopping without error UI")));
+}
+
+TEST_F(TextRequestTest, PromptBoxTextGoesAsItIsAndDeletesNothing) {
+    desk.editor.open(QStringLiteral("draft"));
+    desk.machine->submitFloatingInput(QStringLiteral("  hello"));
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("  hello"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("draftANSWER"));
+    EXPECT_EQ(backspaces(), 0);
+    desk.machine->submitFloatingInput(QStringLiteral("  "));
+    finish();
+    EXPECT_EQ(desk.generator.requests.size(), 1U);
+    EXPECT_EQ(desk.state(), Case::idle);
+}
+
+TEST_F(TextRequestTest, SettingsReachTheRequest) {
+    desk.change([](auto& settings) {
+        settings.adaptiveSystemPrompt = QStringLiteral(" voice\n");
+        settings.cloneLanguageStyle = QStringLiteral(" style ");
+        settings.cloneSystemPrompt = QStringLiteral("  ");
+        settings.enableImagePromptEnhancement = false;
+    });
+    desk.request(QStringLiteral("one"));
+    finish();
+    const auto& first = desk.generator.requests.front();
+    EXPECT_EQ(first.userVoice, QStringLiteral("voice"));
+    EXPECT_EQ(first.userStyle, std::nullopt) << "the learnt voice displaces the style profile";
+    EXPECT_EQ(first.languageStyle, QStringLiteral("style"));
+    EXPECT_EQ(first.cloneSystemPrompt, std::nullopt);
+    EXPECT_FALSE(first.enhanceImagePrompts);
+
+    desk.change([](auto& settings) { settings.adaptiveSystemPrompt.clear(); });
+    desk.request(QStringLiteral("two"));
+    finish();
+    EXPECT_TRUE(desk.generator.requests.back().userStyle);
+}
+
+class CompositionTest : public TextRequestTest {
+ public:
+    void commitAfter(std::chrono::milliseconds delay, const QString& whole) {
+        desk.loop.advance(delay);
+        desk.accessibility.focus(whole);
+    }
+};
+
+TEST_F(CompositionTest, WaitsForTheInputMethodToCommit) {
+    desk.inputSource.active = true;
+    desk.request(QStringLiteral("nihao"));
+    commitAfter(300ms, QStringLiteral("你好"));
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("你好"));
+    EXPECT_EQ(backspaces(), 2);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
+    EXPECT_EQ(desk.learner.recorded, QStringList{QStringLiteral("你好")});
+}
+
+TEST_F(CompositionTest, TakesTheLettersWhenNothingIsCommitted) {
+    desk.inputSource.active = true;
+    desk.request(QStringLiteral("nihao"));
+    const auto start = desk.loop.now();
+    while (desk.generator.requests.empty())
+        desk.loop.advance(1ms);
+    EXPECT_EQ(desk.loop.now() - start, 2250ms);
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("nihao"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
+    EXPECT_TRUE(desk.learner.recorded.isEmpty()) << "raw letters teach nothing";
+}
+
+TEST_F(CompositionTest, RunsOnlyWhereTheTextNearTheCaretTellsOfAnotherScript) {
+    desk.editor.open(QStringLiteral("Latin only. "));
+    desk.request(QStringLiteral("hello"));
+    desk.loop.advance(50ms);
+    EXPECT_EQ(desk.generator.requests.size(), 1U);
+    finish();
+
+    desk.editor.open(QStringLiteral("中文") + QString(396, u'a'));
+    desk.request(QStringLiteral("hello"));
+    desk.loop.advance(50ms);
+    EXPECT_EQ(desk.generator.requests.size(), 2U) << "400 units before the caret are all ASCII";
+    finish();
+
+    desk.editor.open(QStringLiteral("中文 "));
+    desk.request(QStringLiteral("hello"));
+    desk.loop.advance(50ms);
+    EXPECT_EQ(desk.generator.requests.size(), 2U);
+    desk.loop.advance(3s);
+    EXPECT_EQ(desk.generator.requests.size(), 3U);
+}
+
+TEST_F(CompositionTest, FallsBackToTheTextNearTheCaretWhenNoCandidateIsCommitted) {
+    desk.inputSource.active = true;
+    desk.editor.open(QStringLiteral("你好 "));
+    desk.request(QStringLiteral("abc"));
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("你好 abc"));
+}
+
+TEST_F(CompositionTest, EscapeDuringTheWaitEndsIt) {
+    desk.inputSource.active = true;
+    desk.request(QStringLiteral("nihao"));
+    desk.loop.advance(300ms);
+    desk.press(desk.hotkeys.cancelHotkey);
+    finish();
+    EXPECT_TRUE(desk.generator.requests.empty());
+    EXPECT_EQ(desk.state(), Case::idle);
+}
+
+class ImageRequestTest : public TextRequestTest {
+ public:
+    ImageRequestTest() { desk.generator.script = {generation::GenerationResult{.imageData = "picture of a cat"}}; }
+};
+
+TEST_F(ImageRequestTest, APictureReplacesWhatWasTypedAndIsKept) {
+    desk.request(QStringLiteral("draw a cat"));
+    finish();
+    EXPECT_EQ(backspaces(), 10);
+    EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1);
+    ASSERT_EQ(desk.pasteboard.contents().size(), 1U);
+    EXPECT_EQ(desk.pasteboard.contents().front().dataByType.front().second, "picture of a cat");
+    ASSERT_EQ(desk.history.entries().size(), 1U);
+    const auto& entry = desk.history.entries().front();
+    EXPECT_EQ(entry.outputText, QStringLiteral("图片已复制到剪贴板"));
+    ASSERT_TRUE(entry.outputImagePath);
+    EXPECT_EQ(desk.fileSystem.read(desk.history.resolvedImagePath(*entry.outputImagePath)), "picture of a cat");
+}
+
+TEST_F(ImageRequestTest, APictureOverASelectionSendsNoBackspace) {
+    desk.editor.open(QStringLiteral("a cat"));
+    desk.editor.select(0, 5);
+    desk.request(QString());
+    finish();
+    EXPECT_EQ(backspaces(), 0);
+    EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1);
+}
+
+TEST_F(ImageRequestTest, BytesThatAreNoPictureAreAnError) {
+    desk.generator.script = {generation::GenerationResult{.imageData = "<html>"}};
+    desk.editor.open(QStringLiteral("a cat"));
+    desk.editor.select(0, 5);
+    desk.request(QString());
+    finish();
+    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Invalid image data")));
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Error processing: Invalid image data")));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("a cat"));
+}
+
+}  // namespace tavrelon::input

@@ -1,0 +1,146 @@
+#include "persistence/app_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "support/qt_gtest.h"
+
+namespace tavrelon::persistence {
+
+namespace {
+
+/// The document that a new user's first save leaves behind, with both dates.
+text::Json documentWithEveryKey() {
+    auto json = text::parseJson(R"({
+        "toggleHotkey": {"keyCode": 37, "modifiersRaw": 1703936},
+        "voiceHotkey": {"keyCode": 0, "modifiersRaw": 786432},
+        "voiceDictationHotkey": {"keyCode": 0, "modifiersRaw": 393216},
+        "cancelHotkey": {"keyCode": 53, "modifiersRaw": 0},
+        "autoReplyHotkey": {"keyCode": 0, "modifiersRaw": 1703936},
+        "toggleAllHotkeysHotkey": {"keyCode": 40, "modifiersRaw": 1703936},
+        "videoHotkey": {"keyCode": 5, "modifiersRaw": 1703936},
+        "floatingInputHotkey": {"keyCode": 35, "modifiersRaw": 1703936},
+        "hotkeysEnabled": true,
+        "toggleHotkeyEnabled": true, "voiceHotkeyEnabled": true, "voiceDictationHotkeyEnabled": true,
+        "voiceInputSilenceTimeoutSeconds": 2.0, "voiceDictationSilenceTimeoutSeconds": 2.0,
+        "cancelHotkeyEnabled": true, "autoReplyHotkeyEnabled": true, "toggleAllHotkeysHotkeyEnabled": true,
+        "videoHotkeyEnabled": true, "floatingInputHotkeyEnabled": true,
+        "screenshotMode": "focusedWindow", "screenshotQuality": 0.7, "maxScreenshotWidth": 1920,
+        "aiMaxTokens": 2000, "aiTemperature": 0.7, "aiTimeout": 30.0,
+        "visionModelPreference": "speed", "enableCustomPollinations": false, "pollinationsBaseURL": "",
+        "pollinationsImageModel": "zimage", "pollinationsVisionModel": "openai",
+        "enableOllamaVision": false, "ollamaMode": "cloud", "ollamaCloudModel": "",
+        "ollamaLocalModel": "genmini-3-flash-preview", "ollamaLocalEndpoint": "",
+        "enableImagePromptEnhancement": true, "enableAI": true,
+        "autoReset": true, "autoResetDelay": 2.0, "showStatusHUD": false,
+        "adaptiveSystemPrompt": "", "adaptiveSystemPromptUpdatedAt": 1000.5,
+        "cloneApiBaseURL": "", "cloneLanguageStyle": "", "cloneSystemPrompt": "",
+        "cloneLanguageStyleUpdatedAt": -2000.25,
+        "enableNvidiaLocal": false, "enableNvidiaThink": false,
+        "enableHistory": true, "maxHistoryEntries": 20, "enableLocalLearning": true, "shareImprovements": false,
+        "appLanguage": "en"})");
+    json["pollinationsBaseURL"] = text::toJson(defaultPollinationsBaseURL());
+    json["ollamaLocalEndpoint"] = text::toJson(defaultOllamaLocalEndpoint());
+    json["cloneApiBaseURL"] = text::toJson(defaultCloneApiBaseURL());
+    return json;
+}
+
+/// The document with one value put in place of another of the same type.
+text::Json changed(text::Json json, const std::string& key) {
+    auto& value = json[key];
+    if (value.is_boolean())
+        value = !value.get<bool>();
+    else if (value.is_string())
+        value = value.get<std::string>() + "x";
+    else if (value.is_object())
+        value["modifiersRaw"] = 99;
+    else if (value.is_number_integer())
+        value = value.get<int>() + 1;
+    else
+        value = value.get<double>() + 1;
+    return json;
+}
+
+AppSettings decoded(const char* json) {
+    return appSettingsFrom(text::parseJson(json));
+}
+
+}  // namespace
+
+TEST(AppSettings, DefaultsAreWrittenInFixedOrderWithoutTheAbsentDates) {
+    auto expected = documentWithEveryKey();
+    ASSERT_EQ(expected.size(), 53U);
+    expected.erase("adaptiveSystemPromptUpdatedAt");
+    expected.erase("cloneLanguageStyleUpdatedAt");
+    EXPECT_EQ(text::compactJson(toJson(defaultSettings())), text::compactJson(expected));
+}
+
+TEST(AppSettings, EveryFieldHasAPlaceOfItsOwn) {
+    const auto document = documentWithEveryKey();
+    EXPECT_EQ(text::compactJson(toJson(appSettingsFrom(document))), text::compactJson(document));
+    for (const auto& [key, value] : document.items()) {
+        const auto other = changed(document, key);
+        const auto settings = appSettingsFrom(other);
+        EXPECT_NE(settings, appSettingsFrom(document)) << key;
+        EXPECT_EQ(text::compactJson(toJson(settings)), text::compactJson(other)) << key;
+    }
+}
+
+TEST(AppSettings, WhatIsMissingTakesItsDefault) {
+    EXPECT_EQ(decoded("{}"), defaultSettings());
+    const auto document = documentWithEveryKey();
+    for (const auto& [key, value] : document.items()) {
+        auto lacking = document;
+        lacking.erase(key);
+        auto null = document;
+        null[key] = nullptr;
+        EXPECT_NO_THROW(EXPECT_EQ(appSettingsFrom(lacking), appSettingsFrom(null))) << key;
+    }
+    const auto settings = decoded(R"({"future":{"a":[]},"enableAI":true,"enableAI":false,"screenshotQuality":1})");
+    EXPECT_FALSE(settings.enableAI);
+    EXPECT_EQ(settings.screenshotQuality, 1.0);
+    EXPECT_EQ(settings.appLanguage, QStringLiteral("en"));
+}
+
+TEST(AppSettings, OneValueOfAnotherTypeFailsTheDocument) {
+    const auto document = documentWithEveryKey();
+    for (const auto& [key, value] : document.items()) {
+        auto faulty = document;
+        faulty[key] = text::Json::array();
+        EXPECT_THROW(appSettingsFrom(faulty), text::JsonError) << key;
+    }
+    for (const char* bad : {R"({"maxHistoryEntries":"20"})", R"({"maxHistoryEntries":20.5})", R"({"enableAI":1})",
+                            R"({"aiTimeout":true})", R"({"appLanguage":1})", R"({"voiceSilenceTimeoutSeconds":"2"})",
+                            R"({"cloneLanguageStyleUpdatedAt":"2026"})", R"({"cloneLanguageStyleUpdatedAt":1e20})",
+                            R"({"toggleHotkey":{"keyCode":37}})", "[]", "3"})
+        EXPECT_THROW(decoded(bad), text::JsonError) << bad;
+}
+
+TEST(AppSettings, TheOldSilenceTimeStandsInForBothNewOnes) {
+    const auto silences = [](const char* json) {
+        const auto settings = decoded(json);
+        return std::pair(settings.voiceInputSilenceTimeoutSeconds, settings.voiceDictationSilenceTimeoutSeconds);
+    };
+    EXPECT_EQ(silences(R"({"voiceSilenceTimeoutSeconds":3.5})"), std::pair(3.5, 3.5));
+    EXPECT_EQ(silences(R"({"voiceInputSilenceTimeoutSeconds":1,"voiceSilenceTimeoutSeconds":3.5})"),
+              std::pair(1.0, 3.5));
+    EXPECT_EQ(silences(R"({"voiceDictationSilenceTimeoutSeconds":1})"), std::pair(2.0, 1.0));
+    EXPECT_FALSE(toJson(decoded(R"({"voiceSilenceTimeoutSeconds":3.5})")).contains("voiceSilenceTimeoutSeconds"));
+}
+
+TEST(AppSettings, TheVisionModelIsTrimmedAndMigrated) {
+    const auto model = [](const char* json) { return decoded(json).pollinationsVisionModel; };
+    EXPECT_EQ(model(R"({"pollinationsVisionModel":"  openai.pollinations\n"})"), QStringLiteral("openai"));
+    EXPECT_EQ(model(R"({"pollinationsVisionModel":" gemini "})"), QStringLiteral("gemini"));
+    EXPECT_EQ(model(R"({"pollinationsVisionModel":" "})"), QString());
+    EXPECT_EQ(model(R"({"pollinationsVisionModel":"OpenAI.pollinations"})"), QStringLiteral("OpenAI.pollinations"));
+}
+
+TEST(AppSettings, ANumberThatJsonCannotHoldIsNotWritten) {
+    AppSettings settings;
+    settings.aiTimeout = std::numeric_limits<double>::infinity();
+    EXPECT_THROW(toJson(settings), text::JsonError);
+}
+
+}  // namespace tavrelon::persistence

@@ -1,0 +1,149 @@
+#include "persistence/history_manager.h"
+
+#include <gtest/gtest.h>
+
+#include "support/memory_file_system.h"
+#include "support/qt_gtest.h"
+#include "support/recording_log.h"
+
+namespace tavrelon::persistence {
+
+namespace {
+
+const QString folder = QStringLiteral("/data/Tavrelon");
+const QString file = folder + QStringLiteral("/history.json");
+
+HistoryEntry entry(const QString& input) {
+    return {.id = QUuid::createUuid(),
+            .timestamp = text::dateFromReferenceSeconds(0),
+            .inputText = input,
+            .outputText = QStringLiteral("out")};
+}
+
+}  // namespace
+
+class HistoryManagerTest : public ::testing::Test {
+ public:
+    HistoryManager start() { return HistoryManager(files, log, folder, 20); }
+
+    QStringList inputs(const HistoryManager& history) {
+        QStringList found;
+        for (const auto& each : history.entries())
+            found << each.inputText;
+        return found;
+    }
+
+    testing::MemoryFileSystem files;
+    testing::RecordingLog log;
+};
+
+TEST_F(HistoryManagerTest, EntriesComeBackNewestFirst) {
+    auto history = start();
+    int changes = 0;
+    const auto subscription = history.onChange([&] { ++changes; });
+    history.addEntry(entry(QStringLiteral("first")));
+    auto second = entry(QStringLiteral("second"));
+    second.sceneID = second.sceneName = second.intent = second.appBundleID = QStringLiteral("s");
+    second.appName = second.windowTitle = second.outputImagePath = second.editedText = QStringLiteral("t");
+    second.wasEdited = true;
+    second.retryCount = 2;
+    history.addEntry(second);
+    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(inputs(start()).join(u' '), QStringLiteral("second first"));
+    EXPECT_EQ(start().entries(), history.entries());
+    EXPECT_EQ(log.lines(), QStringList());
+}
+
+TEST_F(HistoryManagerTest, KeepsTheStoredForm) {
+    const QByteArray stored =
+        R"([{"id":"0A1B2C3D-0000-4000-8000-00000000ABCD","timestamp":0.0,"inputText":"a","outputText":"b",)"
+        R"("wasReverted":false,"wasEdited":false,"retryCount":0}])";
+    const auto entries = historyEntriesFrom(text::parseJson(stored));
+    EXPECT_EQ(entries.at(0).timestamp, std::chrono::sys_days(std::chrono::year(2001) / 1 / 1));
+    EXPECT_EQ(text::compactJson(toJson(entries)), stored);
+    for (const char* key : {"id", "timestamp", "inputText", "outputText", "wasReverted", "wasEdited", "retryCount"}) {
+        auto lacking = text::parseJson(stored);
+        lacking[0].erase(key);
+        EXPECT_THROW(historyEntriesFrom(lacking), text::JsonError) << key;
+    }
+}
+
+TEST_F(HistoryManagerTest, WhatExceedsTheCapGoesWithItsImage) {
+    auto history = start();
+    auto withImage = entry(QStringLiteral("0"));
+    withImage.outputImagePath = history.saveImage("jpeg", withImage.id);
+    EXPECT_EQ(withImage.outputImagePath,
+              QStringLiteral("history-images/") + text::uuidText(withImage.id) + QStringLiteral(".jpg"));
+    const auto imagePath = history.resolvedImagePath(*withImage.outputImagePath);
+    history.addEntry(withImage);
+    for (int i = 1; i < 20; ++i)
+        history.addEntry(entry(QString::number(i)));
+    EXPECT_EQ(files.content(imagePath), "jpeg");
+    history.addEntry(entry(QStringLiteral("20")));
+    EXPECT_EQ(history.entries().size(), 20U);
+    EXPECT_EQ(history.entries().back().inputText, QStringLiteral("1"));
+    EXPECT_FALSE(files.exists(imagePath));
+}
+
+TEST_F(HistoryManagerTest, ALongFileIsCutAtTheNextEntryOnly) {
+    std::vector<HistoryEntry> entries;
+    for (int i = 0; i < 30; ++i) {
+        entries.push_back(entry(QString::number(i)));
+        entries.back().outputImagePath = QStringLiteral("history-images/%1.jpg").arg(i);
+        files.put(folder + u'/' + *entries.back().outputImagePath, "x");
+    }
+    entries[29].outputImagePath = QStringLiteral("/pictures/cat.jpg");
+    files.put(QStringLiteral("/pictures/cat.jpg"), "cat");
+    entries[28].outputImagePath = QString();
+    files.put(file, text::compactJson(toJson(entries)));
+
+    auto history = start();
+    EXPECT_EQ(history.entries().size(), 30U);
+    history.addEntry(entry(QStringLiteral("new")));
+    EXPECT_EQ(inputs(history).first(), QStringLiteral("new"));
+    EXPECT_EQ(inputs(history).last(), QStringLiteral("18"));
+    EXPECT_FALSE(files.exists(QStringLiteral("/pictures/cat.jpg")));
+    EXPECT_FALSE(files.exists(folder + QStringLiteral("/history-images/19.jpg")));
+    EXPECT_TRUE(files.exists(folder + QStringLiteral("/history-images/18.jpg")));
+    EXPECT_TRUE(files.exists(file));
+}
+
+TEST_F(HistoryManagerTest, ClearingRemovesEntriesAndImages) {
+    auto history = start();
+    history.clearHistory();
+    EXPECT_EQ(files.content(file), "[]");
+    auto withImage = entry(QStringLiteral("a"));
+    withImage.outputImagePath = history.saveImage("jpeg", withImage.id);
+    history.addEntry(withImage);
+    int changes = 0;
+    const auto subscription = history.onChange([&] { changes += history.entries().empty() ? 1 : 100; });
+    history.clearHistory();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(files.files(), QStringList{file});
+    EXPECT_EQ(files.content(file), "[]");
+}
+
+TEST_F(HistoryManagerTest, FailuresAreLoggedAndLoseNothingInMemory) {
+    files.put(file, "[{}]");
+    auto history = start();
+    EXPECT_EQ(log.lines(), QStringList{QStringLiteral("Failed to load history: No value found for the key \"id\".")});
+    EXPECT_EQ(files.content(file), "[{}]");
+    log.clear();
+
+    files.refuseAll();
+    history.addEntry(entry(QStringLiteral("kept")));
+    EXPECT_EQ(history.saveImage("jpeg", QUuid()), std::nullopt);
+    const auto image = folder + QStringLiteral("/history-images/00000000-0000-0000-0000-000000000000.jpg");
+    EXPECT_EQ(log.lines(), (QStringList{QStringLiteral("Failed to save history: %1: refused").arg(file),
+                                        QStringLiteral("Failed to save history image: %1: refused").arg(image)}));
+    files.allowAll();
+    history.addEntry(entry(QStringLiteral("next")));
+    EXPECT_EQ(inputs(start()).join(u' '), QStringLiteral("next kept"));
+
+    files.refuse(file);
+    log.clear();
+    EXPECT_TRUE(start().entries().empty());
+    EXPECT_EQ(log.lines(), QStringList{QStringLiteral("Failed to load history: %1: refused").arg(file)});
+}
+
+}  // namespace tavrelon::persistence

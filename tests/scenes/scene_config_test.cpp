@@ -1,0 +1,88 @@
+#include "scenes/scene_config.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "support/qt_gtest.h"
+
+namespace tavrelon::scenes {
+
+namespace {
+
+OutputContract contractFrom(const char* json) {
+    return outputContractFrom(text::parseJson(json));
+}
+
+}  // namespace
+
+TEST(OutputContract, TheRangeIsCarriedByItsTwoEnds) {
+    EXPECT_EQ(contractFrom("{}"), OutputContract{});
+    EXPECT_EQ(text::compactJson(toJson(OutputContract{})), "{}");
+    EXPECT_EQ(text::compactJson(toJson(contractFrom(R"({"lengthMin":10})"))), "{}");
+    EXPECT_EQ(contractFrom(R"({"lengthMax":"not read"})").lengthRange, std::nullopt);
+    EXPECT_EQ(contractFrom(R"({"lengthMin":7,"lengthMax":7})").lengthRange, (LengthRange{7, 7}));
+    EXPECT_EQ(
+        text::compactJson(toJson(contractFrom(
+            R"({"lengthMax":9,"lengthMin":1,"format":"f","tone":"t","prohibitedTerms":[],"requiredFields":["a"]})"))),
+        R"({"requiredFields":["a"],"prohibitedTerms":[],"tone":"t","format":"f","lengthMin":1,"lengthMax":9})");
+}
+
+TEST(OutputContract, AFaultyOneIsRefusedAndSaysWhy) {
+    for (const char* bad : {R"({"lengthMin":1.5,"lengthMax":2})", R"({"requiredFields":"a"})",
+                            R"({"requiredFields":[1]})", R"({"tone":1})", "[]"})
+        EXPECT_THROW(contractFrom(bad), text::JsonError) << bad;
+    try {
+        contractFrom(R"({"lengthMin":10,"lengthMax":9})");
+        FAIL() << "a reversed range was accepted";
+    } catch (const text::JsonError& error) {
+        EXPECT_EQ(error.localizedDescription(),
+                  QStringLiteral("\"lengthMax\" (9) is smaller than \"lengthMin\" (10)."));
+    }
+}
+
+TEST(SceneConfig, RequiresEveryKey) {
+    auto scene = defaultScenes().at(1);
+    scene.id = QUuid(QStringLiteral("0a1b2c3d-0000-4000-8000-00000000abcd"));
+    const auto json = toJson(scene);
+    EXPECT_EQ(
+        QString::fromUtf8(text::compactJson(json)),
+        QStringLiteral(R"({"id":"0A1B2C3D-0000-4000-8000-00000000ABCD","name":"邮件回复","isEnabled":true,)"
+                       R"("priority":100,"appBundleIDs":["com.apple.mail"],"windowTitleKeywords":["Re:","回复:"],)"
+                       R"("domainPatterns":[],"outputContract":{"requiredFields":["greeting","body","closing"],)"
+                       R"("tone":"professional","format":"paragraph","lengthMin":50,"lengthMax":1000},)"
+                       R"("allowScreenshot":true,"allowShare":false})"));
+    for (const auto& [key, value] : json.items()) {
+        auto lacking = json;
+        lacking.erase(key);
+        EXPECT_THROW(sceneConfigFrom(lacking), text::JsonError) << key;
+        EXPECT_THROW(sceneListFrom(text::Json::array({json, lacking})), text::JsonError) << key;
+    }
+    EXPECT_THROW(sceneListFrom(json), text::JsonError);
+}
+
+TEST(DefaultScenes, SurviveTheFileAndGetNewIdentifiersAtEachCall) {
+    const auto scenes = defaultScenes();
+    EXPECT_EQ(sceneListFrom(text::parseJson(text::compactJson(toJson(scenes)))), scenes);
+    std::set<QUuid> ids;
+    QStringList names;
+    QList<qint64> priorities;
+    for (const auto& scene : scenes) {
+        ids.insert(scene.id);
+        names << scene.name;
+        priorities << scene.priority;
+        EXPECT_TRUE(scene.isEnabled && scene.allowScreenshot && !scene.allowShare && scene.domainPatterns.isEmpty());
+        EXPECT_EQ(scene.outputContract.prohibitedTerms, std::nullopt);
+    }
+    for (const auto& scene : defaultScenes())
+        ids.insert(scene.id);
+    EXPECT_EQ(ids.size(), 10U);
+    EXPECT_EQ(names.join(u'|'), QStringLiteral("Slack 消息|邮件回复|浏览器|代码编辑|笔记"));
+    EXPECT_EQ(priorities, (QList<qint64>{100, 100, 50, 100, 80}));
+    EXPECT_EQ(scenes[0].outputContract.lengthRange, (LengthRange{10, 500}));
+    EXPECT_EQ(scenes[2].outputContract, OutputContract{});
+    EXPECT_EQ(scenes[3].outputContract, OutputContract{.format = QStringLiteral("code")});
+}
+
+}  // namespace tavrelon::scenes

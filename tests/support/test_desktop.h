@@ -1,0 +1,74 @@
+#pragma once
+
+#include "platform/platform.h"
+#include "support/fake_accessibility.h"
+#include "support/fake_event_tap.h"
+#include "support/fake_http_session.h"
+#include "support/fake_key_poster.h"
+#include "support/fake_pasteboard.h"
+#include "support/fake_workspace.h"
+#include "support/memory_defaults_store.h"
+#include "support/memory_file_system.h"
+#include "support/recording_log.h"
+#include "support/simulated_editor.h"
+#include "support/virtual_main_loop.h"
+
+namespace tavrelon::testing {
+
+class FakeInputSource : public platform::InputSource {
+ public:
+    bool active = false;
+    bool isInputMethodActive() override { return active; }
+};
+
+class FakeScreenCapture : public platform::ScreenCapture {
+ public:
+    bool permitted = false;
+    bool preflightAccess() override { return permitted; }
+};
+
+/// Takes every picture that starts with "picture" for one.
+class FakeImageCodec : public platform::ImageCodec {
+ public:
+    std::optional<platform::PasteboardItem> pasteboardItem(const QByteArray& image) override {
+        if (!image.startsWith("picture"))
+            return std::nullopt;
+        return platform::PasteboardItem{{{QStringLiteral("image/png"), image}}};
+    }
+};
+
+/// A whole desktop of fakes on virtual time, with an editor in front.
+struct TestDesktop {
+    VirtualMainLoop loop;
+    RecordingLog log;
+    FakeAccessibility accessibility;
+    FakeEventTap eventTap;
+    FakeKeyPoster keyPoster{loop};
+    FakePasteboard pasteboard{loop};
+    FakeWorkspace workspace;
+    FakeInputSource inputSource;
+    FakeScreenCapture screenCapture;
+    FakeImageCodec imageCodec;
+    FakeHttpSession httpSession{loop};
+    MemoryDefaultsStore defaultsStore;
+    MemoryFileSystem fileSystem;
+    SimulatedEditor editor{accessibility, pasteboard, keyPoster};
+    platform::Platform platform{loop,          log,
+                                accessibility, eventTap,
+                                keyPoster,     pasteboard,
+                                workspace,     inputSource,
+                                screenCapture, imageCodec,
+                                httpSession,   defaultsStore,
+                                fileSystem,    QStringLiteral("/data/Tavrelon")};
+
+    TestDesktop() {
+        workspace.focus({.processIdentifier = 4711,
+                         .bundleIdentifier = QStringLiteral("org.example.editor"),
+                         .localizedName = QStringLiteral("Editor"),
+                         .windowIdentifier = 1},
+                        QStringLiteral("Untitled"));
+        accessibility.windowTitle = QStringLiteral("Untitled");
+    }
+};
+
+}  // namespace tavrelon::testing

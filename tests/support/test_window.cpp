@@ -1,0 +1,54 @@
+#include "support/test_window.h"
+
+#include <QSysInfo>
+
+namespace tavrelon::testing {
+
+QString thisMachine() {
+    return QSysInfo::machineHostName();
+}
+
+TestWindow::TestWindow(const TestWindowProperties& properties) {
+    const auto utf8 = QStringLiteral("UTF8_STRING");
+    const auto latin1 = QStringLiteral("STRING");
+    if (const auto number = properties.processIdentifier)
+        peer_.put(window(), peer_.atom(QStringLiteral("_NET_WM_PID")), QStringLiteral("CARDINAL"), 32,
+                  bytesOf({static_cast<std::uint32_t>(*number)}));
+    if (properties.machine)
+        put(QStringLiteral("WM_CLIENT_MACHINE"), latin1, properties.machine->toLatin1());
+    if (const auto name = properties.windowClass)
+        put(QStringLiteral("WM_CLASS"), latin1, name->toLower().toUtf8() + '\0' + name->toUtf8() + '\0');
+    if (properties.title)
+        put(QStringLiteral("_NET_WM_NAME"), utf8, properties.title->toUtf8());
+    if (properties.oldTitleOnly)
+        put(QStringLiteral("WM_NAME"), latin1, properties.oldTitleOnly->toLatin1());
+    if (properties.applicationId)
+        put(QStringLiteral("_GTK_APPLICATION_ID"), utf8, properties.applicationId->toUtf8());
+    const std::uint32_t size[] = {300, 200};
+    xcb_configure_window(peer_.xcb(), window(), XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+    xcb_map_window(peer_.xcb(), window());
+    xcb_flush(peer_.xcb());
+}
+
+void TestWindow::put(const QString& property, const QString& type, const QByteArray& bytes) {
+    peer_.put(window(), peer_.atom(property), type, 8, bytes);
+}
+
+void TestWindow::destroy() {
+    xcb_destroy_window(peer_.xcb(), window());
+    // The answer says that the server has done it.
+    std::free(xcb_get_input_focus_reply(peer_.xcb(), xcb_get_input_focus(peer_.xcb()), nullptr));
+}
+
+void TestWindow::takeFocus() {
+    while (true) {  // a window can take the focus as soon as it is visible
+        const std::unique_ptr<xcb_get_window_attributes_reply_t, ClipboardPeer::Deleter> attributes(
+            xcb_get_window_attributes_reply(peer_.xcb(), xcb_get_window_attributes(peer_.xcb(), window()), nullptr));
+        if (!attributes || attributes->map_state == XCB_MAP_STATE_VIEWABLE)
+            break;
+    }
+    xcb_set_input_focus(peer_.xcb(), XCB_INPUT_FOCUS_PARENT, window(), XCB_CURRENT_TIME);
+    xcb_flush(peer_.xcb());
+}
+
+}  // namespace tavrelon::testing
