@@ -97,8 +97,9 @@ class Tavrelon(Program):
         settings = {"enableCustomPollinations": True, "pollinationsBaseURL": f"http://127.0.0.1:{service_port}",
                     "pollinationsVisionModel": "demo", **(extra_settings or {})}
         (folder / "tavrelon.settings").write_text(json.dumps(settings))
-        super().__init__([str(executable)], log, {"XDG_CONFIG_HOME": str(self.home / "config"),
-                                                  "XDG_DATA_HOME": str(self.home / "data")})
+        self.executable = str(executable)
+        self.environment = {"XDG_CONFIG_HOME": str(self.home / "config"), "XDG_DATA_HOME": str(self.home / "data")}
+        super().__init__([self.executable], log, self.environment)
 
     def wait_until_live(self):
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)

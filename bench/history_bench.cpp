@@ -1,0 +1,39 @@
+#include <benchmark/benchmark.h>
+#include <QTemporaryDir>
+
+#include "desktop/linux/posix_file_system.h"
+#include "persistence/history_manager.h"
+
+namespace tavrelon::bench {
+namespace {
+
+class NoLog : public platform::Log {
+ public:
+    void line(const QString&) override {}
+};
+
+persistence::HistoryEntry entry() {
+    return {.id = QUuid::createUuid(),
+            .timestamp = std::chrono::system_clock::now(),
+            .appName = QStringLiteral("Editor"),
+            .windowTitle = QStringLiteral("notes.txt"),
+            .inputText = QStringLiteral("please make this paragraph friendlier ").repeated(4),
+            .outputText = QStringLiteral("Here is a friendlier paragraph, with thanks to all. ").repeated(20)};
+}
+
+/// One more entry in a full history, written to the disk of the temporary folder and flushed.
+void addToHistory(benchmark::State& state) {
+    const QTemporaryDir folder;
+    desktop::PosixFileSystem files;
+    NoLog log;
+    constexpr int fullHistory = 20;
+    persistence::HistoryManager history(files, log, folder.path(), fullHistory);
+    for (int index = 0; index < fullHistory; ++index)
+        history.addEntry(entry());
+    for (auto _ : state)
+        history.addEntry(entry());
+}
+BENCHMARK(addToHistory)->Name("history add at 20 entries, on disk")->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace tavrelon::bench
