@@ -1,5 +1,8 @@
 #include "generation/ai_service.h"
 
+#include "generation/image_intent.h"
+#include "generation/image_prompt_cleaning.h"
+#include "generation/image_tool_call.h"
 #include "text/characters.h"
 
 namespace tavrelon::generation {
@@ -40,7 +43,11 @@ async::Task<GenerationResult> TavrelonAIService::generate(GenerationRequest requ
         throw ProcessingError::emptyInput();
     if (situation.context)
         situation.candidate = sceneRouter_.route(*situation.context, 3).front();
-    co_return co_await generateTextResult(situation, request.voice);
+    if (!isImageRequest(situation.input))
+        co_return co_await generateTextResult(situation, request.voice);
+    log_.line(u"[AIService] Detected image intent"_s);
+    auto prompt = co_await imagePrompt(situation.input, request.enhanceImagePrompts);
+    co_return co_await generateImageResult(situation, std::move(prompt), 0.7F);
 }
 
 async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situation& situation,
@@ -56,12 +63,64 @@ async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situat
     } catch (const std::exception& error) {
         throw ProcessingError::generationFailed(text::localizedDescription(error));
     }
+    if (auto toolPrompt = parseImageToolCall(reply))
+        co_return co_await generateImageResult(situation, std::move(*toolPrompt), 0.6F);
     auto decision = situation.decision(u"general_text"_s);
     decision.intent = u"reply"_s;
     decision.intentConfidence = 0.6F;
     decision.outputType = scenes::OutputType::text;
     decision.result = reply;
     co_return GenerationResult{.text = std::move(reply), .decisionObject = std::move(decision)};
+}
+
+/// What the image services are asked: the request as a model elaborated it, or without the words that only ask.
+async::Task<QString> TavrelonAIService::imagePrompt(QString input, bool enhance) {
+    if (!enhance)
+        co_return text::trimmedOrAbsent(cleanImagePrompt(input)).value_or(input);
+    const auto enhanced = co_await pollinationsService_.enhanceImagePrompt(input, PromptSafety::Demanded);
+    co_return sanitizeImagePrompt(text::trimmedOrAbsent(enhanced).value_or(input));
+}
+
+async::Task<GenerationResult> TavrelonAIService::generateImageResult(const Situation& situation, QString prompt,
+                                                                     float confidence) {
+    QByteArray image;
+    try {
+        image = co_await generateImage(prompt);
+    } catch (const async::CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw ProcessingError::generationFailed(text::localizedDescription(error));
+    }
+    auto decision = situation.decision(u"image_generation"_s);
+    decision.intent = u"image"_s;
+    decision.intentConfidence = confidence;
+    decision.outputType = scenes::OutputType::image;
+    decision.result = scenes::ImageSpec{.prompt = std::move(prompt), .size = scenes::ImageSize::medium};
+    co_return GenerationResult{.imageData = std::move(image), .decisionObject = std::move(decision)};
+}
+
+/// Pollinations first, GLM for whatever it did not give.
+async::Task<QByteArray> TavrelonAIService::generateImage(QString prompt) {
+    try {
+        co_return co_await pollinationsService_.generateImageWithPollinations(prompt);
+    } catch (const async::CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        const auto* known = dynamic_cast<const PollinationsError*>(&error);
+        if (known && known->code() == PollinationsError::Code::requestTimedOut)
+            throw;
+        log_.line("[Pollinations] Image generation failed with Pollinations: "_L1 + text::localizedDescription(error));
+    }
+    try {
+        auto image = co_await pollinationsService_.generateImageWithGLM(prompt, 1024, 1024, u"hd"_s);
+        log_.line("[Pollinations] Image generated with GLM "_L1 + PollinationsService::glmImageModel);
+        co_return image;
+    } catch (const async::CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        log_.line("[Pollinations] GLM image generation failed: "_L1 + text::localizedDescription(error));
+        throw;
+    }
 }
 
 }  // namespace tavrelon::generation

@@ -39,6 +39,9 @@ class TavrelonAIService {
     struct Situation;
 
     async::Task<GenerationResult> generateTextResult(const Situation& situation, const UserVoice& voice);
+    async::Task<GenerationResult> generateImageResult(const Situation& situation, QString prompt, float confidence);
+    async::Task<QString> imagePrompt(QString input, bool enhance);
+    async::Task<QByteArray> generateImage(QString prompt);
 
     PollinationsService& pollinationsService_;
     const scenes::SceneRouter& sceneRouter_;

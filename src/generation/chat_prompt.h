@@ -25,4 +25,7 @@ enum class ImageCapability : std::uint8_t { No, Yes };
 /// Whether the NVIDIA model thinks as the user's setting and the prompt say, or not at all.
 enum class Thinking : std::uint8_t { AsConfigured, ForcedOff };
 
+/// Whether an image prompt must keep clear of indecent content.
+enum class PromptSafety : std::uint8_t { NotDemanded, Demanded };
+
 }  // namespace tavrelon::generation

@@ -42,11 +42,11 @@ std::optional<QString> extractToolPrompt(const Json& value) {
     return object.is_object() ? promptOfObject(object) : text::trimmedOrAbsent(text::stringFrom(value));
 }
 
-/// The value of the first key that exists, whatever its type.
-Json toolInput(const Json& call) {
+/// The value of the first key that exists, whatever its type; null when none does.
+const Json* toolInput(const Json& call) {
     for (const char* key : {"action_input", "actionInput", "input", "arguments"}) {
         if (const auto found = call.find(key); found != call.end())
-            return *found;
+            return &*found;
     }
     return nullptr;
 }
@@ -60,7 +60,8 @@ std::optional<QString> parseImageToolCall(const QString& reply) {
     const auto name = firstText(*call, {"action", "tool", "name"});
     if (!name || !isImageToolName(*name))
         return std::nullopt;
-    if (auto prompt = extractToolPrompt(toolInput(*call)))
+    const auto* input = toolInput(*call);
+    if (auto prompt = input ? extractToolPrompt(*input) : std::nullopt)
         return prompt;
     const auto* prompt = text::find(*call, "prompt");
     return prompt ? extractToolPrompt(*prompt) : std::nullopt;

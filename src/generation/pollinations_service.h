@@ -28,6 +28,7 @@ struct ProviderKeys {
 class PollinationsService {
  public:
     static constexpr std::chrono::seconds raceDeadline{30};
+    static constexpr QLatin1StringView glmImageModel{"cogview-3-flash"};
 
     PollinationsService(async::MainLoop& mainLoop, platform::HttpSession& session, platform::Log& log,
                         ServiceEndpoints endpoints, const ProviderKeys& keys);
@@ -78,6 +79,26 @@ class PollinationsService {
     /// One call by the protocol that the model speaks, as every walk makes it.
     async::Task<QString> generateWithModel(PollinationsModel model, ChatPrompt prompt, JsonMode jsonMode);
 
+    /// One frame of a video for the models that take a single image; `previousError` is the failure of the call with
+    /// all frames, and is thrown again when these fail too.
+    async::Task<QString> generateVideoFallback(std::exception_ptr previousError, QByteArray frame, QString systemPrompt,
+                                               QString userPrompt, qint64 maxTokens, float temperature);
+
+    // Image prompts. Failures of models end in a fall-back and are never thrown.
+    async::Task<QString> enhanceImagePrompt(QString text, PromptSafety safety);
+    async::Task<std::optional<QString>> generatePromptTemplate(QString text, PromptSafety safety);
+    async::Task<std::optional<QString>> optimizeImagePrompt(QString text, PromptSafety safety);
+
+    /// The models that write image prompts: the text models without those of GLM, unless these are allowed or alone.
+    std::vector<PollinationsModel> promptEnhancementModels() const;
+
+    // Images, as the service gave them: nothing checks that the bytes are a picture.
+    async::Task<QByteArray> generateImageWithPollinations(QString prompt);
+    async::Task<QByteArray> generateImageWithGLM(QString prompt, int width, int height, QString quality);
+
+    /// A key goes along only to the hosts of the service that it belongs to.
+    async::Task<QByteArray> downloadImage(QUrl url);
+
     /// The names of the models in the Ollama cloud, sorted, each once.
     async::Task<QStringList> fetchOllamaCloudModels();
 
@@ -110,6 +131,7 @@ class PollinationsService {
     const ServiceEndpoints& endpoints() const { return endpoints_; }
 
  private:
+    std::optional<QString> keyForHost(const QString& host) const;
     async::Task<std::optional<QString>> customModelText(ChatPrompt prompt);
     async::Task<std::optional<QString>> firstWalk(ChatPrompt prompt, std::exception_ptr& lastError);
     async::Task<std::optional<QString>> walkWithoutImage(ChatPrompt prompt, std::exception_ptr& lastError);

@@ -22,9 +22,10 @@ bool isHttpAddress(const QUrl& url) {
 }  // namespace
 
 void FakeHttpSession::answer(int status, const QByteArray& body, const QByteArray& contentType) {
-    answer(
-        {platform::HttpResponse{.status = status, .headers = {{"Content-Type", contentType}}, .body = body, .url = {}},
-         {}});
+    platform::HttpResponse response{.status = status, .body = body};
+    if (!contentType.isEmpty())
+        response.headers = {{"Content-Type", contentType}};
+    answer({std::move(response), {}});
 }
 
 void FakeHttpSession::fail(Code code, const QString& description) {

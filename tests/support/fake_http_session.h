@@ -21,7 +21,7 @@ class FakeHttpSession : public platform::HttpSession {
 
     explicit FakeHttpSession(async::MainLoop& loop) : loop_(loop) {}
 
-    /// Adds an answer to the script; answers are used in their order.
+    /// Adds an answer to the script; answers are used in their order. An empty type leaves its header out.
     void answer(int status, const QByteArray& body, const QByteArray& contentType = "application/json");
     void answer(Reply reply) { script_.push_back(std::move(reply)); }
     void neverAnswer() { script_.push_back({platform::HttpResponse{}, std::chrono::hours(24)}); }

@@ -1,8 +1,10 @@
 #include "support/stand_in_service_answer.h"
 
-#include <array>
+#include <algorithm>
 #include <functional>
 #include <map>
+
+#include "support/stand_in_service_replies.h"
 
 namespace tavrelon::testing {
 
@@ -54,25 +56,17 @@ const std::map<std::string, Setter>& setters() {
          }},
         {"content", [](auto& answer, const Json& value) { answer.content = text::stringFrom(value); }},
         {"echo", [](auto& answer, const Json& value) { answer.echo = echoFrom(text::stringFrom(value)); }},
+        {"picture",
+         [](auto& answer, const Json& value) {
+             if (text::boolFrom(value))
+                 answer.body = picture();
+         }},
         {"fillerBytes", [](auto& answer, const Json& value) { answer.fillerBytes = text::integerFrom(value); }},
         {"delayMs", [](auto& answer, const Json& value) { answer.delayMs = smallInteger(value); }},
         {"dripMs", [](auto& answer, const Json& value) { answer.dripMs = smallInteger(value); }},
         {"fault", [](auto& answer, const Json& value) { answer.fault = faultFrom(text::stringFrom(value)); }},
     };
     return table;
-}
-
-Json parsedOrNull(const QByteArray& body) {
-    return Json::parse(body.begin(), body.end(), nullptr, false);
-}
-
-/// A reply in the shape of the protocol that the path belongs to.
-QByteArray chatReply(const QString& path, const QString& content) {
-    const Json message = {{"role", "assistant"}, {"content", text::toJson(content)}};
-    if (path.endsWith("/api/chat"_L1))
-        return text::compactJson({{"message", message}, {"done", true}});
-    const Json choice = {{"index", 0}, {"message", message}, {"finish_reason", "stop"}};
-    return text::compactJson({{"object", "chat.completion"}, {"choices", Json::array({choice})}});
 }
 
 }  // namespace
@@ -106,29 +100,18 @@ QByteArray StandInAnswer::bodyFor(const ReceivedRequest& request) const {
         return *body;
     if (content)
         return chatReply(request.path, *content);
+    const auto usual = echo == Echo::None ? usualBody(request.path) : std::nullopt;
+    if (usual)
+        return *usual;
     const auto asked = lastUserMessage(request.body);
     return chatReply(request.path, echo == Echo::Same ? asked : asked.toUpper());
 }
 
-QString lastUserMessage(const QByteArray& body) {
-    const auto document = parsedOrNull(body);
-    if (!document.is_object() || !document.contains("messages") || !document["messages"].is_array())
-        return {};
-    QString found;
-    for (const auto& message : document["messages"]) {
-        if (!message.is_object() || message.value("role", "") != "user" || !message.contains("content"))
-            continue;
-        const auto& content = message["content"];
-        if (content.is_string()) {
-            found = text::stringFrom(content);
-            continue;
-        }
-        for (const auto& part : content) {
-            if (part.is_object() && part.contains("text"))
-                found = text::stringFrom(part["text"]);
-        }
-    }
-    return found;
+HeaderList StandInAnswer::headersFor(const QByteArray& sent) const {
+    auto list = headers;
+    if (std::ranges::none_of(list, [](const auto& header) { return header.first.toLower() == "content-type"; }))
+        list.emplace_back("Content-Type", isPicture(sent) ? "image/png" : "application/json");
+    return list;
 }
 
 }  // namespace tavrelon::testing

@@ -24,7 +24,7 @@ struct StandInAnswer {
 
     int status = 200;
     HeaderList headers{};
-    std::optional<QByteArray> body{};  ///< sent as it stands ("body", "json" or "bodyBase64")
+    std::optional<QByteArray> body{};  ///< sent as it stands ("body", "json", "bodyBase64", or "picture": a PNG)
     std::optional<QString> content{};  ///< a reply's text, put into the shape of the protocol asked
     Echo echo = Echo::None;            ///< the reply is the last user message ("same" or "uppercase")
     qint64 fillerBytes = 0;            ///< a body of that many bytes
@@ -37,9 +37,7 @@ struct StandInAnswer {
 
     bool fits(const ReceivedRequest& request) const;
     QByteArray bodyFor(const ReceivedRequest& request) const;
+    HeaderList headersFor(const QByteArray& sent) const;
 };
-
-/// The text of the last user message in a chat request, in any of the protocols; empty when there is none.
-QString lastUserMessage(const QByteArray& body);
 
 }  // namespace tavrelon::testing

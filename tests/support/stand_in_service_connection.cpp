@@ -79,10 +79,7 @@ void StandInConnection::give(const ReceivedRequest& request, const StandInAnswer
     }
     const auto body = answer.bodyFor(request);
     const bool truncated = answer.fault == StandInAnswer::Fault::Truncate;
-    auto headers = answer.headers;
-    if (std::ranges::none_of(headers, [](const auto& header) { return header.first.toLower() == "content-type"; }))
-        headers.emplace_back("Content-Type", "application/json");
-    sendHead(answer.status, headers, body.size() + (truncated ? 100 : 0));
+    sendHead(answer.status, answer.headersFor(body), body.size() + (truncated ? 100 : 0));
     if (answer.dripMs > 0)
         return drip(body, 0, answer.dripMs);
     socket_->write(body);
