@@ -8,9 +8,7 @@ async::Task<generation::GenerationResult> AIGenerator::generate(generation::Gene
 
 async::Task<generation::GenerationResult> AIGenerator::generateVideoResult(generation::GenerationRequest request,
                                                                            std::vector<QByteArray> frames) {
-    (void)request, (void)frames;
-    throw generation::ProcessingError::generationFailed(QStringLiteral("Window video is not available"));
-    co_return generation::GenerationResult{};
+    return service_.generateVideoResult(std::move(request), std::move(frames));
 }
 
 }  // namespace tavrelon::app

@@ -37,17 +37,64 @@ TavrelonAIService::TavrelonAIService(PollinationsService& pollinationsService, c
                                      platform::Log& log)
     : pollinationsService_(pollinationsService), sceneRouter_(sceneRouter), log_(log) {}
 
-async::Task<GenerationResult> TavrelonAIService::generate(GenerationRequest request) {
+TavrelonAIService::Situation TavrelonAIService::situationOf(GenerationRequest& request) const {
     Situation situation{.input = text::trimmed(request.input), .context = std::move(request.context), .candidate = {}};
     if (situation.input.isEmpty())
         throw ProcessingError::emptyInput();
     if (situation.context)
         situation.candidate = sceneRouter_.route(*situation.context, 3).front();
+    return situation;
+}
+
+async::Task<GenerationResult> TavrelonAIService::generate(GenerationRequest request) {
+    const auto situation = situationOf(request);
     if (!isImageRequest(situation.input))
         co_return co_await generateTextResult(situation, request.voice);
     log_.line(u"[AIService] Detected image intent"_s);
     auto prompt = co_await imagePrompt(situation.input, request.enhanceImagePrompts);
     co_return co_await generateImageResult(situation, std::move(prompt), 0.7F);
+}
+
+async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationRequest request,
+                                                                     std::vector<QByteArray> frames) {
+    const auto situation = situationOf(request);
+    if (frames.empty())
+        throw ProcessingError::generationFailed(u"No video frames captured"_s);
+    request.voice.userStyle.reset();
+    QString reply;
+    try {
+        reply = co_await describeFrames({.system = composeSystemPrompt(situation.candidate, request.voice),
+                                         .user = composeUserMessage(situation.context, situation.input),
+                                         .maxTokens = maxTokens,
+                                         .temperature = temperature},
+                                        frames);
+    } catch (const async::CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw ProcessingError::generationFailed(text::localizedDescription(error));
+    }
+    auto decision = situation.decision(u"video_vision"_s);
+    decision.intent = u"video"_s;
+    decision.intentConfidence = 0.7F;
+    decision.needsScreenshot = false;
+    decision.outputType = scenes::OutputType::text;
+    decision.result = reply;
+    co_return GenerationResult{.text = std::move(reply), .decisionObject = std::move(decision)};
+}
+
+/// All frames to the one model that takes several; else the last one to those that take one.
+async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames) {
+    std::exception_ptr withAllFrames;
+    try {
+        co_return co_await pollinationsService_.generateWithNvidia(PollinationsModel::nvidiaNemotron, prompt, frames,
+                                                                   Thinking::ForcedOff);
+    } catch (const async::CancellationError&) {
+        throw;
+    } catch (const std::exception&) {
+        withAllFrames = std::current_exception();
+    }
+    co_return co_await pollinationsService_.generateVideoFallback(withAllFrames, frames.back(), prompt.system,
+                                                                  prompt.user, prompt.maxTokens, prompt.temperature);
 }
 
 async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situation& situation,

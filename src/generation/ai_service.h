@@ -35,9 +35,15 @@ class TavrelonAIService {
     /// awaiting task was asked to stop.
     async::Task<GenerationResult> generate(GenerationRequest request);
 
+    /// Describes frames of a window (JPEG, oldest first) for the request's input. The user's style profile plays no
+    /// part. Throws as `generate` does.
+    async::Task<GenerationResult> generateVideoResult(GenerationRequest request, std::vector<QByteArray> frames);
+
  private:
     struct Situation;
 
+    Situation situationOf(GenerationRequest& request) const;
+    async::Task<QString> describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames);
     async::Task<GenerationResult> generateTextResult(const Situation& situation, const UserVoice& voice);
     async::Task<GenerationResult> generateImageResult(const Situation& situation, QString prompt, float confidence);
     async::Task<QString> imagePrompt(QString input, bool enhance);
