@@ -58,6 +58,12 @@ QString frontmostTitle() {
     return QString::fromUtf8(tool.readAllStandardOutput());
 }
 
+/// Qt sends typed keys on a detour over the accessibility bus, and shortcuts not, so that a shortcut on the heels of a
+/// key overtakes it. No person is that quick.
+void letKeysArrive() {
+    QThread::msleep(150);
+}
+
 text::Json historyOf(const QString& home) {
     const auto bytes = contentsOf(home + QStringLiteral("/data/Tavrelon/history.json"));
     return bytes.isEmpty() ? text::Json::array() : text::parseJson(bytes);
@@ -151,6 +157,7 @@ void RunningEditor::signal(int number) const {
 }
 
 QString RunningEditor::saved(const QString& expected) {
+    letKeysArrive();
     keyboard_.strikeWith({place::leftControl}, place::s);
     // mousepad ends a file with a line break of its own
     const auto text = [this] {
@@ -190,8 +197,13 @@ void RunningEditor::type(const QString& text) {
 
 void RunningEditor::paste(const QString& text) {
     setClipboard(text);
+    letKeysArrive();
     keyboard_.strikeWith({place::leftControl}, place::v);
-    QThread::msleep(150);  // the editor asks the clipboard's owner in its own time
+    letKeysArrive();  // and the editor asks the clipboard's owner in its own time
+}
+
+void letKeysArrive() {
+    QThread::msleep(150);
 }
 
 void setClipboard(const QString& text) {
@@ -207,6 +219,7 @@ void setClipboard(const QString& text) {
 }
 
 void pressToggleHotkey(XTestKeyboard& keyboard) {
+    letKeysArrive();
     keyboard.strikeWith({place::leftShift, place::leftAlt, place::leftSuper}, place::l);
 }
 

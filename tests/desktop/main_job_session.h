@@ -66,6 +66,10 @@ class RunningEditor {
 /// Puts a text on the clipboard, owned by another program.
 void setClipboard(const QString& text);
 
+/// The pause of a person between two thoughts. Editors take keys in their own time, and Qt sends typed keys on a detour
+/// over the accessibility bus but shortcuts not, so that a shortcut on the heels of a key overtakes it.
+void letKeysArrive();
+
 void pressToggleHotkey(XTestKeyboard& keyboard);
 
 }  // namespace tavrelon::testing
