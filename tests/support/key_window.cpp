@@ -3,14 +3,22 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <stdexcept>
+#include <string_view>
+
+#include "desktop/x11/x11_connection.h"
 
 namespace tavrelon::testing {
+
+using desktop::XPointer;
 
 KeyWindow::KeyWindow() : connection_(xcb_connect(nullptr, nullptr)), window_(xcb_generate_id(connection_)) {
     const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
     root_ = screen->root;
+    constexpr std::string_view name = "_NET_ACTIVE_WINDOW";
+    const XPointer<xcb_intern_atom_reply_t> atom(
+        xcb_intern_atom_reply(connection_, xcb_intern_atom(connection_, 0, name.size(), name.data()), nullptr));
+    activeWindow_ = atom->atom;
     const std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, root_, 20, 20, 300, 200, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
@@ -26,23 +34,27 @@ void KeyWindow::focus() {
     const bool focused = spinUntil([this] {
         xcb_map_window(connection_, window_);
         xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window_, XCB_CURRENT_TIME);
-        auto* reply = xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr);
-        const bool isOurs = reply && reply->focus == window_;
-        std::free(reply);
-        return isOurs;
+        return hasFocus();
     });
     if (!focused)
         throw std::runtime_error("the window got no focus");
 }
 
+bool KeyWindow::hasFocus() {
+    const XPointer<xcb_get_property_reply_t> active(xcb_get_property_reply(
+        connection_, xcb_get_property(connection_, 0, root_, activeWindow_, XCB_ATOM_WINDOW, 0, 1), nullptr));
+    const XPointer<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    return focus && focus->focus == window_ && active && xcb_get_property_value_length(active.get()) == 4 &&
+           *static_cast<xcb_window_t*>(xcb_get_property_value(active.get())) == window_;
+}
+
 bool KeyWindow::holdKeyboard() {
-    auto* reply = xcb_grab_keyboard_reply(
+    const XPointer<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
         connection_,
         xcb_grab_keyboard(connection_, 0, window_, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-        nullptr);
-    const bool held = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    std::free(reply);
-    return held;
+        nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
 void KeyWindow::letGoOfKeyboard() {
@@ -51,23 +63,19 @@ void KeyWindow::letGoOfKeyboard() {
 }
 
 void KeyWindow::holdCombination(place::Code code, unsigned modifiers) {
-    xcb_grab_key(connection_, 0, root_, static_cast<std::uint16_t>(modifiers), code, XCB_GRAB_MODE_ASYNC,
-                 XCB_GRAB_MODE_ASYNC);
-    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-}
-
-void KeyWindow::letGoOfCombination(place::Code code, unsigned modifiers) {
-    xcb_ungrab_key(connection_, code, root_, static_cast<std::uint16_t>(modifiers));
-    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    const XPointer<xcb_generic_error_t> error(xcb_request_check(
+        connection_, xcb_grab_key_checked(connection_, 0, root_, static_cast<std::uint16_t>(modifiers), code,
+                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+    if (error)
+        throw std::runtime_error("the combination is held already");
 }
 
 void KeyWindow::pump() {
-    while (auto* event = xcb_poll_for_event(connection_)) {
+    while (const XPointer<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
         const auto type = event->response_type & 0x7F;
-        const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event);
+        const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event.get());
         if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE)
             strokes_.push_back({key->detail, type == XCB_KEY_PRESS, key->state});
-        std::free(event);
     }
 }
 
