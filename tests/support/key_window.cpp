@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
-#include <string_view>
+#include <thread>
 
 #include "desktop/x11/x11_connection.h"
 
@@ -15,10 +15,6 @@ using desktop::XPointer;
 KeyWindow::KeyWindow() : connection_(xcb_connect(nullptr, nullptr)), window_(xcb_generate_id(connection_)) {
     const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
     root_ = screen->root;
-    constexpr std::string_view name = "_NET_ACTIVE_WINDOW";
-    const XPointer<xcb_intern_atom_reply_t> atom(
-        xcb_intern_atom_reply(connection_, xcb_intern_atom(connection_, 0, name.size(), name.data()), nullptr));
-    activeWindow_ = atom->atom;
     const std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE;
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, root_, 20, 20, 300, 200, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
@@ -30,23 +26,21 @@ KeyWindow::~KeyWindow() {
 }
 
 void KeyWindow::focus() {
-    // Asked for again and again: a window manager that is just starting forgets what it was asked for.
-    const bool focused = spinUntil([this] {
-        xcb_map_window(connection_, window_);
-        xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window_, XCB_CURRENT_TIME);
-        return hasFocus();
-    });
+    // Asked for again now and then: a window manager that is just starting forgets what it was asked for.
+    int round = 0;
+    const bool focused = spinUntil(
+        [&] {
+            if (round % 100 == 0)
+                xcb_map_window(connection_, window_);
+            if (round++ % 10 == 0)
+                xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window_, XCB_CURRENT_TIME);
+            const XPointer<xcb_get_input_focus_reply_t> focus(
+                xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+            return focus && focus->focus == window_;
+        },
+        std::chrono::seconds(60));  // it may still be busy with keyboard maps that an earlier test went through
     if (!focused)
         throw std::runtime_error("the window got no focus");
-}
-
-bool KeyWindow::hasFocus() {
-    const XPointer<xcb_get_property_reply_t> active(xcb_get_property_reply(
-        connection_, xcb_get_property(connection_, 0, root_, activeWindow_, XCB_ATOM_WINDOW, 0, 1), nullptr));
-    const XPointer<xcb_get_input_focus_reply_t> focus(
-        xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-    return focus && focus->focus == window_ && active && xcb_get_property_value_length(active.get()) == 4 &&
-           *static_cast<xcb_window_t*>(xcb_get_property_value(active.get())) == window_;
 }
 
 bool KeyWindow::holdKeyboard() {
@@ -118,6 +112,7 @@ bool spinUntil(const std::function<bool()>& condition, std::chrono::seconds limi
             return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
 }

@@ -49,13 +49,11 @@ class KeyWindow {
     int stateOf(place::Code code);
 
  private:
-    bool hasFocus();
     void pump();
 
     xcb_connection_t* connection_;
     xcb_window_t root_ = 0;
     xcb_window_t window_ = 0;
-    xcb_atom_t activeWindow_ = 0;
     std::vector<Stroke> strokes_;
 };
 
