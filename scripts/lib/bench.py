@@ -53,10 +53,10 @@ def whole_program(build, output, extent):
             tavrelon.wait_until_live()
             rows += bench_process.idle(tavrelon.process.pid, extent.settle, extent.idle)
             rows += bench_keys.with_the_program(probe, extent.keys, extent.flood, before)
-            rows += bench_requests.requests(probe, tavrelon, service, extent.requests, "text only")
+            rows += bench_requests.requests(probe, tavrelon, service, extent.requests)
         with product(home, "picture") as tavrelon:
             tavrelon.wait_until_live()
-            rows += bench_requests.requests(probe, tavrelon, service, extent.requests, "with a picture")
+            rows += bench_requests.pictured_requests(probe, tavrelon, service, extent.requests)
         rows.insert(0, bench_process.start(tavrelon, extent.starts))
     return rows
 

@@ -23,6 +23,7 @@ class TimedService:
         self.listener = socket.create_server(("127.0.0.1", 0))
         self.port = self.listener.getsockname()[1]
         self.exchanges = []
+        self.pictured = False  # whether the last request carried a picture
         threading.Thread(target=self.serve, daemon=True).start()
 
     def serve(self):
@@ -42,6 +43,7 @@ class TimedService:
                       if line.lower().startswith(b"content-length:"))
         while len(body) < length:
             body += connection.recv(1 << 20)
+        self.pictured = b"image_url" in body
         reply = json.dumps({"choices": [{"message": {"role": "assistant", "content": "Hello yourself."}}]}).encode()
         connection.sendall(b"HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nConnection: close\r\n"
                            b"Content-Length: %d\r\n\r\n" % len(reply) + reply)
@@ -64,7 +66,13 @@ def one_request(probe, tavrelon, service):
     return (first - pressed) / 1e6, (pasted - last) / 1e6 - PRESCRIBED
 
 
-def requests(probe, tavrelon, service, times, how):
+def requests(probe, tavrelon, service, times, how="text only"):
     outward, inward = zip(*(one_request(probe, tavrelon, service) for _ in range(times)))
     return [row(f"second press to the service, {how}", "ms", outward, "10"),
             row(f"reply to paste beyond {PRESCRIBED} ms of waits, {how}", "ms", inward, "10")]
+
+
+def pictured_requests(probe, tavrelon, service, times):
+    """Nothing where the desktop gives no pictures."""
+    one_request(probe, tavrelon, service)
+    return requests(probe, tavrelon, service, times, "with a picture") if service.pictured else []

@@ -57,8 +57,8 @@ Task<void> ignoringCancellation(Wait wait) {
     }
 }
 
-/// Awaits a task that must not be cut short: it runs to its own end whatever is asked of the awaiting one. For work that
-/// puts something back, and only where that work is bounded.
+/// Awaits a task that must not be cut short: it runs to its own end whatever is asked of the awaiting one. For work
+/// that puts something back, and only where that work is bounded.
 template <typename T>
 class Shielded {
  public:
