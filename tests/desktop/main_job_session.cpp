@@ -58,12 +58,6 @@ QString frontmostTitle() {
     return QString::fromUtf8(tool.readAllStandardOutput());
 }
 
-/// Qt sends typed keys on a detour over the accessibility bus, and shortcuts not, so that a shortcut on the heels of a
-/// key overtakes it. No person is that quick.
-void letKeysArrive() {
-    QThread::msleep(150);
-}
-
 text::Json historyOf(const QString& home) {
     const auto bytes = contentsOf(home + QStringLiteral("/data/Tavrelon/history.json"));
     return bytes.isEmpty() ? text::Json::array() : text::parseJson(bytes);
