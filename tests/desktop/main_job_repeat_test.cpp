@@ -88,7 +88,8 @@ TEST(MainJobRepeat, EveryFieldIsExactlyRight) {
         QElapsedTimer sinceAnswer;
         sinceAnswer.start();
         const auto expected = before + *answer.content + after;
-        ASSERT_EQ(editor.saved(expected), expected) << "round " << round << ", typed " << typed.toStdString();
+        ASSERT_EQ(editor.saved(expected), expected) << "round " << round << ", typed " << typed.toStdString() << "\n"
+            << qPrintable(tavrelon.log());
         while (std::chrono::milliseconds(sinceAnswer.elapsed()) < untilIdle)
             QThread::msleep(20);
     }
