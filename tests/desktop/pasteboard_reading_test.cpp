@@ -97,7 +97,7 @@ TEST_F(PasteboardReading, AnOwnerThatNeverAnswersCostsTheBoundOnceAndTheMainLoop
     clock.start();
     EXPECT_EQ(items(), std::unexpected(PasteboardError::TimedOut));
     EXPECT_LT(clock.elapsed(), 3000);
-    EXPECT_GT(ticks, 20);
+    EXPECT_GT(ticks, 5) << "the main loop stood still";
     const auto asked = owner.requestCount();
     EXPECT_EQ(string(), std::nullopt);
     EXPECT_EQ(owner.requestCount(), asked) << "the hung owner was asked again";

@@ -50,6 +50,8 @@ TEST(ImageWireTest, GLMAnswersComeInManyShapes) {
         EXPECT_EQ(readGLM(empty), u"Parse error: No GLM image payload found"_s) << empty;
     for (const char* none : {R"({"data":[{}]})", R"({"data":[{"url_list":[]}]})", R"({"data":[{"url":"http://[x"}]})"})
         EXPECT_EQ(readGLM(none), u"Parse error: GLM image payload missing image data"_s) << none;
+    const auto deep = R"({"data":[{"x":)" + QByteArray(200'000, '[') + QByteArray(200'000, ']') + "}]}";
+    EXPECT_EQ(readGLM(deep), u"Parse error: GLM image payload missing image data"_s);
     EXPECT_EQ(readGLM("[]"), u"Parse error: Invalid GLM image response format"_s);
     EXPECT_EQ(readGLM("busy", 503), u"API error (503): busy"_s);
 }

@@ -86,7 +86,8 @@ QByteArray bytesOf(const std::vector<std::uint32_t>& numbers) {
 
 std::vector<std::uint32_t> numbersOf(const QByteArray& bytes) {
     std::vector<std::uint32_t> numbers(static_cast<std::size_t>(bytes.size()) / sizeof(std::uint32_t));
-    std::memcpy(numbers.data(), bytes.constData(), numbers.size() * sizeof(std::uint32_t));
+    if (!numbers.empty())
+        std::memcpy(numbers.data(), bytes.constData(), numbers.size() * sizeof(std::uint32_t));
     return numbers;
 }
 

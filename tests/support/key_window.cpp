@@ -3,10 +3,14 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <stdexcept>
+#include <thread>
+
+#include "desktop/x11/x11_connection.h"
 
 namespace tavrelon::testing {
+
+using desktop::XPointer;
 
 KeyWindow::KeyWindow() : connection_(xcb_connect(nullptr, nullptr)), window_(xcb_generate_id(connection_)) {
     const auto* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
@@ -22,27 +26,29 @@ KeyWindow::~KeyWindow() {
 }
 
 void KeyWindow::focus() {
-    // Asked for again and again: a window manager that is just starting forgets what it was asked for.
-    const bool focused = spinUntil([this] {
-        xcb_map_window(connection_, window_);
-        xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window_, XCB_CURRENT_TIME);
-        auto* reply = xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr);
-        const bool isOurs = reply && reply->focus == window_;
-        std::free(reply);
-        return isOurs;
-    });
+    // Asked for again now and then: a window manager that is just starting forgets what it was asked for.
+    int round = 0;
+    const bool focused = spinUntil(
+        [&] {
+            if (round % 100 == 0)
+                xcb_map_window(connection_, window_);
+            if (round++ % 10 == 0)
+                xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window_, XCB_CURRENT_TIME);
+            const XPointer<xcb_get_input_focus_reply_t> focus(
+                xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+            return focus && focus->focus == window_;
+        },
+        std::chrono::seconds(60));  // it may still be busy with keyboard maps that an earlier test went through
     if (!focused)
         throw std::runtime_error("the window got no focus");
 }
 
 bool KeyWindow::holdKeyboard() {
-    auto* reply = xcb_grab_keyboard_reply(
+    const XPointer<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
         connection_,
         xcb_grab_keyboard(connection_, 0, window_, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-        nullptr);
-    const bool held = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    std::free(reply);
-    return held;
+        nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
 void KeyWindow::letGoOfKeyboard() {
@@ -51,23 +57,19 @@ void KeyWindow::letGoOfKeyboard() {
 }
 
 void KeyWindow::holdCombination(place::Code code, unsigned modifiers) {
-    xcb_grab_key(connection_, 0, root_, static_cast<std::uint16_t>(modifiers), code, XCB_GRAB_MODE_ASYNC,
-                 XCB_GRAB_MODE_ASYNC);
-    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-}
-
-void KeyWindow::letGoOfCombination(place::Code code, unsigned modifiers) {
-    xcb_ungrab_key(connection_, code, root_, static_cast<std::uint16_t>(modifiers));
-    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    const XPointer<xcb_generic_error_t> error(xcb_request_check(
+        connection_, xcb_grab_key_checked(connection_, 0, root_, static_cast<std::uint16_t>(modifiers), code,
+                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+    if (error)
+        throw std::runtime_error("the combination is held already");
 }
 
 void KeyWindow::pump() {
-    while (auto* event = xcb_poll_for_event(connection_)) {
+    while (const XPointer<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
         const auto type = event->response_type & 0x7F;
-        const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event);
+        const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event.get());
         if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE)
             strokes_.push_back({key->detail, type == XCB_KEY_PRESS, key->state});
-        std::free(event);
     }
 }
 
@@ -110,6 +112,7 @@ bool spinUntil(const std::function<bool()>& condition, std::chrono::seconds limi
             return false;
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
 }

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "support/xtest_keyboard.h"
@@ -37,7 +36,6 @@ class KeyWindow {
 
     /// Grabs one combination above all windows, as window managers do.
     void holdCombination(place::Code code, unsigned modifiers);
-    void letGoOfCombination(place::Code code, unsigned modifiers);
 
     /// All that has arrived so far.
     const std::vector<Stroke>& strokes();
@@ -47,7 +45,7 @@ class KeyWindow {
     bool got(place::Code code);
     void clear();
 
-    /// Turns up nothing but the state with which a key was pressed last; -1 if it was not.
+    /// The state with which a key was pressed last; -1 if it was not.
     int stateOf(place::Code code);
 
  private:

@@ -1,6 +1,8 @@
 #include "support/test_window.h"
 
 #include <QSysInfo>
+#include <stdexcept>
+#include <thread>
 
 namespace tavrelon::testing {
 
@@ -26,8 +28,21 @@ TestWindow::TestWindow(const TestWindowProperties& properties) {
         put(QStringLiteral("_GTK_APPLICATION_ID"), utf8, properties.applicationId->toUtf8());
     const std::uint32_t size[] = {300, 200};
     xcb_configure_window(peer_.xcb(), window(), XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
-    xcb_map_window(peer_.xcb(), window());
-    xcb_flush(peer_.xcb());
+    // A window manager that is still starting announces itself before it listens, and loses what it was asked for.
+    for (int attempt = 0; attempt < 100 && !isViewable(); ++attempt) {
+        if (attempt % 10 == 0)
+            xcb_map_window(peer_.xcb(), window());
+        xcb_flush(peer_.xcb());
+        std::this_thread::sleep_for(std::chrono::milliseconds(attempt == 0 ? 5 : 50));
+    }
+    if (!isViewable())
+        throw std::runtime_error("the test's window did not become visible");
+}
+
+bool TestWindow::isViewable() const {
+    const std::unique_ptr<xcb_get_window_attributes_reply_t, ClipboardPeer::Deleter> attributes(
+        xcb_get_window_attributes_reply(peer_.xcb(), xcb_get_window_attributes(peer_.xcb(), window()), nullptr));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 void TestWindow::put(const QString& property, const QString& type, const QByteArray& bytes) {
@@ -41,12 +56,6 @@ void TestWindow::destroy() {
 }
 
 void TestWindow::takeFocus() {
-    while (true) {  // a window can take the focus as soon as it is visible
-        const std::unique_ptr<xcb_get_window_attributes_reply_t, ClipboardPeer::Deleter> attributes(
-            xcb_get_window_attributes_reply(peer_.xcb(), xcb_get_window_attributes(peer_.xcb(), window()), nullptr));
-        if (!attributes || attributes->map_state == XCB_MAP_STATE_VIEWABLE)
-            break;
-    }
     xcb_set_input_focus(peer_.xcb(), XCB_INPUT_FOCUS_PARENT, window(), XCB_CURRENT_TIME);
     xcb_flush(peer_.xcb());
 }

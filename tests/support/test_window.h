@@ -17,7 +17,7 @@ struct TestWindowProperties {
     std::optional<QString> applicationId{};
 };
 
-/// A mapped window of a client of its own, for the window manager to put in front; it is destroyed with this object.
+/// A visible window of a client of its own, for the window manager to put in front; it is destroyed with this object.
 class TestWindow {
  public:
     explicit TestWindow(const TestWindowProperties& properties);
@@ -28,6 +28,7 @@ class TestWindow {
     void takeFocus();
 
  private:
+    bool isViewable() const;
     void put(const QString& property, const QString& type, const QByteArray& bytes);
 
     ClipboardPeer peer_;

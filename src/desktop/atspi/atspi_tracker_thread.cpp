@@ -4,6 +4,7 @@
 #include <QDBusVariant>
 #include <QTimer>
 #include <QUuid>
+#include <vector>
 
 namespace tavrelon::desktop::atspi {
 
@@ -15,6 +16,36 @@ constexpr auto launcherTimeout = 10s;  // the launcher may have to be started fi
 constexpr auto probeTimeout = 60s;
 constexpr auto firstDelay = 1s;
 constexpr auto longestDelay = 30s;
+
+/// The toolkits send the news of the focus with different signatures. A null one accepts them all; an empty one would
+/// accept only a signal without arguments.
+const QString anySignature;
+
+struct FollowedSignal {
+    QString path;
+    QString interface;
+    QString name;
+    QStringList arguments;
+    const char* slot;
+};
+
+std::vector<FollowedSignal> followedSignals() {
+    return {{{},
+             QStringLiteral("org.a11y.atspi.Event.Object"),
+             QStringLiteral("StateChanged"),
+             {QStringLiteral("focused")},
+             SLOT(stateChanged(QDBusMessage))},
+            {QStringLiteral("/org/freedesktop/DBus"),
+             QStringLiteral("org.freedesktop.DBus"),
+             QStringLiteral("NameOwnerChanged"),
+             {},
+             SLOT(nameOwnerChanged(QString, QString, QString))},
+            {QStringLiteral("/org/freedesktop/DBus/Local"),
+             QStringLiteral("org.freedesktop.DBus.Local"),
+             QStringLiteral("Disconnected"),
+             {},
+             SLOT(disconnected())}};
+}
 
 QString connectionName(const char* bus) {
     return QLatin1String(bus) + QUuid::createUuid().toString(QUuid::WithoutBraces);
@@ -85,15 +116,9 @@ void TrackerThread::connectTo(const QString& address) {
 }
 
 void TrackerThread::follow(QDBusConnection& connection) {
-    // The toolkits send this signal with different signatures. A null one accepts them all; an empty one would accept
-    // only a signal without arguments.
-    const QString anySignature;
-    connection.connect({}, {}, QStringLiteral("org.a11y.atspi.Event.Object"), QStringLiteral("StateChanged"),
-                       {QStringLiteral("focused")}, anySignature, this, SLOT(stateChanged(QDBusMessage)));
-    connection.connect({}, QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
-                       QStringLiteral("NameOwnerChanged"), this, SLOT(nameOwnerChanged(QString, QString, QString)));
-    connection.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"), QStringLiteral("org.freedesktop.DBus.Local"),
-                       QStringLiteral("Disconnected"), this, SLOT(disconnected()));
+    for (const auto& signal : followedSignals())
+        connection.connect({}, signal.path, signal.interface, signal.name, signal.arguments, anySignature, this,
+                           signal.slot);
     registerFor(connection, "object:state-changed:focused");
     registerFor(connection, "window:activate");
 }
@@ -128,6 +153,11 @@ void TrackerThread::leave() {
         state_->focus.clear();
         state_->hung.clear();
     }
+    // A connection that is closed while it still delivers signals leaves events behind that refer to it.
+    if (QDBusConnection connection(busName_); connection.isConnected())
+        for (const auto& signal : followedSignals())
+            connection.disconnect({}, signal.path, signal.interface, signal.name, signal.arguments, anySignature, this,
+                                  signal.slot);
     QDBusConnection::disconnectFromBus(busName_);
 }
 
@@ -157,6 +187,11 @@ void TrackerThread::nameOwnerChanged(const QString& name, const QString&, const 
 
 void TrackerThread::probe(const QString& busName, const QDBusMessage& message) {
     const QDBusConnection connection(busName_);
+    if (!connection.isConnected()) {
+        const std::lock_guard lock(state_->mutex);
+        state_->hung.erase(busName);
+        return;
+    }
     call(connection, message, probeTimeout, [this, busName, message](const QDBusMessage& reply) {
         const bool silent = reply.type() == QDBusMessage::ErrorMessage &&
                             errorOf(reply.errorName()) == platform::AXError::CannotComplete;

@@ -57,60 +57,53 @@ bool FieldWriter::mayEdit() const {
 }
 
 AXError FieldWriter::edit(const QString& inserted) {
-    QString before = original_;
+    const auto without = TextEdit{selection_, {}}.applied(original_);
+    const auto wanted = TextEdit{selection_, inserted}.applied(original_);
     if (selection_.length > 0) {
-        const auto without = TextEdit{selection_, {}}.applied(original_);
         const bool accepted = remove(selection_, original_);
-        if (const auto result = outcome(accepted, before, without); result != Outcome::Reached)
-            return giveUp(result);
-        before = without;
+        if (!reached(accepted, original_, without))
+            return settle(wanted);
     }
     if (!inserted.isEmpty()) {
-        const auto wanted = TextEdit{{selection_.location, 0}, inserted}.applied(before);
-        const bool accepted = insert(inserted, selection_.location, before);
-        if (const auto result = outcome(accepted, before, wanted); result != Outcome::Reached)
-            return giveUp(result);
-        before = wanted;
+        const bool accepted = insert(inserted, selection_.location, without);
+        if (!reached(accepted, without, wanted))
+            return settle(wanted);
     }
-    command(textInterface, "SetCaretOffset", {offset(selection_.location + inserted.size(), before)});
+    command(textInterface, "SetCaretOffset", {offset(selection_.location + inserted.size(), wanted)});
     return AXError::Success;
 }
 
-FieldWriter::Outcome FieldWriter::outcome(bool accepted, const QString& before, const QString& wanted) {
+bool FieldWriter::reached(bool accepted, const QString& before, const QString& wanted) {
     for (auto waited = 0ms;; waited += settlePause) {
         const auto now = reader_.readText(field_, description_.toolkit);
-        if (!now)
-            return Outcome::Unknown;
-        if (*now == wanted)
-            return Outcome::Reached;
-        if (*now != before)
-            return Outcome::SomethingElse;
-        if (!accepted || waited >= settleTime)
-            return Outcome::Unchanged;
+        if (now && *now == wanted)
+            return true;
+        if (!now || *now != before || !accepted || waited >= settleTime)
+            return false;
         std::this_thread::sleep_for(settlePause);
         allowance_.spend(settlePause);
     }
 }
 
-AXError FieldWriter::giveUp(Outcome outcome) {
-    // One who does not answer may still do all that it was told; more commands would only add to it.
-    if (outcome == Outcome::Unknown)
-        return AXError::CannotComplete;
+AXError FieldWriter::settle(const QString& wanted) {
     allowance_ = Allowance(restoreAllowance);
-    restore();
+    const auto now = reader_.readText(field_, description_.toolkit);
+    // One who does not answer may still do all that it was told; more commands would only add to it.
+    if (!now)
+        return now.error();
+    if (*now == wanted)
+        return AXError::Success;
+    restore(*now);
     return AXError::Failure;
 }
 
-void FieldWriter::restore() {
-    const auto now = reader_.readText(field_, description_.toolkit);
-    if (!now)
-        return;
-    if (*now == original_)
+void FieldWriter::restore(const QString& now) {
+    if (now == original_)
         return restoreSelection();
-    const auto repair = editBetween(*now, original_);
-    const auto without = TextEdit{repair.removed, {}}.applied(*now);
+    const auto repair = editBetween(now, original_);
+    const auto without = TextEdit{repair.removed, {}}.applied(now);
     if (repair.removed.length > 0)
-        remove(repair.removed, *now);
+        remove(repair.removed, now);
     if (!repair.inserted.isEmpty())
         insert(repair.inserted, repair.removed.location, without);
     if (!holds(original_))

@@ -16,16 +16,14 @@ class FieldWriter {
     platform::AXError replaceSelection(const ObjectReference& field, const QString& inserted);
 
  private:
-    enum class Outcome { Reached, Unchanged, SomethingElse, Unknown };
-
     platform::AXError edit(const QString& inserted);
     bool mayEdit() const;
     bool remove(text::Utf16Range range, const QString& from);
     bool insert(const QString& inserted, qint64 at, const QString& into);
     bool command(const char* interface, const char* method, const QVariantList& arguments);
-    Outcome outcome(bool accepted, const QString& before, const QString& wanted);
-    platform::AXError giveUp(Outcome outcome);
-    void restore();
+    bool reached(bool accepted, const QString& before, const QString& wanted);
+    platform::AXError settle(const QString& wanted);
+    void restore(const QString& now);
     void restoreSelection();
     bool holds(const QString& text);
     qint32 offset(qint64 utf16, const QString& in) const;

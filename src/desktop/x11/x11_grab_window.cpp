@@ -128,6 +128,7 @@ GrabSet X11GrabWindow::heldElsewhere(const GrabSet& grabs) const {
         else if (error->error_code == XCB_ACCESS)
             held.insert(key);
     }
+    connection_.sync();  // or the last one stays grabbed until something else is sent
     return held;
 }
 

@@ -24,7 +24,8 @@ std::vector<std::uint32_t> PropertyValue::atoms() const {
     if (format != 32)
         return values;
     values.resize(static_cast<std::size_t>(bytes.size()) / sizeof(std::uint32_t));
-    std::memcpy(values.data(), bytes.constData(), values.size() * sizeof(std::uint32_t));
+    if (!values.empty())  // an empty array's address may be null
+        std::memcpy(values.data(), bytes.constData(), values.size() * sizeof(std::uint32_t));
     return values;
 }
 

@@ -25,7 +25,8 @@ std::pair<QString, QString> decodeWindowClass(const QByteArray& bytes) {
 
 std::vector<std::uint32_t> X11WindowQueries::Property::numbers() const {
     std::vector<std::uint32_t> values(static_cast<std::size_t>(bytes.size()) / sizeof(std::uint32_t));
-    std::memcpy(values.data(), bytes.constData(), values.size() * sizeof(std::uint32_t));
+    if (!values.empty())  // an empty array's address may be null
+        std::memcpy(values.data(), bytes.constData(), values.size() * sizeof(std::uint32_t));
     return values;
 }
 

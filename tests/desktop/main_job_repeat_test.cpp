@@ -1,0 +1,97 @@
+// Many random requests in one editor; every field must come out exactly right.
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QThread>
+#include <random>
+
+#include "desktop/main_job_session.h"
+#include "support/qt_gtest.h"
+#include "text/characters.h"
+
+namespace tavrelon::testing {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// An input that opened within two seconds of the last answer would be reset with it.
+constexpr auto untilIdle = 2100ms;
+
+class Texts {
+ public:
+    explicit Texts(unsigned seed) : random_(seed) {}
+
+    /// Pieces that one Backspace removes whole, in every toolkit.
+    QString typed() {
+        static const QStringList pieces{QStringLiteral("what "),  QStringLiteral("Is"),   QStringLiteral("42?"),
+                                        QStringLiteral("你好"),   QStringLiteral("😀"),   QStringLiteral("\n"),
+                                        QStringLiteral("привет"), QStringLiteral("(a/b)")};
+        QString text = someOf(pieces, 1, 5);
+        return text::isBlank(text) ? QStringLiteral("why") : text;
+    }
+    QString answer() {
+        static const QStringList pieces{
+            QStringLiteral("Sure. "),  QStringLiteral("世界，"),    QStringLiteral("👨‍👩‍👧"),
+            QStringLiteral("\n"),      QStringLiteral("é"),         QStringLiteral("🇩🇪"),
+            QStringLiteral("  two  "), QStringLiteral("tab\there"), QStringLiteral("ß\\n\"")};
+        return someOf(pieces, 1, 8) + QStringLiteral(".");
+    }
+    QString around() {
+        static const QStringList pieces{QStringLiteral("text "), QStringLiteral("more, "), QStringLiteral("中文"),
+                                        QStringLiteral("🎉"), QStringLiteral("\n")};
+        return someOf(pieces, 0, 3);
+    }
+
+ private:
+    QString someOf(const QStringList& pieces, int least, int most) {
+        QString text;
+        for (auto left = std::uniform_int_distribution(least, most)(random_); left > 0; --left)
+            text += pieces.at(std::uniform_int_distribution<qsizetype>(0, pieces.size() - 1)(random_));
+        return text;
+    }
+    std::mt19937 random_;
+};
+
+RunningEditor::Kind editorOfEnvironment() {
+    return qgetenv("TAVRELON_TEST_EDITOR") == "featherpad" ? RunningEditor::Kind::Featherpad
+                                                           : RunningEditor::Kind::Mousepad;
+}
+
+}  // namespace
+
+TEST(MainJobRepeat, EveryFieldIsExactlyRight) {
+    const int rounds = qEnvironmentVariableIntValue("TAVRELON_TEST_REQUESTS");
+    ASSERT_GT(rounds, 0);
+    StandInService service;
+    XTestKeyboard keyboard;
+    RunningEditor editor(editorOfEnvironment(), keyboard, QStringLiteral("x"));
+    RunningTavrelon tavrelon(service);
+    Texts texts(20261124);
+    for (int round = 1; round <= rounds; ++round) {
+        const auto before = QStringLiteral("<") + texts.around();
+        const auto after = texts.around() + QStringLiteral(">");
+        const auto typed = texts.typed();
+        StandInAnswer answer;
+        answer.content = texts.answer();
+        service.ledger().script({answer});
+
+        editor.refill(before + after, static_cast<int>(text::characterCount(after)));
+        const auto last = tavrelon.newestHistoryId();
+        pressToggleHotkey(keyboard);
+        ASSERT_TRUE(tavrelon.waitForLog(QStringLiteral("[Hotkey] Starting text listening"), round))
+            << qPrintable(tavrelon.log());
+        editor.type(typed);
+        pressToggleHotkey(keyboard);
+        ASSERT_TRUE(eventually([&] { return tavrelon.newestHistoryId() != last; }))
+            << "round " << round << ": " << qPrintable(tavrelon.log());
+        QElapsedTimer sinceAnswer;
+        sinceAnswer.start();
+        const auto expected = before + *answer.content + after;
+        ASSERT_EQ(editor.saved(expected), expected) << "round " << round << ", typed " << typed.toStdString();
+        while (std::chrono::milliseconds(sinceAnswer.elapsed()) < untilIdle)
+            QThread::msleep(20);
+    }
+}
+
+}  // namespace tavrelon::testing
