@@ -27,7 +27,7 @@ std::optional<UserFolders> userFolders(const QProcessEnvironment& environment, c
     if (!isAbsolute(home))
         home = accountHome;
     const auto base = [&](const char* variable, const char* below) {
-        const auto value = environment.value(QString::fromLatin1(variable));
+        auto value = environment.value(QString::fromLatin1(variable));
         if (isAbsolute(value))
             return value;
         return isAbsolute(home) ? home + QString::fromLatin1(below) : QString();
