@@ -56,7 +56,7 @@ Json userContent(const Call& call) {
 }  // namespace
 
 QString applyThinkDirective(const QString& systemPrompt, Thinking thinking, bool thinkEnabled) {
-    const auto prompt = text::trimmed(systemPrompt);
+    auto prompt = text::trimmed(systemPrompt);
     const auto written = leadingDirective(prompt);
     if (thinking == Thinking::ForcedOff)
         return under(noThink, written ? text::trimmed(prompt.sliced(written->size())) : prompt);

@@ -62,7 +62,7 @@ QString stripPinyinActionTokens(const QString& text) {
 }  // namespace
 
 QString cleanImagePrompt(const QString& text) {
-    const auto trimmed = text::trimmed(text);
+    auto trimmed = text::trimmed(text);
     if (trimmed.isEmpty())
         return trimmed;
     auto prompt = withoutPrefixes(trimmed, imagePromptPolitePrefixesZh);
@@ -72,7 +72,7 @@ QString cleanImagePrompt(const QString& text) {
 }
 
 QString sanitizeImagePrompt(const QString& text) {
-    const auto trimmed = text::trimmed(text);
+    auto trimmed = text::trimmed(text);
     const auto lower = trimmed.toLower();
     if (trimmed.isEmpty() || lower.contains("nsfw"_L1) || lower.contains("nudity"_L1) || lower.contains("sexual"_L1))
         return trimmed;

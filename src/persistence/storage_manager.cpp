@@ -2,6 +2,19 @@
 
 namespace tavrelon::persistence {
 
+namespace {
+
+/// Absent when a value has no JSON form, as a number that is not finite.
+std::optional<QByteArray> encoded(const AppSettings& settings) {
+    try {
+        return text::compactJson(toJson(settings));
+    } catch (const text::JsonError&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
 StorageManager::StorageManager(platform::DefaultsStore& userDefaults, platform::FileSystem& fileSystem,
                                platform::Log& log, async::MainLoop& mainLoop, QString applicationSupport)
     : userDefaults_(userDefaults),
@@ -45,11 +58,9 @@ std::vector<scenes::SceneConfig> StorageManager::storedScenes() const {
 }
 
 void StorageManager::saveSettings() {
-    try {
-        userDefaults_.setData(defaults_keys::settings, text::compactJson(toJson(settings_)));
-    } catch (const text::JsonError&) {
-        // The stored document is better than one with a hole.
-    }
+    // What cannot be encoded is not stored: the document that is there is better than one with a hole.
+    if (const auto document = encoded(settings_))
+        userDefaults_.setData(defaults_keys::settings, *document);
 }
 
 void StorageManager::notifySettingsChanged() {
