@@ -88,11 +88,11 @@ bool FieldWriter::reached(bool accepted, const QString& before, const QString& w
 AXError FieldWriter::settle(const QString& wanted) {
     allowance_ = Allowance(restoreAllowance);
     const auto now = reader_.readText(field_, description_.toolkit);
-    // One who does not answer may still do all that it was told; more commands would only add to it.
-    if (!now)
-        return now.error();
-    if (*now == wanted)
+    if (now && *now == wanted)
         return AXError::Success;
+    // One who did not answer may still do all that it was told; more commands would only add to it.
+    if (!now || leftUnanswered_)
+        return AXError::CannotComplete;
     restore(*now);
     return AXError::Failure;
 }
@@ -136,7 +136,10 @@ bool FieldWriter::insert(const QString& inserted, qint64 at, const QString& into
 }
 
 bool FieldWriter::command(const char* interface, const char* method, const QVariantList& arguments) {
-    return chain(calls_.send(methodCall(field_, interface, method, arguments)), answerOf).value_or(false);
+    const auto answer = chain(calls_.send(methodCall(field_, interface, method, arguments)), answerOf);
+    if (!answer && answer.error() == AXError::CannotComplete)
+        leftUnanswered_ = true;
+    return answer.value_or(false);
 }
 
 bool FieldWriter::holds(const QString& text) {

@@ -36,6 +36,7 @@ class FieldWriter {
     FieldDescription description_;
     QString original_;
     text::Utf16Range selection_;
+    bool leftUnanswered_ = false;  // a command was, so it may still be carried out
 };
 
 }  // namespace tavrelon::desktop::atspi
