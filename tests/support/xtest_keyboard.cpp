@@ -33,7 +33,11 @@ struct XTestKeyboard::Display {
     }
     Display(const Display&) = delete;
     Display& operator=(const Display&) = delete;
-    ~Display() { XCloseDisplay(x); }
+    ~Display() {
+        XCloseDevice(x, physical);
+        XCloseDevice(x, posting);
+        XCloseDisplay(x);
+    }
 
     ::Display* x;
     XDevice* physical = nullptr;
