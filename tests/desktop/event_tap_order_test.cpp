@@ -33,7 +33,7 @@ class KeySequenceTest : public ::testing::Test {
         sequence.see({stamp, 40}, keyEvent(stamp), expectation, now);
     }
     std::optional<std::vector<int>> stops(std::uint32_t stamp) {
-        const auto stopped = sequence.stopped({stamp, 40});
+        const auto stopped = sequence.stopped({stamp, 40}, KeySequence::Origin::Struck);
         return stopped ? std::optional(codes(stopped->before)) : std::nullopt;
     }
     static std::vector<int> codes(const std::vector<KeyEvent>& events) {
@@ -60,6 +60,21 @@ TEST_F(KeySequenceTest, AHotkeyHoldsBackWhatComesBehindItUntilItStops) {
     EXPECT_THAT(ready(), ElementsAre(3));
     EXPECT_EQ(stops(2), std::nullopt);
     EXPECT_EQ(stops(9), std::nullopt) << "never seen, as a key that we posted";
+}
+
+TEST_F(KeySequenceTest, ARepeatIsKnownByItsKeySinceItsTwoTimesMayDiffer) {
+    auto repeated = keyEvent(1);
+    repeated.isRepeat = true;
+    const auto repeats = [&](std::uint32_t time) {
+        return sequence.stopped({time, 40}, KeySequence::Origin::Repeated).has_value();
+    };
+    sequence.see({100, 40}, repeated, StopsAtOurGrab, now);
+    EXPECT_FALSE(sequence.stopped({101, 40}, KeySequence::Origin::Struck)) << "a struck key has one time only";
+    EXPECT_FALSE(sequence.stopped({101, 41}, KeySequence::Origin::Repeated));
+    EXPECT_TRUE(repeats(101));
+    EXPECT_FALSE(repeats(101));
+    see(200, StopsAtOurGrab);
+    EXPECT_FALSE(repeats(201)) << "a struck key is not mistaken for a repeat";
 }
 
 TEST_F(KeySequenceTest, AHotkeyThatSomebodyElseHeldIsMerelySeen) {

@@ -9,9 +9,12 @@ void KeySequence::see(const Stamp& stamp, platform::KeyEvent event, Expectation 
     waiting_.push_back({stamp, std::move(event), stops ? std::optional(now + stopLimit) : std::nullopt});
 }
 
-std::optional<KeySequence::Stopped> KeySequence::stopped(const Stamp& stamp) {
-    const auto found = std::ranges::find_if(
-        waiting_, [&](const Waiting& key) { return key.stamp == stamp && key.deadline.has_value(); });
+std::optional<KeySequence::Stopped> KeySequence::stopped(const Stamp& stamp, Origin origin) {
+    const auto isIt = [&](const Waiting& key) {
+        const bool repeated = origin == Origin::Repeated && key.event.isRepeat && key.stamp.code == stamp.code;
+        return key.deadline.has_value() && (repeated || key.stamp == stamp);
+    };
+    const auto found = std::ranges::find_if(waiting_, isIt);
     if (found == waiting_.end())
         return std::nullopt;
     Stopped stopped{{}, std::move(found->event)};

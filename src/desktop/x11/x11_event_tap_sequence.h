@@ -37,9 +37,15 @@ class KeySequence {
         platform::KeyEvent event;
     };
 
+    /// Whether a press is the first of its key or comes from holding it down.
+    enum class Origin { Struck, Repeated };
+
     /// A key stopped at our grab; takes it and all before it. Nothing if it is not waited for: a key that we posted
     /// ourselves, or one that came too late and counts as seen already.
-    std::optional<Stopped> stopped(const Stamp& stamp);
+    ///
+    /// A struck key has the same time on both of its ways. The server repeats a held key by two timers, one for the
+    /// keyboard and one for the session, whose times may differ: there the key and the order decide.
+    std::optional<Stopped> stopped(const Stamp& stamp, Origin origin);
 
     /// While the keyboard is frozen no other key can stop, so no limit runs out.
     void freeze() { frozen_ = true; }

@@ -167,12 +167,12 @@ void X11TapSession::handle(const xcb_generic_event_t& event) {
     if (input.event_type != XCB_INPUT_KEY_PRESS && input.event_type != XCB_INPUT_KEY_RELEASE)
         return;
     const auto code = static_cast<KeyCode>(input.detail);
+    const bool isRepeat = (input.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0;
     const auto action = input.event_type == XCB_INPUT_KEY_PRESS ? KeyAction::Press : KeyAction::Release;
     if (input.deviceid != devices_.master)
-        seen({input.deviceid, code, action, stateOf(input), (input.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) != 0},
-             input.time);
+        seen({input.deviceid, code, action, stateOf(input), isRepeat}, input.time);
     else if (action == KeyAction::Press)
-        stoppedPress({input.time, code});
+        stoppedPress({input.time, code}, isRepeat ? KeySequence::Origin::Repeated : KeySequence::Origin::Struck);
     else
         stoppedRelease(code);
 }
@@ -194,10 +194,10 @@ void X11TapSession::sendReady() {
         delivery_->send(std::move(event));
 }
 
-void X11TapSession::stoppedPress(const KeySequence::Stamp& stamp) {
+void X11TapSession::stoppedPress(const KeySequence::Stamp& stamp, KeySequence::Origin origin) {
     if (!grabKey_)
         grabKey_ = stamp.code;
-    auto stopped = sequence_.stopped(stamp);
+    auto stopped = sequence_.stopped(stamp, origin);
     if (!stopped) {
         // Not a hotkey: another key struck while one is held down, or one that we posted.
         pass();

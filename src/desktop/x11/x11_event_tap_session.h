@@ -52,7 +52,7 @@ class X11TapSession {
     void handle(const xcb_generic_event_t& event);
     void expire();
     void seen(const DeviceKey& key, std::uint32_t time);
-    void stoppedPress(const KeySequence::Stamp& stamp);
+    void stoppedPress(const KeySequence::Stamp& stamp, KeySequence::Origin origin);
     void stoppedRelease(KeyCode code);
     void decide();
     std::optional<platform::TapVerdict> verdict();
