@@ -15,6 +15,11 @@ if(TAVRELON_SANITIZE)
   target_link_options(tavrelon_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+option(TAVRELON_FUZZ "Build a fuzzer for each reader of foreign documents" OFF)
+if(TAVRELON_FUZZ)
+  target_compile_options(tavrelon_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # tavrelon_library(<folder> SOURCES <file>... [LINKS <target>...])
 # The folder `a/b` becomes the target `tavrelon_a_b`.
 function(tavrelon_library folder)

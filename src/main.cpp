@@ -5,10 +5,12 @@
 
 #include "app/app_delegate.h"
 #include "desktop/atspi/atspi_accessibility.h"
+#include "desktop/documents/document_process_reader.h"
 #include "desktop/linux/directory_defaults_store.h"
 #include "desktop/linux/posix_file_system.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/linux/termination_signals.h"
+#include "desktop/linux/thread_serial_queue.h"
 #include "desktop/linux/unavailable_services.h"
 #include "desktop/linux/user_folders.h"
 #include "desktop/qt/qt_http_session.h"
@@ -72,6 +74,9 @@ int main(int argc, char** argv) {
     desktop::QtImageCodec imageCodec;
     desktop::QtHttpSession httpSession(loop);
     desktop::PosixFileSystem fileSystem;
+    desktop::ThreadSerialQueues serialQueues;
+    desktop::DocumentProcessReader documentReader(
+        loop, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader"));
     desktop::DirectoryDefaultsStore defaultsStore(fileSystem, essentials->folders.configuration);
     platform::Platform platform{loop,
                                 log,
@@ -86,6 +91,8 @@ int main(int argc, char** argv) {
                                 httpSession,
                                 defaultsStore,
                                 fileSystem,
+                                serialQueues,
+                                documentReader,
                                 essentials->folders.applicationSupport};
 
     app::AppDelegate delegate(platform, generation::ServiceEndpoints::builtIn());

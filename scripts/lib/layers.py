@@ -17,11 +17,12 @@ FLOORS = [
     ["app"],
     ["ui/dashboard", "ui/settings", "ui/history"],
 ]
-ADAPTERS = ["desktop/linux", "desktop/qt", "desktop/x11", "desktop/atspi"]
+ADAPTERS = ["desktop/linux", "desktop/documents", "desktop/qt", "desktop/x11", "desktop/atspi"]
 
 # Neighbours on one floor that may be used in this one direction, with the reason.
 NEIGHBOURS = {
     ("keys", "text"): "hotkey records are written as JSON",
+    ("desktop/documents", "desktop/linux"): "the document process reads files with the same care as the program",
     ("desktop/x11", "desktop/linux"): "the process behind a window and its desktop entry are found in /proc and on disk",
 }
 

@@ -11,6 +11,9 @@ namespace {
 /// How many requests the history keeps, whatever the settings say.
 constexpr int historyCap = 20;
 
+/// How many inputs an update of the learned prompt takes.
+constexpr int learningInterval = 40;
+
 generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoints) {
     return {endpoints.builtInPollinationsKey, endpoints.builtInGLMKey, std::nullopt};
 }
@@ -36,10 +39,17 @@ AppState::AppState(platform::Platform& platform, const generation::ServiceEndpoi
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)) {
     enforceProviderExclusivity(storageManager_);
     applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
+    cloneService_ =
+        std::make_unique<learning::CloneService>(platform.httpSession, platform.documentReader, pollinationsService_,
+                                                 storageManager_.settings().cloneApiBaseURL, endpoints.cloneApiBaseURL);
+    adaptivePromptLearner_ = std::make_unique<learning::AdaptivePromptLearner>(
+        platform.mainLoop, platform.fileSystem, platform.log, platform.serialQueues, storageManager_,
+        pollinationsService_, historyManager_, learningInterval);
     aiService_ = std::make_unique<generation::TavrelonAIService>(pollinationsService_, sceneRouter_, platform.log);
     generator_ = std::make_unique<AIGenerator>(*aiService_);
-    inputStateMachine_ = std::make_shared<input::InputStateMachine>(input::InputServices{
-        platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_, nullptr, nullptr});
+    inputStateMachine_ = std::make_shared<input::InputStateMachine>(
+        input::InputServices{platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_,
+                             adaptivePromptLearner_.get(), nullptr});
     hotkeyManager_.stateMachine = inputStateMachine_;
     applyHotkeySettings();
     setCallbacks();
@@ -88,6 +98,7 @@ hotkeys::HotkeyManager::Callback AppState::nextTurn(Work work) {
 }
 
 void AppState::setCallbacks() {
+    adaptivePromptLearner_->scheduleEvaluation();
     hotkeyManager_.onAutoReplyHotkeyPressed = nextTurn([this] { inputStateMachine_->startAutoReply(); });
     hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
     hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });

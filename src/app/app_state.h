@@ -9,6 +9,8 @@
 #include "generation/pollinations_service.h"
 #include "hotkeys/hotkey_manager.h"
 #include "input/input_state_machine.h"
+#include "learning/adaptive_prompt_learner.h"
+#include "learning/clone_service.h"
 #include "output/output_writer.h"
 #include "persistence/history_manager.h"
 #include "persistence/storage_manager.h"
@@ -31,6 +33,7 @@ class AppState {
     scenes::SceneRouter& sceneRouter() { return sceneRouter_; }
     persistence::HistoryManager& historyManager() { return historyManager_; }
     generation::PollinationsService& pollinationsService() { return pollinationsService_; }
+    learning::CloneService& cloneService() { return *cloneService_; }
     input::InputStateMachine& inputStateMachine() { return *inputStateMachine_; }
 
  private:
@@ -50,6 +53,8 @@ class AppState {
     output::OutputWriter outputWriter_;
     persistence::HistoryManager historyManager_;
     generation::PollinationsService pollinationsService_;
+    std::unique_ptr<learning::CloneService> cloneService_;
+    std::unique_ptr<learning::AdaptivePromptLearner> adaptivePromptLearner_;
     std::unique_ptr<generation::TavrelonAIService> aiService_;
     std::unique_ptr<AIGenerator> generator_;
     std::shared_ptr<input::InputStateMachine> inputStateMachine_;

@@ -5,6 +5,7 @@
 #include "async/main_loop.h"
 #include "platform/accessibility.h"
 #include "platform/defaults_store.h"
+#include "platform/document_reader.h"
 #include "platform/event_tap.h"
 #include "platform/file_system.h"
 #include "platform/http_session.h"
@@ -14,6 +15,7 @@
 #include "platform/log.h"
 #include "platform/pasteboard.h"
 #include "platform/screen_capture.h"
+#include "platform/serial_queue.h"
 #include "platform/workspace.h"
 
 namespace tavrelon::platform {
@@ -33,6 +35,8 @@ struct Platform {
     HttpSession& httpSession;
     DefaultsStore& defaultsStore;
     FileSystem& fileSystem;
+    SerialQueues& serialQueues;
+    DocumentReader& documentReader;
     QString applicationSupport;  ///< the folder "Tavrelon" in the user's data folder, absolute
 };
 

@@ -15,14 +15,15 @@ bool isLoneFlagHalf(QStringView part) {
     return scalar >= 0x1F1E6 && scalar <= 0x1F1FF;
 }
 
-/// Calls `visit(start, end)` for each character. A text of ASCII alone needs no boundary search, but for CR LF, which
-/// is one character.
+/// Calls `visit(start, end)` for each character until it gives false. A text of ASCII alone needs no boundary search,
+/// but for CR LF, which is one character.
 template <typename Visit>
 void forEachCharacter(QStringView text, Visit visit) {
     const bool ascii = std::ranges::all_of(text, [](QChar c) { return c.unicode() < 0x80 && c != u'\r'; });
     if (ascii) {
         for (qsizetype i = 0; i < text.size(); ++i)
-            visit(i, i + 1);
+            if (!visit(i, i + 1))
+                return;
         return;
     }
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
@@ -31,7 +32,8 @@ void forEachCharacter(QStringView text, Visit visit) {
         if (isLoneFlagHalf(text.sliced(start, end - start)) &&
             isLoneFlagHalf(text.sliced(end).first(std::min<qsizetype>(2, text.size() - end))))
             end = finder.toNextBoundary();
-        visit(start, end);
+        if (!visit(start, end))
+            return;
         start = end;
     }
 }
@@ -46,13 +48,19 @@ bool splitsPair(const QString& text, qsizetype position) {
 std::vector<QStringView> characters(QStringView text) {
     std::vector<QStringView> found;
     found.reserve(static_cast<std::size_t>(text.size()));
-    forEachCharacter(text, [&](qsizetype start, qsizetype end) { found.push_back(text.sliced(start, end - start)); });
+    forEachCharacter(text, [&](qsizetype start, qsizetype end) {
+        found.push_back(text.sliced(start, end - start));
+        return true;
+    });
     return found;
 }
 
 qsizetype characterCount(QStringView text) {
     qsizetype count = 0;
-    forEachCharacter(text, [&](qsizetype, qsizetype) { ++count; });
+    forEachCharacter(text, [&](qsizetype, qsizetype) {
+        ++count;
+        return true;
+    });
     return count;
 }
 
@@ -61,15 +69,20 @@ QString prefixOfCharacters(const QString& text, qsizetype count) {
         return text;
     qsizetype end = 0;
     forEachCharacter(text, [&](qsizetype, qsizetype characterEnd) {
-        if (count-- > 0)
-            end = characterEnd;
+        if (count-- <= 0)
+            return false;
+        end = characterEnd;
+        return true;
     });
     return text.first(end);
 }
 
 QString withoutLastCharacter(const QString& text) {
     qsizetype last = 0;
-    forEachCharacter(text, [&](qsizetype start, qsizetype) { last = start; });
+    forEachCharacter(text, [&](qsizetype start, qsizetype) {
+        last = start;
+        return true;
+    });
     return text.first(last);
 }
 

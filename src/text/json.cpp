@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "text/json_size.h"
+
 namespace tavrelon::text {
 
 namespace {
@@ -17,6 +19,8 @@ constexpr double referenceEpoch = 978'307'200.0;
 }  // namespace
 
 Json parseJson(QByteArrayView bytes) {
+    if (!isOpenableJson(bytes))
+        throw JsonError(QStringLiteral("The document is too large."));
     try {
         return Json::parse(bytes.begin(), bytes.end());
     } catch (const Json::exception& error) {

@@ -1,6 +1,7 @@
 #include "text/tolerant_json.h"
 
 #include "text/characters.h"
+#include "text/json_size.h"
 
 namespace tavrelon::text {
 
@@ -37,6 +38,8 @@ std::optional<Json> objectFrom(const std::optional<QString>& candidate, int dept
     if (!candidate)
         return std::nullopt;
     const auto bytes = candidate->toUtf8();
+    if (!isOpenableJson(bytes))
+        return std::nullopt;
     auto json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
     if (json.is_object())
         return json;

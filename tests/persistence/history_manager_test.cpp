@@ -146,4 +146,21 @@ TEST_F(HistoryManagerTest, FailuresAreLoggedAndLoseNothingInMemory) {
     EXPECT_EQ(log.lines(), QStringList{QStringLiteral("Failed to load history: %1: refused").arg(file)});
 }
 
+TEST_F(HistoryManagerTest, AFileThatIsCutAnywhereOrTooLargeIsAnEmptyHistory) {
+    auto history = start();
+    history.addEntry(entry(QStringLiteral("你好")));
+    const auto whole = files.content(file);
+    QList<QByteArray> faulty{"{}", "[[]]", "[" + QByteArray("{},").repeated(2'000'000) + "{}]",
+                             QByteArray("[").repeated(5'000'000), QByteArray(100'000'000, ' ')};
+    for (qsizetype length = 0; length < whole.size(); ++length)
+        faulty << whole.first(length);
+    for (const auto& document : faulty) {
+        files.put(file, document);
+        log.clear();
+        EXPECT_TRUE(start().entries().empty());
+        ASSERT_EQ(log.lines().size(), 1) << document.left(200).toStdString();
+        EXPECT_TRUE(log.lines().front().startsWith(QStringLiteral("Failed to load history: ")));
+    }
+}
+
 }  // namespace tavrelon::persistence

@@ -2,10 +2,12 @@
 
 #include "platform/platform.h"
 #include "support/fake_accessibility.h"
+#include "support/fake_document_reader.h"
 #include "support/fake_event_tap.h"
 #include "support/fake_http_session.h"
 #include "support/fake_key_poster.h"
 #include "support/fake_pasteboard.h"
+#include "support/fake_serial_queue.h"
 #include "support/fake_workspace.h"
 #include "support/memory_defaults_store.h"
 #include "support/memory_file_system.h"
@@ -52,14 +54,13 @@ struct TestDesktop {
     FakeHttpSession httpSession{loop};
     MemoryDefaultsStore defaultsStore;
     MemoryFileSystem fileSystem;
+    FakeSerialQueues serialQueues{loop};
+    FakeDocumentReader documentReader{loop};
     SimulatedEditor editor{accessibility, pasteboard, keyPoster};
-    platform::Platform platform{loop,          log,
-                                accessibility, eventTap,
-                                keyPoster,     pasteboard,
-                                workspace,     inputSource,
-                                screenCapture, imageCodec,
-                                httpSession,   defaultsStore,
-                                fileSystem,    QStringLiteral("/data/Tavrelon")};
+    platform::Platform platform{loop,          log,          accessibility,  eventTap,
+                                keyPoster,     pasteboard,   workspace,      inputSource,
+                                screenCapture, imageCodec,   httpSession,    defaultsStore,
+                                fileSystem,    serialQueues, documentReader, QStringLiteral("/data/Tavrelon")};
 
     TestDesktop() {
         accessibility.frontmostProcess = 1234;

@@ -53,6 +53,22 @@ TEST(Json, TypesAndRangesAreChecked) {
     EXPECT_EQ(stringFrom(parseJson(R"("你\u0000好")")), QString::fromUtf16(u"你\0好", 3));
 }
 
+TEST(Json, WhatIsTooLargeIsNotOpened) {
+    const auto list = [](qsizetype count) { return "[" + QByteArray("0,").repeated(count - 1) + "0]"; };
+    EXPECT_EQ(parseJson(list(900'000)).size(), 900'000U);
+    EXPECT_THROW(parseJson(list(1'100'000)), JsonError);
+    const auto object = [](int count) {
+        QByteArray keys;
+        for (int key = 0; key < count; ++key)
+            keys += (key ? ",\"" : "\"") + QByteArray::number(key) + "\":{}";
+        return "[{" + keys + "},{}]";
+    };
+    EXPECT_NO_THROW(parseJson(object(1'000)));
+    EXPECT_THROW(parseJson(object(1'001)), JsonError);
+    EXPECT_THROW(parseJson(QByteArray(65LL * 1024 * 1024, ' ')), JsonError);
+    EXPECT_EQ(parseJSONObject(QString::fromLatin1("{\"a\":" + list(1'100'000) + "}")), std::nullopt);
+}
+
 TEST(Json, IdentifiersAndDates) {
     const auto id = QUuid::fromString(QStringLiteral("{0a1b2c3d-0000-4000-8000-00000000abcd}"));
     EXPECT_EQ(uuidText(id), QStringLiteral("0A1B2C3D-0000-4000-8000-00000000ABCD"));

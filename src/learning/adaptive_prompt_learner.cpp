@@ -1,0 +1,152 @@
+#include "learning/adaptive_prompt_learner.h"
+
+#include <algorithm>
+
+#include "learning/adaptive_prompt.h"
+
+namespace tavrelon::learning {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto tag = "[AdaptivePrompt] "_L1;
+constexpr qint64 maxTokens = 400;
+constexpr float temperature = 0.2F;
+
+}  // namespace
+
+AdaptivePromptLearner::AdaptivePromptLearner(async::MainLoop& mainLoop, platform::FileSystem& fileSystem,
+                                             platform::Log& log, platform::SerialQueues& queues,
+                                             persistence::StorageManager& storageManager,
+                                             generation::PollinationsService& pollinationsService,
+                                             const persistence::HistoryManager& historyManager,
+                                             qsizetype learningInterval)
+    : mainLoop_(mainLoop),
+      fileSystem_(fileSystem),
+      log_(log),
+      storageManager_(storageManager),
+      pollinationsService_(pollinationsService),
+      learningInterval_(std::max<qsizetype>(learningInterval, 1)),
+      stateURL_(storageManager.applicationSupport() + u"/adaptive_prompt_state.json"_s),
+      learningEnabled_(storageManager.settings().enableLocalLearning),
+      settingsSubscription_(
+          storageManager.onChange([this] { learningEnabled_ = storageManager_.settings().enableLocalLearning; })),
+      updates_(mainLoop),
+      queue_(queues.create(u"tavrelon.adaptivePromptLearner"_s)) {
+    // If the folder cannot be made, the first save says so.
+    static_cast<void>(fileSystem_.createDirectory(storageManager.applicationSupport()));
+    load();
+    seed(historyManager);
+}
+
+AdaptivePromptLearner::~AdaptivePromptLearner() = default;
+
+void AdaptivePromptLearner::load() {
+    if (!fileSystem_.exists(stateURL_))
+        return;
+    const auto failed = [this](const QString& error) { log_.line(tag + "Failed to load state: "_L1 + error); };
+    const auto document = fileSystem_.read(stateURL_);
+    if (!document)
+        return failed(document.error().description);
+    try {
+        state_ = learnerStateFrom(text::parseJson(*document));
+    } catch (const text::JsonError& error) {
+        failed(error.localizedDescription());
+    }
+}
+
+void AdaptivePromptLearner::seed(const persistence::HistoryManager& historyManager) {
+    if (!learningEnabled_ || !state_.pendingInputs.empty())
+        return;
+    const auto& entries = historyManager.entries();
+    const auto count = std::min<qsizetype>(learningInterval_, std::ssize(entries));
+    for (auto entry = entries.begin(); entry != entries.begin() + count; ++entry)
+        if (auto sample = adaptive_prompt::cleanedSample(entry->inputText))
+            state_.pendingInputs.push_back(*std::move(sample));
+    if (!state_.pendingInputs.empty())
+        save();
+}
+
+void AdaptivePromptLearner::recordInput(const QString& text) {
+    queue_->post([this, text] { record(text); });
+}
+
+void AdaptivePromptLearner::scheduleEvaluation() {
+    queue_->post([this] { evaluateUpdate(); });
+}
+
+void AdaptivePromptLearner::record(const QString& input) {
+    if (!learningEnabled_)
+        return;
+    auto sample = adaptive_prompt::cleanedSample(input);
+    if (!sample)
+        return;
+    state_.pendingInputs.push_back(*std::move(sample));
+    save();
+    evaluateUpdate();
+}
+
+void AdaptivePromptLearner::evaluateUpdate() {
+    if (!learningEnabled_ || isUpdating_)
+        return;
+    if (std::ssize(state_.pendingInputs) < learningInterval_)
+        return;
+    isUpdating_ = true;
+    const auto first = state_.pendingInputs.begin();
+    std::vector<QString> samples(first, first + learningInterval_);
+    mainLoop_.post(lifetime_.guard(
+        [this, samples = std::move(samples)]() mutable { updates_.spawn(update(std::move(samples))); }));
+}
+
+async::Task<void> AdaptivePromptLearner::update(std::vector<QString> samples) {
+    const auto prompt = co_await learnedPrompt(std::move(samples));
+    if (prompt)
+        queue_->post([this, prompt = *prompt] { finish(prompt); });
+    else
+        queue_->post([this] { finishWithoutChange(); });
+}
+
+async::Task<std::optional<QString>> AdaptivePromptLearner::learnedPrompt(std::vector<QString> samples) {
+    if (!storageManager_.settings().enableLocalLearning)
+        co_return std::nullopt;
+    try {
+        const auto reply = co_await pollinationsService_.generateText(
+            adaptive_prompt::systemPrompt(), adaptive_prompt::userPrompt(samples), {}, maxTokens, temperature);
+        co_return adaptive_prompt::cleanedPrompt(reply);
+    } catch (const std::exception& error) {
+        log_.line(tag + "Failed to update system prompt: "_L1 + text::localizedDescription(error));
+    }
+    co_return std::nullopt;
+}
+
+void AdaptivePromptLearner::finish(const QString& prompt) {
+    mainLoop_.post(lifetime_.guard([this, prompt] { storePrompt(prompt); }));
+    auto& pending = state_.pendingInputs;
+    pending.erase(pending.begin(), pending.begin() + std::min<qsizetype>(learningInterval_, std::ssize(pending)));
+    state_.lastUpdatedAt = mainLoop_.wallTime();
+    isUpdating_ = false;
+    save();
+    evaluateUpdate();
+}
+
+void AdaptivePromptLearner::finishWithoutChange() {
+    isUpdating_ = false;
+    save();
+}
+
+void AdaptivePromptLearner::storePrompt(const QString& prompt) {
+    storageManager_.changeSettings([&](persistence::AppSettings& settings) {
+        settings.adaptiveSystemPrompt = prompt;
+        settings.adaptiveSystemPromptUpdatedAt = mainLoop_.wallTime();
+    });
+    storageManager_.saveSettings();
+}
+
+void AdaptivePromptLearner::save() {
+    const auto written = fileSystem_.write(stateURL_, text::compactJson(toJson(state_)));
+    if (!written)
+        log_.line(tag + "Failed to save state: "_L1 + written.error().description);
+}
+
+}  // namespace tavrelon::learning

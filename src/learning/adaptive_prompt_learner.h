@@ -1,0 +1,77 @@
+#pragma once
+
+#include <atomic>
+
+#include "async/lifetime.h"
+#include "async/task_scope.h"
+#include "generation/pollinations_service.h"
+#include "learning/input_recorder.h"
+#include "learning/learner_state.h"
+#include "persistence/history_manager.h"
+#include "persistence/storage_manager.h"
+#include "platform/serial_queue.h"
+
+namespace tavrelon::learning {
+
+/// Learns how the user writes: keeps what was typed or said, and has a model write a system prompt from it every
+/// `learningInterval` samples. The prompt goes into the settings. No failure reaches the user; samples stay for the
+/// next attempt.
+///
+/// Made, called and destroyed on the main thread. The samples and their file belong to the queue
+/// "tavrelon.adaptivePromptLearner", a thread that ends with this object once the recordings posted so far are stored.
+class AdaptivePromptLearner : public InputRecorder {
+ public:
+    /// Loads the state; a fresh installation starts with samples from the history. A state file that cannot be read is
+    /// logged, counts as none, and is overwritten at the next save. All services outlive the learner.
+    AdaptivePromptLearner(async::MainLoop& mainLoop, platform::FileSystem& fileSystem, platform::Log& log,
+                          platform::SerialQueues& queues, persistence::StorageManager& storageManager,
+                          generation::PollinationsService& pollinationsService,
+                          const persistence::HistoryManager& historyManager, qsizetype learningInterval);
+    AdaptivePromptLearner(const AdaptivePromptLearner&) = delete;
+    AdaptivePromptLearner& operator=(const AdaptivePromptLearner&) = delete;
+    ~AdaptivePromptLearner() override;
+
+    void recordInput(const QString& text) override;
+
+    /// Starts an update if enough samples wait for one. Returns at once.
+    void scheduleEvaluation();
+
+ private:
+    // On the calling thread, before the queue has its first block.
+    void load();
+    void seed(const persistence::HistoryManager& historyManager);
+
+    // On the queue.
+    void record(const QString& input);
+    void evaluateUpdate();
+    void finish(const QString& prompt);
+    void finishWithoutChange();
+    void save();
+
+    // On the main thread.
+    async::Task<void> update(std::vector<QString> samples);
+    async::Task<std::optional<QString>> learnedPrompt(std::vector<QString> samples);
+    void storePrompt(const QString& prompt);
+
+    async::MainLoop& mainLoop_;
+    platform::FileSystem& fileSystem_;
+    platform::Log& log_;
+    persistence::StorageManager& storageManager_;
+    generation::PollinationsService& pollinationsService_;
+    qsizetype learningInterval_;
+    QString stateURL_;
+
+    LearnerState state_;
+    bool isUpdating_ = false;
+
+    // The settings belong to the main thread, but the queue asks whether learning is on at the moment of its work. This
+    // copy follows every change of them.
+    std::atomic<bool> learningEnabled_;
+    persistence::ChangeSubscription settingsSubscription_;
+
+    async::TaskScope updates_;
+    async::Lifetime lifetime_;
+    std::unique_ptr<platform::SerialQueue> queue_;  ///< ends first: its blocks refer to all of the above
+};
+
+}  // namespace tavrelon::learning

@@ -1,0 +1,29 @@
+#include "learning/learner_state.h"
+
+namespace tavrelon::learning {
+
+text::Json toJson(const LearnerState& state) {
+    auto samples = text::Json::array();
+    for (const auto& sample : state.pendingInputs)
+        samples.push_back(text::toJson(sample));
+    auto json = text::Json::object();
+    json["pendingInputs"] = std::move(samples);
+    if (state.lastUpdatedAt)
+        json["lastUpdatedAt"] = text::secondsSinceReferenceDate(*state.lastUpdatedAt);
+    return json;
+}
+
+LearnerState learnerStateFrom(const text::Json& json) {
+    const auto& samples = text::required(json, "pendingInputs");
+    if (!samples.is_array())
+        throw text::JsonError(
+            QStringLiteral("Expected an array but found %1 instead.").arg(QLatin1StringView(samples.type_name())));
+    LearnerState state;
+    for (const auto& sample : samples)
+        state.pendingInputs.push_back(text::stringFrom(sample));
+    if (const auto* date = text::find(json, "lastUpdatedAt"))
+        state.lastUpdatedAt = text::dateFrom(*date);
+    return state;
+}
+
+}  // namespace tavrelon::learning

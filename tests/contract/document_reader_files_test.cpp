@@ -1,0 +1,168 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <csignal>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "desktop/documents/document_process_reader.h"
+#include "desktop/qt/qt_main_loop.h"
+#include "support/qt_gtest.h"
+#include "support/run_task_on_qt.h"
+
+namespace tavrelon::desktop {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using platform::DocumentError;
+using platform::DocumentFormat;
+using Text = platform::DocumentReader::Text;
+
+namespace {
+
+/// A PDF with one page for each text; an empty text gives an empty page.
+QByteArray pdf(const QList<QByteArray>& pages, const QByteArray& trailerEntries = {}) {
+    QList<QByteArray> objects{
+        "<< /Type /Catalog /Pages 2 0 R >>", {}, "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>"};
+    QByteArray kids;
+    for (const auto& text : pages) {
+        const auto page = QByteArray::number(objects.size() + 1);
+        const auto content = QByteArray::number(objects.size() + 2);
+        kids += page + " 0 R ";
+        objects << "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 600 800] /Resources << /Font << /F 3 0 R >> >> "
+                   "/Contents " +
+                       content + " 0 R >>";
+        const auto drawing = text.isEmpty() ? QByteArray() : "BT /F 12 Tf 50 700 Td (" + text + ") Tj ET";
+        objects << "<< /Length " + QByteArray::number(drawing.size()) + " >>\nstream\n" + drawing + "\nendstream";
+    }
+    objects[1] = "<< /Type /Pages /Kids [" + kids + "] /Count " + QByteArray::number(pages.size()) + " >>";
+
+    QByteArray file = "%PDF-1.4\n";
+    QByteArray table = "0000000000 65535 f \n";
+    for (qsizetype number = 1; number <= objects.size(); ++number) {
+        table += QByteArray::number(file.size()).rightJustified(10, '0') + " 00000 n \n";
+        file += QByteArray::number(number) + " 0 obj\n" + objects[number - 1] + "\nendobj\n";
+    }
+    const auto start = QByteArray::number(file.size());
+    const auto size = QByteArray::number(objects.size() + 1);
+    return file + "xref\n0 " + size + "\n" + table + "trailer\n<< /Size " + size + " /Root 1 0 R " + trailerEntries +
+           " >>\nstartxref\n" + start + "\n%%EOF\n";
+}
+
+class DocumentFiles : public ::testing::Test {
+ public:
+    QtMainLoop loop;
+    QTemporaryDir directory;
+    DocumentProcessReader reader{loop, QStringLiteral(DOCUMENT_READER)};
+    DocumentProcessReader hasty{loop, QStringLiteral(DOCUMENT_READER), 4s};
+
+    QString put(const QString& name, const QByteArray& content) {
+        QFile file(directory.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        return file.fileName();
+    }
+    Text read(const QString& path, DocumentFormat format) { return runTaskOnQt(loop, reader.readFile(path, format)); }
+
+    /// A program that stands in for the document process.
+    QString program(const QByteArray& script) {
+        const auto path = put(u"program"_s, "#!/bin/sh\n" + script);
+        EXPECT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner));
+        return path;
+    }
+    void expectUnsupported(const Text& text) {
+        ASSERT_FALSE(text) << text->size();
+        EXPECT_EQ(text.error().code, DocumentError::Code::Unsupported);
+    }
+    /// A hostile document costs at most the limit and then gives some of its text or is refused.
+    void expectBounded(const QString& path, DocumentFormat format) {
+        QElapsedTimer timer;
+        timer.start();
+        const auto text = runTaskOnQt(loop, hasty.readFile(path, format));
+        EXPECT_LT(timer.elapsed(), 15'000);
+        if (text)
+            EXPECT_LE(text->size(), platform::DocumentReader::textCap);
+        else
+            expectUnsupported(text);
+    }
+};
+
+}  // namespace
+
+TEST_F(DocumentFiles, APdfGivesTheTextOfItsPages) {
+    EXPECT_EQ(read(put(u"a.pdf"_s, pdf({"First page", "", "Third (page\\)"})), DocumentFormat::Pdf), QString());
+}
+
+TEST_F(DocumentFiles, APdfThatIsLockedOrBrokenIsUnsupported) {
+    const QByteArray lock = "/ID [<00><00>] /Encrypt << /Filter /Standard /V 1 /R 2 /P -4 /O <" +
+                            QByteArray("ab").repeated(32) + "> /U <" + QByteArray("cd").repeated(32) + "> >>";
+    expectUnsupported(read(put(u"locked.pdf"_s, pdf({"secret"}, lock)), DocumentFormat::Pdf));
+    expectUnsupported(read(put(u"empty.pdf"_s, {}), DocumentFormat::Pdf));
+    const auto whole = pdf({"some text"});
+    for (qsizetype length = 0; length < whole.size(); length += 97)
+        expectBounded(put(u"cut.pdf"_s, whole.first(length)), DocumentFormat::Pdf);
+}
+
+TEST_F(DocumentFiles, APdfOfThousandsOfPagesIsReadWithinBounds) {
+    const QByteArray words = QByteArray("All work and no play. ").repeated(20);
+    expectBounded(put(u"long.pdf"_s, pdf(QList<QByteArray>(5'000, words))), DocumentFormat::Pdf);
+}
+
+TEST_F(DocumentFiles, HtmlIsReadWithoutOpeningWhatItRefersTo) {
+    const auto pipe = directory.filePath(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(qPrintable(pipe), 0600), 0);  // who opens it waits for ever
+    const auto page =
+        u"<html><head><title>T</title><link rel=stylesheet type='text/css' href='file://%1'>"
+        "<style>@import url('%1'); p{color:red}</style><script>alert('x')</script></head>"
+        "<body><p>Grüße<br>an&nbsp;<b>alle</b></p><img src='file://%1'><img src='%1'><ul><li>one</ul>"_s.arg(pipe);
+    EXPECT_EQ(read(put(u"a.html"_s, page.toUtf8()), DocumentFormat::Html), u"Grüße\nan alle\n\none"_s);
+    EXPECT_EQ(read(put(u"a.htm"_s, "<meta charset=gbk><p>\xc4\xe3\xba\xc3"), DocumentFormat::Html), u"你好"_s);
+    EXPECT_EQ(read(put(u"empty.html"_s, {}), DocumentFormat::Html), QString());
+}
+
+TEST_F(DocumentFiles, HostileHtmlCostsABoundedTime) {
+    expectBounded(put(u"deep.html"_s, QByteArray("<div>").repeated(100'000) + "text"), DocumentFormat::Html);
+    expectBounded(put(u"tables.html"_s, QByteArray("<table><tr><td>").repeated(100'000)), DocumentFormat::Html);
+    expectBounded(put(u"large.html"_s, QByteArray("<p>some words in a paragraph</p>\n").repeated(1'600'000)),
+                  DocumentFormat::Html);
+}
+
+TEST_F(DocumentFiles, RtfIsReadFromAFileOrFromItsFolder) {
+    EXPECT_EQ(read(put(u"a.rtf"_s, "{\\rtf1\\ansi Dear \\u20320?}"), DocumentFormat::Rtf), u"Dear 你"_s);
+    ASSERT_TRUE(QDir(directory.path()).mkdir(u"b.rtfd"_s));
+    put(u"b.rtfd/TXT.rtf"_s, "{\\rtf1 inside}");
+    EXPECT_EQ(read(directory.filePath(u"b.rtfd"_s), DocumentFormat::Rtf), u"inside"_s);
+    expectUnsupported(read(put(u"c.rtf"_s, "not RTF"), DocumentFormat::Rtf));
+}
+
+TEST_F(DocumentFiles, WhatIsNoReadableFileIsToldWithItsPath) {
+    const auto folder = read(directory.path(), DocumentFormat::PlainText);
+    ASSERT_FALSE(folder);
+    EXPECT_EQ(folder.error().description, directory.path() + u": Is a directory"_s);
+    EXPECT_EQ(read(u"relative.txt"_s, DocumentFormat::PlainText).error().code, DocumentError::Code::Unreadable);
+    const auto closed = put(u"closed.txt"_s, "text");
+    QFile::setPermissions(closed, {});
+    const auto text = read(closed, DocumentFormat::PlainText);
+    EXPECT_TRUE(text || text.error().description == closed + u": Permission denied"_s)
+        << "an administrator may read it";
+}
+
+TEST_F(DocumentFiles, AProcessThatMisbehavesIsEndedAndItsDocumentUnsupported) {
+    const auto run = [&](const QString& path) {
+        DocumentProcessReader other(loop, path, 1s);
+        return runTaskOnQt(loop, other.importHtml(QByteArray(5'000'000, 'x')));
+    };
+    const auto pidFile = directory.filePath(u"pid"_s).toUtf8();
+    expectUnsupported(run(program("echo $$ > " + pidFile + "; exec sleep 1000")));
+    QFile written(directory.filePath(u"pid"_s));
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_NE(::kill(written.readAll().trimmed().toInt(), 0), 0) << "the process lives on";
+    expectUnsupported(run(program("kill -SEGV $$")));
+    expectUnsupported(run(program("exec yes")));
+    expectUnsupported(run(program("exit 77")));
+    expectUnsupported(run(directory.filePath(u"missing program"_s)));
+}
+
+}  // namespace tavrelon::desktop
