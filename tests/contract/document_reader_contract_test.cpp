@@ -40,7 +40,7 @@ class DocumentReaderContract : public ::testing::TestWithParam<Kind> {
         return path(name);
     }
     DocumentReader::Text read(const QString& file, DocumentFormat format) {
-        return runTaskOnQt(loop, reader().readFile(file, format));
+        return testing::runTaskOnQt(loop, reader().readFile(file, format));
     }
 };
 
@@ -75,8 +75,8 @@ TEST_P(DocumentReaderContract, WhatIsNoDocumentOfItsFormatIsUnsupported) {
 }
 
 TEST_P(DocumentReaderContract, MarkupGivesWhatStandsBetweenTheTags) {
-    const auto text = runTaskOnQt(loop, reader().importHtml("<p>Gr\xc3\xbc\xc3\x9f"
-                                                            "e <b>an</b> alle</p>"));
+    const auto text = testing::runTaskOnQt(loop, reader().importHtml("<p>Gr\xc3\xbc\xc3\x9f"
+                                                                     "e <b>an</b> alle</p>"));
     EXPECT_EQ(text, u"Grüße an alle"_s);
 }
 

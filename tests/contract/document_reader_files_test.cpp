@@ -57,14 +57,16 @@ class DocumentFiles : public ::testing::Test {
     QtMainLoop loop;
     QTemporaryDir directory;
     DocumentProcessReader reader{loop, QStringLiteral(DOCUMENT_READER)};
-    DocumentProcessReader hasty{loop, QStringLiteral(DOCUMENT_READER), 4s};
+    DocumentProcessReader hasty{loop, QStringLiteral(DOCUMENT_READER), 2s};
 
     QString put(const QString& name, const QByteArray& content) {
         QFile file(directory.filePath(name));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
         return file.fileName();
     }
-    Text read(const QString& path, DocumentFormat format) { return runTaskOnQt(loop, reader.readFile(path, format)); }
+    Text read(const QString& path, DocumentFormat format) {
+        return testing::runTaskOnQt(loop, reader.readFile(path, format));
+    }
 
     /// A program that stands in for the document process.
     QString program(const QByteArray& script) {
@@ -80,7 +82,7 @@ class DocumentFiles : public ::testing::Test {
     void expectBounded(const QString& path, DocumentFormat format) {
         QElapsedTimer timer;
         timer.start();
-        const auto text = runTaskOnQt(loop, hasty.readFile(path, format));
+        const auto text = testing::runTaskOnQt(loop, hasty.readFile(path, format));
         EXPECT_LT(timer.elapsed(), 15'000);
         if (text)
             EXPECT_LE(text->size(), platform::DocumentReader::textCap);
@@ -92,7 +94,11 @@ class DocumentFiles : public ::testing::Test {
 }  // namespace
 
 TEST_F(DocumentFiles, APdfGivesTheTextOfItsPages) {
-    EXPECT_EQ(read(put(u"a.pdf"_s, pdf({"First page", "", "Third (page\\)"})), DocumentFormat::Pdf), QString());
+    const auto text = read(put(u"a.pdf"_s, pdf({"First page", "", "Third \\(page\\)"})), DocumentFormat::Pdf);
+    ASSERT_TRUE(text);
+    EXPECT_EQ(text->simplified(), u"First page Third (page)"_s);
+    EXPECT_TRUE(text->endsWith(u'\n'));
+    EXPECT_EQ(read(put(u"none.pdf"_s, pdf({})), DocumentFormat::Pdf), QString());
 }
 
 TEST_F(DocumentFiles, APdfThatIsLockedOrBrokenIsUnsupported) {
@@ -117,7 +123,7 @@ TEST_F(DocumentFiles, HtmlIsReadWithoutOpeningWhatItRefersTo) {
         u"<html><head><title>T</title><link rel=stylesheet type='text/css' href='file://%1'>"
         "<style>@import url('%1'); p{color:red}</style><script>alert('x')</script></head>"
         "<body><p>Grüße<br>an&nbsp;<b>alle</b></p><img src='file://%1'><img src='%1'><ul><li>one</ul>"_s.arg(pipe);
-    EXPECT_EQ(read(put(u"a.html"_s, page.toUtf8()), DocumentFormat::Html), u"Grüße\nan alle\n\none"_s);
+    EXPECT_EQ(read(put(u"a.html"_s, page.toUtf8()), DocumentFormat::Html), u"Grüße\nan alle\none"_s);
     EXPECT_EQ(read(put(u"a.htm"_s, "<meta charset=gbk><p>\xc4\xe3\xba\xc3"), DocumentFormat::Html), u"你好"_s);
     EXPECT_EQ(read(put(u"empty.html"_s, {}), DocumentFormat::Html), QString());
 }
@@ -152,7 +158,7 @@ TEST_F(DocumentFiles, WhatIsNoReadableFileIsToldWithItsPath) {
 TEST_F(DocumentFiles, AProcessThatMisbehavesIsEndedAndItsDocumentUnsupported) {
     const auto run = [&](const QString& path) {
         DocumentProcessReader other(loop, path, 1s);
-        return runTaskOnQt(loop, other.importHtml(QByteArray(5'000'000, 'x')));
+        return testing::runTaskOnQt(loop, other.importHtml(QByteArray(5'000'000, 'x')));
     };
     const auto pidFile = directory.filePath(u"pid"_s).toUtf8();
     expectUnsupported(run(program("echo $$ > " + pidFile + "; exec sleep 1000")));

@@ -11,9 +11,7 @@
 namespace tavrelon::learning {
 
 using namespace Qt::StringLiterals;
-using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::StartsWith;
 
 class AdaptivePromptLearnerTest : public testing::GatewayFixture {
  public:
@@ -78,7 +76,7 @@ TEST_F(AdaptivePromptLearnerTest, TheFortiethSampleStartsOneUpdateWithExactlyFor
     EXPECT_EQ(prompt(), u"Write briefly."_s);
     EXPECT_EQ(http.requests().size(), 2U) << "what was recorded meanwhile is enough for another update at once";
     EXPECT_TRUE(heard(1).contains(u"Input 40: later 40"_s));
-    EXPECT_FALSE(heard(1).contains(u"input"_s));
+    EXPECT_FALSE(heard(1).contains(u": input "_s));
     loop.advance(std::chrono::seconds(6));
     EXPECT_EQ(prompt(), u"Be terse."_s);
     EXPECT_THAT(stored().pendingInputs,
@@ -215,8 +213,8 @@ TEST_F(AdaptivePromptLearnerTest, AFaultyStateFileIsLoggedAndGoesWithTheNextSave
         log.clear();
         files.put(statePath, document);
         start();
-        ASSERT_THAT(log.lines(), ElementsAre(StartsWith(u"[AdaptivePrompt] Failed to load state: "_s)))
-            << document.left(200).toStdString();
+        ASSERT_EQ(log.lines().size(), 1) << document.left(200).toStdString();
+        ASSERT_TRUE(log.lines().front().startsWith(u"[AdaptivePrompt] Failed to load state: "_s));
         ASSERT_EQ(files.content(statePath), document);
     }
     record(u"input"_s, 1, 1);
@@ -230,7 +228,7 @@ TEST_F(AdaptivePromptLearnerTest, AFaultyStateFileIsLoggedAndGoesWithTheNextSave
 
 TEST_F(AdaptivePromptLearnerTest, AFolderThatCannotBeWrittenCostsALogLineEachTime) {
     files.refuse(statePath);
-    start();
+    start(10);
     record(u"input"_s, 1, 2);
     const auto line = u"[AdaptivePrompt] Failed to save state: "_s + statePath + u": refused"_s;
     EXPECT_EQ(learnerLines(), (QStringList{line, line}));

@@ -10,7 +10,7 @@ namespace {
 std::optional<QString> decoded(QByteArrayView bytes, QStringConverter::Encoding encoding) {
     QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
     QString text = decoder(bytes);
-    if (decoder.hasError() || text.contains(QChar::Null))
+    if (decoder.hasError() || !text.isValidUtf16() || text.contains(QChar::Null))
         return std::nullopt;
     return text;
 }
