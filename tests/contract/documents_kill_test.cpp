@@ -19,6 +19,7 @@
 #include "support/fake_http_session.h"
 #include "support/qt_gtest.h"
 #include "support/recording_log.h"
+#include "support/virtual_main_loop.h"
 
 namespace tavrelon {
 
