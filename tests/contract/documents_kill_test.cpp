@@ -46,7 +46,7 @@ class Keepers {
         history.addEntry({.id = QUuid::createUuid(), .inputText = text, .outputText = text});
     }
 
-    static QString version(unsigned number) { return QString(1'000, QChar(u'a' + number % 26)); }
+    static QString version(unsigned number) { return QString(300, QChar(u'a' + number % 26)); }
 
  private:
     testing::VirtualMainLoop loop_;
@@ -93,7 +93,7 @@ pid_t startProgram(const QString& folder, unsigned first) {
 void expectWhole(const Keepers& keepers, unsigned kill) {
     ASSERT_EQ(keepers.log.lines(), QStringList()) << "after kill " << kill;
     const auto& settings = keepers.storage.settings();
-    ASSERT_EQ(settings.cloneSystemPrompt.size(), 1'000) << "the settings fell back to their defaults, kill " << kill;
+    ASSERT_EQ(settings.cloneSystemPrompt.size(), 300) << "the settings fell back to their defaults, kill " << kill;
     ASSERT_EQ(settings.cloneSystemPrompt, settings.cloneLanguageStyle);
     ASSERT_FALSE(keepers.history.entries().empty());
     for (const auto& entry : keepers.history.entries())
