@@ -6,12 +6,12 @@
 #include "app/app_delegate.h"
 #include "desktop/atspi/atspi_accessibility.h"
 #include "desktop/documents/document_process_reader.h"
+#include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/directory_defaults_store.h"
 #include "desktop/linux/posix_file_system.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/linux/termination_signals.h"
 #include "desktop/linux/thread_serial_queue.h"
-#include "desktop/linux/unavailable_services.h"
 #include "desktop/linux/user_folders.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
@@ -19,6 +19,8 @@
 #include "desktop/x11/x11_event_tap.h"
 #include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_pasteboard.h"
+#include "desktop/x11/x11_screen_capture.h"
+#include "desktop/x11/x11_terminal_shortcuts.h"
 #include "desktop/x11/x11_workspace.h"
 
 namespace {
@@ -31,6 +33,7 @@ struct Essentials {
     std::unique_ptr<desktop::X11Workspace> workspace;
     std::unique_ptr<desktop::X11Pasteboard> pasteboard;
     std::unique_ptr<desktop::X11KeyPoster> keyPoster;
+    std::unique_ptr<desktop::X11ScreenCapture> screenCapture;
 };
 
 std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::Log& log,
@@ -44,10 +47,17 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
     auto pasteboard = desktop::X11Pasteboard::create(loop, log);
     if (!pasteboard)
         return std::unexpected(pasteboard.error());
-    auto keyPoster = desktop::X11KeyPoster::open(loop, posted);
+    auto shortcuts = desktop::X11TerminalShortcuts::create(loop, log, **pasteboard);
+    if (!shortcuts)
+        return std::unexpected(shortcuts.error());
+    auto keyPoster = desktop::X11KeyPoster::open(loop, posted, *std::move(shortcuts));
     if (!keyPoster)
         return std::unexpected(keyPoster.error());
-    return Essentials{*std::move(folders), *std::move(workspace), *std::move(pasteboard), *std::move(keyPoster)};
+    auto screenCapture = desktop::X11ScreenCapture::create(loop, log, **workspace);
+    if (!screenCapture)
+        return std::unexpected(screenCapture.error());
+    return Essentials{*std::move(folders), *std::move(workspace), *std::move(pasteboard), *std::move(keyPoster),
+                      *std::move(screenCapture)};
 }
 
 }  // namespace
@@ -69,9 +79,8 @@ int main(int argc, char** argv) {
     }
     desktop::AtspiAccessibility accessibility(*essentials->workspace, loop, log);
     desktop::X11EventTap eventTap(loop, log, posted);
-    desktop::UnavailableInputSource inputSource(log);
-    desktop::UnavailableScreenCapture screenCapture(log);
-    desktop::QtImageCodec imageCodec;
+    desktop::DBusInputSource inputSource(loop);
+    desktop::QtImageCodec imageCodec(loop);
     desktop::QtHttpSession httpSession(loop);
     desktop::PosixFileSystem fileSystem;
     desktop::ThreadSerialQueues serialQueues;
@@ -86,7 +95,7 @@ int main(int argc, char** argv) {
                                 *essentials->pasteboard,
                                 *essentials->workspace,
                                 inputSource,
-                                screenCapture,
+                                *essentials->screenCapture,
                                 imageCodec,
                                 httpSession,
                                 defaultsStore,

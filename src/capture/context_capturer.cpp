@@ -18,8 +18,8 @@ async::Task<CapturedContext> ContextCapturer::captureContext(QString inputBuffer
     async::Concurrent selection(selectedText(), own);
     async::Concurrent title(focusedWindowTitle(), own);
     CapturedContext context;
-    // Without the right to capture screens the request goes on without a picture.
-    (void)wish;
+    if (wish == ScreenshotWish::Include)
+        context.screenshotData = co_await screenshotOrNothing();
     context.inputBuffer = std::move(inputBuffer);
     context.selection = co_await std::move(selection);
     context.windowTitle = co_await std::move(title);

@@ -14,15 +14,15 @@ enum class ScreenshotMode { focusedWindow, fullScreen, none };
 /// Whether a capture may take a screenshot.
 enum class ScreenshotWish { Include, LeaveOut };
 
-/// Tells what the user is looking at: application, window title, selection, the text of the focused field. Main thread.
-/// Nothing throws; what cannot be read is absent, with at most a log line.
+/// Tells what the user is looking at: application, window title, selection, the text of the focused field, a picture.
+/// Main thread. What cannot be read is absent, with at most a log line; only the captures of pictures throw.
 class ContextCapturer {
  public:
     explicit ContextCapturer(platform::Platform& platform);
 
     ScreenshotMode screenshotMode = ScreenshotMode::focusedWindow;
-    double screenshotQuality = 0.7;
-    double maxScreenshotWidth = 1920;
+    double screenshotQuality = 0.7;    ///< JPEG compression factor, 0 to 1
+    double maxScreenshotWidth = 1920;  ///< pixels; for frames of a video, while a request's picture keeps its size
 
     /// The context of a request; it names the application that was in front when the capture began.
     async::Task<CapturedContext> captureContext(QString inputBuffer, ScreenshotWish wish);
@@ -41,7 +41,22 @@ class ContextCapturer {
         return clipboardSelection_.read(selectAll);
     }
 
+    /// A picture by `screenshotMode`, as JPEG; absent without the right to capture. Throws what the platform reports.
+    async::Task<std::optional<QByteArray>> captureScreenshot();
+
+    /// The first window of the frontmost application, or the first display where it has none on screen. Throws what the
+    /// platform reports.
+    async::Task<std::optional<platform::Image>> captureFocusedWindowImage();
+    async::Task<std::optional<platform::Image>> captureFullScreenImage();
+
+    /// JPEG with `screenshotQuality`.
+    async::Task<std::optional<QByteArray>> encodeJPEG(platform::Image image);
+
+    /// The image at `maxWidth` with its aspect kept; absent where it is no wider.
+    async::Task<std::optional<platform::Image>> scaledImage(platform::Image image, double maxWidth);
+
  private:
+    async::Task<std::optional<QByteArray>> screenshotOrNothing();
     std::optional<AccessibilityTextSnapshot> snapshotOf(const platform::AXElement& element);
     std::optional<text::Utf16Range> selectedRangeOf(const platform::AXElement& element);
     std::optional<QString> valueOf(const platform::AXElement& element);

@@ -54,18 +54,25 @@ async::Task<QString> CloneService::scrapeContent(QString page) {
     page = text::trimmed(page);
     if (page.isEmpty())
         throw CloneServiceError(Code::invalidResponse);
-    try {
-        co_return co_await scrapedText(page, clone_scrape::fullAttempt);
-    } catch (const async::CancellationError&) {
-        throw;
-    } catch (const std::exception&) {  // whatever it was, a lighter attempt may do
-    }
+    if (auto text = co_await firstScrape(page))
+        co_return *std::move(text);
     try {
         co_return co_await scrapedText(page, clone_scrape::lightAttempt);
     } catch (const TransportError& error) {
         if (error.code() == HttpCode::TimedOut)
             throw CloneServiceError(Code::scrapeTimeout);
         throw;
+    }
+}
+
+/// Whatever goes wrong here, a lighter attempt may do.
+async::Task<std::optional<QString>> CloneService::firstScrape(QString page) {
+    try {
+        co_return co_await scrapedText(std::move(page), clone_scrape::fullAttempt);
+    } catch (const async::CancellationError&) {
+        throw;
+    } catch (const std::exception&) {
+        co_return std::nullopt;
     }
 }
 

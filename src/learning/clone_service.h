@@ -35,6 +35,7 @@ class CloneService {
 
  private:
     async::Task<QString> scrapeContent(QString page);
+    async::Task<std::optional<QString>> firstScrape(QString page);
     async::Task<QString> scrapedText(QString page, const clone_scrape::Attempt& attempt);
     async::Task<platform::HttpResponse> exchange(platform::HttpRequest request);
     async::Task<CloneProfile> learnProfile(QString samples);

@@ -47,6 +47,9 @@ QString axTypeName(const AXValue& value) {
         QString operator()(const AXAttributedString&) const { return QStringLiteral("attributed string"); }
         QString operator()(const text::Utf16Range&) const { return QStringLiteral("range"); }
         QString operator()(const AXElement&) const { return QStringLiteral("element"); }
+        QString operator()(const AXPoint&) const { return QStringLiteral("point"); }
+        QString operator()(const AXSize&) const { return QStringLiteral("size"); }
+        QString operator()(const AXRect&) const { return QStringLiteral("rectangle"); }
         QString operator()(const AXOtherValue& other) const { return other.typeName; }
     };
     return std::visit(Visitor{}, value);

@@ -42,6 +42,9 @@ enum class AXAttribute {
     SelectedTextRange,         ///< a range in UTF-16 units of Value, whatever the toolkit counts in
     Value,                     ///< the whole text
     AttributedStringForRange,  ///< parameterised by a range in UTF-16 units: a string
+    BoundsForRange,            ///< parameterised likewise: the rectangle of the text, or of the caret of an empty range
+    Position,                  ///< the upper left corner of the element: a point
+    Size,                      ///< of the element: a size
 };
 
 /// A handle to an element of some application. It stays valid as a value when the element is gone; calls then answer
@@ -62,6 +65,25 @@ struct AXAttributedString {
     bool operator==(const AXAttributedString&) const = default;
 };
 
+/// Places and sizes in pixels of the screen, from its upper left corner.
+struct AXPoint {
+    double x = 0;
+    double y = 0;
+    bool operator==(const AXPoint&) const = default;
+};
+struct AXSize {
+    double width = 0;
+    double height = 0;
+    bool operator==(const AXSize&) const = default;
+};
+struct AXRect {
+    AXPoint origin;
+    AXSize size;
+    bool operator==(const AXRect&) const = default;
+
+    bool isEmpty() const { return !(size.width > 0 && size.height > 0); }
+};
+
 /// A value of a type that no caller understands.
 struct AXOtherValue {
     QString typeName;
@@ -69,7 +91,8 @@ struct AXOtherValue {
 };
 
 /// `monostate` is a value that is present but empty.
-using AXValue = std::variant<std::monostate, QString, AXAttributedString, text::Utf16Range, AXElement, AXOtherValue>;
+using AXValue = std::variant<std::monostate, QString, AXAttributedString, text::Utf16Range, AXElement, AXPoint, AXSize,
+                             AXRect, AXOtherValue>;
 
 /// The value's type, for log lines.
 QString axTypeName(const AXValue& value);

@@ -3,17 +3,25 @@
 #include <QByteArray>
 #include <optional>
 
+#include "async/task.h"
+#include "platform/image.h"
 #include "platform/pasteboard.h"
 
 namespace tavrelon::platform {
 
-/// Decodes pictures. Main thread.
+/// Decodes, encodes and scales pictures. Main thread; what returns a task works on another one.
 class ImageCodec {
  public:
     virtual ~ImageCodec() = default;
 
     /// The picture in the forms that applications paste, the best first; absent when the bytes are no picture.
     virtual std::optional<PasteboardItem> pasteboardItem(const QByteArray& image) = 0;
+
+    /// The picture as JPEG; `quality` goes from 0 to 1. Absent when it cannot be encoded.
+    virtual async::Task<std::optional<QByteArray>> jpegRepresentation(Image image, double quality) = 0;
+
+    /// The picture at another size, filtered. Absent when there is no such size or no memory for it.
+    virtual async::Task<std::optional<Image>> scaled(Image image, int width, int height) = 0;
 };
 
 }  // namespace tavrelon::platform

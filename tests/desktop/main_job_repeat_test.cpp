@@ -89,7 +89,7 @@ TEST(MainJobRepeat, EveryFieldIsExactlyRight) {
         sinceAnswer.start();
         const auto expected = before + *answer.content + after;
         ASSERT_EQ(editor.saved(expected), expected) << "round " << round << ", typed " << typed.toStdString() << "\n"
-            << qPrintable(tavrelon.log());
+                                                    << qPrintable(tavrelon.log());
         while (std::chrono::milliseconds(sinceAnswer.elapsed()) < untilIdle)
             QThread::msleep(20);
     }

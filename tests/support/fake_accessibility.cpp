@@ -117,6 +117,14 @@ FakeAccessibility::Result FakeAccessibility::ofField(const AXElement& element, A
             return field->selection;
         case AXAttribute::SelectedText:
             return field->value.mid(field->selection.location, field->selection.length);
+        case AXAttribute::Position:
+            if (fieldFrame)
+                return fieldFrame->origin;
+            return std::unexpected(AXError::AttributeUnsupported);
+        case AXAttribute::Size:
+            if (fieldFrame)
+                return fieldFrame->size;
+            return std::unexpected(AXError::AttributeUnsupported);
         default:
             return std::unexpected(AXError::AttributeUnsupported);
     }
@@ -127,12 +135,16 @@ FakeAccessibility::Result FakeAccessibility::copyParameterizedAttribute(const AX
     record({Call::Operation::CopyParameterized, element, attribute, range, {}});
     if (auto result = scripted(element, attribute))
         return *result;
-    if (element.kind != Kind::Object || attribute != AXAttribute::AttributedStringForRange)
+    const bool isKnown =
+        attribute == AXAttribute::AttributedStringForRange || (attribute == AXAttribute::BoundsForRange && caretBounds);
+    if (element.kind != Kind::Object || !isKnown)
         return std::unexpected(AXError::ParameterizedAttributeUnsupported);
     if (!field || element != fieldElement())
         return std::unexpected(AXError::InvalidUIElement);
     if (range.location < 0 || range.length < 0 || range.location > field->value.size())
         return std::unexpected(AXError::IllegalArgument);
+    if (attribute == AXAttribute::BoundsForRange)
+        return *caretBounds;
     return AXAttributedString{field->value.mid(range.location, range.length)};
 }
 

@@ -39,6 +39,8 @@ class FakeAccessibility : public platform::Accessibility {
     std::optional<qint64> frontmostProcess = 4711;     ///< absent: no application is in front
     std::optional<QString> windowTitle;                ///< absent: the window gives no title
     std::optional<Field> field;                        ///< absent: nothing that holds text has the focus
+    std::optional<platform::AXRect> caretBounds;       ///< absent: the field does not tell where its text is
+    std::optional<platform::AXRect> fieldFrame;        ///< absent: nor where it is itself
     AXError setSelectedTextResult = AXError::Success;  ///< any other refuses the text and leaves the field alone
     std::function<void(const Call&)> beforeCall;       ///< runs first in every call, and may change everything here
 

@@ -5,8 +5,11 @@
 #include "support/fake_document_reader.h"
 #include "support/fake_event_tap.h"
 #include "support/fake_http_session.h"
+#include "support/fake_image_codec.h"
+#include "support/fake_input_source.h"
 #include "support/fake_key_poster.h"
 #include "support/fake_pasteboard.h"
+#include "support/fake_screen_capture.h"
 #include "support/fake_serial_queue.h"
 #include "support/fake_workspace.h"
 #include "support/memory_defaults_store.h"
@@ -16,28 +19,6 @@
 #include "support/virtual_main_loop.h"
 
 namespace tavrelon::testing {
-
-class FakeInputSource : public platform::InputSource {
- public:
-    bool active = false;
-    bool isInputMethodActive() override { return active; }
-};
-
-class FakeScreenCapture : public platform::ScreenCapture {
- public:
-    bool permitted = false;
-    bool preflightAccess() override { return permitted; }
-};
-
-/// Takes every picture that starts with "picture" for one.
-class FakeImageCodec : public platform::ImageCodec {
- public:
-    std::optional<platform::PasteboardItem> pasteboardItem(const QByteArray& image) override {
-        if (!image.startsWith("picture"))
-            return std::nullopt;
-        return platform::PasteboardItem{{{QStringLiteral("image/png"), image}}};
-    }
-};
 
 /// A whole desktop of fakes on virtual time, with an editor in front.
 struct TestDesktop {

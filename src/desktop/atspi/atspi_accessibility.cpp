@@ -4,6 +4,7 @@
 
 #include "desktop/atspi/atspi_focus_finder.h"
 #include "desktop/atspi/chain.h"
+#include "desktop/atspi/field_places.h"
 #include "desktop/atspi/field_writer.h"
 
 namespace tavrelon::desktop {
@@ -132,6 +133,8 @@ const AtspiAccessibility::Contents& AtspiAccessibility::contentsOf(const ObjectR
 }
 
 AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element, AXAttribute attribute) {
+    if (attribute == AXAttribute::Position || attribute == AXAttribute::Size)
+        return frameOf(referenceOf(element), attribute);
     if (attribute != AXAttribute::Value && attribute != AXAttribute::SelectedText &&
         attribute != AXAttribute::SelectedTextRange)
         return std::unexpected(AXError::AttributeUnsupported);
@@ -149,6 +152,8 @@ AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element,
 
 AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const AXElement& element,
                                                                           AXAttribute attribute, Utf16Range range) {
+    if (element.kind == Kind::Object && attribute == AXAttribute::BoundsForRange)
+        return boundsOf(referenceOf(element), range);
     if (element.kind != Kind::Object || attribute != AXAttribute::AttributedStringForRange)
         return std::unexpected(AXError::ParameterizedAttributeUnsupported);
     const auto& contents = contentsOf(referenceOf(element));
@@ -159,6 +164,25 @@ AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const 
     if (range.location < 0 || range.length < 0 || range.location > contents->value.size())
         return std::unexpected(AXError::IllegalArgument);
     return AXAttributedString{contents->value.mid(range.location, range.length)};
+}
+
+AtspiAccessibility::Result AtspiAccessibility::frameOf(const ObjectReference& field, AXAttribute attribute) {
+    atspi::AtspiCalls calls(tracker_, turn().allowance);
+    const auto frame = atspi::FieldPlaces(calls, directory_).frameOf(field);
+    return atspi::mapped(frame, [attribute](const platform::AXRect& rectangle) -> platform::AXValue {
+        if (attribute == AXAttribute::Position)
+            return rectangle.origin;
+        return rectangle.size;
+    });
+}
+
+AtspiAccessibility::Result AtspiAccessibility::boundsOf(const ObjectReference& field, Utf16Range range) {
+    const auto& contents = contentsOf(field);
+    if (!contents)
+        return std::unexpected(contents.error());
+    atspi::AtspiCalls calls(tracker_, turn().allowance);
+    const auto bounds = atspi::FieldPlaces(calls, directory_).boundsOf(field, contents->value, range);
+    return atspi::mapped(bounds, [](const platform::AXRect& rectangle) -> platform::AXValue { return rectangle; });
 }
 
 AXError AtspiAccessibility::setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) {

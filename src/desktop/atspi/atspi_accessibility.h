@@ -41,6 +41,8 @@ class AtspiAccessibility : public platform::Accessibility {
     Result titleOf(qint64 process);
     Result ofField(const platform::AXElement& element, platform::AXAttribute attribute);
     const Contents& contentsOf(const atspi::ObjectReference& field);
+    Result frameOf(const atspi::ObjectReference& field, platform::AXAttribute attribute);
+    Result boundsOf(const atspi::ObjectReference& field, text::Utf16Range range);
 
     platform::Workspace& workspace_;
     async::MainLoop& loop_;

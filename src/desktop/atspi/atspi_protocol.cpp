@@ -123,6 +123,25 @@ std::expected<std::pair<qint32, qint32>, AXError> rangeOf(const QDBusMessage& re
     return std::pair(reply.arguments().at(0).toInt(), reply.arguments().at(1).toInt());
 }
 
+std::expected<platform::AXRect, AXError> rectangleOf(const QDBusMessage& reply) {
+    const auto arguments = reply.arguments();
+    std::array<int, 4> numbers{};
+    if (reply.signature() == QLatin1String("iiii") && arguments.size() == 4) {
+        for (qsizetype i = 0; i < 4; ++i)
+            numbers[static_cast<std::size_t>(i)] = arguments.at(i).toInt();
+    } else if (reply.signature() == QLatin1String("(iiii)") && arguments.size() == 1) {
+        const auto structure = arguments.constFirst().value<QDBusArgument>();
+        structure.beginStructure();
+        for (auto& number : numbers)
+            structure >> number;
+        structure.endStructure();
+    } else {
+        return std::unexpected(AXError::Failure);
+    }
+    return platform::AXRect{{static_cast<double>(numbers[0]), static_cast<double>(numbers[1])},
+                            {static_cast<double>(numbers[2]), static_cast<double>(numbers[3])}};
+}
+
 std::expected<QVariant, AXError> propertyOf(const QDBusMessage& reply) {
     return mapped(soleArgument(reply, "v"),
                   [](const QVariant& value) { return value.value<QDBusVariant>().variant(); });

@@ -15,6 +15,7 @@ inline constexpr auto registryName = "org.a11y.atspi.Registry";
 inline constexpr auto accessibleInterface = "org.a11y.atspi.Accessible";
 inline constexpr auto applicationInterface = "org.a11y.atspi.Application";
 inline constexpr auto textInterface = "org.a11y.atspi.Text";
+inline constexpr auto componentInterface = "org.a11y.atspi.Component";
 inline constexpr auto editableTextInterface = "org.a11y.atspi.EditableText";
 
 /// The address of an element: a connection to the accessibility bus and an object of it.
@@ -63,6 +64,8 @@ std::expected<QStringList, platform::AXError> namesOf(const QDBusMessage& reply)
 std::expected<QString, platform::AXError> textOf(const QDBusMessage& reply);
 std::expected<bool, platform::AXError> answerOf(const QDBusMessage& reply);
 std::expected<std::pair<qint32, qint32>, platform::AXError> rangeOf(const QDBusMessage& reply);
+/// Of four numbers, whether they come one by one or as a structure.
+std::expected<platform::AXRect, platform::AXError> rectangleOf(const QDBusMessage& reply);
 std::expected<QVariant, platform::AXError> propertyOf(const QDBusMessage& reply);
 
 }  // namespace tavrelon::desktop::atspi

@@ -26,6 +26,7 @@ Toolkit toolkitNamed(const QString& name) {
         toolkit.selectionEnds = SelectionEnds::StartAndCaret;
     } else if (name == QLatin1String("GTK")) {  // GTK 4; GTK 3 calls itself gtk
         toolkit.showing = ShowingState::NeverSet;
+        toolkit.places = Places::InWindowOnly;
     }
     return toolkit;
 }

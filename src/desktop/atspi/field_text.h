@@ -26,6 +26,9 @@ enum class Editing { Works, OnlyClaimsToWork };
 /// Whether elements on the screen say that they show.
 enum class ShowingState { Set, NeverSet };
 
+/// In what an application tells places: some know where they are in their window, but not where that is.
+enum class Places { OnScreen, InWindowOnly };
+
 /// The habits of a toolkit, all of them found by trying.
 struct Toolkit {
     OffsetUnit offsets = OffsetUnit::CodePoints;
@@ -33,6 +36,7 @@ struct Toolkit {
     SelectionEnds selectionEnds = SelectionEnds::Both;
     Editing editing = Editing::Works;
     ShowingState showing = ShowingState::Set;
+    Places places = Places::OnScreen;
     bool operator==(const Toolkit&) const = default;
 };
 

@@ -130,16 +130,16 @@ void Reader::takeWord(const RtfToken& token) {
         fonts_.takeTableWord(token);
     if (group_.destination != Group::Destination::Text)
         return;
+    const auto text = rtf_words::textOf(token.word);
+    const bool isUnderstood = text || token.word == "u";
     if (token.word == "fonttbl") {
         group_.destination = Group::Destination::FontTable;
-    } else if (rtf_words::isSkippedDestination(token.word)) {
+    } else if (rtf_words::isSkippedDestination(token.word) || (group_.starred && !isUnderstood)) {
         group_.destination = Group::Destination::Skipped;
-    } else if (const auto text = rtf_words::textOf(token.word)) {
+    } else if (text) {
         append(*text);
     } else if (token.word == "u") {
         takeUnicode(token.parameter.value_or(0));
-    } else if (group_.starred) {
-        group_.destination = Group::Destination::Skipped;
     } else {
         takeFormatting(token);
     }

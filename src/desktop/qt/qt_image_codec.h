@@ -1,5 +1,9 @@
 #pragma once
 
+#include <QThreadPool>
+#include <functional>
+
+#include "async/main_loop.h"
 #include "platform/image_codec.h"
 
 namespace tavrelon::desktop {
@@ -8,7 +12,19 @@ namespace tavrelon::desktop {
 /// and as BMP for the few old ones that take nothing else. A picture of more than 256 MiB of pixels is refused.
 class QtImageCodec : public platform::ImageCodec {
  public:
+    /// The loop must outlive the codec, which waits at its end for the work under way.
+    explicit QtImageCodec(async::MainLoop& loop) : loop_(loop) {}
+
     std::optional<platform::PasteboardItem> pasteboardItem(const QByteArray& image) override;
+    async::Task<std::optional<QByteArray>> jpegRepresentation(platform::Image image, double quality) override;
+    async::Task<std::optional<platform::Image>> scaled(platform::Image image, int width, int height) override;
+
+ private:
+    template <typename T>
+    async::Task<T> inBackground(std::function<T()> work);
+
+    async::MainLoop& loop_;
+    QThreadPool threads_;
 };
 
 }  // namespace tavrelon::desktop

@@ -26,24 +26,28 @@ std::vector<KeyCode> modifierKeys(const X11Keyboard& keyboard, keys::Modifiers f
 
 }  // namespace
 
-std::expected<std::unique_ptr<X11KeyPoster>, QString> X11KeyPoster::open(async::MainLoop& loop,
-                                                                         std::shared_ptr<PostedKeys> posted) {
+std::expected<std::unique_ptr<X11KeyPoster>, QString> X11KeyPoster::open(
+    async::MainLoop& loop, std::shared_ptr<PostedKeys> posted, std::unique_ptr<ShortcutTranslator> shortcuts) {
     auto xtest = X11XTest::open(loop, std::move(posted));
     if (!xtest)
         return std::unexpected(xtest.error());
     auto watch = X11Connection::open();
     if (!watch)
         return std::unexpected(watch.error());
-    return std::unique_ptr<X11KeyPoster>(new X11KeyPoster(std::move(*xtest), std::move(*watch)));
+    return std::unique_ptr<X11KeyPoster>(new X11KeyPoster(std::move(*xtest), std::move(*watch), std::move(shortcuts)));
 }
 
 void X11KeyPoster::press(keys::VirtualKey key, keys::Modifiers flags) {
+    const KeyChord asked{key, flags};
+    const auto chord = shortcuts_ ? shortcuts_->translate(asked) : asked;
+    if (!chord)
+        return;
     const platform::ModifiersAside aside(*this);
     const auto keyboard = xtest_->keyboard();
     if (!keyboard)
         return;
-    if (const auto code = keyboard->codeToPress(key, keyboardGroup(xtest_->connection())))
-        stroke(*code, modifierKeys(*keyboard, flags));
+    if (const auto code = keyboard->codeToPress(chord->key, keyboardGroup(xtest_->connection())))
+        stroke(*code, modifierKeys(*keyboard, chord->flags));
 }
 
 void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys) {

@@ -29,8 +29,9 @@ class PendingReading {
 
 std::expected<std::unique_ptr<X11Pasteboard>, QString> X11Pasteboard::create(async::MainLoop& loop, platform::Log& log,
                                                                              const QByteArray& displayName,
-                                                                             const SelectionReadLimits& limits) {
-    auto thread = SelectionThread::start(displayName, limits);
+                                                                             const SelectionReadLimits& limits,
+                                                                             SelectionName selection) {
+    auto thread = SelectionThread::start(displayName, selection, limits);
     if (!thread)
         return std::unexpected(thread.error());
     return std::unique_ptr<X11Pasteboard>(new X11Pasteboard(loop, log, std::move(*thread)));
@@ -73,12 +74,14 @@ async::Task<std::optional<QString>> X11Pasteboard::string() {
 }
 
 void X11Pasteboard::clearContents() {
+    lastString_.reset();
     if (!std::exchange(clearing_, true))
         loop_.post(lifetime_.guard([this] { clearNow(); }));
 }
 
 void X11Pasteboard::setString(const QString& text) {
     offer({.dataByType = {{QStringLiteral("UTF8_STRING"), text.toUtf8()}}});
+    lastString_ = text;
 }
 
 void X11Pasteboard::writeItems(std::vector<PasteboardItem> items) {
@@ -95,6 +98,7 @@ SelectionThread::HandOver X11Pasteboard::handOver(std::chrono::milliseconds limi
 
 void X11Pasteboard::offer(PasteboardItem item) {
     clearing_ = false;
+    lastString_.reset();
     if (!thread_->offer(std::move(item)))
         log_.line(QStringLiteral("[Pasteboard] The clipboard could not be taken"));
 }

@@ -11,8 +11,8 @@
 
 namespace tavrelon::desktop {
 
-/// The general pasteboard on the CLIPBOARD selection. A type is the name of a target. Main thread; what we put there is
-/// served from a thread of its own.
+/// The general pasteboard on the CLIPBOARD selection, or a second one on PRIMARY. A type is the name of a target. Main
+/// thread; what we put there is served from a thread of its own.
 ///
 /// X11 knows one item. A cleared pasteboard is a selection without an owner; a clearing takes effect at the latest in
 /// the next turn of the main loop, so that one followed by a write is a single change for clipboard managers.
@@ -23,9 +23,9 @@ class X11Pasteboard : public platform::Pasteboard {
 
     /// Connects to the X server; an empty name stands for the DISPLAY of the environment. The error says what is
     /// missing. The loop and the log must outlive the pasteboard.
-    static std::expected<std::unique_ptr<X11Pasteboard>, QString> create(async::MainLoop& loop, platform::Log& log,
-                                                                         const QByteArray& displayName = {},
-                                                                         const SelectionReadLimits& limits = {});
+    static std::expected<std::unique_ptr<X11Pasteboard>, QString> create(
+        async::MainLoop& loop, platform::Log& log, const QByteArray& displayName = {},
+        const SelectionReadLimits& limits = {}, SelectionName selection = SelectionName::Clipboard);
     /// Hands over, then ends. Readings under way fail.
     ~X11Pasteboard() override;
 
@@ -35,6 +35,9 @@ class X11Pasteboard : public platform::Pasteboard {
     void clearContents() override;
     void setString(const QString& text) override;
     void writeItems(std::vector<platform::PasteboardItem> items) override;
+
+    /// The text that was put here last, whether or not it still is; absent after anything but `setString`.
+    const std::optional<QString>& lastString() const { return lastString_; }
 
     /// Asks the clipboard manager, if there is one, to keep what we have on the clipboard, so that it survives us.
     /// Blocks until it has answered, at most for `limit`.
@@ -51,6 +54,7 @@ class X11Pasteboard : public platform::Pasteboard {
     platform::Log& log_;
     std::shared_ptr<SelectionThread> thread_;
     bool clearing_ = false;
+    std::optional<QString> lastString_;
     async::Lifetime lifetime_;
 };
 

@@ -29,11 +29,12 @@ std::vector<std::uint32_t> PropertyValue::atoms() const {
     return values;
 }
 
-std::expected<std::unique_ptr<SelectionConnection>, QString> SelectionConnection::open(const QByteArray& displayName) {
+std::expected<std::unique_ptr<SelectionConnection>, QString> SelectionConnection::open(const QByteArray& displayName,
+                                                                                       SelectionName selection) {
     int screenNumber = 0;
     // xcb answers with an object even when it could not connect, and that one too has to be closed.
-    std::unique_ptr<SelectionConnection> opened(
-        new SelectionConnection(xcb_connect(displayName.isEmpty() ? nullptr : displayName.constData(), &screenNumber)));
+    std::unique_ptr<SelectionConnection> opened(new SelectionConnection(
+        xcb_connect(displayName.isEmpty() ? nullptr : displayName.constData(), &screenNumber), selection));
     if (opened->isBroken())
         return std::unexpected(QStringLiteral("The clipboard is not available: no connection to the X server"));
     if (auto prepared = opened->prepare(screenNumber); !prepared)
@@ -60,7 +61,7 @@ std::expected<void, QString> SelectionConnection::prepare(int screenNumber) {
     ownerEvent_ = static_cast<std::uint8_t>(fixes->first_event + XCB_XFIXES_SELECTION_NOTIFY);
     internProtocolAtoms();
     window_ = createWindow();
-    xcb_xfixes_select_selection_input(connection_, window_, atoms_.clipboard,
+    xcb_xfixes_select_selection_input(connection_, window_, atoms_.selection,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
@@ -72,11 +73,12 @@ std::expected<void, QString> SelectionConnection::prepare(int screenNumber) {
 }
 
 void SelectionConnection::internProtocolAtoms() {
-    const auto found = atomsOf({QStringLiteral("CLIPBOARD"), QStringLiteral("CLIPBOARD_MANAGER"),
-                                QStringLiteral("TARGETS"), QStringLiteral("TIMESTAMP"), QStringLiteral("MULTIPLE"),
-                                QStringLiteral("ATOM_PAIR"), QStringLiteral("SAVE_TARGETS"), QStringLiteral("INCR"),
-                                QStringLiteral("TAVRELON_TIME"), QStringLiteral("TAVRELON_SELECTION")});
-    atoms_ = {.clipboard = found[0],
+    const auto found =
+        atomsOf({selection_ == SelectionName::Clipboard ? QStringLiteral("CLIPBOARD") : QStringLiteral("PRIMARY"),
+                 QStringLiteral("CLIPBOARD_MANAGER"), QStringLiteral("TARGETS"), QStringLiteral("TIMESTAMP"),
+                 QStringLiteral("MULTIPLE"), QStringLiteral("ATOM_PAIR"), QStringLiteral("SAVE_TARGETS"),
+                 QStringLiteral("INCR"), QStringLiteral("TAVRELON_TIME"), QStringLiteral("TAVRELON_SELECTION")});
+    atoms_ = {.selection = found[0],
               .clipboardManager = found[1],
               .targets = found[2],
               .timestamp = found[3],

@@ -21,9 +21,12 @@ template <typename T>
 using XcbPointer = std::unique_ptr<T, FreeDeleter>;
 using XcbEvent = XcbPointer<xcb_generic_event_t>;
 
-/// The names that the selection protocol itself uses.
+/// Which of the two selections: what was copied, or what is selected at the moment.
+enum class SelectionName { Clipboard, Primary };
+
+/// The names that the selection protocol itself uses; `selection` is the one that this is about.
 struct SelectionAtoms {
-    xcb_atom_t clipboard, clipboardManager, targets, timestamp, multiple, atomPair, saveTargets, incr, stamp, transfer;
+    xcb_atom_t selection, clipboardManager, targets, timestamp, multiple, atomPair, saveTargets, incr, stamp, transfer;
 };
 
 /// What a property held. `type` is 0 where there was no such property; `truncated` where it was longer than asked for.
@@ -43,13 +46,15 @@ class SelectionConnection {
     enum class AfterRead { Keep, Delete };
 
     /// The error text says what is missing.
-    static std::expected<std::unique_ptr<SelectionConnection>, QString> open(const QByteArray& displayName);
+    static std::expected<std::unique_ptr<SelectionConnection>, QString> open(const QByteArray& displayName,
+                                                                             SelectionName selection);
     SelectionConnection(const SelectionConnection&) = delete;
     SelectionConnection& operator=(const SelectionConnection&) = delete;
     ~SelectionConnection();
 
     xcb_connection_t* xcb() const { return connection_; }
     xcb_window_t window() const { return window_; }
+    SelectionName selection() const { return selection_; }
     const SelectionAtoms& atoms() const { return atoms_; }
     std::uint8_t ownerEvent() const { return ownerEvent_; }
     bool isBroken() const { return xcb_connection_has_error(connection_) != 0; }
@@ -79,13 +84,15 @@ class SelectionConnection {
     bool hasQueuedEvent();
 
  private:
-    explicit SelectionConnection(xcb_connection_t* connection) : connection_(connection) {}
+    SelectionConnection(xcb_connection_t* connection, SelectionName selection)
+        : connection_(connection), selection_(selection) {}
     std::expected<void, QString> prepare(int screenNumber);
     void internProtocolAtoms();
     void remember(const QString& name, xcb_atom_t atom);
     void queueArrived();
 
     xcb_connection_t* connection_;
+    SelectionName selection_;
     xcb_window_t root_ = XCB_NONE;
     xcb_window_t window_ = XCB_NONE;
     SelectionAtoms atoms_{};

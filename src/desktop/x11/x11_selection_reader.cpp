@@ -17,7 +17,7 @@ SelectionConversion::SelectionConversion(SelectionConnection& connection, xcb_wi
     : connection_(connection), window_(window), target_(target), mostBytes_(mostBytes) {
     const auto& atoms = connection_.atoms();
     xcb_delete_property(connection_.xcb(), window_, atoms.transfer);
-    xcb_convert_selection(connection_.xcb(), window_, atoms.clipboard, target_, atoms.transfer, time);
+    xcb_convert_selection(connection_.xcb(), window_, atoms.selection, target_, atoms.transfer, time);
 }
 
 void SelectionConversion::selectionNotify(const xcb_selection_notify_event_t& event) {
@@ -71,7 +71,7 @@ SelectionReader::SelectionReader(SelectionConnection& connection, Kind kind, con
       limits_(limits),
       end_(SelectionClock::now() + limits.total),
       window_(connection.createWindow()),
-      owner_(connection.ownerOf(connection.atoms().clipboard)) {
+      owner_(connection.ownerOf(connection.atoms().selection)) {
     if (owner_ == XCB_NONE) {
         outcome_ = SelectionFindings{};
         return;

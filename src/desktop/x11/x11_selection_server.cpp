@@ -18,8 +18,8 @@ bool SelectionServer::offer(SelectionContent content) {
     // A change in the same moment by another client can make our time the older one; a second try has a newer one.
     for (int attempt = 0; attempt < 2; ++attempt) {
         ownedSince_ = connection_.serverTime();
-        xcb_set_selection_owner(connection_.xcb(), connection_.window(), atoms.clipboard, ownedSince_);
-        owns_ = connection_.ownerOf(atoms.clipboard) == connection_.window();
+        xcb_set_selection_owner(connection_.xcb(), connection_.window(), atoms.selection, ownedSince_);
+        owns_ = connection_.ownerOf(atoms.selection) == connection_.window();
         if (owns_)
             break;
     }
@@ -31,14 +31,14 @@ bool SelectionServer::offer(SelectionContent content) {
 }
 
 void SelectionServer::release() {
-    xcb_set_selection_owner(connection_.xcb(), XCB_NONE, connection_.atoms().clipboard, connection_.serverTime());
+    xcb_set_selection_owner(connection_.xcb(), XCB_NONE, connection_.atoms().selection, connection_.serverTime());
     owns_ = false;
     claiming_ = false;
     content_ = {};
 }
 
 void SelectionServer::ownerChanged(const xcb_xfixes_selection_notify_event_t& event) {
-    if (event.selection != connection_.atoms().clipboard)
+    if (event.selection != connection_.atoms().selection)
         return;
     // What is reported before our own change came before it and takes nothing from us.
     if (claiming_) {
@@ -54,7 +54,7 @@ void SelectionServer::ownerChanged(const xcb_xfixes_selection_notify_event_t& ev
 void SelectionServer::answer(const xcb_selection_request_event_t& request) {
     // Clients from before the inter-client conventions name no property: the target's name serves.
     const auto property = request.property == XCB_ATOM_NONE ? request.target : request.property;
-    const bool ours = owns_ && request.selection == connection_.atoms().clipboard;
+    const bool ours = owns_ && request.selection == connection_.atoms().selection;
     const bool done =
         ours && (request.target == connection_.atoms().multiple ? convertEach(request.requestor, property)
                                                                 : convert(request.requestor, request.target, property));

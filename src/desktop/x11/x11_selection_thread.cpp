@@ -20,8 +20,9 @@ constexpr std::chrono::seconds hungFor{2};
 }  // namespace
 
 std::expected<std::unique_ptr<SelectionThread>, QString> SelectionThread::start(const QByteArray& displayName,
+                                                                                SelectionName selection,
                                                                                 const SelectionReadLimits& limits) {
-    auto connection = SelectionConnection::open(displayName);
+    auto connection = SelectionConnection::open(displayName, selection);
     if (!connection)
         return std::unexpected(connection.error());
     const int wakeUp = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
@@ -180,7 +181,7 @@ void SelectionThread::dispatch(const xcb_generic_event_t& event) {
             break;
         case XCB_SELECTION_NOTIFY: {
             const auto& notify = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
-            if (reader_ && notify.selection == connection_->atoms().clipboard)
+            if (reader_ && notify.selection == connection_->atoms().selection)
                 reader_->selectionNotify(notify);
             if (handOver_ && notify.selection == connection_->atoms().clipboardManager) {
                 handOver_->set_value(notify.property == XCB_ATOM_NONE ? HandOver::Failed : HandOver::Saved);
@@ -241,7 +242,7 @@ void SelectionThread::beginReading() {
         endReading(SelectionFindings{.item = content.item(), .forms = {}, .text = content.text()});
         return;
     }
-    if (SelectionClock::now() < hung_.until && connection_->ownerOf(connection_->atoms().clipboard) == hung_.window) {
+    if (SelectionClock::now() < hung_.until && connection_->ownerOf(connection_->atoms().selection) == hung_.window) {
         endReading(std::unexpected(PasteboardError::TimedOut));
         return;
     }
@@ -259,7 +260,7 @@ void SelectionThread::endReading(SelectionOutcome outcome) {
 void SelectionThread::beginHandOver(std::promise<HandOver> answer) {
     catchUp();
     const auto& atoms = connection_->atoms();
-    if (!server_.owns()) {
+    if (!server_.owns() || connection_->selection() != SelectionName::Clipboard) {
         answer.set_value(HandOver::NothingToSave);
         return;
     }

@@ -21,6 +21,7 @@ class SelectionThread {
     static constexpr std::chrono::milliseconds callLimit{250};
 
     static std::expected<std::unique_ptr<SelectionThread>, QString> start(const QByteArray& displayName,
+                                                                          SelectionName selection,
                                                                           const SelectionReadLimits& limits);
     SelectionThread(const SelectionThread&) = delete;
     SelectionThread& operator=(const SelectionThread&) = delete;
@@ -39,7 +40,7 @@ class SelectionThread {
     std::uint64_t read(SelectionReader::Kind kind, ReadDone done);
     void abandon(std::uint64_t reading);
 
-    /// Asks the clipboard manager to keep what we offer, and waits for its answer.
+    /// Asks the clipboard manager to keep what we offer, and waits for its answer. What is merely selected is not kept.
     HandOver handOver(std::chrono::milliseconds limit);
 
  private:

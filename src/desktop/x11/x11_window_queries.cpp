@@ -1,8 +1,5 @@
 #include "desktop/x11/x11_window_queries.h"
 
-#include <poll.h>
-#include <xcb/xcbext.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -48,13 +45,14 @@ bool X11WindowQueries::prepare(int screenNumber) {
     for (; screens.rem > 1 && screenNumber > 0; --screenNumber)
         xcb_screen_next(&screens);
     root_ = screens.data->root;
-    constexpr std::array<std::string_view, 8> names{"_NET_ACTIVE_WINDOW", "_NET_SUPPORTED", "_NET_SUPPORTING_WM_CHECK",
-                                                    "_NET_WM_PID",        "_NET_WM_NAME",   "_GTK_APPLICATION_ID",
-                                                    "UTF8_STRING",        "WM_STATE"};
-    std::array<xcb_atom_t*, 8> places{&atoms_.activeWindow,      &atoms_.supported,  &atoms_.supportingWindow,
-                                      &atoms_.processIdentifier, &atoms_.name,       &atoms_.applicationId,
-                                      &atoms_.utf8String,        &atoms_.windowState};
-    std::array<unsigned int, 8> asked{};
+    constexpr std::array<std::string_view, 9> names{
+        "_NET_ACTIVE_WINDOW", "_NET_SUPPORTED", "_NET_SUPPORTING_WM_CHECK",
+        "_NET_WM_PID",        "_NET_WM_NAME",   "_GTK_APPLICATION_ID",
+        "UTF8_STRING",        "WM_STATE",       "_NET_CLIENT_LIST_STACKING"};
+    std::array<xcb_atom_t*, 9> places{&atoms_.activeWindow,      &atoms_.supported,   &atoms_.supportingWindow,
+                                      &atoms_.processIdentifier, &atoms_.name,        &atoms_.applicationId,
+                                      &atoms_.utf8String,        &atoms_.windowState, &atoms_.clientsByStacking};
+    std::array<unsigned int, 9> asked{};
     for (std::size_t i = 0; i < names.size(); ++i)
         asked[i] =
             xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(names[i].size()), names[i].data()).sequence;
@@ -69,22 +67,8 @@ bool X11WindowQueries::prepare(int screenNumber) {
 }
 
 template <typename T>
-X11WindowQueries::Reply<T> X11WindowQueries::await(unsigned int sequence, Deadline deadline) {
-    xcb_flush(connection_);
-    for (;;) {
-        void* reply = nullptr;
-        xcb_generic_error_t* error = nullptr;
-        if (xcb_poll_for_reply(connection_, sequence, &reply, &error) != 0) {
-            std::free(error);  // a window that no longer exists, mostly: it has nothing to say
-            return Reply<T>(static_cast<T*>(reply));
-        }
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        pollfd source{.fd = xcb_get_file_descriptor(connection_), .events = POLLIN, .revents = 0};
-        if (left.count() <= 0 || ::poll(&source, 1, static_cast<int>(left.count())) == 0) {
-            xcb_discard_reply(connection_, sequence);
-            return nullptr;
-        }
-    }
+XPointer<T> X11WindowQueries::await(unsigned int sequence, Deadline deadline) {
+    return awaitXReply<T>(connection_, sequence, deadline);
 }
 
 unsigned int X11WindowQueries::ask(xcb_window_t window, xcb_atom_t property) {
@@ -148,6 +132,14 @@ xcb_window_t X11WindowQueries::focusedClient(Deadline deadline) {
     return withClass;
 }
 
+std::vector<xcb_window_t> X11WindowQueries::clientsFromFront() {
+    const auto clients = take(ask(root_, atoms_.clientsByStacking), std::chrono::steady_clock::now() + limit);
+    if (clients.type != XCB_ATOM_WINDOW)
+        return {};
+    const auto fromBack = clients.numbers();
+    return {fromBack.rbegin(), fromBack.rend()};
+}
+
 X11WindowProperties X11WindowQueries::properties(xcb_window_t window) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     const auto askedProcess = ask(window, atoms_.processIdentifier);
@@ -184,6 +176,16 @@ std::optional<QString> X11WindowQueries::decodeTitle(const Property& modern, con
         return std::nullopt;
     return old.type == atoms_.utf8String || old.bytes.isValidUtf8() ? QString::fromUtf8(old.bytes)
                                                                     : QString::fromLatin1(old.bytes);
+}
+
+bool X11WindowQueries::ownsPrimarySelection(xcb_window_t window) {
+    const auto asked = xcb_get_selection_owner(connection_, XCB_ATOM_PRIMARY).sequence;
+    const auto owner = await<xcb_get_selection_owner_reply_t>(asked, std::chrono::steady_clock::now() + limit);
+    if (!owner || owner->owner == XCB_NONE)
+        return false;
+    // All windows of one client have the same number but for these bits.
+    const auto inClient = xcb_get_setup(connection_)->resource_id_mask;
+    return (owner->owner | inClient) == (window | inClient);
 }
 
 bool X11WindowQueries::isGone(xcb_window_t window) {

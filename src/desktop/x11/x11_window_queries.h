@@ -6,11 +6,12 @@
 #include <QList>
 #include <QString>
 #include <chrono>
-#include <cstdlib>
 #include <expected>
 #include <memory>
 #include <optional>
 #include <vector>
+
+#include "desktop/x11/x11_reply_wait.h"
 
 namespace tavrelon::desktop {
 
@@ -44,8 +45,14 @@ class X11WindowQueries {
     /// manager says anything. 0 where there is none.
     xcb_window_t activeWindow();
 
+    /// The windows of applications, from the front to the back; none where no window manager tells.
+    std::vector<xcb_window_t> clientsFromFront();
+
     X11WindowProperties properties(xcb_window_t window);
     std::optional<QString> title(xcb_window_t window);
+
+    /// Whether the primary selection is owned by the client that made this window.
+    bool ownsPrimarySelection(xcb_window_t window);
 
     /// Whether the window was destroyed. A server that does not answer in time leaves it standing.
     bool isGone(xcb_window_t window);
@@ -55,15 +62,10 @@ class X11WindowQueries {
     bool requestActivation(xcb_window_t window);
 
  private:
-    struct Deleter {
-        void operator()(void* pointer) const { std::free(pointer); }
-    };
-    template <typename T>
-    using Reply = std::unique_ptr<T, Deleter>;
-    using Deadline = std::chrono::steady_clock::time_point;
+    using Deadline = XDeadline;
     struct Atoms {
         xcb_atom_t activeWindow, supported, supportingWindow, processIdentifier, name, applicationId, utf8String,
-            windowState;
+            windowState, clientsByStacking;
     };
     struct Property {
         xcb_atom_t type = XCB_ATOM_NONE;
@@ -75,7 +77,7 @@ class X11WindowQueries {
     bool prepare(int screenNumber);
 
     template <typename T>
-    Reply<T> await(unsigned int sequence, Deadline deadline);
+    XPointer<T> await(unsigned int sequence, Deadline deadline);
     unsigned int ask(xcb_window_t window, xcb_atom_t property);
     Property take(unsigned int sequence, Deadline deadline);
     std::optional<QString> decodeTitle(const Property& modern, const Property& old) const;

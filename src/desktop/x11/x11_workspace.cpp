@@ -35,8 +35,23 @@ std::expected<std::unique_ptr<X11Workspace>, QString> X11Workspace::create(const
 
 std::optional<RunningApplication> X11Workspace::frontmostApplication() {
     const auto window = windows_->activeWindow();
-    if (window == XCB_NONE)
-        return std::nullopt;
+    return window == XCB_NONE ? std::nullopt : applicationBehind(window);
+}
+
+std::vector<RunningApplication> X11Workspace::applicationsFromFront() {
+    auto clients = windows_->clientsFromFront();
+    if (const auto active = windows_->activeWindow(); active != XCB_NONE) {
+        std::erase(clients, active);
+        clients.insert(clients.begin(), active);
+    }
+    std::vector<RunningApplication> found;
+    for (const auto window : clients)
+        if (auto application = applicationBehind(window))
+            found.push_back(*std::move(application));
+    return found;
+}
+
+std::optional<RunningApplication> X11Workspace::applicationBehind(xcb_window_t window) {
     const auto found = windows_->properties(window);
     const auto process = trustedProcess(found);
     if (process == 0)

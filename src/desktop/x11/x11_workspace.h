@@ -21,9 +21,14 @@ class X11Workspace : public platform::Workspace {
     bool activate(const platform::RunningApplication& application) override;
     bool openUrl(const QUrl& url) override;
 
+    /// The applications behind all windows, the one with the focus first, then from the front to the back.
+    std::vector<platform::RunningApplication> applicationsFromFront();
+
  private:
     X11Workspace(std::unique_ptr<X11WindowQueries> windows, DesktopEntryCatalog entries)
         : windows_(std::move(windows)), entries_(std::move(entries)) {}
+
+    std::optional<platform::RunningApplication> applicationBehind(xcb_window_t window);
 
     std::unique_ptr<X11WindowQueries> windows_;
     DesktopEntryCatalog entries_;

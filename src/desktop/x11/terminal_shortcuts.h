@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "keys/modifiers.h"
+#include "keys/virtual_keys.h"
+
+namespace tavrelon::desktop {
+
+/// A key pressed with modifiers.
+struct KeyChord {
+    keys::VirtualKey key = 0;
+    keys::Modifiers flags;
+    bool operator==(const KeyChord&) const = default;
+};
+
+/// What shortcuts become in the window in front. Main thread.
+class ShortcutTranslator {
+ public:
+    virtual ~ShortcutTranslator() = default;
+
+    /// The chord to press for a shortcut; absent when nothing is to be pressed. Chords that are no shortcut stay as
+    /// they are.
+    virtual std::optional<KeyChord> translate(KeyChord asked) = 0;
+};
+
+/// How the user of a terminal copies and pastes. In a terminal Control+C ends the running program and Control+A goes to
+/// the line's begin, so no shortcut of other applications may reach one.
+struct TerminalShortcuts {
+    enum class Copy {
+        ByChord,    ///< Control+Shift+C
+        OfPrimary,  ///< no key: what is selected is the primary selection already
+        Never,      ///< nobody knows which key
+    };
+    enum class Paste {
+        OfClipboard,  ///< Control+Shift+V
+        OfPrimary,    ///< Shift+Insert, which takes the primary selection
+    };
+
+    Copy copy = Copy::ByChord;
+    Paste paste = Paste::OfClipboard;
+    bool operator==(const TerminalShortcuts&) const = default;
+};
+
+/// The shortcuts of the terminal that a window belongs to, by the two parts of its class; absent for other windows.
+/// Upper and lower case are the same.
+std::optional<TerminalShortcuts> terminalShortcutsOf(const QString& windowClass, const QString& windowInstance);
+
+inline constexpr KeyChord terminalCopyChord{keys::keyC, keys::controlFlag | keys::shiftFlag};
+inline constexpr KeyChord terminalPasteChord{keys::keyV, keys::controlFlag | keys::shiftFlag};
+inline constexpr KeyChord primaryPasteChord{114, keys::shiftFlag};  ///< Insert
+
+}  // namespace tavrelon::desktop

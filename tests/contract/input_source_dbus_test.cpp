@@ -1,0 +1,102 @@
+#include "contract/input_source_contract.h"
+#include "desktop/linux/dbus_input_source.h"
+#include "desktop/linux/input_method_decoding.h"
+#include "desktop/qt/qt_main_loop.h"
+#include "support/run_task_on_qt.h"
+#include "support/stand_in_input_method.h"
+
+namespace tavrelon::testing {
+
+namespace {
+
+using namespace std::chrono_literals;
+using Framework = StandInInputMethod::Framework;
+
+/// The adapter with a framework that comes up with the first method.
+class BusWorld : public InputSourceWorld {
+ public:
+    explicit BusWorld(Framework framework) : framework_(framework) {
+        // The stand-in serves on the session bus, where real IBus has a bus of its own.
+        qputenv("IBUS_ADDRESS", qgetenv("DBUS_SESSION_BUS_ADDRESS"));
+    }
+
+    platform::InputSource& source() override { return source_; }
+    void use(Method method) override {
+        const bool isFcitx = framework_ == Framework::Fcitx;
+        if (method == Method::Composing)
+            framework().use(isFcitx ? QStringLiteral("pinyin") : QStringLiteral("libpinyin"));
+        else
+            framework().use(isFcitx ? QStringLiteral("keyboard-us") : QStringLiteral("xkb:us::eng"));
+    }
+    bool answers(bool isActive) override {
+        return runQtUntil([&] { return source_.isInputMethodActive() == isActive; });
+    }
+
+    StandInInputMethod& framework() {
+        if (!standIn_)
+            standIn_ = std::make_unique<StandInInputMethod>(framework_);
+        return *standIn_;
+    }
+    void endFramework() { standIn_.reset(); }
+
+ private:
+    Framework framework_;
+    std::unique_ptr<StandInInputMethod> standIn_;
+    desktop::QtMainLoop loop_;
+    desktop::DBusInputSource source_{loop_};
+};
+
+TEST(InputSourceOnTheBus, AHungFrameworkCostsABoundedWaitAndIsHeardAgain) {
+    BusWorld world(Framework::Fcitx);
+    world.use(InputSourceWorld::Method::Composing);
+    ASSERT_TRUE(world.answers(true));
+    world.framework().hang(true);
+    ASSERT_TRUE(world.answers(false));
+    for (int turn = 0; turn < 10; ++turn) {
+        runQtUntil([] { return true; });
+        const auto before = std::chrono::steady_clock::now();
+        EXPECT_FALSE(world.source().isInputMethodActive());
+        EXPECT_LT(std::chrono::steady_clock::now() - before, 400ms) << "the limit is 50 ms, the machine may be busy";
+    }
+    world.framework().hang(false);
+    EXPECT_TRUE(world.answers(true));
+    world.endFramework();
+    EXPECT_TRUE(world.answers(false));
+}
+
+TEST(InputSourceOnTheBus, IsAskedOnceInATurn) {
+    BusWorld world(Framework::Fcitx);
+    world.use(InputSourceWorld::Method::Composing);
+    ASSERT_TRUE(world.answers(true));
+    QCoreApplication::processEvents();
+    const bool first = world.source().isInputMethodActive();
+    world.use(InputSourceWorld::Method::Keyboard);
+    EXPECT_EQ(world.source().isInputMethodActive(), first);
+    EXPECT_TRUE(world.answers(false));
+}
+
+TEST(InputMethodDecoding, AFieldWithoutAKeyYetGoesByWhatTheUserSwitchedOn) {
+    EXPECT_TRUE(desktop::isComposingFcitxMethod(QString(), 2));
+    EXPECT_FALSE(desktop::isComposingFcitxMethod(QString(), 1));
+    EXPECT_FALSE(desktop::isComposingFcitxMethod(QStringLiteral("keyboard-us"), 2));
+}
+
+TEST(InputMethodDecoding, FindsTheAddressOfIBus) {
+    EXPECT_EQ(desktop::ibusAddressFileName(QStringLiteral("0123"), QStringLiteral(":99.0")),
+              QStringLiteral("0123-unix-99"));
+    EXPECT_EQ(desktop::ibusAddressFileName(QStringLiteral("0123"), QStringLiteral("far:1")),
+              QStringLiteral("0123-far-1"));
+    EXPECT_EQ(desktop::ibusAddressIn("# made by the daemon\nIBUS_ADDRESS=unix:path=/tmp/x,guid=1\nIBUS_DAEMON_PID=7\n"),
+              QStringLiteral("unix:path=/tmp/x,guid=1"));
+    EXPECT_EQ(desktop::ibusAddressIn("IBUS_ADDRESS=\n\xff\xfe"), std::nullopt);
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(
+    Real, InputSourceContract,
+    ::testing::Values(InputSourceWorldFactory([] { return std::make_unique<BusWorld>(Framework::Fcitx); }),
+                      InputSourceWorldFactory([] { return std::make_unique<BusWorld>(Framework::IBus); })),
+    [](const auto& info) { return info.index == 0 ? "Fcitx" : "IBus"; });
+
+}  // namespace tavrelon::testing

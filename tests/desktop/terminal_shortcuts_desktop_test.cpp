@@ -1,0 +1,152 @@
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "capture/clipboard_selection.h"
+#include "desktop/pasteboard_session.h"
+#include "desktop/x11/x11_key_poster.h"
+#include "desktop/x11/x11_terminal_shortcuts.h"
+#include "desktop/x11/x11_workspace.h"
+
+namespace tavrelon::testing {
+
+namespace {
+
+using namespace std::chrono_literals;
+using desktop::TerminalShortcuts;
+using desktop::terminalShortcutsOf;
+
+TEST(TerminalTable, NamesTerminalsByEitherPartOfTheirClass) {
+    const auto xterm = terminalShortcutsOf(QStringLiteral("XTerm"), QStringLiteral("xterm"));
+    ASSERT_TRUE(xterm);
+    EXPECT_EQ(xterm->paste, TerminalShortcuts::Paste::OfPrimary);
+    const auto gnome = terminalShortcutsOf(QStringLiteral("Gnome-terminal"), QStringLiteral("gnome-terminal-server"));
+    ASSERT_TRUE(gnome);
+    EXPECT_EQ(*gnome, (TerminalShortcuts{TerminalShortcuts::Copy::ByChord, TerminalShortcuts::Paste::OfClipboard}));
+    EXPECT_TRUE(terminalShortcutsOf(QStringLiteral("Own title"), QStringLiteral("urxvt")));
+    const auto unheardOf = terminalShortcutsOf(QStringLiteral("NewTerm"), QString());
+    ASSERT_TRUE(unheardOf);
+    EXPECT_EQ(unheardOf->copy, TerminalShortcuts::Copy::Never) << "Control+C could end what runs in it";
+    EXPECT_FALSE(terminalShortcutsOf(QStringLiteral("Mousepad"), QStringLiteral("mousepad")));
+    EXPECT_FALSE(terminalShortcutsOf(QString(), QString()));
+}
+
+/// A real terminal in front, in which a program writes what is typed into a file.
+class Terminals : public PasteboardSession, public ::testing::WithParamInterface<const char*> {
+ public:
+    QTemporaryDir folder;
+    QString typedPath = folder.filePath(QStringLiteral("typed"));
+    QProcess terminal;
+    std::unique_ptr<desktop::X11Workspace> workspace = desktop::X11Workspace::create().value();
+    std::unique_ptr<desktop::X11KeyPoster> poster =
+        desktop::X11KeyPoster::open(loop, std::make_shared<desktop::PostedKeys>(),
+                                    desktop::X11TerminalShortcuts::create(loop, log, *pasteboard).value())
+            .value();
+
+    void open(const QString& firstOutput) {
+        QFile script(folder.filePath(QStringLiteral("program")));
+        ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\nprintf '" + firstOutput.toUtf8() + "\\n'\nstty -icanon\nexec cat >'" +
+                     typedPath.toUtf8() + "'\n");
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        script.close();
+        QStringList arguments{QStringLiteral("-e"), script.fileName()};
+        if (isLx())
+            arguments.push_front(QStringLiteral("--no-remote"));
+        terminal.setStandardErrorFile(QProcess::nullDevice());
+        terminal.start(QString::fromLatin1(GetParam()), arguments);
+        ASSERT_TRUE(runQtUntil([&] {
+            const auto front = workspace->frontmostApplication();
+            return front && front->processIdentifier == terminal.processId() && QFile::exists(typedPath);
+        }));
+    }
+    void TearDown() override {
+        terminal.terminate();
+        if (!terminal.waitForFinished(2000)) {
+            terminal.kill();
+            terminal.waitForFinished();
+        }
+    }
+    static bool isLx() { return std::string_view(GetParam()) == "lxterminal"; }
+
+    QByteArray typed() const {
+        QFile file(typedPath);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void paste(const QString& text) {
+        pasteboard->clearContents();
+        pasteboard->setString(text);
+        poster->press(keys::keyV, keys::commandFlag);
+    }
+    /// Whether the program gets exactly this. It gets every character at once, no line has to be ended.
+    bool gets(const QByteArray& text) {
+        return runQtUntil([&] { return typed() == text; }, 10s);
+    }
+    std::optional<QString> selectionViaClipboard() {
+        capture::ClipboardSelection selection(loop, log, *pasteboard, *poster);
+        return runTaskOnQt(loop, selection.read(capture::SelectAll::Allowed));
+    }
+};
+
+TEST_P(Terminals, WhatIsPastedIsTyped) {
+    open(QStringLiteral("ready"));
+    const auto text = QStringLiteral("Grüße 你好 ") + QString(3000, u'x');
+    paste(text);
+    EXPECT_TRUE(gets(text.toUtf8())) << typed().toStdString();
+}
+
+TEST_P(Terminals, LineBreaksComeInBracketsWhereTheProgramAsksForThem) {
+    open(QStringLiteral("\\033[?2004h"));
+    paste(QStringLiteral("touch one\ntouch two"));
+    EXPECT_TRUE(gets("\033[200~touch one\ntouch two\033[201~")) << typed().toStdString();
+}
+
+TEST_P(Terminals, ASelectionIsCopiedWithoutEndingTheProgram) {
+    open(QStringLiteral("oneword"));
+    copyByXclip("kept", QStringLiteral("UTF8_STRING"));
+    const auto window = QString::number(workspace->frontmostApplication()->windowIdentifier);
+    ASSERT_TRUE(runQtUntil([&] {
+        // The first pixels below a menu bar, if there is one, are the first row.
+        run(QStringLiteral("xdotool"),
+            {QStringLiteral("mousemove"), QStringLiteral("--window"), window, QStringLiteral("20"),
+             isLx() ? QStringLiteral("40") : QStringLiteral("8"), QStringLiteral("click"), QStringLiteral("--repeat"),
+             QStringLiteral("2"), QStringLiteral("1")});
+        runQtUntil([] { return false; }, 600ms);  // longer than a double click
+        return selectionViaClipboard() == QStringLiteral("oneword");
+    }));
+    EXPECT_EQ(string(), QStringLiteral("kept"));
+    paste(QStringLiteral("alive"));
+    EXPECT_TRUE(gets("alive")) << "no key of the copy reached the program";
+}
+
+TEST_P(Terminals, WithoutASelectionNothingIsCopiedOrTyped) {
+    open(QStringLiteral("oneword"));
+    copyByXclip("kept", QStringLiteral("UTF8_STRING"));
+    // What another application has selected is not this terminal's.
+    run(QStringLiteral("sh"),
+        {QStringLiteral("-c"), QStringLiteral("printf other | xclip -i -selection primary >/dev/null 2>&1")});
+    EXPECT_EQ(selectionViaClipboard(), std::nullopt);
+    EXPECT_EQ(string(), QStringLiteral("kept"));
+    paste(QStringLiteral("alive"));
+    EXPECT_TRUE(gets("alive")) << typed().toStdString();
+}
+
+TEST_P(Terminals, APictureIsNotPastedAsSomethingElse) {
+    open(QStringLiteral("ready"));
+    run(QStringLiteral("sh"),
+        {QStringLiteral("-c"), QStringLiteral("printf other | xclip -i -selection primary >/dev/null 2>&1")});
+    pasteboard->writeItems({item({{QStringLiteral("image/png"), "picture"}})});
+    poster->press(keys::keyV, keys::commandFlag);
+    poster->press(keys::keyV, keys::noModifiers);
+    ASSERT_TRUE(gets("v")) << typed().toStdString();
+    pasteboard->changeCount();  // what the terminal asked for has been refused by now
+    paste(QStringLiteral("text"));
+    EXPECT_TRUE(gets("vtext")) << typed().toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Real, Terminals, ::testing::Values("xterm", "lxterminal"),
+                         [](const auto& info) { return std::string(info.param); });
+
+}  // namespace
+
+}  // namespace tavrelon::testing
