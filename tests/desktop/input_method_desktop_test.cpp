@@ -74,13 +74,12 @@ class InputMethod : public ::testing::Test {
     FakeHttpSession httpSession{loop};
     MemoryDefaultsStore defaults;
     MemoryFileSystem files;
-    platform::Platform platform{loop,          log,
-                                accessibility, tap,
-                                *poster,       *pasteboard,
-                                *workspace,    inputSource,
-                                screenCapture, imageCodec,
-                                httpSession,   defaults,
-                                files,         QStringLiteral("/data/Tavrelon")};
+    FakeSerialQueues serialQueues{loop};
+    FakeDocumentReader documentReader{loop};
+    platform::Platform platform{loop,          log,          accessibility,  tap,
+                                *poster,       *pasteboard,  *workspace,     inputSource,
+                                screenCapture, imageCodec,   httpSession,    defaults,
+                                files,         serialQueues, documentReader, QStringLiteral("/data/Tavrelon")};
     persistence::StorageManager storage{defaults, files, log, loop, platform.applicationSupport};
     persistence::HistoryManager history{files, log, platform.applicationSupport, 20};
     capture::ContextCapturer capturer{platform};
