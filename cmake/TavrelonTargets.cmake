@@ -32,7 +32,7 @@ endfunction()
 
 # tavrelon_test(<name> SOURCES <file>... LINKS <target>... [DESKTOP])
 # A DESKTOP test runs inside a private X server with a window manager, a session bus and an accessibility bus of its own,
-# and nothing else runs beside it.
+# one at a time.
 function(tavrelon_test name)
   cmake_parse_arguments(ARG "DESKTOP" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
@@ -40,7 +40,7 @@ function(tavrelon_test name)
   target_link_libraries(${name} PRIVATE tavrelon_options ${ARG_LINKS} GTest::gtest GTest::gmock)
   if(ARG_DESKTOP)
     add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/scripts/on-desktop $<TARGET_FILE:${name}>)
-    set_tests_properties(${name} PROPERTIES LABELS desktop TIMEOUT 600 RUN_SERIAL TRUE)
+    set_tests_properties(${name} PROPERTIES LABELS desktop TIMEOUT 600 RESOURCE_LOCK desktop)
   else()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS logic TIMEOUT 120)

@@ -59,6 +59,8 @@ class Terminals : public PasteboardSession, public ::testing::WithParamInterface
             const auto front = workspace->frontmostApplication();
             return front && front->processIdentifier == terminal.processId() && QFile::exists(typedPath);
         }));
+        // A terminal that has just opened reads its program's output, and takes keys, in its own time.
+        runQtUntil([] { return false; }, 1s);
     }
     void TearDown() override {
         terminal.terminate();
