@@ -25,7 +25,7 @@ std::optional<QString> ibusAddressIn(const QByteArray& file) {
     for (const auto& line : file.split('\n')) {
         if (!line.startsWith(key))
             continue;
-        const auto address = QString::fromUtf8(line.mid(key.size())).trimmed();
+        auto address = QString::fromUtf8(line.mid(key.size())).trimmed();
         if (!address.isEmpty())
             return address;
     }
