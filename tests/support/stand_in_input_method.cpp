@@ -53,13 +53,22 @@ class StandInInputMethod::Service : public QDBusVirtualObject {
         auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName());
         return bus.registerVirtualObject(
                    isFcitx ? QStringLiteral("/controller") : QStringLiteral("/org/freedesktop/IBus"), this) &&
-               bus.registerService(isFcitx ? QStringLiteral("org.fcitx.Fcitx5")
-                                           : QStringLiteral("org.freedesktop.IBus"));
+               bus.registerService(busName());
     }
 
-    static QString connectionName() { return QStringLiteral("stand-in-input-method"); }
+    void end() {
+        // The bus notices the end of a connection later, and the next stand-in wants the name.
+        QDBusConnection(connectionName()).unregisterService(busName());
+        QDBusConnection::disconnectFromBus(connectionName());
+    }
 
  private:
+    static QString connectionName() { return QStringLiteral("stand-in-input-method"); }
+    QString busName() const {
+        return framework_ == Framework::Fcitx ? QStringLiteral("org.fcitx.Fcitx5")
+                                              : QStringLiteral("org.freedesktop.IBus");
+    }
+
     Framework framework_;
     std::mutex mutex_;
     QString method_;
@@ -71,14 +80,18 @@ StandInInputMethod::StandInInputMethod(Framework framework) : service_(std::make
     service_->moveToThread(&thread_);
     bool serves = false;
     QMetaObject::invokeMethod(service_.get(), [&] { serves = service_->serve(); }, Qt::BlockingQueuedConnection);
-    if (!serves)
+    if (!serves) {
+        end();
         throw std::runtime_error("the session bus does not let the stand-in serve");
+    }
 }
 
 StandInInputMethod::~StandInInputMethod() {
-    QMetaObject::invokeMethod(
-        service_.get(), [] { QDBusConnection::disconnectFromBus(Service::connectionName()); },
-        Qt::BlockingQueuedConnection);
+    end();
+}
+
+void StandInInputMethod::end() {
+    QMetaObject::invokeMethod(service_.get(), [this] { service_->end(); }, Qt::BlockingQueuedConnection);
     thread_.quit();
     thread_.wait();
 }

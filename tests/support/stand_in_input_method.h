@@ -28,6 +28,8 @@ class StandInInputMethod {
  private:
     class Service;
 
+    void end();
+
     QThread thread_;
     std::unique_ptr<Service> service_;
 };
