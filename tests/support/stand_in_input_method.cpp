@@ -53,7 +53,7 @@ class StandInInputMethod::Service : public QDBusVirtualObject {
         auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName());
         return bus.registerVirtualObject(
                    isFcitx ? QStringLiteral("/controller") : QStringLiteral("/org/freedesktop/IBus"), this) &&
-               bus.registerService(busName());
+               takeName(bus);
     }
 
     void end() {
@@ -63,7 +63,19 @@ class StandInInputMethod::Service : public QDBusVirtualObject {
     }
 
  private:
-    static QString connectionName() { return QStringLiteral("stand-in-input-method"); }
+    /// The one before us may still have it: the bus hears of the end of a connection later.
+    bool takeName(QDBusConnection& bus) {
+        for (int attempt = 0; attempt < 200; ++attempt) {
+            if (bus.registerService(busName()))
+                return true;
+            QThread::msleep(10);
+        }
+        return false;
+    }
+    /// Its own for each stand-in: Qt hands out a connection that is just ending under the same name.
+    QString connectionName() const {
+        return QStringLiteral("stand-in-input-method-%1").arg(reinterpret_cast<quintptr>(this));
+    }
     QString busName() const {
         return framework_ == Framework::Fcitx ? QStringLiteral("org.fcitx.Fcitx5")
                                               : QStringLiteral("org.freedesktop.IBus");
