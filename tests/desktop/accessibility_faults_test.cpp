@@ -189,6 +189,20 @@ TEST_F(AccessibilityFaults, AMovedFocusThatNobodyToldOfIsFoundInTheWindow) {
     EXPECT_EQ(session.focused(), std::unexpected(AXError::NoValue));
 }
 
+TEST_F(AccessibilityFaults, AContainerThatClaimsTheFocusDoesNotHideAFieldThatComesLater) {
+    start(Manners::Honest, QStringLiteral("x"), 0, 0);
+    control("Focus", {QString()});
+    control("Claim");
+    nextTurn();
+    const auto container = session.focused();
+    ASSERT_TRUE(container);
+    EXPECT_EQ(session.read(std::get<AXElement>(*container), AXAttribute::Value),
+              std::unexpected(AXError::AttributeUnsupported));
+    control("Focus", {field.path});
+    nextTurn();
+    EXPECT_EQ(session.focused(), AXValue(field));
+}
+
 TEST_F(AccessibilityFaults, AnApplicationThatEndedLeavesAnInvalidElement) {
     start(Manners::Honest, QStringLiteral("x"), 0, 0);
     app.reset();

@@ -66,7 +66,7 @@ std::optional<QString> WindowManagerWorkspace::frontmostWindowTitle() {
 }
 
 bool eventually(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + 10s;
+    const auto end = std::chrono::steady_clock::now() + 20s;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end)
             return false;
@@ -158,6 +158,14 @@ std::optional<AXElement> AccessibilitySession::waitForFocusIn(qint64 process) {
         }
         return found.has_value();
     });
+    if (!found) {  // says in the test's output what stood in the way
+        const auto front = workspace.frontmostApplication();
+        const auto result = focused();
+        qWarning("waited for process %lld, in front is %lld with the title \"%s\", the focused element: %s",
+                 static_cast<long long>(process), static_cast<long long>(front ? front->processIdentifier : 0),
+                 qPrintable(workspace.frontmostWindowTitle().value_or(QString())),
+                 result ? "there" : qPrintable(platform::axErrorName(result.error())));
+    }
     return found;
 }
 

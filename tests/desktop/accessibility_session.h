@@ -39,7 +39,7 @@ class WindowManagerWorkspace : public platform::Workspace {
     xcb_connection_t* connection_;
 };
 
-/// Runs the event loop until `condition` holds; false when ten seconds passed without it.
+/// Runs the event loop until `condition` holds; false when twenty seconds passed without it.
 bool eventually(const std::function<bool()>& condition);
 
 /// Ends the turn of the main loop.

@@ -145,5 +145,20 @@ TEST(FocusBook, KeepsTheNewElementWhenTheOldOnesNewsComesLate) {
     EXPECT_TRUE(book.elements().empty());
 }
 
+TEST(FocusBook, AFindingDoesNotOverruleWhatTheApplicationSaidMeanwhile) {
+    const ObjectReference before{QStringLiteral(":1.1"), QStringLiteral("/before")};
+    const ObjectReference said{QStringLiteral(":1.1"), QStringLiteral("/said")};
+    const ObjectReference found{QStringLiteral(":1.1"), QStringLiteral("/found")};
+    FocusBook book;
+    book.found(before, std::nullopt);
+    EXPECT_EQ(book.elements(), std::vector{before});
+    book.found(found, before);
+    EXPECT_EQ(book.elements(), std::vector{found});
+    book.gained(said);
+    book.found(found, before);
+    book.found(found, std::nullopt);
+    EXPECT_EQ(book.elements(), std::vector{said});
+}
+
 }  // namespace
 }  // namespace tavrelon::desktop::atspi

@@ -102,6 +102,8 @@ std::optional<QVariantList> FakeAccessibleApp::controlled(const QDBusMessage& me
         speak();
     else if (message.member() == QLatin1String("Deactivate"))
         active_ = false;
+    else if (message.member() == QLatin1String("Claim"))
+        framesClaim_ = true;
     else
         return std::nullopt;
     return QVariantList{};
@@ -242,6 +244,8 @@ QList<uint> FakeAccessibleApp::statesOf(const QString& path) const {
     uint states = showing;
     if (path == framePath && active_)
         states |= active;
+    if (path == framePath && framesClaim_)
+        states |= focused;
     if (path == hiddenPath)
         states = 0;
     if (path == focused_ || path == menuItemPath || path == hiddenFieldPath)

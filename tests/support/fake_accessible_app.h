@@ -40,7 +40,7 @@ class FakeAccessibleApp : public QDBusVirtualObject {
     static constexpr auto firstField = "/org/a11y/atspi/accessible/field1";
     static constexpr auto secondField = "/org/a11y/atspi/accessible/field2";
     static constexpr auto control =
-        "/control";  ///< interface "test.Control": Text, Calls, Focus, Say, Speak, Deactivate
+        "/control";  ///< interface "test.Control": Text, Calls, Focus, Say, Speak, Deactivate, Claim
 
  private:
     using Units = QList<uint>;  // code points or UTF-16 units, as the toolkit counts
@@ -71,8 +71,9 @@ class FakeAccessibleApp : public QDBusVirtualObject {
     QString focused_ = QLatin1String(firstField);
     QStringList calls_;
     QList<QDBusMessage> unanswered_;
-    bool active_ = true;   // the frame is the one that the user works in
-    bool spoken_ = false;  // a mute one has found its voice
+    bool active_ = true;        // the frame is the one that the user works in
+    bool framesClaim_ = false;  // the frame says that it has the focus of what is in it
+    bool spoken_ = false;       // a mute one has found its voice
     int dropped_ = 0;
     QDBusConnection bus_{QString()};
 };

@@ -20,7 +20,8 @@ constexpr std::size_t mostChildren = 500;
 std::expected<ObjectReference, AXError> AtspiFocusFinder::focusedElementOf(qint64 process) {
     if (hungApplicationHas(process))
         return std::unexpected(AXError::CannotComplete);
-    if (const auto tracked = trackedElementOf(process)) {
+    const auto tracked = trackedElementOf(process);
+    if (tracked) {
         const auto states = chain(calls_.send(methodCall(*tracked, accessibleInterface, "GetState")), statesOf);
         if (states && states->has(State::Focused))
             return *tracked;
@@ -28,9 +29,13 @@ std::expected<ObjectReference, AXError> AtspiFocusFinder::focusedElementOf(qint6
             return std::unexpected(states.error());
     }
     const auto found = walk(process);
-    if (found)
-        calls_.tracker().adopt(*found);
-    return found;
+    if (!found)
+        return std::unexpected(found.error());
+    // Containers may claim the focus of what is in them, and an application that is starting may show no more than
+    // that yet; they must not stand in the way of a later look.
+    if (found->holdsText)
+        calls_.tracker().adopt(found->object, tracked);
+    return found->object;
 }
 
 bool AtspiFocusFinder::hungApplicationHas(qint64 process) const {
@@ -93,7 +98,7 @@ AtspiFocusFinder::Found AtspiFocusFinder::walkApplication(const QString& busName
         for (const auto& node : nodes)
             if (node.states.has(State::Focused)) {
                 if (holdsText(node.object))
-                    return node.object;
+                    return Finding{node.object, true};
                 if (!withoutText)
                     withoutText = node.object;
             }
@@ -104,7 +109,7 @@ AtspiFocusFinder::Found AtspiFocusFinder::walkApplication(const QString& busName
         level = childrenOf(nodes);
     }
     if (withoutText)
-        return *withoutText;
+        return Finding{*withoutText, false};
     const bool silent = calls_.tracker().isHung(busName) || calls_.allowance().left().count() == 0;
     return std::unexpected(silent ? AXError::CannotComplete : AXError::NoValue);
 }

@@ -15,7 +15,12 @@ class AtspiFocusFinder {
 
  private:
     using Objects = std::vector<ObjectReference>;
-    using Found = std::expected<ObjectReference, platform::AXError>;
+
+    struct Finding {
+        ObjectReference object;
+        bool holdsText = false;
+    };
+    using Found = std::expected<Finding, platform::AXError>;
 
     struct Node {
         ObjectReference object;

@@ -47,9 +47,9 @@ std::vector<ObjectReference> AtspiTracker::focusedElements() const {
     return state_->focus.elements();
 }
 
-void AtspiTracker::adopt(const ObjectReference& element) {
+void AtspiTracker::adopt(const ObjectReference& element, const std::optional<ObjectReference>& before) {
     const std::lock_guard lock(state_->mutex);
-    state_->focus.gained(element);
+    state_->focus.found(element, before);
 }
 
 void AtspiTracker::markHung(const QString& busName, const QDBusMessage& probe) {

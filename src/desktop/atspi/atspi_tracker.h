@@ -43,8 +43,8 @@ class AtspiTracker {
     /// The elements that said last that they have the focus, one of each application, the latest first.
     std::vector<ObjectReference> focusedElements() const;
 
-    /// Enters an element that was found in another way.
-    void adopt(const ObjectReference& element);
+    /// Enters an element that was found in another way, unless its application spoke since `before` was its element.
+    void adopt(const ObjectReference& element, const std::optional<ObjectReference>& before);
 
     /// Takes an application for hung until it answers `probe`, which must be a call that changes nothing.
     void markHung(const QString& busName, const QDBusMessage& probe);

@@ -13,7 +13,13 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto launcherTimeout = 10s;  // the launcher may have to be started first
-constexpr auto probeTimeout = 60s;
+
+/// How long the first probe of a hung application may take and the later ones at most. The first is short since an
+/// application that is only just starting may lose a question for good; the later ones are longer so that few pile up
+/// before one that is stopped.
+constexpr std::chrono::milliseconds firstProbeTimeout = 500ms;
+constexpr std::chrono::milliseconds longestProbeTimeout = 60s;
+
 constexpr auto firstDelay = 1s;
 constexpr auto longestDelay = 30s;
 
@@ -186,13 +192,17 @@ void TrackerThread::nameOwnerChanged(const QString& name, const QString&, const 
 }
 
 void TrackerThread::probe(const QString& busName, const QDBusMessage& message) {
+    probe(busName, message, firstProbeTimeout);
+}
+
+void TrackerThread::probe(const QString& busName, const QDBusMessage& message, std::chrono::milliseconds timeout) {
     const QDBusConnection connection(busName_);
     if (!connection.isConnected()) {
         const std::lock_guard lock(state_->mutex);
         state_->hung.erase(busName);
         return;
     }
-    call(connection, message, probeTimeout, [this, busName, message](const QDBusMessage& reply) {
+    call(connection, message, timeout, [this, busName, message, timeout](const QDBusMessage& reply) {
         const bool silent = reply.type() == QDBusMessage::ErrorMessage &&
                             errorOf(reply.errorName()) == platform::AXError::CannotComplete;
         {
@@ -202,7 +212,7 @@ void TrackerThread::probe(const QString& busName, const QDBusMessage& message) {
             if (!state_->hung.contains(busName))
                 return;
         }
-        probe(busName, message);
+        probe(busName, message, std::min(timeout * 2, longestProbeTimeout));
     });
 }
 

@@ -42,6 +42,7 @@ class TrackerThread : public QObject {
     ~TrackerThread() override;
 
     void start();
+    /// Asks again and again until the application answers, then takes its mark back.
     void probe(const QString& busName, const QDBusMessage& call);
 
  private Q_SLOTS:
@@ -54,6 +55,7 @@ class TrackerThread : public QObject {
 
     void call(const QDBusConnection& connection, const QDBusMessage& message, std::chrono::milliseconds timeout,
               Done done);
+    void probe(const QString& busName, const QDBusMessage& call, std::chrono::milliseconds timeout);
     void connectTo(const QString& address);
     void follow(QDBusConnection& connection);
     void registerFor(const QDBusConnection& connection, const char* event);

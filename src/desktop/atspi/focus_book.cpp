@@ -16,6 +16,14 @@ void FocusBook::lost(const ObjectReference& element) {
         entries_.erase(entry);
 }
 
+void FocusBook::found(const ObjectReference& element, const std::optional<ObjectReference>& before) {
+    const auto entry = entries_.find(element.busName);
+    const bool known = before && before->busName == element.busName;
+    const bool spoke = known ? entry == entries_.end() || entry->second.path != before->path : entry != entries_.end();
+    if (!spoke)
+        gained(element);
+}
+
 void FocusBook::forget(const QString& busName) {
     entries_.erase(busName);
 }

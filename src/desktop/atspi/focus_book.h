@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "desktop/atspi/atspi_protocol.h"
@@ -15,6 +16,9 @@ class FocusBook {
     /// Forgets the element unless another one of the application has taken over: the news of the new element may come
     /// before that of the old one.
     void lost(const ObjectReference& element);
+
+    /// Enters an element that was found by looking, unless its application spoke since `before` was its element.
+    void found(const ObjectReference& element, const std::optional<ObjectReference>& before);
 
     void forget(const QString& busName);
     void clear();
