@@ -1,11 +1,16 @@
 #pragma once
 
 #include "platform/platform.h"
+#include "platform/user_interface.h"
 #include "support/fake_accessibility.h"
+#include "support/fake_application.h"
 #include "support/fake_event_tap.h"
 #include "support/fake_http_session.h"
 #include "support/fake_key_poster.h"
+#include "support/fake_panel.h"
 #include "support/fake_pasteboard.h"
+#include "support/fake_screens.h"
+#include "support/fake_status_item.h"
 #include "support/fake_workspace.h"
 #include "support/memory_defaults_store.h"
 #include "support/memory_file_system.h"
@@ -52,6 +57,11 @@ struct TestDesktop {
     FakeHttpSession httpSession{loop};
     MemoryDefaultsStore defaultsStore;
     MemoryFileSystem fileSystem;
+    FakeApplication application;
+    FakePanels panels{workspace};
+    FakeScreens screens;
+    FakeStatusItem statusItem;
+    platform::UserInterface userInterface{application, panels, screens, statusItem};
     SimulatedEditor editor{accessibility, pasteboard, keyPoster};
     platform::Platform platform{loop,          log,
                                 accessibility, eventTap,

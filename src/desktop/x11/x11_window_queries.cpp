@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 namespace tavrelon::desktop {
@@ -45,16 +46,17 @@ X11WindowQueries::~X11WindowQueries() {
 
 bool X11WindowQueries::prepare(int screenNumber) {
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
-    for (; screens.rem > 1 && screenNumber > 0; --screenNumber)
+    for (int left = screenNumber; screens.rem > 1 && left > 0; --left)
         xcb_screen_next(&screens);
     root_ = screens.data->root;
-    constexpr std::array<std::string_view, 8> names{"_NET_ACTIVE_WINDOW", "_NET_SUPPORTED", "_NET_SUPPORTING_WM_CHECK",
-                                                    "_NET_WM_PID",        "_NET_WM_NAME",   "_GTK_APPLICATION_ID",
-                                                    "UTF8_STRING",        "WM_STATE"};
-    std::array<xcb_atom_t*, 8> places{&atoms_.activeWindow,      &atoms_.supported,  &atoms_.supportingWindow,
-                                      &atoms_.processIdentifier, &atoms_.name,       &atoms_.applicationId,
-                                      &atoms_.utf8String,        &atoms_.windowState};
-    std::array<unsigned int, 8> asked{};
+    const auto compositorName = "_NET_WM_CM_S" + std::to_string(screenNumber);
+    const std::array<std::string_view, 9> names{"_NET_ACTIVE_WINDOW", "_NET_SUPPORTED", "_NET_SUPPORTING_WM_CHECK",
+                                                "_NET_WM_PID",        "_NET_WM_NAME",   "_GTK_APPLICATION_ID",
+                                                "UTF8_STRING",        "WM_STATE",       compositorName};
+    std::array<xcb_atom_t*, 9> places{&atoms_.activeWindow,      &atoms_.supported,   &atoms_.supportingWindow,
+                                      &atoms_.processIdentifier, &atoms_.name,        &atoms_.applicationId,
+                                      &atoms_.utf8String,        &atoms_.windowState, &atoms_.compositor};
+    std::array<unsigned int, 9> asked{};
     for (std::size_t i = 0; i < names.size(); ++i)
         asked[i] =
             xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(names[i].size()), names[i].data()).sequence;
@@ -148,6 +150,10 @@ xcb_window_t X11WindowQueries::focusedClient(Deadline deadline) {
     return withClass;
 }
 
+bool X11WindowQueries::hasInputFocus(xcb_window_t window) {
+    return activeWindow() == window && focusedClient(std::chrono::steady_clock::now() + limit) == window;
+}
+
 X11WindowProperties X11WindowQueries::properties(xcb_window_t window) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     const auto askedProcess = ask(window, atoms_.processIdentifier);
@@ -194,6 +200,19 @@ bool X11WindowQueries::isGone(xcb_window_t window) {
     const bool exists = await<xcb_get_window_attributes_reply_t>(asked, deadline) != nullptr;
     const bool answered = await<xcb_get_input_focus_reply_t>(probe, deadline) != nullptr;
     return answered && !exists;
+}
+
+void X11WindowQueries::setInputFocus(xcb_window_t window) {
+    discardEvents();
+    xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    xcb_flush(connection_);
+}
+
+bool X11WindowQueries::isComposited() {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    const auto asked = xcb_get_selection_owner(connection_, atoms_.compositor).sequence;
+    const auto reply = await<xcb_get_selection_owner_reply_t>(asked, deadline);
+    return reply && reply->owner != XCB_NONE;
 }
 
 bool X11WindowQueries::requestActivation(xcb_window_t window) {

@@ -44,11 +44,20 @@ class X11WindowQueries {
     /// manager says anything. 0 where there is none.
     xcb_window_t activeWindow();
 
+    /// Whether the window is the one in front and also holds the input focus, itself or in a part of it.
+    bool hasInputFocus(xcb_window_t window);
+
     X11WindowProperties properties(xcb_window_t window);
     std::optional<QString> title(xcb_window_t window);
 
     /// Whether the window was destroyed. A server that does not answer in time leaves it standing.
     bool isGone(xcb_window_t window);
+
+    /// Gives the window the input focus without asking the window manager.
+    void setInputFocus(xcb_window_t window);
+
+    /// Whether a compositor runs, so that windows may be translucent.
+    bool isComposited();
 
     /// Asks the window manager to bring the window to the front, in the user's name. False when there is no window
     /// manager that takes such requests.
@@ -63,7 +72,7 @@ class X11WindowQueries {
     using Deadline = std::chrono::steady_clock::time_point;
     struct Atoms {
         xcb_atom_t activeWindow, supported, supportingWindow, processIdentifier, name, applicationId, utf8String,
-            windowState;
+            windowState, compositor;
     };
     struct Property {
         xcb_atom_t type = XCB_ATOM_NONE;
