@@ -1,5 +1,5 @@
 // Picks the adapters of this desktop, hands them to the application, and runs its loop.
-#include <QCoreApplication>
+#include <QApplication>
 #include <cstdio>
 #include <expected>
 
@@ -11,11 +11,16 @@
 #include "desktop/linux/termination_signals.h"
 #include "desktop/linux/unavailable_services.h"
 #include "desktop/linux/user_folders.h"
+#include "desktop/qt/qt_application.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
 #include "desktop/qt/qt_main_loop.h"
+#include "desktop/qt/qt_panels.h"
+#include "desktop/qt/qt_screens.h"
+#include "desktop/qt/qt_status_item.h"
 #include "desktop/x11/x11_event_tap.h"
 #include "desktop/x11/x11_key_poster.h"
+#include "desktop/x11/x11_panel_surroundings.h"
 #include "desktop/x11/x11_pasteboard.h"
 #include "desktop/x11/x11_workspace.h"
 
@@ -29,6 +34,7 @@ struct Essentials {
     std::unique_ptr<desktop::X11Workspace> workspace;
     std::unique_ptr<desktop::X11Pasteboard> pasteboard;
     std::unique_ptr<desktop::X11KeyPoster> keyPoster;
+    std::unique_ptr<desktop::X11PanelSurroundings> panelSurroundings;
 };
 
 std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::Log& log,
@@ -45,7 +51,17 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
     auto keyPoster = desktop::X11KeyPoster::open(loop, posted);
     if (!keyPoster)
         return std::unexpected(keyPoster.error());
-    return Essentials{*std::move(folders), *std::move(workspace), *std::move(pasteboard), *std::move(keyPoster)};
+    auto panelSurroundings = desktop::X11PanelSurroundings::create();
+    if (!panelSurroundings)
+        return std::unexpected(panelSurroundings.error());
+    return Essentials{*std::move(folders), *std::move(workspace), *std::move(pasteboard), *std::move(keyPoster),
+                      *std::move(panelSurroundings)};
+}
+
+/// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time.
+void prepareViews() {
+    qputenv("QT_QUICK_BACKEND", "software");
+    QApplication::setQuitOnLastWindowClosed(false);
 }
 
 }  // namespace
@@ -53,8 +69,9 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
 int main(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
-    const QCoreApplication application(argc, argv);
-    // Before any thread, so that all of them leave the signals to this one.
+    prepareViews();
+    desktop::TerminationSignals::block();
+    const QApplication application(argc, argv);
     const desktop::TerminationSignals signals([] { QCoreApplication::quit(); });
 
     desktop::StandardOutputLog log;
@@ -87,8 +104,15 @@ int main(int argc, char** argv) {
                                 defaultsStore,
                                 fileSystem,
                                 essentials->folders.applicationSupport};
+    desktop::QtApplication desktopApplication;
+    desktop::QtScreens screens;
+    desktop::QtStatusItem statusItem;
+    auto& x11 = *essentials->panelSurroundings;
+    desktop::QtPanels panels(loop, log,
+                             {[&x11] { return x11.isComposited(); }, [&x11](quint64 window) { x11.focus(window); }});
+    platform::UserInterface userInterface{desktopApplication, panels, screens, statusItem};
 
-    app::AppDelegate delegate(platform, generation::ServiceEndpoints::builtIn());
+    app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
     delegate.applicationDidFinishLaunching();
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();

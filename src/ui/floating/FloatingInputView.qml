@@ -56,6 +56,7 @@ Item {
             anchors { fill: parent; leftMargin: 12; rightMargin: 12 }
             verticalAlignment: TextInput.AlignVCenter
             clip: true
+            maximumLength: 0x7fffffff  // a long text is pasted whole
             color: Theme.primary
             selectionColor: Theme.blue
             selectedTextColor: "white"
