@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <string>
 #include <string_view>
 
 namespace tavrelon::desktop {
@@ -45,18 +44,18 @@ X11WindowQueries::~X11WindowQueries() {
 }
 
 bool X11WindowQueries::prepare(int screenNumber) {
+    screenNumber_ = screenNumber;
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
-    for (int left = screenNumber; screens.rem > 1 && left > 0; --left)
+    for (; screens.rem > 1 && screenNumber > 0; --screenNumber)
         xcb_screen_next(&screens);
     root_ = screens.data->root;
-    const auto compositorName = "_NET_WM_CM_S" + std::to_string(screenNumber);
-    const std::array<std::string_view, 9> names{"_NET_ACTIVE_WINDOW", "_NET_SUPPORTED", "_NET_SUPPORTING_WM_CHECK",
-                                                "_NET_WM_PID",        "_NET_WM_NAME",   "_GTK_APPLICATION_ID",
-                                                "UTF8_STRING",        "WM_STATE",       compositorName};
-    std::array<xcb_atom_t*, 9> places{&atoms_.activeWindow,      &atoms_.supported,   &atoms_.supportingWindow,
-                                      &atoms_.processIdentifier, &atoms_.name,        &atoms_.applicationId,
-                                      &atoms_.utf8String,        &atoms_.windowState, &atoms_.compositor};
-    std::array<unsigned int, 9> asked{};
+    constexpr std::array<std::string_view, 8> names{"_NET_ACTIVE_WINDOW", "_NET_SUPPORTED", "_NET_SUPPORTING_WM_CHECK",
+                                                    "_NET_WM_PID",        "_NET_WM_NAME",   "_GTK_APPLICATION_ID",
+                                                    "UTF8_STRING",        "WM_STATE"};
+    std::array<xcb_atom_t*, 8> places{&atoms_.activeWindow,      &atoms_.supported,  &atoms_.supportingWindow,
+                                      &atoms_.processIdentifier, &atoms_.name,       &atoms_.applicationId,
+                                      &atoms_.utf8String,        &atoms_.windowState};
+    std::array<unsigned int, 8> asked{};
     for (std::size_t i = 0; i < names.size(); ++i)
         asked[i] =
             xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(names[i].size()), names[i].data()).sequence;
@@ -150,10 +149,6 @@ xcb_window_t X11WindowQueries::focusedClient(Deadline deadline) {
     return withClass;
 }
 
-bool X11WindowQueries::hasInputFocus(xcb_window_t window) {
-    return activeWindow() == window && focusedClient(std::chrono::steady_clock::now() + limit) == window;
-}
-
 X11WindowProperties X11WindowQueries::properties(xcb_window_t window) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     const auto askedProcess = ask(window, atoms_.processIdentifier);
@@ -202,6 +197,10 @@ bool X11WindowQueries::isGone(xcb_window_t window) {
     return answered && !exists;
 }
 
+bool X11WindowQueries::hasInputFocus(xcb_window_t window) {
+    return activeWindow() == window && focusedClient(std::chrono::steady_clock::now() + limit) == window;
+}
+
 void X11WindowQueries::setInputFocus(xcb_window_t window) {
     discardEvents();
     xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
@@ -210,9 +209,15 @@ void X11WindowQueries::setInputFocus(xcb_window_t window) {
 
 bool X11WindowQueries::isComposited() {
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    const auto asked = xcb_get_selection_owner(connection_, atoms_.compositor).sequence;
-    const auto reply = await<xcb_get_selection_owner_reply_t>(asked, deadline);
-    return reply && reply->owner != XCB_NONE;
+    const auto name = QByteArray("_NET_WM_CM_S") + QByteArray::number(screenNumber_);
+    const auto named =
+        xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.constData()).sequence;
+    const auto atom = await<xcb_intern_atom_reply_t>(named, deadline);
+    if (!atom)
+        return false;
+    const auto owned = xcb_get_selection_owner(connection_, atom->atom).sequence;
+    const auto owner = await<xcb_get_selection_owner_reply_t>(owned, deadline);
+    return owner && owner->owner != XCB_NONE;
 }
 
 bool X11WindowQueries::requestActivation(xcb_window_t window) {

@@ -44,14 +44,14 @@ class X11WindowQueries {
     /// manager says anything. 0 where there is none.
     xcb_window_t activeWindow();
 
-    /// Whether the window is the one in front and also holds the input focus, itself or in a part of it.
-    bool hasInputFocus(xcb_window_t window);
-
     X11WindowProperties properties(xcb_window_t window);
     std::optional<QString> title(xcb_window_t window);
 
     /// Whether the window was destroyed. A server that does not answer in time leaves it standing.
     bool isGone(xcb_window_t window);
+
+    /// Whether the window is the one in front and also holds the input focus, itself or in a part of it.
+    bool hasInputFocus(xcb_window_t window);
 
     /// Gives the window the input focus without asking the window manager.
     void setInputFocus(xcb_window_t window);
@@ -72,7 +72,7 @@ class X11WindowQueries {
     using Deadline = std::chrono::steady_clock::time_point;
     struct Atoms {
         xcb_atom_t activeWindow, supported, supportingWindow, processIdentifier, name, applicationId, utf8String,
-            windowState, compositor;
+            windowState;
     };
     struct Property {
         xcb_atom_t type = XCB_ATOM_NONE;
@@ -93,6 +93,7 @@ class X11WindowQueries {
     void discardEvents();
 
     xcb_connection_t* connection_;
+    int screenNumber_ = 0;
     xcb_window_t root_ = XCB_NONE;
     Atoms atoms_{};
 };
