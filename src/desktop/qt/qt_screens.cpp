@@ -52,8 +52,8 @@ std::optional<platform::Screen> QtScreens::mainScreen() {
 QPointF QtScreens::mouseLocation() {
     const auto position = QPointF(QCursor::pos());
     const auto* screen = QGuiApplication::screenAt(position.toPoint());
-    const auto native = screen ? toNative({position, QSizeF()}, *screen).topLeft() : position;
-    return flipped({native, QSizeF()}, mainScreenHeight()).topLeft();
+    const auto native = screen ? toNative({position, QSizeF(0, 0)}, *screen).topLeft() : position;
+    return flipped({native, QSizeF(0, 0)}, mainScreenHeight()).topLeft();
 }
 
 }  // namespace tavrelon::desktop
