@@ -1,5 +1,5 @@
 // Picks the adapters of this desktop, hands them to the application, and runs its loop.
-#include <QCoreApplication>
+#include <QApplication>
 #include <cstdio>
 #include <expected>
 
@@ -13,11 +13,16 @@
 #include "desktop/linux/termination_signals.h"
 #include "desktop/linux/thread_serial_queue.h"
 #include "desktop/linux/user_folders.h"
+#include "desktop/qt/qt_application.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
 #include "desktop/qt/qt_main_loop.h"
+#include "desktop/qt/qt_panels.h"
+#include "desktop/qt/qt_screens.h"
+#include "desktop/qt/qt_status_item.h"
 #include "desktop/x11/x11_event_tap.h"
 #include "desktop/x11/x11_key_poster.h"
+#include "desktop/x11/x11_panel_surroundings.h"
 #include "desktop/x11/x11_pasteboard.h"
 #include "desktop/x11/x11_screen_capture.h"
 #include "desktop/x11/x11_terminal_shortcuts.h"
@@ -34,6 +39,7 @@ struct Essentials {
     std::unique_ptr<desktop::X11Pasteboard> pasteboard;
     std::unique_ptr<desktop::X11KeyPoster> keyPoster;
     std::unique_ptr<desktop::X11ScreenCapture> screenCapture;
+    std::unique_ptr<desktop::X11PanelSurroundings> panelSurroundings;
 };
 
 std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::Log& log,
@@ -56,8 +62,17 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
     auto screenCapture = desktop::X11ScreenCapture::create(loop, log, **workspace);
     if (!screenCapture)
         return std::unexpected(screenCapture.error());
-    return Essentials{*std::move(folders), *std::move(workspace), *std::move(pasteboard), *std::move(keyPoster),
-                      *std::move(screenCapture)};
+    auto panelSurroundings = desktop::X11PanelSurroundings::create();
+    if (!panelSurroundings)
+        return std::unexpected(panelSurroundings.error());
+    return Essentials{*std::move(folders),   *std::move(workspace),     *std::move(pasteboard),
+                      *std::move(keyPoster), *std::move(screenCapture), *std::move(panelSurroundings)};
+}
+
+/// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time.
+void prepareViews() {
+    qputenv("QT_QUICK_BACKEND", "software");
+    QApplication::setQuitOnLastWindowClosed(false);
 }
 
 }  // namespace
@@ -65,8 +80,9 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
 int main(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
-    const QCoreApplication application(argc, argv);
-    // Before any thread, so that all of them leave the signals to this one.
+    prepareViews();
+    desktop::TerminationSignals::block();
+    const QApplication application(argc, argv);
     const desktop::TerminationSignals signals([] { QCoreApplication::quit(); });
 
     desktop::StandardOutputLog log;
@@ -103,8 +119,15 @@ int main(int argc, char** argv) {
                                 serialQueues,
                                 documentReader,
                                 essentials->folders.applicationSupport};
+    desktop::QtApplication desktopApplication;
+    desktop::QtScreens screens;
+    desktop::QtStatusItem statusItem;
+    auto& x11 = *essentials->panelSurroundings;
+    desktop::QtPanels panels(loop, log,
+                             {[&x11] { return x11.isComposited(); }, [&x11](quint64 window) { x11.focus(window); }});
+    platform::UserInterface userInterface{desktopApplication, panels, screens, statusItem};
 
-    app::AppDelegate delegate(platform, generation::ServiceEndpoints::builtIn());
+    app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
     delegate.applicationDidFinishLaunching();
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();

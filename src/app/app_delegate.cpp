@@ -2,13 +2,52 @@
 
 namespace tavrelon::app {
 
+AppDelegate::AppDelegate(platform::Platform& platform, platform::UserInterface& userInterface,
+                         const generation::ServiceEndpoints& endpoints)
+    : platform_(platform),
+      userInterface_(userInterface),
+      appState_(platform, userInterface, endpoints, [this](const QString& symbolName) { setStatusIcon(symbolName); }) {}
+
 void AppDelegate::applicationDidFinishLaunching() {
+    setupStatusItem();
     startHotkeyListener();
     appState_.sceneRouter().updateScenes(appState_.storageManager().scenes());
+    openDashboard();
 }
 
 void AppDelegate::applicationWillTerminate() {
     appState_.hotkeyManager().stopListening();
+}
+
+void AppDelegate::setupStatusItem() {
+    setStatusIcon(QStringLiteral("key.fill"));
+    const platform::MenuItem separator;
+    std::vector<platform::MenuItem> menu;
+    if (showDashboard) {
+        menu.push_back({QStringLiteral("Open Dashboard"), QStringLiteral(","), [this] { openDashboard(); }});
+        menu.push_back(separator);
+    }
+    menu.push_back({QStringLiteral("About Tavrelon"), QString(), [this] { openAbout(); }});
+    menu.push_back(separator);
+    menu.push_back({QStringLiteral("Quit"), QStringLiteral("q"), [this] { quitApp(); }});
+    userInterface_.statusItem.setMenu(std::move(menu));
+}
+
+void AppDelegate::openDashboard() {
+    if (showDashboard)
+        showDashboard();
+}
+
+void AppDelegate::openAbout() {
+    userInterface_.application.orderFrontStandardAboutPanel();
+}
+
+void AppDelegate::quitApp() {
+    userInterface_.application.terminate();
+}
+
+void AppDelegate::setStatusIcon(const QString& symbolName) {
+    userInterface_.statusItem.setImage(symbolName, QStringLiteral("Tavrelon"));
 }
 
 void AppDelegate::startHotkeyListener() {

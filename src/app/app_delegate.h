@@ -4,22 +4,35 @@
 
 namespace tavrelon::app {
 
-/// The life cycle of the process: what happens once everything is built, and what happens last. Main thread.
+/// The life cycle of the process: what happens once everything is built, and what happens last. Owns the status item's
+/// image and menu. Main thread.
 class AppDelegate {
  public:
-    AppDelegate(platform::Platform& platform, const generation::ServiceEndpoints& endpoints)
-        : platform_(platform), appState_(platform, endpoints) {}
+    AppDelegate(platform::Platform& platform, platform::UserInterface& userInterface,
+                const generation::ServiceEndpoints& endpoints);
+
+    /// What opens the dashboard window, or brings it to the front. Set before the launch by who owns that window;
+    /// without it there is no dashboard, and the menu does not offer one.
+    std::function<void()> showDashboard;
 
     /// A keyboard that cannot be watched is logged; the program goes on without hotkeys.
     void applicationDidFinishLaunching();
     void applicationWillTerminate();
 
+    void openDashboard();
+    void openHistory() { openDashboard(); }
+    void openAbout();
+    void quitApp();
+    void setStatusIcon(const QString& symbolName);
+
     AppState& appState() { return appState_; }
 
  private:
+    void setupStatusItem();
     void startHotkeyListener();
 
     platform::Platform& platform_;
+    platform::UserInterface& userInterface_;
     AppState appState_;
 };
 

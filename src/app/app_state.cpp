@@ -28,14 +28,17 @@ capture::ScreenshotMode screenshotModeNamed(const QString& name) {
 
 }  // namespace
 
-AppState::AppState(platform::Platform& platform, const generation::ServiceEndpoints& endpoints)
+AppState::AppState(platform::Platform& platform, platform::UserInterface& userInterface,
+                   const generation::ServiceEndpoints& endpoints, StatusIconSetter setStatusIcon)
     : platform_(platform),
       storageManager_(platform.defaultsStore, platform.fileSystem, platform.log, platform.mainLoop,
                       platform.applicationSupport),
       hotkeyManager_(platform),
       contextCapturer_(platform),
+      cursorLocator_(platform.accessibility),
       outputWriter_(platform),
       historyManager_(platform.fileSystem, platform.log, platform.applicationSupport, historyCap),
+      hotkeyStatusHUDController_(platform.mainLoop, userInterface),
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)) {
     enforceProviderExclusivity(storageManager_);
     applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
@@ -50,13 +53,29 @@ AppState::AppState(platform::Platform& platform, const generation::ServiceEndpoi
     inputStateMachine_ = std::make_shared<input::InputStateMachine>(
         input::InputServices{platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_,
                              adaptivePromptLearner_.get(), nullptr});
+    makeViews(userInterface, std::move(setStatusIcon));
     hotkeyManager_.stateMachine = inputStateMachine_;
-    applyHotkeySettings();
     setCallbacks();
+    applyHotkeySettings();
     applyCaptureSettings();
 }
 
 AppState::~AppState() = default;
+
+std::optional<QRectF> AppState::caretRect() {
+    const auto caret = cursorLocator_.caretRect();
+    return caret ? std::optional(QRectF(caret->origin.x, caret->origin.y, caret->size.width, caret->size.height)) : std::nullopt;
+}
+
+void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon) {
+    const auto caret = [this] { return caretRect(); };
+    inputHUDController_ = std::make_unique<ui::InputHUDWindowController>(
+        ui::InputHUDWindowController::Desktop{platform_.mainLoop, userInterface, caret, std::move(setStatusIcon)},
+        inputStateMachine_);
+    floatingInputController_ = std::make_unique<ui::FloatingInputWindowController>(
+        ui::FloatingInputWindowController::Desktop{platform_.mainLoop, platform_.workspace, userInterface, caret},
+        inputStateMachine_, [this] { return storageManager_.settings().appLanguage == QLatin1StringView("en"); });
+}
 
 void AppState::applyHotkeySettings() {
     const auto& settings = storageManager_.settings();
@@ -102,6 +121,7 @@ void AppState::setCallbacks() {
     hotkeyManager_.onAutoReplyHotkeyPressed = nextTurn([this] { inputStateMachine_->startAutoReply(); });
     hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
     hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });
+    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { floatingInputController_->toggle(); });
 }
 
 void AppState::toggleAllHotkeys() {
@@ -112,6 +132,7 @@ void AppState::toggleAllHotkeys() {
     hotkeyManager_.hotkeysEnabled = enabled;
     hotkeyManager_.clearLatches();
     hotkeyManager_.refreshTap();
+    hotkeyStatusHUDController_.show(enabled);
 }
 
 void AppState::toggleVideo() {

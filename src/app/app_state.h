@@ -5,6 +5,7 @@
 #include "app/ai_generator.h"
 #include "async/lifetime.h"
 #include "capture/context_capturer.h"
+#include "capture/cursor_locator.h"
 #include "generation/ai_service.h"
 #include "generation/pollinations_service.h"
 #include "hotkeys/hotkey_manager.h"
@@ -14,7 +15,11 @@
 #include "output/output_writer.h"
 #include "persistence/history_manager.h"
 #include "persistence/storage_manager.h"
+#include "platform/user_interface.h"
 #include "scenes/scene_router.h"
+#include "ui/floating/floating_input_window_controller.h"
+#include "ui/hud/hotkey_status_hud_window_controller.h"
+#include "ui/hud/input_hud_window_controller.h"
 
 namespace tavrelon::app {
 
@@ -22,8 +27,13 @@ namespace tavrelon::app {
 /// service. Main thread; lives as long as the process.
 class AppState {
  public:
-    /// `platform` outlives this object. Construction has no failure path: what is missing is defaults.
-    AppState(platform::Platform& platform, const generation::ServiceEndpoints& endpoints);
+    /// Gets the name of the symbol that stands for the state of the input.
+    using StatusIconSetter = std::function<void(const QString& symbolName)>;
+
+    /// `platform` and `userInterface` outlive this object. Construction has no failure path: what is missing is
+    /// defaults.
+    AppState(platform::Platform& platform, platform::UserInterface& userInterface,
+             const generation::ServiceEndpoints& endpoints, StatusIconSetter setStatusIcon);
     AppState(const AppState&) = delete;
     AppState& operator=(const AppState&) = delete;
     ~AppState();
@@ -42,6 +52,8 @@ class AppState {
     void setCallbacks();
     void toggleAllHotkeys();
     void toggleVideo();
+    std::optional<QRectF> caretRect();
+    void makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon);
     template <typename Work>
     hotkeys::HotkeyManager::Callback nextTurn(Work work);
 
@@ -49,15 +61,19 @@ class AppState {
     persistence::StorageManager storageManager_;
     hotkeys::HotkeyManager hotkeyManager_;
     capture::ContextCapturer contextCapturer_;
+    capture::CursorLocator cursorLocator_;
     scenes::SceneRouter sceneRouter_;
     output::OutputWriter outputWriter_;
     persistence::HistoryManager historyManager_;
+    ui::HotkeyStatusHUDWindowController hotkeyStatusHUDController_;
     generation::PollinationsService pollinationsService_;
     std::unique_ptr<learning::CloneService> cloneService_;
     std::unique_ptr<learning::AdaptivePromptLearner> adaptivePromptLearner_;
     std::unique_ptr<generation::TavrelonAIService> aiService_;
     std::unique_ptr<AIGenerator> generator_;
     std::shared_ptr<input::InputStateMachine> inputStateMachine_;
+    std::unique_ptr<ui::InputHUDWindowController> inputHUDController_;
+    std::unique_ptr<ui::FloatingInputWindowController> floatingInputController_;
     async::Lifetime lifetime_;
 };
 

@@ -34,6 +34,10 @@ class Workspace {
     /// Asks the window manager to bring the application to the front. False when it cannot be asked.
     virtual bool activate(const RunningApplication& application) = 0;
 
+    /// Whether the application's window is in front and keys really go to it: the first is said before the second is
+    /// so.
+    virtual bool hasKeyboard(const RunningApplication& application) = 0;
+
     virtual bool openUrl(const QUrl& url) = 0;
 };
 

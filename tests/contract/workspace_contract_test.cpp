@@ -30,6 +30,8 @@ TEST_P(WorkspaceContract, AnActivatedApplicationComesToTheFront) {
     const auto own = open(Process::Ours, QStringLiteral("Tavrelon"), QStringLiteral("two"));
     EXPECT_TRUE(workspace.activate(first));
     EXPECT_TRUE(world->becomesTrue([&] { return workspace.frontmostApplication() == first; }));
+    EXPECT_TRUE(world->becomesTrue([&] { return workspace.hasKeyboard(first); }));
+    EXPECT_FALSE(workspace.hasKeyboard(own));
     EXPECT_TRUE(workspace.activate(own));
     EXPECT_TRUE(world->becomesTrue([&] { return workspace.isOwnApplicationActive(); }));
 }

@@ -30,6 +30,7 @@ class WindowManagerWorkspace : public platform::Workspace {
     bool isOwnApplicationActive() override { return false; }
     bool isTerminated(const platform::RunningApplication&) override { return false; }
     bool activate(const platform::RunningApplication&) override { return false; }
+    bool hasKeyboard(const platform::RunningApplication&) override { return false; }
     bool openUrl(const QUrl&) override { return false; }
 
  private:

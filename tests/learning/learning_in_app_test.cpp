@@ -30,7 +30,7 @@ class LearningInApp : public ::testing::Test {
         };
     }
     void start() {
-        program.emplace(desktop.platform, GatewayFixture::endpoints());
+        program.emplace(desktop.platform, desktop.userInterface, GatewayFixture::endpoints());
         program->applicationDidFinishLaunching();
         desktop.loop.runUntilIdle();
     }

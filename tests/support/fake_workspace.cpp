@@ -36,6 +36,10 @@ bool FakeWorkspace::activate(const RunningApplication& application) {
     return true;
 }
 
+bool FakeWorkspace::hasKeyboard(const RunningApplication& application) {
+    return keyboardFollows_ && frontmost_ && frontmost_ == indexOf(application);
+}
+
 bool FakeWorkspace::openUrl(const QUrl& url) {
     if (!urlsOpen_ || !url.isValid())
         return false;

@@ -17,6 +17,7 @@ class FakeWorkspace : public platform::Workspace {
     bool isOwnApplicationActive() override;
     bool isTerminated(const platform::RunningApplication& application) override;
     bool activate(const platform::RunningApplication& application) override;
+    bool hasKeyboard(const platform::RunningApplication& application) override;
     bool openUrl(const QUrl& url) override;
 
     /// Opens a window of the application, or takes the one with the same process and window, and puts it in front.
@@ -35,6 +36,9 @@ class FakeWorkspace : public platform::Workspace {
     void setActivationPossible(bool possible) { activationPossible_ = possible; }
     void setUrlsOpen(bool open) { urlsOpen_ = open; }
 
+    /// Whether the window in front has the keys too, or waits for them.
+    void setKeyboardFollows(bool follows) { keyboardFollows_ = follows; }
+
     /// The applications that were activated and the addresses that were opened, in order.
     const std::vector<platform::RunningApplication>& activated() const { return activated_; }
     const std::vector<QUrl>& openedUrls() const { return openedUrls_; }
@@ -50,6 +54,7 @@ class FakeWorkspace : public platform::Workspace {
     std::optional<std::size_t> frontmost_;
     bool activationPossible_ = true;
     bool urlsOpen_ = true;
+    bool keyboardFollows_ = true;
     std::vector<platform::RunningApplication> activated_;
     std::vector<QUrl> openedUrls_;
 };

@@ -1,16 +1,21 @@
 #pragma once
 
 #include "platform/platform.h"
+#include "platform/user_interface.h"
 #include "support/fake_accessibility.h"
+#include "support/fake_application.h"
 #include "support/fake_document_reader.h"
 #include "support/fake_event_tap.h"
 #include "support/fake_http_session.h"
 #include "support/fake_image_codec.h"
 #include "support/fake_input_source.h"
 #include "support/fake_key_poster.h"
+#include "support/fake_panel.h"
 #include "support/fake_pasteboard.h"
 #include "support/fake_screen_capture.h"
+#include "support/fake_screens.h"
 #include "support/fake_serial_queue.h"
+#include "support/fake_status_item.h"
 #include "support/fake_workspace.h"
 #include "support/memory_defaults_store.h"
 #include "support/memory_file_system.h"
@@ -37,6 +42,11 @@ struct TestDesktop {
     MemoryFileSystem fileSystem;
     FakeSerialQueues serialQueues{loop};
     FakeDocumentReader documentReader{loop};
+    FakeApplication application;
+    FakePanels panels{workspace};
+    FakeScreens screens;
+    FakeStatusItem statusItem;
+    platform::UserInterface userInterface{application, panels, screens, statusItem};
     SimulatedEditor editor{accessibility, pasteboard, keyPoster};
     platform::Platform platform{loop,          log,          accessibility,  eventTap,
                                 keyPoster,     pasteboard,   workspace,      inputSource,

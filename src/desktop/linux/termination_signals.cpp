@@ -20,9 +20,14 @@ sigset_t terminationSet() {
 
 }  // namespace
 
-TerminationSignals::TerminationSignals(std::function<void()> onTermination) {
+void TerminationSignals::block() {
     const auto signals = terminationSet();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+TerminationSignals::TerminationSignals(std::function<void()> onTermination) {
+    block();
+    const auto signals = terminationSet();
     fd_ = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
     if (fd_ < 0)
         return;

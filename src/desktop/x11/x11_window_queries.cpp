@@ -41,6 +41,7 @@ X11WindowQueries::~X11WindowQueries() {
 }
 
 bool X11WindowQueries::prepare(int screenNumber) {
+    screenNumber_ = screenNumber;
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
     for (; screens.rem > 1 && screenNumber > 0; --screenNumber)
         xcb_screen_next(&screens);
@@ -196,6 +197,29 @@ bool X11WindowQueries::isGone(xcb_window_t window) {
     const bool exists = await<xcb_get_window_attributes_reply_t>(asked, deadline) != nullptr;
     const bool answered = await<xcb_get_input_focus_reply_t>(probe, deadline) != nullptr;
     return answered && !exists;
+}
+
+bool X11WindowQueries::hasInputFocus(xcb_window_t window) {
+    return activeWindow() == window && focusedClient(std::chrono::steady_clock::now() + limit) == window;
+}
+
+void X11WindowQueries::setInputFocus(xcb_window_t window) {
+    discardEvents();
+    xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    xcb_flush(connection_);
+}
+
+bool X11WindowQueries::isComposited() {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    const auto name = QByteArray("_NET_WM_CM_S") + QByteArray::number(screenNumber_);
+    const auto named =
+        xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.constData()).sequence;
+    const auto atom = await<xcb_intern_atom_reply_t>(named, deadline);
+    if (!atom)
+        return false;
+    const auto owned = xcb_get_selection_owner(connection_, atom->atom).sequence;
+    const auto owner = await<xcb_get_selection_owner_reply_t>(owned, deadline);
+    return owner && owner->owner != XCB_NONE;
 }
 
 bool X11WindowQueries::requestActivation(xcb_window_t window) {

@@ -57,6 +57,15 @@ class X11WindowQueries {
     /// Whether the window was destroyed. A server that does not answer in time leaves it standing.
     bool isGone(xcb_window_t window);
 
+    /// Whether the window is the one in front and also holds the input focus, itself or in a part of it.
+    bool hasInputFocus(xcb_window_t window);
+
+    /// Gives the window the input focus without asking the window manager.
+    void setInputFocus(xcb_window_t window);
+
+    /// Whether a compositor runs, so that windows may be translucent.
+    bool isComposited();
+
     /// Asks the window manager to bring the window to the front, in the user's name. False when there is no window
     /// manager that takes such requests.
     bool requestActivation(xcb_window_t window);
@@ -86,6 +95,7 @@ class X11WindowQueries {
     void discardEvents();
 
     xcb_connection_t* connection_;
+    int screenNumber_ = 0;
     xcb_window_t root_ = XCB_NONE;
     Atoms atoms_{};
 };

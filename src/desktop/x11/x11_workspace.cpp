@@ -90,6 +90,11 @@ bool X11Workspace::activate(const RunningApplication& application) {
            windows_->requestActivation(static_cast<xcb_window_t>(application.windowIdentifier));
 }
 
+bool X11Workspace::hasKeyboard(const RunningApplication& application) {
+    return application.windowIdentifier != 0 &&
+           windows_->hasInputFocus(static_cast<xcb_window_t>(application.windowIdentifier));
+}
+
 bool X11Workspace::openUrl(const QUrl& url) {
     return openInDesktop(url);
 }

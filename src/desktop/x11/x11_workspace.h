@@ -19,6 +19,7 @@ class X11Workspace : public platform::Workspace {
     bool isOwnApplicationActive() override;
     bool isTerminated(const platform::RunningApplication& application) override;
     bool activate(const platform::RunningApplication& application) override;
+    bool hasKeyboard(const platform::RunningApplication& application) override;
     bool openUrl(const QUrl& url) override;
 
     /// The applications behind all windows, the one with the focus first, then from the front to the back.

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QMessageBox>
+#include <memory>
+
+#include "platform/application.h"
+
+namespace tavrelon::desktop {
+
+/// The running QApplication. Main thread.
+class QtApplication : public platform::Application {
+ public:
+    void orderFrontStandardAboutPanel() override;
+    void terminate() override;
+
+ private:
+    std::unique_ptr<QMessageBox> about_;
+};
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QQmlPropertyMap>
+#include <QQuickView>
+#include <QVariantAnimation>
+
+#include "desktop/qt/qt_panels.h"
+
+namespace tavrelon::desktop {
+
+/// A window that shows one QML view. The view may say by `maskRect` and `maskRadius` which part of it is to be seen
+/// where windows cannot be translucent.
+class QtPanel : public platform::Panel {
+ public:
+    struct Tools {
+        async::MainLoop& loop;
+        const PanelSurroundings& surroundings;
+        QQmlPropertyMap& viewSurroundings;
+    };
+
+    QtPanel(QQmlEngine& engine, const platform::PanelDescription& description, Tools tools);
+    ~QtPanel() override;
+
+    void setContentSize(QSizeF size) override;
+    QSizeF frameSize() const override;
+    void setFrameOrigin(QPointF origin) override;
+    bool isVisible() const override { return view_.isVisible(); }
+    void orderFront() override;
+    void orderOut() override;
+    void makeKeyAndOrderFront() override;
+    void setAlpha(double alpha, std::chrono::milliseconds duration) override;
+
+ private:
+    void place();
+    void shape();
+    void insistOnFocus();
+
+    Tools tools_;
+    QQuickView view_;
+    QPointF origin_;  ///< as asked for, so that a new size keeps the lower left corner
+    QVariantAnimation fade_;
+    async::Timer focusCheck_;
+};
+
+}  // namespace tavrelon::desktop

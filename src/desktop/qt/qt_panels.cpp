@@ -1,0 +1,36 @@
+#include "desktop/qt/qt_panels.h"
+
+#include <QQmlContext>
+
+#include "desktop/qt/qt_panel.h"
+#include "desktop/qt/qt_symbols.h"
+
+namespace tavrelon::desktop {
+
+QtPanels::QtPanels(async::MainLoop& loop, platform::Log& log, PanelSurroundings surroundings)
+    : loop_(loop), log_(log), surroundings_(std::move(surroundings)) {}
+
+QtPanels::~QtPanels() = default;
+
+QQmlEngine& QtPanels::engine() {
+    if (!engine_) {
+        viewSurroundings_ = std::make_unique<QQmlPropertyMap>();
+        viewSurroundings_->insert(QStringLiteral("composited"), surroundings_.isComposited());
+        engine_ = std::make_unique<QQmlEngine>();
+        engine_->setOutputWarningsToStandardError(false);
+        QObject::connect(engine_.get(), &QQmlEngine::warnings, engine_.get(), [this](const QList<QQmlError>& warnings) {
+            for (const auto& warning : warnings)
+                log_.line(QStringLiteral("[UI] ") + warning.toString());
+        });
+        engine_->addImageProvider(QStringLiteral("symbol"), new QtSymbolProvider);
+        engine_->rootContext()->setContextProperty(QStringLiteral("surroundings"), viewSurroundings_.get());
+    }
+    return *engine_;
+}
+
+std::unique_ptr<platform::Panel> QtPanels::create(const platform::PanelDescription& description) {
+    auto& viewEngine = engine();
+    return std::make_unique<QtPanel>(viewEngine, description, QtPanel::Tools{loop_, surroundings_, *viewSurroundings_});
+}
+
+}  // namespace tavrelon::desktop

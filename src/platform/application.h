@@ -1,0 +1,17 @@
+#pragma once
+
+namespace tavrelon::platform {
+
+/// This process as the desktop sees it. Main thread.
+class Application {
+ public:
+    virtual ~Application() = default;
+
+    /// Shows the program's name, version and licence in a small window that takes the focus.
+    virtual void orderFrontStandardAboutPanel() = 0;
+
+    /// Ends the event loop once the running block is done.
+    virtual void terminate() = 0;
+};
+
+}  // namespace tavrelon::platform

@@ -1,0 +1,19 @@
+import QtQuick
+import "qrc:/tavrelon/ui/theme"
+
+/// A reply to what is on the screen is being written.
+TitledHUD {
+    required property QtObject hud
+
+    tint: Theme.blue
+    title: "Auto Reply"
+    subtitle: "Composing..."
+
+    GlowingBadge {
+        from: Theme.faded(Theme.blue, 0.65)
+        to: Theme.faded(Theme.cyan, 0.85)
+        glowColor: Theme.blue
+        symbol: "bubble.left.and.bubble.right.fill"
+        duration: 1100
+    }
+}

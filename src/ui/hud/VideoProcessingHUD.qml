@@ -1,0 +1,19 @@
+import QtQuick
+import "qrc:/tavrelon/ui/theme"
+
+/// The recorded pictures are being looked at.
+TitledHUD {
+    required property QtObject hud
+
+    tint: Theme.purple
+    title: "Video Vision"
+    subtitle: "Analyzing..."
+
+    GlowingBadge {
+        from: Theme.faded(Theme.purple, 0.7)
+        to: Theme.faded(Theme.blue, 0.8)
+        glowColor: Theme.purple
+        symbol: "film.fill"
+        duration: 1000
+    }
+}

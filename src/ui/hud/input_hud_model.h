@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QObject>
+
+#include "ui/hud/hud_look.h"
+
+namespace tavrelon::ui {
+
+/// What the input HUD shows, for its view to observe.
+class InputHUDModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QString face READ face NOTIFY faceChanged)
+    Q_PROPERTY(QString label READ label NOTIFY stateChanged)
+    Q_PROPERTY(QString symbol READ symbol NOTIFY stateChanged)
+    Q_PROPERTY(QString tint READ tint NOTIFY stateChanged)
+    Q_PROPERTY(bool isPulsing READ isPulsing NOTIFY stateChanged)
+    Q_PROPERTY(bool isRotating READ isRotating NOTIFY stateChanged)
+    Q_PROPERTY(QString transcript READ transcript NOTIFY transcriptChanged)
+
+ public:
+    void show(const input::InputState& state, std::optional<input::InputTrigger> trigger);
+    void setTranscript(const QString& transcript);
+
+    QString face() const { return hudFaceName(face_); }
+    QString label() const { return look_.label; }
+    QString symbol() const { return look_.symbol; }
+    QString tint() const { return look_.tint; }
+    QString transcript() const { return transcript_; }
+
+    /// Whether the icon's circle breathes, and whether the icon turns once a second.
+    bool isPulsing() const { return isPulsing_; }
+    bool isRotating() const { return isRotating_; }
+
+    Q_SIGNAL void faceChanged();
+    Q_SIGNAL void stateChanged();
+    Q_SIGNAL void transcriptChanged();
+
+ private:
+    HUDFace face_ = HUDFace::Standard;
+    HUDLook look_ = hudLook({});
+    QString transcript_;
+    bool isPulsing_ = false;
+    bool isRotating_ = false;
+};
+
+}  // namespace tavrelon::ui

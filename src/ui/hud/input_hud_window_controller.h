@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QProperty>
+#include <deque>
+#include <functional>
+#include <memory>
+
+#include "async/lifetime.h"
+#include "async/main_loop.h"
+#include "input/input_state_machine.h"
+#include "platform/user_interface.h"
+#include "ui/hud/input_hud_model.h"
+
+namespace tavrelon::ui {
+
+/// Follows the input state machine: shows, resizes, places and hides the small overlay that tells what is going on,
+/// keeps the status item's icon in step, and returns a finished or failed machine to idle. Main thread.
+class InputHUDWindowController {
+ public:
+    struct Desktop {
+        async::MainLoop& mainLoop;
+        platform::UserInterface& userInterface;
+        std::function<std::optional<QRectF>()> caretRect;  ///< counts from the top left of the desktop
+        std::function<void(const QString& symbolName)> setStatusIcon;
+    };
+
+    /// Works by itself from here on. `stateMachine` is not null.
+    InputHUDWindowController(Desktop desktop, std::shared_ptr<input::InputStateMachine> stateMachine);
+    InputHUDWindowController(const InputHUDWindowController&) = delete;
+    InputHUDWindowController& operator=(const InputHUDWindowController&) = delete;
+
+ private:
+    void react(const input::InputState& state);
+    void placeAndShow(const input::InputState& state);
+    void resize(const input::InputState& state);
+    void scheduleReturnToIdle();
+    void returnToIdle();
+
+    Desktop desktop_;
+    std::shared_ptr<input::InputStateMachine> stateMachine_;
+    InputHUDModel model_;
+    std::unique_ptr<platform::Panel> window_;  ///< built when first needed, then kept
+    QSizeF contentSize_;
+    std::deque<async::Timer> returns_;  ///< one for each end of an input that is not yet two seconds old
+    QPropertyNotifier stateSubscription_;
+    QPropertyNotifier transcriptSubscription_;
+    async::Lifetime lifetime_;
+};
+
+}  // namespace tavrelon::ui

@@ -1,0 +1,38 @@
+pragma Singleton
+
+import QtQuick
+
+/// The palette and the measures that all views share.
+QtObject {
+    readonly property color grey: "#9aa0ab"
+    readonly property color blue: "#4d9dff"
+    readonly property color orange: "#ff9f45"
+    readonly property color red: "#ff5d5d"
+    readonly property color purple: "#b07bff"
+    readonly property color green: "#43d68a"
+    readonly property color cyan: "#48d7ee"
+    readonly property color enabled: Qt.rgba(0.35, 0.9, 0.7, 1)
+    readonly property color disabled: Qt.rgba(0.95, 0.5, 0.45, 1)
+
+    readonly property color primary: "#f4f5f8"
+    readonly property color secondary: "#a9b0bf"
+    readonly property color placeholder: "#8a91a1"
+
+    // Glass without a blur behind it: dark enough to be read on any page, light enough to let it shimmer through.
+    readonly property color glassTop: "#3a3e4a"
+    readonly property color glassBottom: "#22252e"
+    readonly property real glassOpacity: 0.94
+
+    function tint(name) {
+        return this[name];
+    }
+
+    function faded(color, opacity) {
+        return Qt.rgba(color.r, color.g, color.b, opacity);
+    }
+
+    function mixed(color, other, share) {
+        return Qt.rgba(color.r + (other.r - color.r) * share, color.g + (other.g - color.g) * share,
+                       color.b + (other.b - color.b) * share, 1);
+    }
+}

@@ -1,0 +1,69 @@
+// The prompt box of the program itself, over real editors.
+#include <gtest/gtest.h>
+
+#include "desktop/main_job_session.h"
+#include "support/qt_gtest.h"
+
+namespace tavrelon::testing {
+
+using namespace std::chrono_literals;
+
+class FloatingJobTest : public ::testing::TestWithParam<RunningEditor::Kind> {
+ public:
+    StandInService service;
+    XTestKeyboard keyboard;
+
+    static QString titleOfFocus() {
+        QProcess tool;
+        tool.start(QStringLiteral("xdotool"), {QStringLiteral("getwindowfocus"), QStringLiteral("getwindowname")});
+        tool.waitForFinished(2000);
+        return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
+    }
+    static bool isBoxOpen() { return titleOfFocus() == QStringLiteral("Tavrelon"); }
+    static bool isEditorInFront() { return titleOfFocus().contains(QStringLiteral("field.txt")); }
+
+    void openBox() {
+        letKeysArrive();
+        keyboard.strike(place::grave);
+        ASSERT_TRUE(eventually(isBoxOpen)) << titleOfFocus().toStdString();
+        letKeysArrive();
+    }
+};
+
+TEST_P(FloatingJobTest, ThePromptIsAnsweredWhereTheUserWasWriting) {
+    RunningEditor editor(GetParam(), keyboard, QString());
+    editor.type(QStringLiteral("before "));
+    RunningTavrelon tavrelon(service);
+    StandInAnswer answer;
+    answer.content = QStringLiteral("ANSWER");
+    service.ledger().script({answer});
+    openBox();
+    editor.type(QStringLiteral("a poem"));  // the keys go to the box
+    letKeysArrive();
+    keyboard.strike(place::enter);
+    EXPECT_TRUE(eventually(isEditorInFront));
+    ASSERT_TRUE(eventually([&] { return tavrelon.historyCount() == 1; })) << qPrintable(tavrelon.log());
+    EXPECT_EQ(editor.saved(QStringLiteral("before ANSWER")), QStringLiteral("before ANSWER"));
+    EXPECT_EQ(tavrelon.terminate(), 0);
+}
+
+TEST_P(FloatingJobTest, EscapeGivesTheKeyboardBackAndAsksNobody) {
+    RunningEditor editor(GetParam(), keyboard, QString());
+    RunningTavrelon tavrelon(service);
+    openBox();
+    keyboard.strike(place::a);
+    keyboard.strike(place::escape);
+    EXPECT_TRUE(eventually(isEditorInFront)) << titleOfFocus().toStdString();
+    editor.type(QStringLiteral("on"));
+    EXPECT_EQ(editor.saved(QStringLiteral("on")), QStringLiteral("on"));
+    EXPECT_TRUE(service.ledger().requests().empty());
+    EXPECT_EQ(tavrelon.terminate(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Editors, FloatingJobTest,
+                         ::testing::Values(RunningEditor::Kind::Mousepad, RunningEditor::Kind::Featherpad),
+                         [](const auto& info) {
+                             return info.param == RunningEditor::Kind::Mousepad ? "mousepad" : "featherpad";
+                         });
+
+}  // namespace tavrelon::testing

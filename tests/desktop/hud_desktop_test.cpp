@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+
+#include <QQuickItem>
+
+#include "desktop/hud_session.h"
+#include "support/input_desk.h"
+#include "support/qt_gtest.h"
+#include "ui/hud/hotkey_status_hud_model.h"
+#include "ui/hud/input_hud_window_controller.h"
+
+namespace tavrelon::ui {
+
+using namespace std::chrono_literals;
+using input::InputState;
+using input::InputTrigger;
+using Case = InputState::Case;
+using tavrelon::testing::InputDesk;
+using tavrelon::testing::runQtUntil;
+
+class HUDDesktopTest : public ::testing::Test, public tavrelon::testing::PanelSession {
+ public:
+    InputHUDModel model;
+
+    std::unique_ptr<platform::Panel> overlayAt(QPointF origin) {
+        auto panel =
+            panels.create({platform::PanelKind::Overlay, {200, 60}, QStringLiteral("hud/InputHUDView"), &model});
+        panel->setFrameOrigin(origin);
+        panel->orderFront();
+        return panel;
+    }
+    void pass(std::chrono::milliseconds length) {
+        runQtUntil([] { return false; }, length);
+    }
+};
+
+TEST_F(HUDDesktopTest, AnOverlayTakesNeitherFocusNorClicks) {
+    model.show(Case::processing, InputTrigger::text);
+    const auto panel = overlayAt({400, 400});  // its middle is 370 below the upper edge of the 800
+    const QPoint middle(500, 370);
+    ASSERT_TRUE(runQtUntil([&] { return !isWhite(middle + QPoint(70, 0)); })) << "nothing is to be seen";
+    click(middle);
+    EXPECT_TRUE(runQtUntil([this] { return clicks == 1; }));
+    keyboard.strike(tavrelon::testing::place::a);
+    EXPECT_TRUE(runQtUntil([this] { return editor.toPlainText() == QStringLiteral("a"); }));
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_FALSE(isWhite(middle + QPoint(70, 0))) << "the click has brought the editor above it";
+    EXPECT_EQ(log.lines(), QStringList());
+}
+
+TEST_F(HUDDesktopTest, TheOverlayStandsByTheCaretAndGoesWithTheState) {
+    InputDesk desk;
+    platform::UserInterface userInterface{desk.application, panels, screens, desk.statusItem};
+    const InputHUDWindowController controller(
+        {desk.loop, userInterface, [] { return QRectF(300, 400, 2, 18); }, [](const QString&) {}}, desk.machine);
+    desk.toggle();
+    ASSERT_TRUE(runQtUntil([&] { return shownView() && !isWhite({340, 360}); }));
+    // 10 to the right of the caret and 28 above its lower edge
+    EXPECT_EQ(shownView()->geometry(), QRect(310, 330, 60, 60));
+    desk.type(QStringLiteral("hello"));
+    desk.toggle();
+    EXPECT_EQ(shownView()->geometry(), QRect(310, 330, 200, 60)) << "the lower left corner stays";
+    desk.machine->cancelProcessing();
+    desk.loop.advance(3s);
+    EXPECT_EQ(shownView(), nullptr);
+    EXPECT_TRUE(runQtUntil([&] { return isWhite({340, 360}); }));
+    EXPECT_EQ(log.lines(), QStringList());
+}
+
+TEST_F(HUDDesktopTest, EveryFaceIsDrawnInItsColourWithinItsShape) {
+    const struct {
+        InputState state;
+        InputTrigger trigger;
+        const char* tint;
+    } faces[] = {
+        {Case::listening, InputTrigger::text, "#5c6373"},
+        {Case::listeningVoice, InputTrigger::voice, "#ff9f45"},
+        {Case::recordingVideo, InputTrigger::video, "#ff5d5d"},
+        {Case::processing, InputTrigger::video, "#8f8cff"},
+        {Case::processing, InputTrigger::autoReply, "#4db0f7"},
+        {Case::processing, InputTrigger::text, "#b07bff"},
+        {Case::completed, InputTrigger::text, "#43d68a"},
+        {InputState::error(QStringLiteral("No")), InputTrigger::text, "#ff5d5d"},
+    };
+    for (const auto& face : faces) {
+        SCOPED_TRACE(hudFaceName(hudFace(face.state, face.trigger)).toStdString() + " " + face.tint);
+        model.show(face.state, face.trigger);
+        const auto size = hudContentSize(face.state, face.trigger);
+        auto panel = overlayAt({400, 400});
+        panel->setContentSize(size);
+        const QRect area(QPoint(400, 400 - static_cast<int>(size.height())), size.toSize());
+        const QColor tint(QString::fromLatin1(face.tint));
+        const auto near = [&](const QColor& color) {
+            return std::abs(color.red() - tint.red()) + std::abs(color.green() - tint.green()) +
+                       std::abs(color.blue() - tint.blue()) <
+                   60;
+        };
+        const auto drawn = [&] {
+            const auto image = screenshot(area);
+            int pixels = 0;
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x)
+                    pixels += near(image.pixelColor(x, y)) ? 1 : 0;
+            return pixels >= 12;
+        };
+        EXPECT_TRUE(runQtUntil(drawn, 5s));
+        EXPECT_TRUE(isWhite(area.topLeft())) << "without a compositor the corners are cut off";
+        panel->orderOut();
+    }
+    EXPECT_EQ(log.lines(), QStringList());
+}
+
+TEST_F(HUDDesktopTest, AHiddenOverlayDrawsNothing) {
+    model.show(Case::listeningVoice, InputTrigger::voice);
+    const auto panel = overlayAt({400, 400});
+    ASSERT_TRUE(runQtUntil([this] { return shownView() != nullptr; }));
+    auto* view = shownView();
+    int frames = 0;
+    QObject::connect(view, &QQuickWindow::afterRendering, view, [&] { ++frames; }, Qt::DirectConnection);
+    EXPECT_TRUE(runQtUntil([&] { return frames > 5; })) << "a shown one moves";
+    panel->orderOut();
+    pass(200ms);
+    frames = 0;
+    pass(500ms);
+    EXPECT_EQ(frames, 0);
+    EXPECT_FALSE(view->rootObject()->property("live").toBool());
+}
+
+TEST_F(HUDDesktopTest, TheStatusOverlayTellsBothStates) {
+    HotkeyStatusHUDModel status;
+    const auto panel = panels.create(
+        {platform::PanelKind::StatusOverlay, {260, 80}, QStringLiteral("hud/HotkeyStatusHUDView"), &status});
+    panel->setFrameOrigin({510, 640});
+    QImage pictures[2];
+    for (const bool enabled : {false, true}) {
+        status.show(enabled);
+        panel->orderFront();
+        pass(1200ms);  // past its short animation
+        pictures[enabled ? 1 : 0] = screenshot({510, 80, 260, 80});
+    }
+    EXPECT_NE(pictures[0], pictures[1]);
+    EXPECT_EQ(log.lines(), QStringList());
+}
+
+}  // namespace tavrelon::ui

@@ -1,0 +1,163 @@
+// hud_gallery FOLDER: shows every face, the prompt box and the status HUD on the running desktop, over a light and a
+// dark page, and writes a picture of each.
+#include <QApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QPainter>
+#include <QScreen>
+#include <QTimer>
+#include <QWidget>
+
+#include "desktop/linux/standard_output_log.h"
+#include "desktop/qt/qt_main_loop.h"
+#include "desktop/qt/qt_panels.h"
+#include "desktop/qt/qt_screens.h"
+#include "desktop/x11/x11_panel_surroundings.h"
+#include "ui/floating/floating_input_model.h"
+#include "ui/hud/hotkey_status_hud_model.h"
+#include "ui/hud/input_hud_model.h"
+
+using namespace tavrelon;
+using namespace std::chrono_literals;
+using input::InputState;
+using input::InputTrigger;
+
+namespace {
+
+/// A page to stand on: white on the left, dark on the right, with lines of writing.
+class Page : public QWidget {
+ public:
+    Page() { setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnBottomHint); }
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const auto half = QRect(0, 0, width() / 2, height());
+        painter.fillRect(half, Qt::white);
+        painter.fillRect(half.translated(width() / 2, 0), QColor(0x1e, 0x1e, 0x22));
+        for (int line = 20; line < height(); line += 22)
+            for (const bool dark : {false, true}) {
+                painter.setPen(dark ? QColor(0xd0, 0xd0, 0xd0) : QColor(0x20, 0x20, 0x20));
+                painter.drawText(
+                    dark ? width() / 2 + 12 : 12, line,
+                    QStringLiteral("The quick brown fox jumps over the lazy dog, again and again and again."));
+            }
+    }
+};
+
+class Gallery {
+ public:
+    explicit Gallery(QDir folder) : folder_(std::move(folder)) {
+        page_.setGeometry(QGuiApplication::primaryScreen()->geometry());
+        page_.show();
+        wait(300ms);
+    }
+
+    void wait(std::chrono::milliseconds length) {
+        QEventLoop turns;
+        QTimer::singleShot(length, &turns, [&] { turns.quit(); });
+        turns.exec();
+    }
+
+    void picture(
+        const QString& name, platform::PanelKind kind, const QString& view, QSizeF size, QObject& model,
+        const std::function<void()>& whenShown = [] {}) {
+        const auto panel = panels_.create({kind, size, view, &model});
+        QImage both;
+        for (const bool dark : {false, true}) {
+            const auto main = *screens_.mainScreen();
+            const QPointF origin(main.frame.width() * (dark ? 0.75 : 0.25) - panel->frameSize().width() / 2, 400);
+            panel->setFrameOrigin(origin);
+            if (kind == platform::PanelKind::PromptBox)
+                panel->makeKeyAndOrderFront();
+            else
+                panel->orderFront();
+            whenShown();
+            wait(700ms);
+            append(both, grab(origin, panel->frameSize()));
+            panel->orderOut();
+        }
+        both.save(folder_.filePath(name + QStringLiteral(".png")));
+    }
+
+ private:
+    QImage grab(QPointF origin, QSizeF size) {
+        constexpr int around = 24;
+        const auto area = desktop::flipped({origin, size}, screens_.mainScreen()->frame.height()).toRect();
+        const auto wide = area.adjusted(-around, -around, around, around);
+        return QGuiApplication::primaryScreen()
+            ->grabWindow(0, wide.x(), wide.y(), wide.width(), wide.height())
+            .toImage();
+    }
+
+    static void append(QImage& both, const QImage& next) {
+        if (both.isNull()) {
+            both = next;
+            return;
+        }
+        QImage joined(both.width() + next.width(), both.height(), QImage::Format_RGB32);
+        QPainter painter(&joined);
+        painter.drawImage(0, 0, both);
+        painter.drawImage(both.width(), 0, next);
+        painter.end();
+        both = joined;
+    }
+
+    QDir folder_;
+    Page page_;
+    desktop::QtMainLoop loop_;
+    desktop::StandardOutputLog log_;
+    std::unique_ptr<desktop::X11PanelSurroundings> x11_ = desktop::X11PanelSurroundings::create().value();
+    desktop::QtScreens screens_;
+    desktop::QtPanels panels_{
+        loop_, log_, {[this] { return x11_->isComposited(); }, [this](quint64 window) { x11_->focus(window); }}};
+};
+
+void pictureFaces(Gallery& gallery) {
+    const struct {
+        const char* name;
+        InputState state;
+        InputTrigger trigger;
+    } faces[] = {
+        {"listening", InputState::Case::listening, InputTrigger::text},
+        {"voice", InputState::Case::listeningVoice, InputTrigger::voice},
+        {"video-recording", InputState::Case::recordingVideo, InputTrigger::video},
+        {"video-processing", InputState::Case::processing, InputTrigger::video},
+        {"auto-reply", InputState::Case::processing, InputTrigger::autoReply},
+        {"processing", InputState::Case::processing, InputTrigger::text},
+        {"completed", InputState::Case::completed, InputTrigger::text},
+        {"error", InputState::error(QStringLiteral("No answer")), InputTrigger::text},
+    };
+    for (const auto& face : faces) {
+        ui::InputHUDModel model;
+        model.setTranscript(QStringLiteral("please write a friendly answer"));
+        model.show(face.state, face.trigger);
+        gallery.picture(QString::fromLatin1(face.name), platform::PanelKind::Overlay,
+                        QStringLiteral("hud/InputHUDView"), ui::hudContentSize(face.state, face.trigger), model);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QUICK_BACKEND", "software");
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const QDir folder(QString::fromLocal8Bit(argc > 1 ? argv[1] : "."));
+    folder.mkpath(QStringLiteral("."));
+    Gallery gallery(folder);
+    pictureFaces(gallery);
+    for (const bool enabled : {true, false}) {
+        ui::HotkeyStatusHUDModel model;
+        gallery.picture(enabled ? QStringLiteral("hotkeys-enabled") : QStringLiteral("hotkeys-disabled"),
+                        platform::PanelKind::StatusOverlay, QStringLiteral("hud/HotkeyStatusHUDView"), {260, 80}, model,
+                        [&] { model.show(enabled); });
+    }
+    for (const bool english : {true, false}) {
+        ui::FloatingInputModel model;
+        model.setIsEnglish(english);
+        const auto typed = english ? QString() : QStringLiteral("写一封简短的感谢信");
+        gallery.picture(english ? QStringLiteral("prompt-english") : QStringLiteral("prompt-chinese"),
+                        platform::PanelKind::PromptBox, QStringLiteral("floating/FloatingInputView"), {420, 74}, model,
+                        [&] { model.setText(typed); });
+    }
+    return 0;
+}

@@ -1,0 +1,175 @@
+#include <gtest/gtest.h>
+
+#include "support/input_desk.h"
+#include "support/qt_gtest.h"
+#include "ui/hud/input_hud_window_controller.h"
+
+namespace tavrelon::ui {
+
+using namespace std::chrono_literals;
+using input::InputState;
+using input::InputTrigger;
+using Case = InputState::Case;
+
+namespace {
+
+struct FaceCase {
+    InputState state;
+    std::optional<InputTrigger> trigger;
+    const char* face;
+    QSizeF size;
+};
+
+TEST(HUDLookTest, EachStateHasItsFaceAndSize) {
+    const FaceCase cases[] = {
+        {Case::listening, InputTrigger::text, "GlassListeningHUD", {60, 60}},
+        {Case::listeningVoice, InputTrigger::voice, "VoiceListeningHUD", {210, 70}},
+        {Case::recordingVideo, InputTrigger::video, "VideoRecordingHUD", {220, 70}},
+        {Case::processing, InputTrigger::autoReply, "AutoReplyHUD", {220, 70}},
+        {Case::processing, InputTrigger::video, "VideoProcessingHUD", {220, 70}},
+        {Case::processing, InputTrigger::text, "StandardHUD", {200, 60}},
+        {Case::processing, InputTrigger::floatingInput, "StandardHUD", {200, 60}},
+        {Case::completed, InputTrigger::video, "StandardHUD", {200, 60}},
+        {InputState::error(QStringLiteral("No")), InputTrigger::voice, "StandardHUD", {200, 60}},
+        {Case::idle, std::nullopt, "StandardHUD", {200, 60}},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(hudFaceName(hudFace(each.state, each.trigger)), QLatin1StringView(each.face));
+        EXPECT_EQ(hudContentSize(each.state, each.trigger), each.size) << each.face;
+    }
+}
+
+TEST(HUDLookTest, TheCornerStandsByTheCaretOnceTheAxisIsTurned) {
+    const platform::Screen screen{.frame = {0, 0, 1280, 800}, .visibleFrame = {0, 0, 1280, 800}};
+    const QRectF caret(300, 100, 2, 18);
+    EXPECT_EQ(hudOrigin(Case::listening, caret, screen), QPointF(310, 28 + 800 - 118));
+    EXPECT_EQ(hudOrigin(Case::processing, caret, screen), QPointF(310, 20 + 800 - 118));
+    EXPECT_EQ(hudOrigin(Case::listening, QRectF(5, 0, 0, 10), screen), QPointF(15, 818)) << "not kept on the screen";
+    EXPECT_EQ(hudOrigin(Case::listening, std::nullopt, screen), QPointF(565, 400));
+    EXPECT_EQ(hudOrigin(Case::listening, caret, std::nullopt), QPointF(100, 100));
+    EXPECT_EQ(hudOrigin(Case::listening, std::nullopt, std::nullopt), QPointF(0, 0));
+}
+
+}  // namespace
+
+class InputHUDTest : public ::testing::Test {
+ public:
+    tavrelon::testing::InputDesk desk;
+    std::optional<QRectF> caret = QRectF(300, 100, 2, 18);
+    std::unique_ptr<InputHUDWindowController> controller = std::make_unique<InputHUDWindowController>(
+        InputHUDWindowController::Desktop{
+            desk.loop, desk.userInterface, [this] { return caret; },
+            [this](const QString& symbol) { desk.statusItem.setImage(symbol, QStringLiteral("Tavrelon")); }},
+        desk.machine);
+
+    InputHUDTest() { desk.generator.delay = 5s; }
+    tavrelon::testing::FakePanel& panel() { return *desk.panels.made.at(0); }
+    const QString& symbol() { return desk.statusItem.symbols.last(); }
+    bool isPanelVisible() { return !desk.panels.made.empty() && panel().visible; }
+    void advanceTo(const InputState& state) {
+        for (int step = 0; step < 200 && desk.state() != state; ++step)
+            desk.loop.advance(50ms);
+        ASSERT_TRUE(desk.state() == state);
+        desk.loop.runUntilIdle();
+    }
+};
+
+TEST_F(InputHUDTest, ARequestIsShownFromTheHotkeyToTwoSecondsAfterItsEnd) {
+    EXPECT_TRUE(desk.panels.made.empty()) << "an idle process has no panel";
+    desk.toggle();
+    ASSERT_EQ(desk.panels.made.size(), 1U);
+    EXPECT_EQ(panel().kind, platform::PanelKind::Overlay);
+    EXPECT_TRUE(panel().visible);
+    EXPECT_EQ(panel().contentSize, QSizeF(60, 60));
+    EXPECT_EQ(panel().origin, QPointF(310, 710));
+    EXPECT_EQ(symbol(), QStringLiteral("text.cursor"));
+
+    desk.type(QStringLiteral("Dear Anna"));
+    caret = QRectF(500, 600, 2, 18);
+    desk.toggle();
+    ASSERT_TRUE(desk.state() == Case::processing);
+    EXPECT_EQ(panel().contentSize, QSizeF(200, 60));
+    EXPECT_EQ(panel().placings, 1) << "it stays where it stood";
+    EXPECT_EQ(symbol(), QStringLiteral("brain.head.profile"));
+
+    advanceTo(Case::completed);
+    EXPECT_TRUE(panel().visible);
+    EXPECT_EQ(symbol(), QStringLiteral("checkmark.circle.fill"));
+    desk.loop.advance(3s);
+    EXPECT_TRUE(desk.state() == Case::idle);
+    EXPECT_FALSE(panel().visible);
+    EXPECT_EQ(symbol(), QStringLiteral("key.fill"));
+    EXPECT_EQ(desk.panels.made.size(), 1U);
+}
+
+TEST_F(InputHUDTest, AFailureShowsForTwoSecondsWhereItHappened) {
+    desk.toggle();
+    desk.machine->failInput(QStringLiteral("No answer"));
+    desk.loop.runUntilIdle();
+    EXPECT_EQ(symbol(), QStringLiteral("exclamationmark.triangle.fill"));
+    EXPECT_EQ(panel().contentSize, QSizeF(200, 60));
+    desk.loop.advance(1999ms);
+    EXPECT_TRUE(desk.state() == InputState::error(QStringLiteral("No answer")));
+    EXPECT_TRUE(panel().visible);
+    desk.loop.advance(1ms);
+    EXPECT_TRUE(desk.state() == Case::idle);
+    EXPECT_FALSE(panel().visible);
+}
+
+TEST_F(InputHUDTest, AFailureWithoutAPanelShowsNone) {
+    desk.machine->failInput(QStringLiteral("AI is off"));
+    desk.loop.runUntilIdle();
+    EXPECT_FALSE(isPanelVisible());
+    EXPECT_EQ(symbol(), QStringLiteral("exclamationmark.triangle.fill"));
+    desk.loop.advance(2s);
+    EXPECT_TRUE(desk.state() == Case::idle);
+}
+
+TEST_F(InputHUDTest, ANewInputWithinTheTwoSecondsGoesOn) {
+    desk.machine->failInput(QStringLiteral("No answer"));
+    desk.loop.advance(1s);
+    desk.toggle();
+    desk.loop.advance(5s);
+    EXPECT_TRUE(desk.state() == Case::listening);
+    EXPECT_TRUE(panel().visible);
+}
+
+TEST_F(InputHUDTest, AnInputWithoutListeningIsPlacedWhenItIsProcessed) {
+    caret.reset();
+    desk.machine->startAutoReply();
+    desk.loop.runUntilIdle();
+    ASSERT_TRUE(isPanelVisible());
+    EXPECT_EQ(panel().contentSize, QSizeF(220, 70));
+    EXPECT_EQ(panel().origin, QPointF(565, 400));
+}
+
+TEST_F(InputHUDTest, ADestroyedControllerLeavesTheMachineAlone) {
+    desk.machine->failInput(QStringLiteral("No answer"));
+    controller.reset();
+    desk.loop.advance(3s);
+    EXPECT_TRUE(desk.state() == InputState::error(QStringLiteral("No answer")));
+}
+
+TEST(InputHUDModelTest, ItAnnouncesWhatItsViewHasToDraw) {
+    InputHUDModel model;
+    QStringList announced;
+    QObject::connect(&model, &InputHUDModel::faceChanged, [&] { announced << model.face(); });
+    QObject::connect(&model, &InputHUDModel::stateChanged, [&] { announced << model.label(); });
+    QObject::connect(&model, &InputHUDModel::transcriptChanged, [&] { announced << model.transcript(); });
+    model.show(Case::listening, InputTrigger::text);
+    EXPECT_TRUE(model.isPulsing());
+    EXPECT_FALSE(model.isRotating());
+    model.show(Case::processing, InputTrigger::text);
+    EXPECT_TRUE(model.isRotating());
+    EXPECT_EQ(model.tint(), QStringLiteral("purple"));
+    model.show(Case::completed, InputTrigger::text);
+    EXPECT_FALSE(model.isPulsing());
+    EXPECT_FALSE(model.isRotating());
+    model.setTranscript(QStringLiteral("hello"));
+    model.setTranscript(QStringLiteral("hello"));
+    EXPECT_EQ(announced, (QStringList{QStringLiteral("Listening..."), QStringLiteral("GlassListeningHUD"),
+                                      QStringLiteral("Thinking..."), QStringLiteral("StandardHUD"),
+                                      QStringLiteral("Done"), QStringLiteral("hello")}));
+}
+
+}  // namespace tavrelon::ui
