@@ -110,11 +110,11 @@ TEST_F(HUDDesktopTest, EveryFaceIsDrawnInItsColourWithinItsShape) {
 }
 
 TEST_F(HUDDesktopTest, AHiddenOverlayDrawsNothing) {
+    int frames = 0;  // outlives the view that counts in it
     model.show(Case::listeningVoice, InputTrigger::voice);
     const auto panel = overlayAt({400, 400});
     ASSERT_TRUE(runQtUntil([this] { return shownView() != nullptr; }));
     auto* view = shownView();
-    int frames = 0;
     QObject::connect(view, &QQuickWindow::afterRendering, view, [&] { ++frames; }, Qt::DirectConnection);
     EXPECT_TRUE(runQtUntil([&] { return frames > 5; })) << "a shown one moves";
     panel->orderOut();

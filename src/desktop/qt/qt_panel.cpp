@@ -50,9 +50,21 @@ QtPanel::QtPanel(QQmlEngine& engine, const platform::PanelDescription& descripti
     view_.setSource(QUrl(QStringLiteral("qrc:/tavrelon/ui/%1.qml").arg(description.view)));
     QObject::connect(&fade_, &QVariantAnimation::valueChanged, &view_,
                      [this](const QVariant& value) { view_.setOpacity(value.toDouble()); });
+    tools_.panels.insert(this);
 }
 
-QtPanel::~QtPanel() = default;
+QtPanel::~QtPanel() {
+    tools_.panels.erase(this);
+    // The renderer gives textures back while it draws a frame, and what waits for that when its last window goes is
+    // never given back (Qt 6.4): so nothing is drawn once more.
+    view_.setSource({});
+    view_.grabWindow();
+}
+
+void QtPanel::compositingChanged() {
+    if (view_.isVisible())
+        shape();
+}
 
 void QtPanel::setContentSize(QSizeF size) {
     view_.resize(size.toSize());

@@ -16,10 +16,14 @@ class QtPanel : public platform::Panel {
         async::MainLoop& loop;
         const PanelSurroundings& surroundings;
         QQmlPropertyMap& viewSurroundings;
+        std::set<QtPanel*>& panels;  ///< all that there are
     };
 
     QtPanel(QQmlEngine& engine, const platform::PanelDescription& description, Tools tools);
     ~QtPanel() override;
+
+    /// A shown panel takes its shape anew.
+    void compositingChanged();
 
     void setContentSize(QSizeF size) override;
     QSizeF frameSize() const override;

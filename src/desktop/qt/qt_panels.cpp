@@ -16,6 +16,7 @@ QQmlEngine& QtPanels::engine() {
     if (!engine_) {
         viewSurroundings_ = std::make_unique<QQmlPropertyMap>();
         viewSurroundings_->insert(QStringLiteral("composited"), surroundings_.isComposited());
+        compositorWatch_ = std::make_unique<QtCompositorWatch>([this] { compositingChanged(); });
         engine_ = std::make_unique<QQmlEngine>();
         engine_->setOutputWarningsToStandardError(false);
         QObject::connect(engine_.get(), &QQmlEngine::warnings, engine_.get(), [this](const QList<QQmlError>& warnings) {
@@ -28,9 +29,15 @@ QQmlEngine& QtPanels::engine() {
     return *engine_;
 }
 
+void QtPanels::compositingChanged() {
+    for (auto* panel : panels_)
+        panel->compositingChanged();
+}
+
 std::unique_ptr<platform::Panel> QtPanels::create(const platform::PanelDescription& description) {
     auto& viewEngine = engine();
-    return std::make_unique<QtPanel>(viewEngine, description, QtPanel::Tools{loop_, surroundings_, *viewSurroundings_});
+    return std::make_unique<QtPanel>(viewEngine, description,
+                                     QtPanel::Tools{loop_, surroundings_, *viewSurroundings_, panels_});
 }
 
 }  // namespace tavrelon::desktop

@@ -4,12 +4,16 @@
 #include <QQmlPropertyMap>
 #include <functional>
 #include <memory>
+#include <set>
 
 #include "async/main_loop.h"
+#include "desktop/qt/qt_compositor_watch.h"
 #include "platform/log.h"
 #include "platform/panel.h"
 
 namespace tavrelon::desktop {
+
+class QtPanel;
 
 /// What Qt does not do for panels by itself.
 struct PanelSurroundings {
@@ -27,12 +31,15 @@ class QtPanels : public platform::Panels {
 
  private:
     QQmlEngine& engine();
+    void compositingChanged();
 
     async::MainLoop& loop_;
     platform::Log& log_;
     PanelSurroundings surroundings_;
+    std::set<QtPanel*> panels_;  ///< they enter and leave by themselves
     std::unique_ptr<QQmlEngine> engine_;
     std::unique_ptr<QQmlPropertyMap> viewSurroundings_;  ///< what the views know of the desktop
+    std::unique_ptr<QtCompositorWatch> compositorWatch_;
 };
 
 }  // namespace tavrelon::desktop

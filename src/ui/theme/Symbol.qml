@@ -12,4 +12,5 @@ Image {
     source: name ? "image://symbol/" + name + "/" + Theme.faded(color, 1).toString().slice(1) : ""
     opacity: color.a
     smooth: true
+    cache: false  // drawn in a moment, and the cache keeps what nothing shows any more
 }
