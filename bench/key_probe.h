@@ -23,6 +23,10 @@ class KeyProbe {
         unsigned modifiers = 0;  ///< the core mask
         Clock::time_point time;
     };
+    struct Area {
+        int x = 0, y = 0;
+        unsigned width = 0, height = 0;
+    };
     struct Flood {
         int received = 0;
         int misplaced = 0;  ///< keys that came in another order than they were struck
@@ -39,6 +43,15 @@ class KeyProbe {
 
     /// The next key press with this key and at least these modifiers, others are skipped; absent past the bound.
     std::optional<KeyEvent> awaitPress(const std::string& chord, std::chrono::milliseconds limit);
+
+    /// How long after a chord the first frame shows something else in that part of the screen; absent past the bound.
+    std::optional<std::chrono::nanoseconds> untilChanged(const std::string& chord, Area area,
+                                                         std::chrono::milliseconds limit);
+
+    /// How long after a chord the input focus has left this window, or has come back to it; absent past the bound.
+    enum class Focus { Gone, Back };
+    std::optional<std::chrono::nanoseconds> untilFocus(const std::string& chord, Focus focus,
+                                                       std::chrono::milliseconds limit);
 
     /// Strikes the key `count` times, each after the last one arrived; a lost key is left out of the result.
     std::vector<std::chrono::nanoseconds> latencies(const std::string& key, int count, std::chrono::microseconds pause);
@@ -59,6 +72,8 @@ class KeyProbe {
     Chord parse(const std::string& chord) const;
     unsigned keycodeOf(const std::string& name) const;
     void send(unsigned keycode, bool down);
+    std::vector<char> pixels(Area area) const;
+    bool hasFocus() const;
     std::optional<KeyEvent> nextPress(Clock::time_point until);
 
     Display* display_ = nullptr;

@@ -10,6 +10,7 @@ from pathlib import Path
 import bench_keys
 import bench_process
 import bench_requests
+import bench_views
 from bench_table import row, table
 from programs import Tavrelon
 from waiting import Fault
@@ -54,6 +55,10 @@ def whole_program(build, output, extent):
             rows += bench_process.idle(tavrelon.process.pid, extent.settle, extent.idle)
             rows += bench_keys.with_the_program(probe, extent.keys, extent.flood, before)
             rows += bench_requests.requests(probe, tavrelon, service, extent.requests)
+        with product(home, "views", {"screenshotMode": "none"}) as tavrelon:
+            tavrelon.wait_until_live()
+            rows += bench_views.views(probe, tavrelon, extent.requests, extent.settle, extent.idle)
+            rows += bench_views.faces(build / "bench/face-cost", extent.settle)
         with product(home, "picture") as tavrelon:
             tavrelon.wait_until_live()
             rows += bench_requests.pictured_requests(probe, tavrelon, service, extent.requests)

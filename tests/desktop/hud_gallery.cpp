@@ -83,9 +83,13 @@ class Gallery {
         constexpr int around = 24;
         const auto area = desktop::flipped({origin, size}, screens_.mainScreen()->frame.height()).toRect();
         const auto wide = area.adjusted(-around, -around, around, around);
-        return QGuiApplication::primaryScreen()
-            ->grabWindow(0, wide.x(), wide.y(), wide.width(), wide.height())
-            .toImage();
+        auto* screen = QGuiApplication::primaryScreen();
+        const QRectF points(QPointF(wide.topLeft()) / screen->devicePixelRatio(),
+                            QSizeF(wide.size()) / screen->devicePixelRatio());
+        const auto rounded = points.toAlignedRect();
+        auto image = screen->grabWindow(0, rounded.x(), rounded.y(), rounded.width(), rounded.height()).toImage();
+        image.setDevicePixelRatio(1);  // all that follows counts in pixels
+        return image;
     }
 
     static void append(QImage& both, const QImage& next) {
