@@ -33,17 +33,41 @@ class HUDDesktopTest : public ::testing::Test, public tavrelon::testing::PanelSe
     }
 };
 
-TEST_F(HUDDesktopTest, AnOverlayTakesNeitherFocusNorClicks) {
-    model.show(Case::processing, InputTrigger::text);
-    const auto panel = overlayAt({400, 400});  // its middle is 370 below the upper edge of the 800
-    const QPoint middle(500, 370);
-    ASSERT_TRUE(runQtUntil([&] { return !isWhite(middle + QPoint(70, 0)); })) << "nothing is to be seen";
-    click(middle);
-    EXPECT_TRUE(runQtUntil([this] { return clicks == 1; }));
-    keyboard.strike(tavrelon::testing::place::a);
-    EXPECT_TRUE(runQtUntil([this] { return editor.toPlainText() == QStringLiteral("a"); }));
-    EXPECT_TRUE(panel->isVisible());
-    EXPECT_FALSE(isWhite(middle + QPoint(70, 0))) << "the click has brought the editor above it";
+TEST_F(HUDDesktopTest, NoOverlayTakesFocusOrClicks) {
+    const std::pair<Case, InputTrigger> faces[] = {
+        {Case::listening, InputTrigger::text},       {Case::listeningVoice, InputTrigger::voice},
+        {Case::recordingVideo, InputTrigger::video}, {Case::processing, InputTrigger::video},
+        {Case::processing, InputTrigger::autoReply}, {Case::completed, InputTrigger::text},
+    };
+    const auto panel = overlayAt({0, 0});
+    HotkeyStatusHUDModel status;
+    const auto statusPanel = panels.create(
+        {platform::PanelKind::StatusOverlay, {260, 80}, QStringLiteral("hud/HotkeyStatusHUDView"), &status});
+    statusPanel->setFrameOrigin({900, 400});  // its lower edge is 400 below the upper edge of the screen
+    statusPanel->orderFront();
+    QString typed;
+    const auto clickThrough = [&](QPoint middle) {
+        SCOPED_TRACE(::testing::Message() << middle.x() << "," << middle.y());
+        ASSERT_TRUE(runQtUntil([&] { return !isWhite(middle); })) << "nothing is to be seen";
+        const int before = clicks;
+        click(middle);
+        EXPECT_TRUE(runQtUntil([&] { return clicks == before + 1; }));
+        keyboard.strike(tavrelon::testing::place::a);
+        typed += u'a';
+        EXPECT_TRUE(runQtUntil([&] { return editor.toPlainText().size() == typed.size(); }));
+        EXPECT_FALSE(isWhite(middle)) << "the click has brought the editor above it";
+    };
+    double x = 100;
+    for (const auto& [state, trigger] : faces) {
+        model.show(state, trigger);
+        const auto size = hudContentSize(state, trigger);
+        panel->setContentSize(size);
+        x += 80;  // two clicks at one place would be a double click
+        panel->setFrameOrigin({x, 400});
+        clickThrough(QPointF(x + size.width() / 2, 400 - size.height() / 2).toPoint());
+    }
+    clickThrough({960, 360});
+    EXPECT_EQ(editor.toPlainText(), typed);
     EXPECT_EQ(log.lines(), QStringList());
 }
 

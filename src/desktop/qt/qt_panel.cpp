@@ -50,6 +50,8 @@ QtPanel::QtPanel(QQmlEngine& engine, const platform::PanelDescription& descripti
     view_.setSource(QUrl(QStringLiteral("qrc:/tavrelon/ui/%1.qml").arg(description.view)));
     QObject::connect(&fade_, &QVariantAnimation::valueChanged, &view_,
                      [this](const QVariant& value) { view_.setOpacity(value.toDouble()); });
+    // A view finds its place only after its window has its size, so its mask is right when it is about to be drawn.
+    QObject::connect(&view_, &QQuickWindow::beforeSynchronizing, &view_, [this] { followMask(); });
     tools_.panels.insert(this);
 }
 
@@ -99,13 +101,23 @@ void QtPanel::place() {
 void QtPanel::shape() {
     const bool composited = tools_.surroundings.isComposited();
     tools_.viewSurroundings.insert(QStringLiteral("composited"), composited);
-    const auto* root = view_.rootObject();
-    if (composited || !root) {
+    isMasked_ = !composited;
+    mask_ = {};
+    if (composited)
         view_.setMask({});
+    else
+        followMask();
+}
+
+void QtPanel::followMask() {
+    const auto* root = view_.rootObject();
+    if (!isMasked_ || !root)
         return;
-    }
-    view_.setMask(
-        roundedRegion(root->property("maskRect").toRectF().toRect(), root->property("maskRadius").toDouble()));
+    const Mask wanted{root->property("maskRect").toRectF().toRect(), root->property("maskRadius").toDouble()};
+    if (wanted == mask_)
+        return;
+    mask_ = wanted;
+    view_.setMask(roundedRegion(wanted.rectangle, wanted.radius));
 }
 
 void QtPanel::orderFront() {

@@ -35,13 +35,23 @@ class QtPanel : public platform::Panel {
     void setAlpha(double alpha, std::chrono::milliseconds duration) override;
 
  private:
+    /// The part of the view that is to be seen.
+    struct Mask {
+        QRect rectangle;
+        double radius = 0;
+        bool operator==(const Mask&) const = default;
+    };
+
     void place();
     void shape();
+    void followMask();
     void insistOnFocus();
 
     Tools tools_;
     QQuickView view_;
     QPointF origin_;  ///< as asked for, so that a new size keeps the lower left corner
+    Mask mask_;
+    bool isMasked_ = false;  ///< whether windows cannot be translucent
     QVariantAnimation fade_;
     async::Timer focusCheck_;
 };
