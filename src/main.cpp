@@ -20,6 +20,7 @@
 #include "desktop/qt/qt_panels.h"
 #include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_status_item.h"
+#include "desktop/qt/qt_windows.h"
 #include "desktop/x11/x11_event_tap.h"
 #include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_panel_surroundings.h"
@@ -27,6 +28,9 @@
 #include "desktop/x11/x11_screen_capture.h"
 #include "desktop/x11/x11_terminal_shortcuts.h"
 #include "desktop/x11/x11_workspace.h"
+#include "ui/dashboard/dashboard_window_controller.h"
+#include "ui/dashboard/donation_page.h"
+#include "ui/settings/pages.h"
 
 namespace {
 
@@ -127,7 +131,13 @@ int main(int argc, char** argv) {
                              {[&x11] { return x11.isComposited(); }, [&x11](quint64 window) { x11.focus(window); }});
     platform::UserInterface userInterface{desktopApplication, panels, screens, statusItem};
 
+    desktop::QtWindows windows(loop, log);
+
     app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
+    auto& appState = delegate.appState();
+    ui::DashboardWindowController dashboard(windows, appState.storageManager(), {ui::generalSettingsPage(appState)},
+                                            [&] { essentials->workspace->openUrl(ui::donationPage()); });
+    delegate.showDashboard = [&dashboard] { dashboard.show(); };
     delegate.applicationDidFinishLaunching();
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();

@@ -15,7 +15,8 @@ FLOORS = [
     ["input"],
     ["hotkeys", "ui/theme", "ui/hud", "ui/floating"],
     ["app"],
-    ["ui/dashboard", "ui/settings", "ui/history"],
+    ["ui/dashboard"],
+    ["ui/settings", "ui/history"],
 ]
 ADAPTERS = ["desktop/linux", "desktop/documents", "desktop/qt", "desktop/x11", "desktop/atspi"]
 

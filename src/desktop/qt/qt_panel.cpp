@@ -7,6 +7,7 @@
 #include <QScreen>
 
 #include "desktop/qt/qt_screens.h"
+#include "desktop/qt/qt_view_engine.h"
 
 namespace tavrelon::desktop {
 
@@ -47,7 +48,7 @@ QtPanel::QtPanel(QQmlEngine& engine, const platform::PanelDescription& descripti
     view_.setResizeMode(QQuickView::SizeRootObjectToView);
     view_.resize(description.contentSize.toSize());
     view_.setInitialProperties({{QStringLiteral("model"), QVariant::fromValue(description.model)}});
-    view_.setSource(QUrl(QStringLiteral("qrc:/tavrelon/ui/%1.qml").arg(description.view)));
+    view_.setSource(viewUrl(description.view));
     QObject::connect(&fade_, &QVariantAnimation::valueChanged, &view_,
                      [this](const QVariant& value) { view_.setOpacity(value.toDouble()); });
     // A view finds its place only after its window has its size, so its mask is right when it is about to be drawn.

@@ -3,7 +3,7 @@
 #include <QQmlContext>
 
 #include "desktop/qt/qt_panel.h"
-#include "desktop/qt/qt_symbols.h"
+#include "desktop/qt/qt_view_engine.h"
 
 namespace tavrelon::desktop {
 
@@ -17,13 +17,7 @@ QQmlEngine& QtPanels::engine() {
         viewSurroundings_ = std::make_unique<QQmlPropertyMap>();
         viewSurroundings_->insert(QStringLiteral("composited"), surroundings_.isComposited());
         compositorWatch_ = std::make_unique<QtCompositorWatch>([this] { compositingChanged(); });
-        engine_ = std::make_unique<QQmlEngine>();
-        engine_->setOutputWarningsToStandardError(false);
-        QObject::connect(engine_.get(), &QQmlEngine::warnings, engine_.get(), [this](const QList<QQmlError>& warnings) {
-            for (const auto& warning : warnings)
-                log_.line(QStringLiteral("[UI] ") + warning.toString());
-        });
-        engine_->addImageProvider(QStringLiteral("symbol"), new QtSymbolProvider);
+        engine_ = makeViewEngine(log_);
         engine_->rootContext()->setContextProperty(QStringLiteral("surroundings"), viewSurroundings_.get());
     }
     return *engine_;

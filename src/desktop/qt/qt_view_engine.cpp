@@ -1,0 +1,24 @@
+#include "desktop/qt/qt_view_engine.h"
+
+#include <QUrl>
+
+#include "desktop/qt/qt_symbols.h"
+
+namespace tavrelon::desktop {
+
+std::unique_ptr<QQmlEngine> makeViewEngine(platform::Log& log) {
+    auto engine = std::make_unique<QQmlEngine>();
+    engine->setOutputWarningsToStandardError(false);
+    QObject::connect(engine.get(), &QQmlEngine::warnings, engine.get(), [&log](const QList<QQmlError>& warnings) {
+        for (const auto& warning : warnings)
+            log.line(QStringLiteral("[UI] ") + warning.toString());
+    });
+    engine->addImageProvider(QStringLiteral("symbol"), new QtSymbolProvider);
+    return engine;
+}
+
+QUrl viewUrl(const QString& name) {
+    return QUrl(QStringLiteral("qrc:/tavrelon/ui/%1.qml").arg(name));
+}
+
+}  // namespace tavrelon::desktop

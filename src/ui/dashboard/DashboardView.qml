@@ -1,0 +1,171 @@
+import QtQuick
+import "qrc:/tavrelon/ui/theme"
+
+/// The dashboard: the sidebar, the top bar, and the page of the selected tab on a night sky.
+Item {
+    id: view
+
+    required property QtObject model
+    readonly property var texts: model.texts
+
+    StarfieldBackground {
+        anchors.fill: parent
+        isAnimating: view.Window.active && view.Window.visibility !== Window.Minimized
+        farStars: view.model.farStars
+        nearStars: view.model.nearStars
+    }
+    DragHandler {
+        target: null
+        onActiveChanged: if (active) view.Window.window.startSystemMove()
+    }
+
+    Item {
+        id: shell
+        anchors.fill: parent
+        enabled: !view.model.showingHelp
+
+        GlassSidebarBackground {
+            id: sidebar
+            width: 88
+            anchors { top: parent.top; bottom: parent.bottom }
+
+            Column {
+                id: mark
+                y: 20
+                width: parent.width
+                spacing: 4
+
+                Symbol {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    name: "bolt.fill"
+                    size: 28
+                    color: Look.accent
+                }
+                Text {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    text: view.texts.name
+                    color: Look.primary
+                    font { family: Look.fontFamily; pixelSize: 13; weight: Font.DemiBold }
+                }
+                Row {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    spacing: 5
+                    Rectangle {
+                        anchors.verticalCenter: parent.verticalCenter
+                        width: 6
+                        height: 6
+                        radius: 3
+                        color: Look.accent
+                    }
+                    Text {
+                        text: view.texts.state
+                        color: Look.secondary
+                        font { family: Look.fontFamily; pixelSize: 11 }
+                    }
+                }
+            }
+            Column {
+                anchors { top: mark.bottom; topMargin: 22; horizontalCenter: parent.horizontalCenter }
+                spacing: 6
+                Accessible.role: Accessible.PageTabList
+                Accessible.name: view.texts.name
+
+                Repeater {
+                    model: view.model.tabs.length
+                    SidebarButton {
+                        required property int index
+                        readonly property var tab: view.model.tabs[index]
+                        icon: tab.symbol
+                        name: tab.name
+                        isSelected: view.model.selection === index
+                        onTriggered: view.model.selection = index
+                    }
+                }
+            }
+            Column {
+                anchors { bottom: parent.bottom; bottomMargin: 16; horizontalCenter: parent.horizontalCenter }
+                spacing: 4
+
+                SidebarButton {
+                    height: 40
+                    icon: "questionmark.circle.fill"
+                    name: view.texts.help
+                    Accessible.role: Accessible.Button
+                    onTriggered: view.model.showingHelp = true
+                }
+                PressArea {
+                    id: donate
+                    width: 64
+                    height: 46
+                    corner: 12
+                    name: view.texts.donate
+                    toolTip: view.texts.donateTip
+                    onTriggered: view.model.donate()
+
+                    Rectangle {
+                        anchors.fill: parent
+                        radius: donate.corner
+                        color: Look.white(donate.hovered ? 0.1 : 0)
+                    }
+                    Column {
+                        anchors.centerIn: parent
+                        spacing: 2
+                        Symbol {
+                            anchors.horizontalCenter: parent.horizontalCenter
+                            name: "heart.fill"
+                            size: 18
+                            color: Look.warning
+                        }
+                        Text {
+                            anchors.horizontalCenter: parent.horizontalCenter
+                            text: view.texts.donate
+                            color: Look.secondary
+                            font { family: Look.fontFamily; pixelSize: 11 }
+                        }
+                    }
+                }
+            }
+        }
+        GlassBarBackground {
+            id: bar
+            height: 60
+            anchors { left: sidebar.right; right: parent.right }
+
+            GlassTextField {
+                anchors { left: parent.left; leftMargin: Look.margin; verticalCenter: parent.verticalCenter }
+                width: Math.min(420, chip.x - 2 * Look.margin)
+                icon: "magnifyingglass"
+                name: view.texts.search
+                placeholder: view.texts.search
+                text: view.model.searchText
+                onEdited: text => view.model.searchText = text
+            }
+            GlassButton {
+                id: chip
+                anchors { right: parent.right; rightMargin: Look.margin; verticalCenter: parent.verticalCenter }
+                icon: "globe"
+                text: view.texts.language
+                toolTip: view.texts.languageTip
+                onTriggered: view.model.switchLanguage()
+            }
+        }
+        Loader {
+            id: page
+            anchors { left: sidebar.right; right: parent.right; top: bar.bottom; bottom: parent.bottom }
+
+            function open() {
+                setSource(view.model.pageView, { model: view.model.pageModel });
+            }
+
+            Component.onCompleted: open()
+            Connections {
+                target: view.model
+                function onSelectionChanged() { page.open(); }
+            }
+        }
+    }
+    HelpModalView {
+        anchors.fill: parent
+        model: view.model
+    }
+}

@@ -1,0 +1,16 @@
+import QtQuick
+
+/// Marks the control that has the keyboard, around `target`, which is the parent unless told.
+Rectangle {
+    property Item target: parent
+    property real corner: Look.fieldCorner
+
+    visible: target.activeFocus
+    anchors.fill: parent
+    anchors.margins: -3
+    radius: corner + 3
+    color: "transparent"
+    border.width: 2
+    border.color: Look.accent
+    z: 1
+}

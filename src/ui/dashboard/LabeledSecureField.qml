@@ -1,0 +1,6 @@
+import QtQuick
+
+/// A labelled text field that hides what is typed.
+LabeledField {
+    isSecure: true
+}

@@ -1,0 +1,92 @@
+import QtQuick
+
+/// A page with its title over a column that scrolls. What stands in `actions` goes to the right of the title.
+Item {
+    id: page
+
+    property string title
+    property string subtitle
+    property alias spacing: column.spacing
+    property alias actions: actionRow.data
+    default property alias content: column.data
+
+    function reveal(item) {
+        if (!item || !page.visible)
+            return;
+        let ancestor = item;
+        while (ancestor && ancestor !== column)
+            ancestor = ancestor.parent;
+        if (!ancestor)
+            return;
+        const top = item.mapToItem(column, 0, 0).y + column.y - 12;
+        const bottom = top + item.height + 24;
+        const limit = Math.max(0, flick.contentHeight - flick.height);
+        if (top < flick.contentY)
+            flick.contentY = Math.max(0, Math.min(top, limit));
+        else if (bottom > flick.contentY + flick.height)
+            flick.contentY = Math.max(0, Math.min(bottom - flick.height, limit));
+    }
+
+    Connections {
+        target: page.Window.window
+        function onActiveFocusItemChanged() { page.reveal(page.Window.window.activeFocusItem); }
+    }
+
+    Flickable {
+        id: flick
+        anchors.fill: parent
+        clip: true
+        contentWidth: width
+        contentHeight: column.y + column.height + Look.margin
+        boundsBehavior: Flickable.StopAtBounds
+
+        SectionHeader {
+            id: header
+            x: Look.margin
+            y: Look.margin - 6
+            width: flick.width - 2 * Look.margin - actionRow.width - (actionRow.width ? 12 : 0)
+            visible: page.title
+            level: 1
+            title: page.title
+            subtitle: page.subtitle
+        }
+        Row {
+            id: actionRow
+            x: flick.width - Look.margin - width
+            y: header.y
+            spacing: 8
+        }
+        Column {
+            id: column
+            x: Look.margin
+            y: header.visible ? header.y + Math.max(header.height, actionRow.height) + 18 : Look.margin
+            width: flick.width - 2 * Look.margin
+            spacing: Look.gap
+        }
+    }
+    Rectangle {
+        id: indicator
+        readonly property real span: flick.height - 12
+        visible: flick.contentHeight > flick.height
+        anchors { right: parent.right; rightMargin: 5 }
+        y: 6 + span * flick.visibleArea.yPosition
+        width: 6
+        height: Math.max(30, span * flick.visibleArea.heightRatio)
+        radius: 3
+        color: Look.white(grip.containsMouse || grip.pressed ? 0.5 : 0.28)
+
+        MouseArea {
+            id: grip
+            property real grabbedAt
+            anchors { fill: parent; margins: -4 }
+            hoverEnabled: true
+            onPressed: mouse => grabbedAt = mapToItem(page, 0, mouse.y).y - indicator.y
+            onPositionChanged: mouse => {
+                if (!pressed)
+                    return;
+                const share = (mapToItem(page, 0, mouse.y).y - grabbedAt - 6) / indicator.span;
+                flick.contentY = Math.max(0, Math.min(share * flick.contentHeight, flick.contentHeight - flick.height));
+            }
+        }
+    }
+}

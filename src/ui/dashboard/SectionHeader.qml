@@ -1,0 +1,33 @@
+import QtQuick
+
+/// A heading with an optional second line.
+Column {
+    id: header
+
+    property string title
+    property string subtitle
+    property int level: 2              ///< 1 is the page's own
+
+    width: parent ? parent.width : implicitWidth
+    spacing: level === 1 ? 6 : 3
+
+    Text {
+        width: parent.width
+        text: header.title
+        color: Look.primary
+        wrapMode: Text.Wrap
+        font { family: Look.fontFamily; pixelSize: header.level === 1 ? 22 : Look.titleSize; weight: Font.DemiBold }
+        Accessible.role: Accessible.Heading
+        Accessible.name: text
+    }
+    Text {
+        visible: text
+        width: parent.width
+        text: header.subtitle
+        color: Look.secondary
+        wrapMode: Text.Wrap
+        font { family: Look.fontFamily; pixelSize: header.level === 1 ? Look.bodySize : Look.smallSize }
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
+    }
+}

@@ -1,0 +1,91 @@
+#include "ui/dashboard/dashboard_model.h"
+
+#include <algorithm>
+
+#include "ui/dashboard/dashboard_texts.h"
+#include "ui/dashboard/star_layer.h"
+
+namespace tavrelon::ui {
+
+namespace {
+
+const DashboardTabLook& lookOf(DashboardTab tab) {
+    return *std::ranges::find(dashboardTabs, tab, &DashboardTabLook::tab);
+}
+
+}  // namespace
+
+DashboardModel::DashboardModel(persistence::StorageManager& storage, const std::vector<DashboardPage>& pages,
+                               std::function<void()> openDonationPage)
+    : PageModel(storage, dashboardTexts), pages_(pages), openDonationPage_(std::move(openDonationPage)) {
+    if (!pages_.empty())
+        show(0);
+}
+
+DashboardModel::~DashboardModel() {
+    if (current_)
+        current_->disappear();
+}
+
+QVariantList DashboardModel::tabs() const {
+    QVariantList list;
+    for (const auto& page : pages_) {
+        const auto& look = lookOf(page.tab);
+        list << QVariantMap{
+            {QStringLiteral("name"), (isEnglish() ? look.english : look.chinese).toString()},
+            {QStringLiteral("symbol"), look.symbol.toString()},
+        };
+    }
+    return list;
+}
+
+void DashboardModel::select(int index) {
+    if (index < 0 || index >= static_cast<int>(pages_.size()) || index == selection())
+        return;
+    current_->disappear();
+    show(static_cast<std::size_t>(index));
+}
+
+void DashboardModel::show(std::size_t index) {
+    auto& model = models_[index];
+    if (!model)
+        model = pages_[index].makeModel();
+    selection_ = index;
+    current_ = model.get();
+    current_->appear();
+    Q_EMIT selectionChanged();
+}
+
+QString DashboardModel::pageView() const {
+    return pages_.empty() ? QString() : QStringLiteral("qrc:/tavrelon/ui/%1.qml").arg(pages_[selection_].view);
+}
+
+QVariantList DashboardModel::helpSections() const {
+    QVariantList sections;
+    for (const auto& section : ui::helpSections) {
+        QStringList items;
+        for (const auto& item : section.items)
+            if (!item.english.isEmpty())
+                items << (isEnglish() ? item.english : item.chinese).toString();
+        sections << QVariantMap{
+            {QStringLiteral("title"), (isEnglish() ? section.title.english : section.title.chinese).toString()},
+            {QStringLiteral("items"), items},
+        };
+    }
+    return sections;
+}
+
+QVariantList DashboardModel::farStarList() const {
+    return toVariantList(farStars());
+}
+
+QVariantList DashboardModel::nearStarList() const {
+    return toVariantList(nearStars());
+}
+
+void DashboardModel::switchLanguage() {
+    const auto language = isEnglish() ? QStringLiteral("zh") : QStringLiteral("en");
+    store([&](persistence::AppSettings& settings) { settings.appLanguage = language; });
+}
+
+}  // namespace tavrelon::ui

@@ -1,0 +1,66 @@
+#include "ui/settings/general_settings_model.h"
+
+#include <array>
+
+namespace tavrelon::ui {
+
+using generation::VisionModelPreference;
+using persistence::AppSettings;
+
+namespace {
+
+constexpr QLatin1StringView speed("speed");
+constexpr QLatin1StringView quality("quality");
+
+constexpr std::array<PageText, 13> pageTexts{{
+    {u"vision", u"Vision Preference", u"视觉偏好"},
+    {u"visionHint", u"Prioritize speed or quality for vision models", u"选择视觉模型的速度或质量优先级"},
+    {u"speed", u"Speed", u"速度优先"},
+    {u"quality", u"Quality", u"质量优先"},
+    {u"speedWarning", u"Fast model quality is currently lower.", u"高速模型目前效果不佳"},
+    {u"think", u"Think", u"思考"},
+    {u"thinkHint", u"Use /think for vision replies", u"视觉回复时使用 /think"},
+    {u"memory", u"Local Memory", u"本地记忆"},
+    {u"memoryHint", u"Record phrases locally", u"本地记录短语"},
+    {u"share", u"Share Improvements", u"分享改进"},
+    {u"shareHint", u"Help improve products", u"帮助改进产品"},
+    {u"enhancement", u"Image Prompt Enhancement", u"图片提示增强"},
+    {u"enhancementHint", u"Enhances prompts and blocks NSFW", u"增强提示词并屏蔽敏感内容"},
+}};
+
+}  // namespace
+
+GeneralSettingsModel::GeneralSettingsModel(persistence::StorageManager& storage,
+                                           generation::PollinationsService& service)
+    : PageModel(storage, pageTexts), service_(service) {}
+
+QString GeneralSettingsModel::visionModelPreference() const {
+    return settings().visionModelPreference == quality ? quality : speed;
+}
+
+void GeneralSettingsModel::setVisionModelPreference(const QString& preference) {
+    if (preference != speed && preference != quality)
+        return;
+    store([&](AppSettings& settings) { settings.visionModelPreference = preference; });
+    service_.setVisionModelPreference(preference == quality ? VisionModelPreference::quality
+                                                            : VisionModelPreference::speed);
+}
+
+void GeneralSettingsModel::setThinkEnabled(bool enabled) {
+    store([&](AppSettings& settings) { settings.enableNvidiaThink = enabled; });
+    service_.nvidiaThinkEnabled = enabled;
+}
+
+void GeneralSettingsModel::setLocalLearningEnabled(bool enabled) {
+    store([&](AppSettings& settings) { settings.enableLocalLearning = enabled; });
+}
+
+void GeneralSettingsModel::setSharesImprovements(bool shares) {
+    store([&](AppSettings& settings) { settings.shareImprovements = shares; });
+}
+
+void GeneralSettingsModel::setEnhancesImagePrompts(bool enhances) {
+    store([&](AppSettings& settings) { settings.enableImagePromptEnhancement = enhances; });
+}
+
+}  // namespace tavrelon::ui

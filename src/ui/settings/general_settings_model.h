@@ -1,0 +1,38 @@
+#pragma once
+
+#include "generation/pollinations_service.h"
+#include "ui/dashboard/page_model.h"
+
+namespace tavrelon::ui {
+
+/// The page of general settings.
+class GeneralSettingsModel : public PageModel {
+    Q_OBJECT
+    Q_PROPERTY(QString visionModelPreference READ visionModelPreference WRITE setVisionModelPreference NOTIFY changed)
+    Q_PROPERTY(bool isThinkEnabled READ isThinkEnabled WRITE setThinkEnabled NOTIFY changed)
+    Q_PROPERTY(bool isLocalLearningEnabled READ isLocalLearningEnabled WRITE setLocalLearningEnabled NOTIFY changed)
+    Q_PROPERTY(bool sharesImprovements READ sharesImprovements WRITE setSharesImprovements NOTIFY changed)
+    Q_PROPERTY(bool enhancesImagePrompts READ enhancesImagePrompts WRITE setEnhancesImagePrompts NOTIFY changed)
+
+ public:
+    /// Both outlive the model.
+    GeneralSettingsModel(persistence::StorageManager& storage, generation::PollinationsService& service);
+
+    /// "speed" or "quality"; whatever else is stored shows as "speed".
+    QString visionModelPreference() const;
+    void setVisionModelPreference(const QString& preference);
+
+    bool isThinkEnabled() const { return settings().enableNvidiaThink; }
+    void setThinkEnabled(bool enabled);
+    bool isLocalLearningEnabled() const { return settings().enableLocalLearning; }
+    void setLocalLearningEnabled(bool enabled);
+    bool sharesImprovements() const { return settings().shareImprovements; }
+    void setSharesImprovements(bool shares);
+    bool enhancesImagePrompts() const { return settings().enableImagePromptEnhancement; }
+    void setEnhancesImagePrompts(bool enhances);
+
+ private:
+    generation::PollinationsService& service_;
+};
+
+}  // namespace tavrelon::ui
