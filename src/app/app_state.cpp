@@ -64,7 +64,8 @@ AppState::~AppState() = default;
 
 std::optional<QRectF> AppState::caretRect() {
     const auto caret = cursorLocator_.caretRect();
-    return caret ? std::optional(QRectF(caret->origin.x, caret->origin.y, caret->size.width, caret->size.height)) : std::nullopt;
+    return caret ? std::optional(QRectF(caret->origin.x, caret->origin.y, caret->size.width, caret->size.height))
+                 : std::nullopt;
 }
 
 void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon) {
@@ -78,25 +79,8 @@ void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSette
 }
 
 void AppState::applyHotkeySettings() {
-    const auto& settings = storageManager_.settings();
     auto& manager = hotkeyManager_;
-    manager.toggleHotkey = settings.toggleHotkey;
-    manager.toggleHotkeyEnabled = settings.toggleHotkeyEnabled;
-    manager.voiceHotkey = settings.voiceHotkey;
-    manager.voiceHotkeyEnabled = settings.voiceHotkeyEnabled;
-    manager.voiceDictationHotkey = settings.voiceDictationHotkey;
-    manager.voiceDictationHotkeyEnabled = settings.voiceDictationHotkeyEnabled;
-    manager.cancelHotkey = settings.cancelHotkey;
-    manager.cancelHotkeyEnabled = settings.cancelHotkeyEnabled;
-    manager.autoReplyHotkey = settings.autoReplyHotkey;
-    manager.autoReplyHotkeyEnabled = settings.autoReplyHotkeyEnabled;
-    manager.toggleAllHotkeysHotkey = settings.toggleAllHotkeysHotkey;
-    manager.toggleAllHotkeysHotkeyEnabled = settings.toggleAllHotkeysHotkeyEnabled;
-    manager.videoHotkey = settings.videoHotkey;
-    manager.videoHotkeyEnabled = settings.videoHotkeyEnabled;
-    manager.floatingInputHotkey = settings.floatingInputHotkey;
-    manager.floatingInputHotkeyEnabled = settings.floatingInputHotkeyEnabled;
-    manager.hotkeysEnabled = settings.hotkeysEnabled;
+    static_cast<keys::HotkeySet&>(manager) = storageManager_.settings();
     // A bare grave accent is taken from the user only where it opens something.
     manager.quickAskHotkeyEnabled = static_cast<bool>(manager.onFloatingInputHotkeyPressed);
     manager.clearLatches();

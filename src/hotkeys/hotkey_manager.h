@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "input/input_state_machine.h"
+#include "keys/hotkey_set.h"
 #include "platform/platform.h"
 #include "text/localized_error.h"
 
@@ -28,7 +29,10 @@ class TavrelonError : public text::LocalizedError {
 
 /// Recognises the hotkeys among all key events of the session, decides by the state of the input whether a press
 /// counts, withholds the events that it used, and hands typed keys to an open text input. Main thread.
-class HotkeyManager {
+///
+/// The hotkeys are read at each event, so that a change works from the next key. Call `refreshTap` after changing any
+/// of them: the tap must know which keys it may have to withhold.
+class HotkeyManager : public keys::HotkeySet {
  public:
     using Callback = std::function<void()>;
 
@@ -37,27 +41,8 @@ class HotkeyManager {
     HotkeyManager& operator=(const HotkeyManager&) = delete;
     ~HotkeyManager() { stopListening(); }
 
-    // Read at each event, so that a change works from the next key. Call `refreshTap` after changing any of them: the
-    // tap must know which keys it may have to withhold.
-    keys::HotkeyConfig toggleHotkey = keys::defaults::toggleHotkey;
-    bool toggleHotkeyEnabled = true;
-    keys::HotkeyConfig voiceHotkey = keys::defaults::voiceHotkey;
-    bool voiceHotkeyEnabled = true;
-    keys::HotkeyConfig voiceDictationHotkey = keys::defaults::voiceDictationHotkey;
-    bool voiceDictationHotkeyEnabled = true;
-    keys::HotkeyConfig cancelHotkey = keys::defaults::cancelHotkey;
-    bool cancelHotkeyEnabled = true;
-    keys::HotkeyConfig autoReplyHotkey = keys::defaults::autoReplyHotkey;
-    bool autoReplyHotkeyEnabled = true;
-    keys::HotkeyConfig toggleAllHotkeysHotkey = keys::defaults::toggleAllHotkeysHotkey;
-    bool toggleAllHotkeysHotkeyEnabled = true;
-    keys::HotkeyConfig videoHotkey = keys::defaults::videoHotkey;
-    bool videoHotkeyEnabled = true;
-    keys::HotkeyConfig floatingInputHotkey = keys::defaults::floatingInputHotkey;
-    bool floatingInputHotkeyEnabled = true;
     keys::HotkeyConfig quickAskHotkey = keys::defaults::quickAskHotkey;
     bool quickAskHotkeyEnabled = true;
-    bool hotkeysEnabled = true;
 
     // Latches of the voice hotkeys that consist of modifiers alone: one call per press of the combination.
     bool voiceModifiersPressed = false;

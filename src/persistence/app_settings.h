@@ -4,35 +4,18 @@
 #include <chrono>
 #include <optional>
 
-#include "keys/hotkey_config.h"
+#include "keys/hotkey_set.h"
 #include "persistence/service_defaults.h"
 #include "text/json.h"
 
 namespace tavrelon::persistence {
 
 /// Every setting of the user but the keys of the model services. A new record holds the defaults.
-struct AppSettings {
+struct AppSettings : keys::HotkeySet {
     using Date = std::chrono::system_clock::time_point;
 
-    keys::HotkeyConfig toggleHotkey = keys::defaults::toggleHotkey;
-    bool toggleHotkeyEnabled = true;
-    keys::HotkeyConfig voiceHotkey = keys::defaults::voiceHotkey;
-    bool voiceHotkeyEnabled = true;
-    keys::HotkeyConfig voiceDictationHotkey = keys::defaults::voiceDictationHotkey;
-    bool voiceDictationHotkeyEnabled = true;
     double voiceInputSilenceTimeoutSeconds = 2.0;
     double voiceDictationSilenceTimeoutSeconds = 2.0;
-    keys::HotkeyConfig cancelHotkey = keys::defaults::cancelHotkey;
-    bool cancelHotkeyEnabled = true;
-    keys::HotkeyConfig autoReplyHotkey = keys::defaults::autoReplyHotkey;
-    bool autoReplyHotkeyEnabled = true;
-    keys::HotkeyConfig toggleAllHotkeysHotkey = keys::defaults::toggleAllHotkeysHotkey;
-    bool toggleAllHotkeysHotkeyEnabled = true;
-    keys::HotkeyConfig videoHotkey = keys::defaults::videoHotkey;
-    bool videoHotkeyEnabled = true;
-    keys::HotkeyConfig floatingInputHotkey = keys::defaults::floatingInputHotkey;
-    bool floatingInputHotkeyEnabled = true;
-    bool hotkeysEnabled = true;  ///< the master switch of all hotkeys
 
     QString screenshotMode = QStringLiteral("focusedWindow");  ///< or "fullScreen", "none"
     double screenshotQuality = 0.7;
