@@ -5,6 +5,8 @@
 
 #include "app/app_delegate.h"
 #include "desktop/atspi/atspi_accessibility.h"
+#include "desktop/audio/pulse_audio_input.h"
+#include "desktop/audio/vosk_speech.h"
 #include "desktop/documents/document_process_reader.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/directory_defaults_store.h"
@@ -106,6 +108,8 @@ int main(int argc, char** argv) {
     desktop::ThreadSerialQueues serialQueues;
     desktop::DocumentProcessReader documentReader(
         loop, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader"));
+    desktop::PulseAudioInput audioInput(loop, log);
+    desktop::VoskSpeech speech(loop, log, essentials->folders.applicationSupport);
     desktop::DirectoryDefaultsStore defaultsStore(fileSystem, essentials->folders.configuration);
     platform::Platform platform{loop,
                                 log,
@@ -122,6 +126,8 @@ int main(int argc, char** argv) {
                                 fileSystem,
                                 serialQueues,
                                 documentReader,
+                                audioInput,
+                                speech,
                                 essentials->folders.applicationSupport};
     desktop::QtApplication desktopApplication;
     desktop::QtScreens screens;

@@ -18,7 +18,7 @@ FLOORS = [
     ["ui/dashboard"],
     ["ui/settings", "ui/history"],
 ]
-ADAPTERS = ["desktop/linux", "desktop/documents", "desktop/qt", "desktop/x11", "desktop/atspi"]
+ADAPTERS = ["desktop/audio", "desktop/linux", "desktop/documents", "desktop/qt", "desktop/x11", "desktop/atspi"]
 
 # Neighbours on one floor that may be used in this one direction, with the reason.
 NEIGHBOURS = {

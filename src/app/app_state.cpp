@@ -14,6 +14,10 @@ constexpr int historyCap = 20;
 /// How many inputs an update of the learned prompt takes.
 constexpr int learningInterval = 40;
 
+/// The pause between two pictures of a recording, and how many are kept.
+constexpr std::chrono::milliseconds frameInterval{500};
+constexpr std::size_t maxFrames = 24;
+
 generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoints) {
     return {endpoints.builtInPollinationsKey, endpoints.builtInGLMKey, std::nullopt};
 }
@@ -38,6 +42,8 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       cursorLocator_(platform.accessibility),
       outputWriter_(platform),
       historyManager_(platform.fileSystem, platform.log, platform.applicationSupport, historyCap),
+      speechRecognizer_(platform),
+      videoRecorder_(platform, contextCapturer_, frameInterval, maxFrames),
       hotkeyStatusHUDController_(platform.mainLoop, userInterface),
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)) {
     enforceProviderExclusivity(storageManager_);
@@ -52,7 +58,8 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
     generator_ = std::make_unique<AIGenerator>(*aiService_);
     inputStateMachine_ = std::make_shared<input::InputStateMachine>(
         input::InputServices{platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_,
-                             adaptivePromptLearner_.get(), nullptr});
+                             adaptivePromptLearner_.get(), videoRecorder_});
+    inputStateMachine_->setSpeechRecognizer(speechRecognizer_);
     makeViews(userInterface, std::move(setStatusIcon));
     hotkeyManager_.stateMachine = inputStateMachine_;
     setCallbacks();
@@ -101,7 +108,10 @@ hotkeys::HotkeyManager::Callback AppState::nextTurn(Work work) {
 }
 
 void AppState::setCallbacks() {
+    hotkeyManager_.onVoiceHotkeyPressed = nextTurn([this] { inputStateMachine_->handleVoiceHotkey(); });
     adaptivePromptLearner_->scheduleEvaluation();
+    hotkeyManager_.onVoiceDictationHotkeyPressed =
+        nextTurn([this] { inputStateMachine_->handleVoiceDictationHotkey(); });
     hotkeyManager_.onAutoReplyHotkeyPressed = nextTurn([this] { inputStateMachine_->startAutoReply(); });
     hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
     hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });

@@ -12,6 +12,8 @@
 #include "input/input_state_machine.h"
 #include "learning/adaptive_prompt_learner.h"
 #include "learning/clone_service.h"
+#include "media/speech_recognizer.h"
+#include "media/window_video_recorder.h"
 #include "output/output_writer.h"
 #include "persistence/history_manager.h"
 #include "persistence/storage_manager.h"
@@ -65,6 +67,8 @@ class AppState {
     scenes::SceneRouter sceneRouter_;
     output::OutputWriter outputWriter_;
     persistence::HistoryManager historyManager_;
+    media::SpeechRecognizer speechRecognizer_;
+    media::WindowVideoRecorder videoRecorder_;
     ui::HotkeyStatusHUDWindowController hotkeyStatusHUDController_;
     generation::PollinationsService pollinationsService_;
     std::unique_ptr<learning::CloneService> cloneService_;

@@ -11,9 +11,9 @@ class Lifetime {
  public:
     template <typename Block>
     auto guard(Block block) const {
-        return [alive = std::weak_ptr<const bool>(token_), block = std::move(block)]() mutable {
+        return [alive = std::weak_ptr<const bool>(token_), block = std::move(block)](auto&&... arguments) mutable {
             if (alive.lock())
-                block();
+                block(std::forward<decltype(arguments)>(arguments)...);
         };
     }
 

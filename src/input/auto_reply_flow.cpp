@@ -1,6 +1,7 @@
 #include "input/auto_reply_flow.h"
 
 #include "async/waits.h"
+#include "input/history_record.h"
 #include "input/request_settings.h"
 
 namespace tavrelon::input {
@@ -56,7 +57,11 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
         if (!machine_.isCurrentTask(id))
             co_return;
     }
-    record(context, selection, retried);
+    services_.historyManager.addEntry(
+        historyEntryOf(context, retried.result,
+                       {selection, retried.result.text.value_or(QStringLiteral("[Auto Reply]")),
+                        QStringLiteral("reply"), retried.retryCount},
+                       services_.platform.mainLoop.wallTime()));
     co_await machine_.complete(id, 2s);
 }
 
@@ -69,24 +74,6 @@ async::Task<generation::GenerationResult> AutoReplyFlow::generateOnce(QString pr
          .context = context,
          .voice = voiceForRequest(settings, std::move(userStyle), adaptivePromptForRequest(settings)),
          .enhanceImagePrompts = settings.enableImagePromptEnhancement});
-}
-
-void AutoReplyFlow::record(const capture::CapturedContext& context, const QString& inputText,
-                           const RetriedResult& retried) {
-    const auto& decision = retried.result.decisionObject;
-    persistence::HistoryEntry entry;
-    entry.id = QUuid::createUuid();
-    entry.timestamp = services_.platform.mainLoop.wallTime();
-    if (decision)
-        entry.sceneID = decision->sceneID;
-    entry.intent = decision ? decision->intent : QStringLiteral("reply");
-    entry.appBundleID = context.appBundleID;
-    entry.appName = context.appName;
-    entry.windowTitle = context.windowTitle;
-    entry.inputText = inputText;
-    entry.outputText = retried.result.text.value_or(QStringLiteral("[Auto Reply]"));
-    entry.retryCount = retried.retryCount;
-    services_.historyManager.addEntry(std::move(entry));
 }
 
 }  // namespace tavrelon::input

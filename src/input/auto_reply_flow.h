@@ -18,7 +18,6 @@ class AutoReplyFlow {
     async::Task<void> reply(const QUuid& id, const capture::CapturedContext& context);
     async::Task<generation::GenerationResult> generateOnce(QString prompt, const capture::CapturedContext& context,
                                                            std::optional<QString> userStyle);
-    void record(const capture::CapturedContext& context, const QString& inputText, const RetriedResult& retried);
 
     InputStateMachine& machine_;
     InputServices services_;

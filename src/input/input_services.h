@@ -3,7 +3,7 @@
 #include "capture/context_capturer.h"
 #include "input/generator.h"
 #include "learning/input_recorder.h"
-#include "media/video_recorder.h"
+#include "media/window_video_recorder.h"
 #include "output/output_writer.h"
 #include "persistence/history_manager.h"
 #include "persistence/storage_manager.h"
@@ -20,7 +20,7 @@ struct InputServices {
     persistence::HistoryManager& historyManager;
     persistence::StorageManager& storageManager;
     learning::InputRecorder* adaptivePromptLearner;  ///< null where nothing learns
-    media::VideoRecorder* videoRecorder;             ///< null where no screen can be captured
+    media::WindowVideoRecorder& videoRecorder;
 };
 
 }  // namespace tavrelon::input

@@ -206,16 +206,15 @@ void InputStateMachine::schedule(std::function<void()> block) {
 }
 
 void InputStateMachine::startRecordingFrames() {
-    tasks_.spawn(services_.videoRecorder->startCapture());
+    tasks_.spawn(services_.videoRecorder.startCapture());
 }
 
 void InputStateMachine::dropFramesLater() {
-    if (services_.videoRecorder)
-        tasks_.spawn(dropFrames());
+    tasks_.spawn(dropFrames());
 }
 
 async::Task<void> InputStateMachine::dropFrames() {
-    co_await services_.videoRecorder->stopCapture();
+    co_await services_.videoRecorder.stopCapture();
 }
 
 }  // namespace tavrelon::input

@@ -1,4 +1,5 @@
 // The second half of the text request pipeline: the model's answer takes the request's place.
+#include "input/history_record.h"
 #include "input/request_settings.h"
 #include "input/text_request_pipeline.h"
 
@@ -40,26 +41,21 @@ async::Task<persistence::HistoryEntry> TextRequestPipeline::write(const TextRequ
                                                                   const generation::GenerationResult& result) {
     const auto strategy =
         makeReplacementStrategy(request.requestText, request.context.selection, effectiveDeleteCount(request));
-    persistence::HistoryEntry entry;
-    entry.id = QUuid::createUuid();
-    if (result.decisionObject) {
-        entry.sceneID = result.decisionObject->sceneID;
-        entry.intent = result.decisionObject->intent;
-    }
-    entry.appBundleID = request.context.appBundleID;
-    entry.appName = request.context.appName;
-    entry.windowTitle = request.context.windowTitle;
-    entry.inputText = request.finalText;
-    entry.outputText = QStringLiteral("[Image Generated]");
+    const auto id = QUuid::createUuid();
+    std::optional<QString> imagePath;
+    auto output = QStringLiteral("[Image Generated]");
     if (result.imageData) {
-        entry.outputImagePath = services_.historyManager.saveImage(*result.imageData, entry.id);
-        entry.outputText = co_await writeImage(request, *result.imageData, strategy);
+        imagePath = services_.historyManager.saveImage(*result.imageData, id);
+        output = co_await writeImage(request, *result.imageData, strategy);
     } else if (result.text) {
         co_await services_.outputWriter.writeText(*result.text, strategy.method, strategy.deleteCharCount,
                                                   text::characterCount(request.requestText));
-        entry.outputText = *result.text;
+        output = *result.text;
     }
-    entry.timestamp = services_.platform.mainLoop.wallTime();
+    auto entry = historyEntryOf(request.context, result, {request.finalText, std::move(output), {}, 0},
+                                services_.platform.mainLoop.wallTime());
+    entry.id = id;
+    entry.outputImagePath = std::move(imagePath);
     co_return entry;
 }
 

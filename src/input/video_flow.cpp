@@ -1,6 +1,7 @@
 #include "input/video_flow.h"
 
 #include "generation/processing_error.h"
+#include "input/history_record.h"
 #include "input/request_settings.h"
 #include "input/request_text.h"
 
@@ -12,7 +13,7 @@ using generation::ProcessingError;
 void VideoFlow::startVideoInput() {
     if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
         return;
-    if (!services_.videoRecorder || !services_.platform.screenCapture.preflightAccess()) {
+    if (!services_.platform.screenCapture.preflightAccess()) {
         machine_.failInput(QStringLiteral("Screen recording permission required"));
         return;
     }
@@ -29,7 +30,7 @@ void VideoFlow::stopVideoInput() {
 }
 
 async::Task<void> VideoFlow::process(QUuid id) {
-    auto frames = co_await services_.videoRecorder->stopCapture();
+    auto frames = co_await services_.videoRecorder.stopCapture();
     co_await processVideoInput(QString(), std::move(frames), id);
 }
 
@@ -78,25 +79,12 @@ async::Task<void> VideoFlow::describe(const QString& requestText, const std::vec
         if (!machine_.isCurrentTask(id))
             co_return;
     }
-    record(context, retried);
+    services_.historyManager.addEntry(
+        historyEntryOf(context, retried.result,
+                       {prompt, retried.result.text.value_or(QStringLiteral("[Video Result]")), QStringLiteral("video"),
+                        retried.retryCount},
+                       services_.platform.mainLoop.wallTime()));
     co_await machine_.complete(id, 2s);
-}
-
-void VideoFlow::record(const capture::CapturedContext& context, const RetriedResult& retried) {
-    const auto& decision = retried.result.decisionObject;
-    persistence::HistoryEntry entry;
-    entry.id = QUuid::createUuid();
-    entry.timestamp = services_.platform.mainLoop.wallTime();
-    if (decision)
-        entry.sceneID = decision->sceneID;
-    entry.intent = decision ? decision->intent : QStringLiteral("video");
-    entry.appBundleID = context.appBundleID;
-    entry.appName = context.appName;
-    entry.windowTitle = context.windowTitle;
-    entry.inputText = context.inputBuffer;
-    entry.outputText = retried.result.text.value_or(QStringLiteral("[Video Result]"));
-    entry.retryCount = retried.retryCount;
-    services_.historyManager.addEntry(std::move(entry));
 }
 
 }  // namespace tavrelon::input

@@ -18,7 +18,6 @@ class VideoFlow {
     async::Task<void> process(QUuid id);
     async::Task<void> processVideoInput(QString text, std::vector<QByteArray> frames, QUuid id);
     async::Task<void> describe(const QString& requestText, const std::vector<QByteArray>& frames, const QUuid& id);
-    void record(const capture::CapturedContext& context, const RetriedResult& retried);
 
     InputStateMachine& machine_;
     InputServices services_;

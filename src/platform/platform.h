@@ -4,6 +4,7 @@
 
 #include "async/main_loop.h"
 #include "platform/accessibility.h"
+#include "platform/audio_input.h"
 #include "platform/defaults_store.h"
 #include "platform/document_reader.h"
 #include "platform/event_tap.h"
@@ -16,6 +17,7 @@
 #include "platform/pasteboard.h"
 #include "platform/screen_capture.h"
 #include "platform/serial_queue.h"
+#include "platform/speech.h"
 #include "platform/workspace.h"
 
 namespace tavrelon::platform {
@@ -37,6 +39,8 @@ struct Platform {
     FileSystem& fileSystem;
     SerialQueues& serialQueues;
     DocumentReader& documentReader;
+    AudioInput& audioInput;
+    Speech& speech;
     QString applicationSupport;  ///< the folder "Tavrelon" in the user's data folder, absolute
 };
 

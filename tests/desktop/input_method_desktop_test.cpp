@@ -76,20 +76,22 @@ class InputMethod : public ::testing::Test {
     MemoryFileSystem files;
     FakeSerialQueues serialQueues{loop};
     FakeDocumentReader documentReader{loop};
-    platform::Platform platform{loop,          log,          accessibility,  tap,
-                                *poster,       *pasteboard,  *workspace,     inputSource,
-                                screenCapture, imageCodec,   httpSession,    defaults,
-                                files,         serialQueues, documentReader, QStringLiteral("/data/Tavrelon")};
+    FakeAudioInput audioInput;
+    FakeSpeech speech;
+    platform::Platform platform{
+        loop,       log,          accessibility,  tap,        *poster,     *pasteboard,
+        *workspace, inputSource,  screenCapture,  imageCodec, httpSession, defaults,
+        files,      serialQueues, documentReader, audioInput, speech,      QStringLiteral("/data/Tavrelon")};
     persistence::StorageManager storage{defaults, files, log, loop, platform.applicationSupport};
     persistence::HistoryManager history{files, log, platform.applicationSupport, 20};
     capture::ContextCapturer capturer{platform};
     output::OutputWriter writer{platform};
     FakeGenerator generator{loop};
-    FakeSpeechRecognizer recognizer;
-    FakeVideoRecorder recorder;
+    media::SpeechRecognizer recognizer{platform};
+    media::WindowVideoRecorder recorder{platform, capturer, std::chrono::milliseconds(500), 24};
     FakeInputRecorder learner;
     std::shared_ptr<input::InputStateMachine> machine = std::make_shared<input::InputStateMachine>(
-        input::InputServices{platform, capturer, generator, writer, history, storage, &learner, &recorder});
+        input::InputServices{platform, capturer, generator, writer, history, storage, &learner, recorder});
     hotkeys::HotkeyManager hotkeys{platform};
     XTestKeyboard keyboard;
     QTemporaryDir folder;

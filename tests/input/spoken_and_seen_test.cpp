@@ -14,14 +14,17 @@ class SpokenTest : public ::testing::Test {
  public:
     InputDesk desk;
     void pass() { desk.loop.runUntilIdle(); }
+    void hear(const char* text) {
+        desk.speech.hear(QString::fromUtf8(text));
+        pass();
+    }
 };
 
 TEST_F(SpokenTest, TheAnswerReplacesWhatWasSaid) {
     desk.editor.open(QStringLiteral("Dear "));
     desk.machine->handleVoiceHotkey();
     pass();
-    desk.recognizer.transcript = QStringLiteral(" hello there ");
-    pass();
+    hear(" hello there ");
     EXPECT_EQ(desk.machine->currentTranscript(), QStringLiteral(" hello there "));
     desk.machine->handleVoiceHotkey();
     desk.loop.runToEnd();
@@ -31,14 +34,15 @@ TEST_F(SpokenTest, TheAnswerReplacesWhatWasSaid) {
 }
 
 TEST_F(SpokenTest, AFinalResultAfterTheStopIsUsedAndABlankUpdateRestartsNothing) {
+    desk.change([](auto& settings) { settings.enableAI = false; });
     desk.machine->handleVoiceDictationHotkey();
     pass();
     desk.loop.advance(1500ms);
-    desk.recognizer.transcript = QStringLiteral("  ");
+    hear("  ");
     desk.loop.advance(600ms);
     ASSERT_EQ(desk.state(), Case::processing) << "blank updates do not keep the recording open";
     desk.loop.advance(500ms);
-    desk.recognizer.transcript = QStringLiteral("late words");
+    desk.speech.hearFinally(QStringLiteral("late words"));
     desk.loop.advance(500ms);
     EXPECT_EQ(desk.editor.text(), QStringLiteral("late words"));
     EXPECT_TRUE(desk.generator.requests.empty());
@@ -52,8 +56,7 @@ TEST_F(SpokenTest, AFieldThatRefusesTheTranscriptStillGetsTheAnswer) {
     desk.editor.select(0, 6);
     desk.machine->handleVoiceHotkey();
     pass();
-    desk.recognizer.transcript = QStringLiteral("hello");
-    pass();
+    hear("hello");
     desk.workspace.focusNothing();
     desk.machine->handleVoiceHotkey();
     desk.loop.advance(1ms);
@@ -62,12 +65,65 @@ TEST_F(SpokenTest, AFieldThatRefusesTheTranscriptStillGetsTheAnswer) {
 }
 
 TEST_F(SpokenTest, ARecognizerThatCannotStartIsAnError) {
-    desk.recognizer.startFailure = QStringLiteral("No microphone");
+    desk.audioInput.plugged = false;
     desk.machine->handleVoiceHotkey();
     desk.loop.runToEnd();
-    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("No microphone")));
+    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("No microphone input device is available.")));
     EXPECT_EQ(desk.machine->lastError(), std::nullopt);
-    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Failed to start voice recording: No microphone")));
+    EXPECT_TRUE(desk.log.contains(
+        QStringLiteral("[StateMachine] Failed to start voice recording: No microphone input device is available.")));
+    desk.audioInput.plugged = true;
+    desk.machine->handleVoiceHotkey();
+    pass();
+    EXPECT_EQ(desk.state(), Case::listeningVoice) << "the next try begins afresh";
+}
+
+TEST_F(SpokenTest, WhoeverFallsSilentEndsInIdleWithTheWordsWrittenIfThereWereAny) {
+    const auto dictate = [this](auto happen) {
+        desk.editor.open(QString());
+        desk.machine->handleVoiceDictationHotkey();
+        pass();
+        happen();
+        desk.loop.runToEnd();
+        EXPECT_EQ(desk.state(), Case::idle);
+        EXPECT_EQ(desk.machine->lastError(), std::nullopt);
+        EXPECT_FALSE(desk.audioInput.running);
+        return desk.editor.text();
+    };
+    EXPECT_EQ(dictate([] {}), QString()) << "nothing was said";
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] No dictation transcript to insert")));
+    EXPECT_EQ(dictate([this] { desk.speech.fail(); }), QString());
+    EXPECT_EQ(dictate([this] {
+                  hear("half");
+                  desk.speech.fail();
+              }),
+              QStringLiteral("half"));
+    EXPECT_EQ(dictate([this] {
+                  desk.loop.advance(3300ms);  // the silence and the wait
+                  desk.speech.hearFinally(QStringLiteral("too late"));
+              }),
+              QString());
+    EXPECT_EQ(dictate([this] {
+                  hear("unplu");
+                  desk.audioInput.unplug();
+                  pass();
+                  desk.speech.hearFinally(QStringLiteral("unplugged"));
+              }),
+              QStringLiteral("unplugged"));
+}
+
+TEST_F(SpokenTest, ATranscriptThatWasInsertedStaysWhenTheAnswerIsCancelled) {
+    desk.generator.delay = 10s;
+    desk.machine->handleVoiceHotkey();
+    pass();
+    hear("hello");
+    desk.machine->handleVoiceHotkey();
+    desk.loop.advance(2s);
+    ASSERT_EQ(desk.state(), Case::processing);
+    desk.machine->cancelInput();
+    desk.loop.runToEnd();
+    EXPECT_EQ(desk.state(), Case::idle);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("hello"));
 }
 
 TEST_F(SpokenTest, ATimeoutOfZeroKeepsTheRecordingOpen) {
@@ -106,6 +162,7 @@ TEST_F(SpokenTest, VideoFramesAreDescribedInPlaceOfTheTypedPrompt) {
     desk.machine->stopVideoInput();
     desk.loop.runToEnd();
     ASSERT_EQ(desk.generator.videos.size(), 1U);
+    EXPECT_EQ(desk.generator.videos.front(), (std::vector<QByteArray>{"jpeg 100x50 w 0.7"}));
     EXPECT_EQ(desk.generator.requests.front().input, QStringLiteral("what moves?"));
     EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
     EXPECT_EQ(desk.history.entries().front().intent, QStringLiteral("video"));
@@ -117,7 +174,7 @@ TEST_F(SpokenTest, VideoWithoutRightOrFramesIsAnError) {
     pass();
     EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Screen recording permission required")));
     desk.screenCapture.permitted = true;
-    desk.recorder.frames.clear();
+    desk.screenCapture.windows.clear();
     desk.machine->startVideoInput();
     pass();
     desk.machine->stopVideoInput();

@@ -9,40 +9,6 @@
 
 namespace tavrelon::testing {
 
-class FakeSpeechRecognizer : public media::SpeechRecognizer {
- public:
-    QStringList calls;
-    std::optional<QString> startFailure;
-    QProperty<QString> transcript;
-
-    void startRecording() override {
-        calls << QStringLiteral("start");
-        if (startFailure)
-            throw text::LocalizedError(*startFailure);
-    }
-    void stopRecording() override { calls << QStringLiteral("stop"); }
-    void cancelRecording() override { calls << QStringLiteral("cancel"); }
-    QBindable<QString> bindableCurrentTranscript() override { return &transcript; }
-};
-
-class FakeVideoRecorder : public media::VideoRecorder {
- public:
-    bool recording = false;
-    int dropped = 0;
-    std::vector<QByteArray> frames{"frame"};
-
-    async::Task<void> startCapture() override {
-        recording = true;
-        co_return;
-    }
-    async::Task<std::vector<QByteArray>> stopCapture() override {
-        if (!std::exchange(recording, false))
-            co_return std::vector<QByteArray>{};
-        ++dropped;
-        co_return frames;
-    }
-};
-
 class FakeInputRecorder : public learning::InputRecorder {
  public:
     QStringList recorded;
@@ -56,15 +22,16 @@ struct InputDesk : TestDesktop {
     capture::ContextCapturer capturer{platform};
     output::OutputWriter writer{platform};
     FakeGenerator generator{loop};
-    FakeSpeechRecognizer recognizer;
-    FakeVideoRecorder recorder;
+    media::SpeechRecognizer recognizer{platform};
+    media::WindowVideoRecorder recorder{platform, capturer, std::chrono::milliseconds(500), 24};
     FakeInputRecorder learner;
     std::shared_ptr<input::InputStateMachine> machine = std::make_shared<input::InputStateMachine>(
-        input::InputServices{platform, capturer, generator, writer, history, storage, &learner, &recorder});
+        input::InputServices{platform, capturer, generator, writer, history, storage, &learner, recorder});
     hotkeys::HotkeyManager hotkeys{platform};
 
     InputDesk() {
         screenCapture.permitted = true;
+        screenCapture.addWindow(QStringLiteral("org.example.editor"), 100, 50, 'w');
         machine->setSpeechRecognizer(recognizer);
         hotkeys.stateMachine = machine;
         hotkeys.startListening();

@@ -4,6 +4,7 @@
 #include "platform/user_interface.h"
 #include "support/fake_accessibility.h"
 #include "support/fake_application.h"
+#include "support/fake_audio_input.h"
 #include "support/fake_document_reader.h"
 #include "support/fake_event_tap.h"
 #include "support/fake_http_session.h"
@@ -15,6 +16,7 @@
 #include "support/fake_screen_capture.h"
 #include "support/fake_screens.h"
 #include "support/fake_serial_queue.h"
+#include "support/fake_speech.h"
 #include "support/fake_status_item.h"
 #include "support/fake_workspace.h"
 #include "support/memory_defaults_store.h"
@@ -42,16 +44,18 @@ struct TestDesktop {
     MemoryFileSystem fileSystem;
     FakeSerialQueues serialQueues{loop};
     FakeDocumentReader documentReader{loop};
+    FakeAudioInput audioInput;
+    FakeSpeech speech;
     FakeApplication application;
     FakePanels panels{workspace};
     FakeScreens screens;
     FakeStatusItem statusItem;
     platform::UserInterface userInterface{application, panels, screens, statusItem};
     SimulatedEditor editor{accessibility, pasteboard, keyPoster};
-    platform::Platform platform{loop,          log,          accessibility,  eventTap,
-                                keyPoster,     pasteboard,   workspace,      inputSource,
-                                screenCapture, imageCodec,   httpSession,    defaultsStore,
-                                fileSystem,    serialQueues, documentReader, QStringLiteral("/data/Tavrelon")};
+    platform::Platform platform{
+        loop,       log,          accessibility,  eventTap,   keyPoster,   pasteboard,
+        workspace,  inputSource,  screenCapture,  imageCodec, httpSession, defaultsStore,
+        fileSystem, serialQueues, documentReader, audioInput, speech,      QStringLiteral("/data/Tavrelon")};
 
     TestDesktop() {
         accessibility.frontmostProcess = 1234;

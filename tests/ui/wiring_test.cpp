@@ -71,4 +71,31 @@ TEST_F(WiringTest, TheStatusItemFollowsTheStateAndHasItsMenu) {
     EXPECT_EQ(desktop.statusItem.description, QStringLiteral("Tavrelon"));
 }
 
+TEST_F(WiringTest, TheSpokenAndTheSeenInputsHaveTheirHotkeys) {
+    desktop.screenCapture.permitted = true;
+    launch();
+    auto& machine = delegate.appState().inputStateMachine();
+    const auto hold = [this](keys::Modifiers modifiers) {
+        desktop.eventTap.flagsChanged(modifiers);
+        desktop.loop.runUntilIdle();
+        desktop.eventTap.flagsChanged({});
+        desktop.loop.runUntilIdle();
+    };
+    const auto trigger = [&] { return machine.activeTrigger(); };
+    hold(keys::defaults::voiceHotkey.modifiers);
+    EXPECT_EQ(trigger(), input::InputTrigger::voice);
+    EXPECT_TRUE(desktop.audioInput.running);
+    press(keys::defaults::cancelHotkey);
+    EXPECT_FALSE(desktop.audioInput.running);
+    hold(keys::defaults::voiceDictationHotkey.modifiers);
+    EXPECT_EQ(trigger(), input::InputTrigger::voiceDictation);
+    press(keys::defaults::cancelHotkey);
+    press(keys::defaults::videoHotkey);
+    EXPECT_EQ(machine.currentState(), input::InputState::Case::recordingVideo);
+    press(keys::defaults::cancelHotkey);
+    desktop.httpSession.neverAnswer();
+    press(keys::defaults::autoReplyHotkey);
+    EXPECT_EQ(trigger(), input::InputTrigger::autoReply);
+}
+
 }  // namespace tavrelon::app

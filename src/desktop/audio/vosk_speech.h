@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+
+#include "async/main_loop.h"
+#include "desktop/audio/vosk_library.h"
+#include "desktop/audio/worker_threads.h"
+#include "platform/log.h"
+#include "platform/speech.h"
+
+namespace tavrelon::desktop {
+
+/// Recognises speech on this machine with the Vosk library, where the user has installed it.
+///
+/// The library is `libvosk.so` in the folder `speech` of application support, or else where the system's loader finds
+/// it; the model of a locale is the folder `speech/<locale>`. Both are looked for when somebody asks, so that an
+/// installation needs no restart. Loading and recognising happen on threads of their own, one for each recognition; the
+/// main thread waits for `loadLimit` at most, the first time.
+class VoskSpeech : public platform::Speech {
+ public:
+    static constexpr std::chrono::milliseconds loadLimit{250};
+
+    VoskSpeech(async::MainLoop& loop, platform::Log& log, const QString& applicationSupport);
+
+    /// Logs in one line what is missing and where it was looked for.
+    bool isAvailable(const QString& locale) override;
+
+    /// Nobody is asked: the sound stays on this machine.
+    platform::AuthorizationStatus authorizationStatus() override { return platform::AuthorizationStatus::Authorized; }
+    void requestAuthorization(AuthorizationHandler completion) override;
+    bool supportsOnDeviceRecognition(const QString&) override { return true; }
+    std::shared_ptr<platform::SpeechRequest> createRequest(const platform::SpeechRequestOptions& options) override;
+    std::unique_ptr<platform::SpeechTask> startTask(std::shared_ptr<platform::SpeechRequest> request,
+                                                    ResultHandler handler) override;
+
+ private:
+    struct Loading;
+
+    QString modelFolder(const QString& locale) const { return folder_ + u'/' + locale; }
+    void load();
+
+    async::MainLoop& loop_;
+    platform::Log& log_;
+    QString folder_;
+    QString modelFolder_;  ///< of the newest request
+    std::shared_ptr<Loading> loading_;
+    std::shared_ptr<VoskLibrary> library_;
+    QString whyNot_;  ///< why there is no library
+    WorkerThreads threads_;
+};
+
+}  // namespace tavrelon::desktop

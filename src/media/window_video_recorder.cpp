@@ -1,0 +1,63 @@
+#include "media/window_video_recorder.h"
+
+#include "async/waits.h"
+
+namespace tavrelon::media {
+
+WindowVideoRecorder::WindowVideoRecorder(platform::Platform& platform, capture::ContextCapturer& contextCapturer,
+                                         std::chrono::nanoseconds frameInterval, std::size_t maxFrames)
+    : platform_(platform),
+      contextCapturer_(contextCapturer),
+      frameInterval_(frameInterval),
+      maxFrames_(maxFrames),
+      tasks_(platform.mainLoop) {}
+
+async::Task<void> WindowVideoRecorder::startCapture() {
+    frames_.clear();
+    if (captureTask_)
+        captureTask_->cancel();
+    isCapturing_ = true;
+    captureTask_ = tasks_.spawn(sample());
+    co_return;
+}
+
+async::Task<std::vector<QByteArray>> WindowVideoRecorder::stopCapture() {
+    isCapturing_ = false;
+    if (captureTask_)
+        captureTask_->cancel();
+    captureTask_.reset();
+    co_return frames_;
+}
+
+async::Task<void> WindowVideoRecorder::sample() {
+    const auto cancellation = co_await async::currentCancellation();
+    while (!cancellation->requested()) {
+        if (auto frame = co_await takeFrame(); frame && isCapturing_)
+            keep(*std::move(frame));
+        co_await async::ignoringCancellation(async::pause(platform_.mainLoop, frameInterval_));
+    }
+}
+
+async::Task<std::optional<QByteArray>> WindowVideoRecorder::takeFrame() {
+    if (!platform_.screenCapture.preflightAccess())
+        co_return std::nullopt;
+    try {
+        auto image = co_await contextCapturer_.captureFocusedWindowImage();
+        if (!image)
+            co_return std::nullopt;
+        if (const auto width = contextCapturer_.maxScreenshotWidth; width > 0)
+            if (auto scaled = co_await contextCapturer_.scaledImage(*image, width))
+                image = std::move(scaled);
+        co_return co_await contextCapturer_.encodeJPEG(*std::move(image));
+    } catch (const std::exception&) {  // costs this frame only
+        co_return std::nullopt;
+    }
+}
+
+void WindowVideoRecorder::keep(QByteArray frame) {
+    frames_.push_back(std::move(frame));
+    if (frames_.size() > maxFrames_)
+        frames_.erase(frames_.begin(), frames_.end() - static_cast<std::ptrdiff_t>(maxFrames_));
+}
+
+}  // namespace tavrelon::media

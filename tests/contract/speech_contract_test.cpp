@@ -1,0 +1,230 @@
+// What every recogniser keeps to, on the fake and on the adapter with a scripted library.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "desktop/audio/vosk_speech.h"
+#include "support/eventually.h"
+#include "support/fake_speech.h"
+#include "support/private_sound_server.h"
+#include "support/qt_gtest.h"
+#include "support/recording_log.h"
+#include "support/virtual_main_loop.h"
+
+namespace tavrelon::testing {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const auto locale = QStringLiteral("zh-CN");
+
+/// Keeps what a recogniser reports. Any thread.
+class Reports {
+ public:
+    platform::Speech::ResultHandler handler() {
+        return [this](std::expected<platform::SpeechResult, platform::SpeechError> outcome) {
+            const std::lock_guard lock(mutex_);
+            texts_ << (!outcome           ? QStringLiteral("error")
+                       : outcome->isFinal ? outcome->formattedString + u'!'
+                                          : outcome->formattedString);
+        };
+    }
+    QStringList texts() const {
+        const std::lock_guard lock(mutex_);
+        return texts_;
+    }
+    bool come(const QStringList& expected) const {
+        return eventually([&] { return texts().size() >= expected.size(); }) && texts() == expected;
+    }
+
+ private:
+    mutable std::mutex mutex_;
+    QStringList texts_;
+};
+
+/// An application support folder with a library and a model in it.
+class SpeechFolder {
+ public:
+    QString path() const { return folder_.path(); }
+    void installLibrary(const char* file) {
+        QDir().mkpath(path() + QStringLiteral("/speech"));
+        QFile::remove(path() + QStringLiteral("/speech/libvosk.so"));
+        EXPECT_TRUE(QFile::copy(QString::fromUtf8(file), path() + QStringLiteral("/speech/libvosk.so")));
+    }
+    void installModel(const QByteArray& script) {
+        QDir().mkpath(path() + QStringLiteral("/speech/zh-CN"));
+        QFile file(path() + QStringLiteral("/speech/zh-CN/script"));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(script) == script.size());
+    }
+
+ private:
+    QTemporaryDir folder_;
+};
+
+class SpeechWorld {
+ public:
+    virtual ~SpeechWorld() = default;
+    virtual platform::Speech& speech() = 0;
+
+    /// Speaks the next of the words "你", "好" and "吗" into the newest request.
+    virtual void speak(platform::SpeechRequest& request) = 0;
+    virtual void expectEnd() {}  ///< the sound has ended
+};
+
+class FakeSpeechWorld : public SpeechWorld {
+ public:
+    FakeSpeech fake;
+    QString said;
+    platform::Speech& speech() override { return fake; }
+    void speak(platform::SpeechRequest&) override { fake.hear(said += QStringLiteral("你好吗").at(said.size())); }
+    void expectEnd() override { fake.hearFinally(said); }
+};
+
+class VoskWorld : public SpeechWorld {
+ public:
+    VirtualMainLoop loop;
+    RecordingLog log;
+    SpeechFolder folder;
+    desktop::VoskSpeech vosk{loop, log, folder.path()};
+    VoskWorld() {
+        folder.installLibrary(SCRIPTED_VOSK);
+        folder.installModel("1600 partial 你\n3200 utterance 你 好\n4800 partial 吗\n");
+    }
+    platform::Speech& speech() override { return vosk; }
+    void speak(platform::SpeechRequest& request) override { request.append(std::vector<std::int16_t>(1600)); }
+};
+
+}  // namespace
+
+class SpeechContract : public ::testing::TestWithParam<bool> {
+ public:
+    std::unique_ptr<SpeechWorld> world;
+    Reports reports;
+    std::shared_ptr<platform::SpeechRequest> request;
+    std::unique_ptr<platform::SpeechTask> task;
+
+    SpeechContract() {
+        if (GetParam())
+            world = std::make_unique<VoskWorld>();
+        else
+            world = std::make_unique<FakeSpeechWorld>();
+        EXPECT_TRUE(eventually([this] { return world->speech().isAvailable(locale); }));
+        EXPECT_TRUE(world->speech().supportsOnDeviceRecognition(locale));
+        request = world->speech().createRequest({.locale = locale, .reportsPartialResults = true});
+        task = world->speech().startTask(request, reports.handler());
+    }
+};
+
+TEST_P(SpeechContract, PartialResultsGrowIntoOneFinalOne) {
+    QStringList expected;
+    for (const auto* const text : {"你", "你好", "你好吗"}) {
+        world->speak(*request);
+        expected << QString::fromUtf8(text);
+        EXPECT_TRUE(reports.come(expected)) << qPrintable(reports.texts().join(u'|'));
+    }
+    task->finish();
+    world->expectEnd();
+    expected << QStringLiteral("你好吗!");
+    EXPECT_TRUE(reports.come(expected)) << qPrintable(reports.texts().join(u'|'));
+    request->append(std::vector<std::int16_t>(16000));
+    task->cancel();
+    QThread::msleep(50);
+    EXPECT_EQ(reports.texts(), expected);
+}
+
+TEST_P(SpeechContract, ACancelledTaskReportsNoEnd) {
+    world->speak(*request);
+    EXPECT_TRUE(reports.come({QStringLiteral("你")}));
+    task->cancel();
+    request->endAudio();
+    world->expectEnd();
+    QThread::msleep(50);
+    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("你")});
+}
+
+INSTANTIATE_TEST_SUITE_P(OnTheFakeAndOnTheAdapter, SpeechContract, ::testing::Bool());
+
+class VoskTest : public ::testing::Test {
+ public:
+    VirtualMainLoop loop;
+    RecordingLog log;
+    SpeechFolder folder;
+    Reports reports;
+    std::optional<desktop::VoskSpeech> speech;
+
+    VoskTest() { speech.emplace(loop, log, folder.path()); }
+    void install(const QByteArray& script) {
+        folder.installLibrary(SCRIPTED_VOSK);
+        folder.installModel(script);
+        ASSERT_TRUE(eventually([this] { return speech->isAvailable(locale); }));
+    }
+    /// What comes of so much sound.
+    QStringList reportsOf(std::size_t samples) {
+        const auto request = speech->createRequest({.locale = locale, .reportsPartialResults = true});
+        const auto task = speech->startTask(request, reports.handler());
+        request->append(std::vector<std::int16_t>(samples));
+        task->finish();
+        EXPECT_TRUE(eventually([this] {
+            const auto texts = reports.texts();
+            return !texts.isEmpty() && (texts.last() == QStringLiteral("error") || texts.last().endsWith(u'!'));
+        }));
+        return reports.texts();
+    }
+};
+
+TEST_F(VoskTest, WhatIsMissingIsToldInOneLineAndAnInstallationNeedsNoRestart) {
+    EXPECT_FALSE(speech->isAvailable(locale));
+    ASSERT_EQ(log.lines().size(), 1);
+    EXPECT_TRUE(log.lines().front().contains(folder.path() + QStringLiteral("/speech/libvosk.so")));
+    EXPECT_TRUE(log.lines().front().contains(folder.path() + QStringLiteral("/speech/zh-CN (no such folder)")));
+    folder.installModel("");
+    folder.installLibrary(VOSK_WITHOUT_FINAL_RESULT);
+    EXPECT_FALSE(speech->isAvailable(locale));
+    EXPECT_TRUE(log.lines().last().contains(QStringLiteral("it lacks vosk_recognizer_final_result")))
+        << qPrintable(log.lines().last());
+    folder.installLibrary("/etc/passwd");
+    EXPECT_FALSE(speech->isAvailable(locale)) << "what is no library";
+    install("");
+}
+
+TEST_F(VoskTest, NothingIsLeftBehindByAnyRecognition) {
+    const int threads = threadCount();
+    install("1600 partial hello\n");
+    EXPECT_EQ(reportsOf(1600), (QStringList{QStringLiteral("hello"), QStringLiteral("hello!")}));
+    auto dropped = speech->startTask(speech->createRequest({.locale = locale}), reports.handler());
+    dropped.reset();
+    EXPECT_TRUE(eventually([&] { return threadCount() == threads; }));
+    // The end of the program does not wait for sound either.
+    const auto task = speech->startTask(speech->createRequest({.locale = locale}), reports.handler());
+    task->cancel();
+    speech.reset();
+    EXPECT_EQ(threadCount(), threads);
+    EXPECT_EQ(reports.texts().size(), 2);
+}
+
+TEST_F(VoskTest, AModelThatCannotBeReadIsAnError) {
+    install("");
+    QFile::remove(folder.path() + QStringLiteral("/speech/zh-CN/script"));
+    EXPECT_EQ(reportsOf(1600), QStringList{QStringLiteral("error")});
+    EXPECT_TRUE(log.contains(QStringLiteral("[Speech] The recognition failed: the model cannot be read")));
+}
+
+TEST_F(VoskTest, ALibraryThatFailsOrTalksNonsenseEndsInOneError) {
+    install("1600 partial so far\n3200 fail\n");
+    EXPECT_EQ(reportsOf(16000), (QStringList{QStringLiteral("so far"), QStringLiteral("error")}));
+}
+
+TEST_F(VoskTest, NonsenseIsAnError) {
+    install("1600 nonsense\n");
+    EXPECT_EQ(reportsOf(16000), QStringList{QStringLiteral("error")});
+}
+
+TEST_F(VoskTest, ChineseHasNoSpacesAndOtherWordsHave) {
+    install("1600 utterance [unk] 我 用 tavrelon\n3200 utterance 写 信\n4800 partial two words\n");
+    EXPECT_EQ(reportsOf(4800).last(), QStringLiteral("我用 tavrelon 写信 two words!"));
+}
+
+}  // namespace tavrelon::testing
