@@ -101,6 +101,7 @@ Item {
                     corner: 12
                     name: view.texts.donate
                     toolTip: view.texts.donateTip
+                    toolTipBeside: true
                     onTriggered: view.model.donate()
 
                     Rectangle {

@@ -13,6 +13,7 @@ PressArea {
     height: 48
     corner: 13
     toolTip: name
+    toolTipBeside: true
     Accessible.role: Accessible.PageTab
     Accessible.selectable: true
     Accessible.selected: isSelected
