@@ -10,7 +10,7 @@ PressArea {
     property color tint: Look.accent
 
     width: 48
-    height: 48
+    height: 48                         // less in a low window
     corner: 13
     toolTip: name
     toolTipBeside: true
