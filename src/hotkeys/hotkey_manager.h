@@ -44,6 +44,9 @@ class HotkeyManager : public keys::HotkeySet {
     keys::HotkeyConfig quickAskHotkey = keys::defaults::quickAskHotkey;
     bool quickAskHotkeyEnabled = true;
 
+    /// While a new hotkey is being recorded no key is taken for an old one.
+    bool isRecordingKeys = false;
+
     // Latches of the voice hotkeys that consist of modifiers alone: one call per press of the combination.
     bool voiceModifiersPressed = false;
     bool voiceDictationModifiersPressed = false;
