@@ -6,8 +6,8 @@
 #include "support/memory_file_system.h"
 #include "support/qt_gtest.h"
 #include "support/test_desktop.h"
+#include "text/pieces.h"
 #include "ui/history/history_model.h"
-#include "ui/history/message_pieces.h"
 
 namespace tavrelon::ui {
 
@@ -152,15 +152,15 @@ TEST_F(HistoryTest, ALongTextIsDrawnInPiecesAndNoneOfItIsLost) {
     const auto faces = u"👩‍👩‍👧‍👦"_s.repeated(1000);
     for (const auto& text :
          {lines, u"word "_s.repeated(5000), u"שלום"_s.repeated(5000), faces, QString(), u"short"_s}) {
-        const auto pieces = piecesOf(text);
+        const auto pieces = text::piecesOf(text);
         QString joined;
         for (const auto& piece : pieces) {
-            EXPECT_LE(piece.size(), longestPiece);
+            EXPECT_LE(piece.size(), text::longestPiece);
             joined += piece;
         }
         EXPECT_EQ(joined.remove(u'\n'), QString(text).remove(u'\n'));
     }
-    for (const auto& piece : piecesOf(faces))
+    for (const auto& piece : text::piecesOf(faces))
         EXPECT_EQ(piece.size() % 11, 0) << "cut between characters";
 
     add({.inputText = lines, .outputText = lines});

@@ -3,8 +3,8 @@
 #include <QDateTime>
 
 #include "text/characters.h"
+#include "text/pieces.h"
 #include "ui/history/history_texts.h"
-#include "ui/history/message_pieces.h"
 
 namespace tavrelon::ui {
 
@@ -93,7 +93,7 @@ void addBubble(std::vector<HistoryPieceRow>& rows, const HistoryEntry& entry, Hi
     const bool imageStandsAlone =
         image && (messageText.isEmpty() || text::trimmed(messageText) == history_texts::imageCopied);
     if (!imageStandsAlone)
-        for (auto& part : piecesOf(messageText)) {
+        for (auto& part : text::piecesOf(messageText)) {
             piece.text = std::move(part);
             rows.push_back(piece);
         }

@@ -5,12 +5,22 @@
 
 #include "learning/clone_error.h"
 #include "text/characters.h"
+#include "text/pieces.h"
 #include "ui/settings/clone_texts.h"
 
 namespace tavrelon::ui {
 
 using namespace Qt::StringLiterals;
 using learning::MessageLanguage;
+
+namespace {
+
+QStringList piecesUnlessEmpty(const QString& whole) {
+    const auto pieces = text::piecesOf(whole);
+    return whole.isEmpty() ? QStringList() : QStringList(pieces.begin(), pieces.end());
+}
+
+}  // namespace
 
 CloneSettingsModel::CloneSettingsModel(async::MainLoop& mainLoop, persistence::StorageManager& storage,
                                        CloneLearner& learner, platform::FilePicker& filePicker)
@@ -38,6 +48,14 @@ void CloneSettingsModel::setProfileURLInput(const QString& typed) {
         return;
     profileURLInput_ = typed;
     Q_EMIT changed();
+}
+
+QStringList CloneSettingsModel::systemPromptPieces() const {
+    return piecesUnlessEmpty(systemPrompt());
+}
+
+QStringList CloneSettingsModel::languageStylePieces() const {
+    return piecesUnlessEmpty(languageStyle());
 }
 
 QString CloneSettingsModel::updatedAt() const {

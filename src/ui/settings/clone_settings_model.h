@@ -17,8 +17,8 @@ class CloneSettingsModel : public PageModel {
     Q_PROPERTY(bool isLearningFromFile READ isLearningFromFile NOTIFY changed)
     Q_PROPERTY(QString statusMessage READ statusMessage NOTIFY changed)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY changed)
-    Q_PROPERTY(QString systemPrompt READ systemPrompt NOTIFY changed)
-    Q_PROPERTY(QString languageStyle READ languageStyle NOTIFY changed)
+    Q_PROPERTY(QStringList systemPromptPieces READ systemPromptPieces NOTIFY changed)
+    Q_PROPERTY(QStringList languageStylePieces READ languageStylePieces NOTIFY changed)
     Q_PROPERTY(QString updatedAt READ updatedAt NOTIFY changed)
     Q_PROPERTY(bool canClear READ canClear NOTIFY changed)
 
@@ -43,6 +43,8 @@ class CloneSettingsModel : public PageModel {
     // What was learned; empty where nothing was.
     QString systemPrompt() const { return settings().cloneSystemPrompt; }
     QString languageStyle() const { return settings().cloneLanguageStyle; }
+    QStringList systemPromptPieces() const;  ///< for views, which draw a long text piece by piece
+    QStringList languageStylePieces() const;
     QString updatedAt() const;
     bool canClear() const { return !systemPrompt().isEmpty() || !languageStyle().isEmpty(); }
 

@@ -3,7 +3,7 @@
 #include <QString>
 #include <vector>
 
-namespace tavrelon::ui {
+namespace tavrelon::text {
 
 /// The most UTF-16 units of a text that a view lays out at once.
 inline constexpr qsizetype longestPiece = 2000;
@@ -13,4 +13,4 @@ inline constexpr qsizetype longestPiece = 2000;
 /// A short text is one piece, the empty text too.
 std::vector<QString> piecesOf(const QString& text);
 
-}  // namespace tavrelon::ui
+}  // namespace tavrelon::text

@@ -1,8 +1,8 @@
-#include "ui/history/message_pieces.h"
+#include "text/pieces.h"
 
 #include <QTextBoundaryFinder>
 
-namespace tavrelon::ui {
+namespace tavrelon::text {
 
 namespace {
 
@@ -41,4 +41,4 @@ std::vector<QString> piecesOf(const QString& text) {
     return pieces;
 }
 
-}  // namespace tavrelon::ui
+}  // namespace tavrelon::text
