@@ -9,20 +9,24 @@
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/directory_defaults_store.h"
 #include "desktop/linux/posix_file_system.h"
+#include "desktop/linux/settings_panes.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/linux/termination_signals.h"
 #include "desktop/linux/thread_serial_queue.h"
 #include "desktop/linux/user_folders.h"
 #include "desktop/qt/qt_application.h"
+#include "desktop/qt/qt_file_picker.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_panels.h"
+#include "desktop/qt/qt_raw_keys.h"
 #include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_status_item.h"
 #include "desktop/qt/qt_windows.h"
 #include "desktop/x11/x11_event_tap.h"
 #include "desktop/x11/x11_key_poster.h"
+#include "desktop/x11/x11_native_keys.h"
 #include "desktop/x11/x11_panel_surroundings.h"
 #include "desktop/x11/x11_pasteboard.h"
 #include "desktop/x11/x11_screen_capture.h"
@@ -30,7 +34,9 @@
 #include "desktop/x11/x11_workspace.h"
 #include "ui/dashboard/dashboard_window_controller.h"
 #include "ui/dashboard/donation_page.h"
+#include "ui/history/history_page.h"
 #include "ui/settings/pages.h"
+#include "ui/settings/service_pages.h"
 
 namespace {
 
@@ -44,6 +50,7 @@ struct Essentials {
     std::unique_ptr<desktop::X11KeyPoster> keyPoster;
     std::unique_ptr<desktop::X11ScreenCapture> screenCapture;
     std::unique_ptr<desktop::X11PanelSurroundings> panelSurroundings;
+    std::unique_ptr<desktop::X11NativeKeys> nativeKeys;
 };
 
 std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::Log& log,
@@ -69,8 +76,12 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
     auto panelSurroundings = desktop::X11PanelSurroundings::create();
     if (!panelSurroundings)
         return std::unexpected(panelSurroundings.error());
+    auto nativeKeys = desktop::X11NativeKeys::create();
+    if (!nativeKeys)
+        return std::unexpected(nativeKeys.error());
     return Essentials{*std::move(folders),   *std::move(workspace),     *std::move(pasteboard),
-                      *std::move(keyPoster), *std::move(screenCapture), *std::move(panelSurroundings)};
+                      *std::move(keyPoster), *std::move(screenCapture), *std::move(panelSurroundings),
+                      *std::move(nativeKeys)};
 }
 
 /// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time.
@@ -78,6 +89,49 @@ void prepareViews() {
     qputenv("QT_QUICK_BACKEND", "software");
     QApplication::setQuitOnLastWindowClosed(false);
 }
+
+desktop::NativeKeyNames keyNames(desktop::X11NativeKeys& keys) {
+    return {[&keys] { keys.refresh(); },
+            [&keys](const desktop::NativeKey& key) {
+                return keys.eventOf(static_cast<desktop::KeyCode>(key.code), key.modifiers,
+                                    key.isPress ? desktop::KeyAction::Press : desktop::KeyAction::Release,
+                                    key.isRepeat);
+            }};
+}
+
+platform::Permissions permissions(const desktop::AtspiAccessibility& accessibility,
+                                  platform::ScreenCapture& screenCapture) {
+    using enum platform::AuthorizationStatus;
+    using desktop::SettingsPane;
+    return {{[&accessibility] { return accessibility.isBusReachable() ? Authorized : Denied; },
+             [] {
+                 desktop::switchAccessibilityOn();
+                 desktop::openSettingsPane(SettingsPane::Accessibility);
+             }},
+            {[&screenCapture] { return screenCapture.preflightAccess() ? Authorized : Denied; },
+             [] { desktop::openSettingsPane(SettingsPane::ScreenCapture); }},
+            {[] { return NotDetermined; }, [] { desktop::openSettingsPane(SettingsPane::Microphone); }}};
+}
+
+/// The dashboard and what it needs of this desktop.
+struct Dashboard {
+    desktop::QtWindows windows;
+    desktop::QtRawKeys keys;
+    desktop::QtFilePicker filePicker;
+    ui::DashboardWindowController window;
+
+    Dashboard(app::AppState& appState, platform::Platform& platform, Essentials& essentials,
+              const desktop::AtspiAccessibility& accessibility)
+        : windows(platform.mainLoop, platform.log),
+          keys(keyNames(*essentials.nativeKeys)),
+          filePicker(platform.mainLoop),
+          window(windows, appState.storageManager(),
+                 {ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys),
+                  ui::clonePage(appState, platform, filePicker), ui::providersPage(appState, platform),
+                  ui::historyPage(appState),
+                  ui::privacyPage(appState, permissions(accessibility, platform.screenCapture))},
+                 [&platform] { platform.workspace.openUrl(ui::donationPage()); }) {}
+};
 
 }  // namespace
 
@@ -131,13 +185,9 @@ int main(int argc, char** argv) {
                              {[&x11] { return x11.isComposited(); }, [&x11](quint64 window) { x11.focus(window); }});
     platform::UserInterface userInterface{desktopApplication, panels, screens, statusItem};
 
-    desktop::QtWindows windows(loop, log);
-
     app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
-    auto& appState = delegate.appState();
-    ui::DashboardWindowController dashboard(windows, appState.storageManager(), {ui::generalSettingsPage(appState)},
-                                            [&] { essentials->workspace->openUrl(ui::donationPage()); });
-    delegate.showDashboard = [&dashboard] { dashboard.show(); };
+    Dashboard dashboard(delegate.appState(), platform, *essentials, accessibility);
+    delegate.showDashboard = [&dashboard] { dashboard.window.show(); };
     delegate.applicationDidFinishLaunching();
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();

@@ -45,6 +45,8 @@ class AppState {
     generation::PollinationsService& pollinationsService() { return pollinationsService_; }
     learning::CloneService& cloneService() { return *cloneService_; }
     input::InputStateMachine& inputStateMachine() { return *inputStateMachine_; }
+    ui::HotkeyStatusHUDWindowController& hotkeyStatusHUDController() { return hotkeyStatusHUDController_; }
+    async::MainLoop& mainLoop() { return platform_.mainLoop; }
 
  private:
     void applyHotkeySettings();

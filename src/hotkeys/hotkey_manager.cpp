@@ -72,6 +72,8 @@ void HotkeyManager::refreshTap() {
 }
 
 platform::TapVerdict HotkeyManager::handle(const KeyEvent& event) {
+    if (isRecordingKeys)
+        return platform::TapVerdict::Pass;
     const auto handled = event.type == KeyEvent::Type::KeyDown ? handleKeyDown(event) : handleFlagsChanged(event);
     return handled == Handled::Yes ? platform::TapVerdict::Drop : platform::TapVerdict::Pass;
 }

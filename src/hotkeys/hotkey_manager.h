@@ -59,6 +59,9 @@ class HotkeyManager {
     bool quickAskHotkeyEnabled = true;
     bool hotkeysEnabled = true;
 
+    /// While a new hotkey is being recorded no key is taken for an old one.
+    bool isRecordingKeys = false;
+
     // Latches of the voice hotkeys that consist of modifiers alone: one call per press of the combination.
     bool voiceModifiersPressed = false;
     bool voiceDictationModifiersPressed = false;

@@ -22,6 +22,9 @@ class AtspiAccessibility : public platform::Accessibility {
     ~AtspiAccessibility() override;
 
     bool isProcessTrusted() const override { return true; }
+
+    /// Whether there is a bus to reach other applications over.
+    bool isBusReachable() const { return tracker_.bus(std::chrono::nanoseconds::zero()).has_value(); }
     Result copyAttribute(const platform::AXElement& element, platform::AXAttribute attribute) override;
     Result copyParameterizedAttribute(const platform::AXElement& element, platform::AXAttribute attribute,
                                       text::Utf16Range range) override;

@@ -87,6 +87,7 @@ Item {
                 spacing: 4
 
                 SidebarButton {
+                    anchors.horizontalCenter: parent.horizontalCenter
                     height: 40
                     icon: "questionmark.circle.fill"
                     name: view.texts.help

@@ -2,6 +2,6 @@ import QtQuick
 
 /// The background of the top bar.
 Rectangle {
-    color: Look.white(0.04)
+    color: "#a0111a2b"
     EdgeBorder { edges: Qt.BottomEdge }
 }

@@ -6,7 +6,7 @@ Rectangle {
     property bool isActive: false
 
     radius: cornerRadius
-    color: Look.faded(Qt.color("black"), isActive ? 0.4 : 0.28)
+    color: Look.faded(Qt.color("black"), isActive ? 0.55 : 0.4)
     border.width: 1
     border.color: Look.white(isActive ? 0.38 : 0.2)
 }

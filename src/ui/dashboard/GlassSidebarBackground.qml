@@ -2,6 +2,6 @@ import QtQuick
 
 /// The background of the sidebar.
 Rectangle {
-    color: Look.white(0.05)
+    color: "#c0131b2c"
     EdgeBorder { edges: Qt.RightEdge }
 }

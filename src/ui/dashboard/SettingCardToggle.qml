@@ -10,6 +10,7 @@ PressArea {
     property string subtitle
     property string icon
     property color iconColor: Look.accent
+    property alias trailing: trailingSlot.data   ///< what stands before the switch
 
     signal toggled(bool isOn)
 
@@ -40,7 +41,7 @@ PressArea {
         id: texts
         anchors {
             left: badge.right; leftMargin: 14
-            right: toggle.left; rightMargin: 16
+            right: trailingSlot.left; rightMargin: 16
             verticalCenter: parent.verticalCenter
         }
         spacing: 2
@@ -60,6 +61,10 @@ PressArea {
             wrapMode: Text.Wrap
             font { family: Look.fontFamily; pixelSize: Look.smallSize }
         }
+    }
+    Row {
+        id: trailingSlot
+        anchors { right: toggle.left; rightMargin: children.length ? 14 : 0; verticalCenter: parent.verticalCenter }
     }
     GlassToggle {
         id: toggle

@@ -1,6 +1,8 @@
 #include "ui/settings/pages.h"
 
 #include "ui/settings/general_settings_model.h"
+#include "ui/settings/hotkeys_settings_model.h"
+#include "ui/settings/privacy_settings_model.h"
 
 namespace tavrelon::ui {
 
@@ -8,6 +10,20 @@ DashboardPage generalSettingsPage(app::AppState& appState) {
     return {DashboardTab::settings, QStringLiteral("settings/GeneralSettingsScrollView"), [&appState] {
                 return std::make_unique<GeneralSettingsModel>(appState.storageManager(),
                                                               appState.pollinationsService());
+            }};
+}
+
+DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys) {
+    return {DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"), [&appState, &keys] {
+                return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
+                    appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
+                    [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }});
+            }};
+}
+
+DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions) {
+    return {DashboardTab::privacy, QStringLiteral("settings/PrivacySettingsView"), [&appState, permissions] {
+                return std::make_unique<PrivacySettingsModel>(appState.storageManager(), permissions);
             }};
 }
 

@@ -1,0 +1,71 @@
+import QtQuick
+import "qrc:/tavrelon/ui/dashboard"
+
+/// One hotkey: its switch, its key cap, and for a voice hotkey its silence time-out.
+Item {
+    id: card
+
+    required property QtObject hotkeys   ///< the model of the page
+    required property int index
+    readonly property var texts: hotkeys.texts
+    readonly property var row: hotkeys.rows[index]
+
+    implicitHeight: 66
+
+    GlassCardBackground { anchors.fill: parent }
+    Column {
+        anchors {
+            left: parent.left; leftMargin: Look.padding
+            right: controls.left; rightMargin: 12
+            verticalCenter: parent.verticalCenter
+        }
+        spacing: 2
+        opacity: card.row.isEnabled ? 1 : 0.55
+
+        Text {
+            width: parent.width
+            text: card.row.title
+            color: Look.primary
+            elide: Text.ElideRight
+            font { family: Look.fontFamily; pixelSize: Look.bodySize; weight: Font.DemiBold }
+        }
+        Text {
+            width: parent.width
+            text: card.row.subtitle
+            color: Look.secondary
+            elide: Text.ElideRight
+            font { family: Look.fontFamily; pixelSize: Look.smallSize }
+        }
+    }
+    Row {
+        id: controls
+        anchors { right: parent.right; rightMargin: Look.padding; verticalCenter: parent.verticalCenter }
+        spacing: 16
+
+        LabeledNumberField {
+            visible: card.row.timeout
+            anchors.verticalCenter: parent.verticalCenter
+            label: card.texts.timeout
+            name: card.row.title + ": " + card.texts.timeout
+            placeholder: "2"
+            suffix: card.texts.timeoutUnit
+            toolTip: card.texts.timeoutTip
+            fieldWidth: 70
+            value: card.row.timeout
+            onCommitted: text => card.hotkeys.setTimeout(card.index, text)
+        }
+        HotkeyRecorder {
+            anchors.verticalCenter: parent.verticalCenter
+            name: card.row.title
+            key: card.row.key
+            isRecording: card.row.isRecording
+            onTriggered: card.hotkeys.toggleRecording(card.index)
+        }
+        SwitchButton {
+            anchors.verticalCenter: parent.verticalCenter
+            name: card.row.title
+            isOn: card.row.isEnabled
+            onToggled: isOn => card.hotkeys.setEnabled(card.index, isOn)
+        }
+    }
+}

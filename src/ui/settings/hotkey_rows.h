@@ -1,0 +1,74 @@
+#pragma once
+
+#include <array>
+
+#include "hotkeys/hotkey_manager.h"
+#include "ui/dashboard/page_model.h"
+
+namespace tavrelon::ui {
+
+/// One row of the hotkeys page: its texts, and where its values live.
+struct HotkeyRow {
+    PageText title;
+    PageText subtitle;
+    keys::HotkeyConfig persistence::AppSettings::* key;
+    bool persistence::AppSettings::* isEnabled;
+    keys::HotkeyConfig hotkeys::HotkeyManager::* managerKey;
+    bool hotkeys::HotkeyManager::* managerIsEnabled;
+    double persistence::AppSettings::* silenceTimeout = nullptr;  ///< of the voice hotkeys
+
+    /// Only voice hotkeys may consist of modifiers alone.
+    bool allowModifiersOnly() const { return silenceTimeout != nullptr; }
+};
+
+#define TAVRELON_HOTKEY_FIELDS(name) &Settings::name, &Settings::name##Enabled, &Manager::name, &Manager::name##Enabled
+
+/// From the top of the page to its bottom.
+inline constexpr auto hotkeyRows = [] {
+    using Settings = persistence::AppSettings;
+    using Manager = hotkeys::HotkeyManager;
+    return std::array<HotkeyRow, 8>{{
+        {{u"", u"Text Input", u"文本输入"},
+         {u"", u"Toggle to listen/send", u"切换监听/发送"},
+         TAVRELON_HOTKEY_FIELDS(toggleHotkey)},
+        {{u"", u"Floating Input", u"悬浮输入框"},
+         {u"", u"Show on-screen prompt box", u"显示屏幕输入框"},
+         TAVRELON_HOTKEY_FIELDS(floatingInputHotkey)},
+        {{u"", u"Hotkeys Toggle", u"快捷键开关"},
+         {u"", u"Enable/disable all hotkeys", u"启用/禁用所有快捷键"},
+         TAVRELON_HOTKEY_FIELDS(toggleAllHotkeysHotkey)},
+        {{u"", u"Video Capture (fixing)", u"视频录制（fixing）"},
+         {u"", u"Record window video", u"录制窗口视频"},
+         TAVRELON_HOTKEY_FIELDS(videoHotkey)},
+        {{u"", u"Voice Input", u"语音输入"},
+         {u"", u"Press to start/stop", u"按下开始/结束"},
+         TAVRELON_HOTKEY_FIELDS(voiceHotkey),
+         &Settings::voiceInputSilenceTimeoutSeconds},
+        {{u"", u"Voice Dictation", u"语音听写"},
+         {u"", u"Insert speech (no AI)", u"插入语音（无AI）"},
+         TAVRELON_HOTKEY_FIELDS(voiceDictationHotkey),
+         &Settings::voiceDictationSilenceTimeoutSeconds},
+        {{u"", u"Auto Reply", u"自动回复"},
+         {u"", u"Generate reply instantly", u"即时生成回复"},
+         TAVRELON_HOTKEY_FIELDS(autoReplyHotkey)},
+        {{u"", u"Interrupt", u"中断"}, {u"", u"Stop AI reply", u"停止 AI 回复"}, TAVRELON_HOTKEY_FIELDS(cancelHotkey)},
+    }};
+}();
+
+#undef TAVRELON_HOTKEY_FIELDS
+
+/// The rest of the page.
+inline constexpr std::array<PageText, 10> hotkeysPageTexts{{
+    {u"title", u"Hotkeys", u"快捷键"},
+    {u"restore", u"Restore Defaults", u"恢复默认"},
+    {u"master", u"Hotkeys Enabled", u"启用快捷键"},
+    {u"masterHint", u"Global hotkey lock", u"全局快捷键锁定"},
+    {u"enabled", u"Enabled", u"已启用"},
+    {u"disabled", u"Disabled", u"已禁用"},
+    {u"timeout", u"Timeout", u"超时"},
+    {u"timeoutUnit", u"s", u"秒"},
+    {u"timeoutTip", u"Auto stop after Xs of silence", u"静默 X 秒后自动结束"},
+    {u"recording", u"Press keys...", u"Press keys..."},
+}};
+
+}  // namespace tavrelon::ui
