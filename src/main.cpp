@@ -17,6 +17,7 @@
 #include "desktop/linux/thread_serial_queue.h"
 #include "desktop/linux/user_folders.h"
 #include "desktop/qt/qt_application.h"
+#include "desktop/qt/qt_file_picker.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
 #include "desktop/qt/qt_main_loop.h"
@@ -35,7 +36,9 @@
 #include "desktop/x11/x11_workspace.h"
 #include "ui/dashboard/dashboard_window_controller.h"
 #include "ui/dashboard/donation_page.h"
+#include "ui/history/history_page.h"
 #include "ui/settings/pages.h"
+#include "ui/settings/service_pages.h"
 
 namespace {
 
@@ -116,14 +119,18 @@ platform::Permissions permissions(const desktop::AtspiAccessibility& accessibili
 struct Dashboard {
     desktop::QtWindows windows;
     desktop::QtRawKeys keys;
+    desktop::QtFilePicker filePicker;
     ui::DashboardWindowController window;
 
     Dashboard(app::AppState& appState, platform::Platform& platform, Essentials& essentials,
               const desktop::AtspiAccessibility& accessibility)
         : windows(platform.mainLoop, platform.log),
           keys(keyNames(*essentials.nativeKeys)),
+          filePicker(platform.mainLoop),
           window(windows, appState.storageManager(),
                  {ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys),
+                  ui::clonePage(appState, platform, filePicker), ui::providersPage(appState, platform),
+                  ui::historyPage(appState),
                   ui::privacyPage(appState, permissions(accessibility, platform.screenCapture))},
                  [&platform] { platform.workspace.openUrl(ui::donationPage()); }) {}
 };

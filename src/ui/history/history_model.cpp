@@ -1,0 +1,82 @@
+#include "ui/history/history_model.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+
+#include "ui/history/history_texts.h"
+
+namespace tavrelon::ui {
+
+HistoryModel::HistoryModel(persistence::StorageManager& storage, persistence::HistoryManager& history, QLocale locale)
+    : PageModel(storage, historyTexts),
+      history_(history),
+      locale_(std::move(locale)),
+      search_(locale_),
+      subscription_(history.onChange([this] {
+          search_.forget();
+          refresh();
+      })) {
+    refresh();
+}
+
+void HistoryModel::setSearchText(const QString& typed) {
+    if (typed == searchText_)
+        return;
+    searchText_ = typed;
+    if (typed.isEmpty())
+        search_.forget();
+    refresh();
+}
+
+void HistoryModel::selectApp(const QString& id) {
+    if (id == selectedAppID_)
+        return;
+    selectedAppID_ = id;
+    refresh();
+}
+
+void HistoryModel::setFilterIntent(const QString& intent) {
+    filterIntent_ = intent;
+    refresh();
+}
+
+void HistoryModel::clear() {
+    selectedAppID_.clear();
+    history_.clearHistory();
+}
+
+void HistoryModel::refresh() {
+    const auto groups = groupedByApplication(search_.matching(history_.entries(), searchText_, filterIntent_));
+    std::vector<HistoryAppRow> rows;
+    for (const auto& group : groups)
+        rows.push_back(appRow(group, locale_));
+    groups_.replace(std::move(rows));
+
+    const auto selected = std::ranges::find(groups, selectedAppID_, &AppHistoryGroup::id);
+    if (selected == groups.end()) {
+        conversation_.replace({});
+        conversationName_.clear();
+        conversationCount_.clear();
+    } else {
+        conversation_.replace(
+            conversationRows(*selected, locale_, [this](const QString& path) { return findImage(path); }));
+        conversationName_ = selected->displayName;
+        conversationCount_ = entryCountText(selected->entries.size());
+    }
+    Q_EMIT changed();
+}
+
+/// Reads no more than the size of the picture. What is no ordinary file might keep its reader waiting for ever.
+std::optional<HistoryImage> HistoryModel::findImage(const QString& outputImagePath) const {
+    const auto path = history_.resolvedImagePath(outputImagePath);
+    if (!QFileInfo(path).isFile())
+        return std::nullopt;
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    const auto pixels = reader.size();
+    if (pixels.isEmpty())
+        return std::nullopt;
+    return HistoryImage{QUrl::fromLocalFile(path), pixels};
+}
+
+}  // namespace tavrelon::ui

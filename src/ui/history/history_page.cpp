@@ -1,0 +1,13 @@
+#include "ui/history/history_page.h"
+
+#include "ui/history/history_model.h"
+
+namespace tavrelon::ui {
+
+DashboardPage historyPage(app::AppState& appState) {
+    return {DashboardTab::history, QStringLiteral("history/HistoryView"), [&appState] {
+                return std::make_unique<HistoryModel>(appState.storageManager(), appState.historyManager());
+            }};
+}
+
+}  // namespace tavrelon::ui

@@ -1,0 +1,140 @@
+#pragma once
+
+#include "platform/workspace.h"
+#include "ui/dashboard/page_model.h"
+#include "ui/settings/ollama_cloud_models.h"
+
+namespace tavrelon::ui {
+
+/// The providers page: which service answers requests with a picture, and how it is reached. Of the three services at
+/// most one is on; each change is stored and used by the next request. What the user types is kept as typed, whatever
+/// is missing in it; a store that refuses it loses it at the end of the program. Main thread.
+class ProviderSettingsModel : public PageModel {
+    Q_OBJECT
+    Q_PROPERTY(QString selection READ selection WRITE select NOTIFY selectionChanged)
+    Q_PROPERTY(tavrelon::ui::OllamaCloudModels* cloudModels READ cloudModels CONSTANT)
+
+    Q_PROPERTY(bool enableNvidiaLocal READ enableNvidiaLocal WRITE setEnableNvidiaLocal NOTIFY changed)
+    Q_PROPERTY(bool enableOllamaVision READ enableOllamaVision WRITE setEnableOllamaVision NOTIFY changed)
+    Q_PROPERTY(
+        bool enableCustomPollinations READ enableCustomPollinations WRITE setEnableCustomPollinations NOTIFY changed)
+
+    Q_PROPERTY(QString nvidiaApiKey READ nvidiaApiKey WRITE setNvidiaApiKey NOTIFY changed)
+    Q_PROPERTY(QString ollamaMode READ ollamaMode WRITE setOllamaMode NOTIFY changed)
+    Q_PROPERTY(QString ollamaCloudModel READ ollamaCloudModel WRITE setOllamaCloudModel NOTIFY changed)
+    Q_PROPERTY(QString ollamaCloudApiKey READ ollamaCloudApiKey WRITE setOllamaCloudApiKey NOTIFY changed)
+    Q_PROPERTY(QString ollamaLocalModel READ ollamaLocalModel WRITE setOllamaLocalModel NOTIFY changed)
+    Q_PROPERTY(QString ollamaLocalEndpoint READ ollamaLocalEndpoint WRITE setOllamaLocalEndpoint NOTIFY changed)
+    Q_PROPERTY(QString ollamaLocalApiKey READ ollamaLocalApiKey WRITE setOllamaLocalApiKey NOTIFY changed)
+    Q_PROPERTY(QString pollinationsBaseURL READ pollinationsBaseURL WRITE setPollinationsBaseURL NOTIFY changed)
+    Q_PROPERTY(
+        QString pollinationsImageModel READ pollinationsImageModel WRITE setPollinationsImageModel NOTIFY changed)
+    Q_PROPERTY(
+        QString pollinationsVisionModel READ pollinationsVisionModel WRITE setPollinationsVisionModel NOTIFY changed)
+    Q_PROPERTY(QString pollinationsApiKey READ pollinationsApiKey WRITE setPollinationsApiKey NOTIFY changed)
+
+    Q_PROPERTY(bool nvidiaKeyMissing READ nvidiaKeyMissing NOTIFY changed)
+    Q_PROPERTY(bool cloudKeyMissing READ cloudKeyMissing NOTIFY changed)
+    Q_PROPERTY(bool cloudModelMissing READ cloudModelMissing NOTIFY changed)
+    Q_PROPERTY(bool baseURLMissing READ baseURLMissing NOTIFY changed)
+    Q_PROPERTY(bool imageModelMissing READ imageModelMissing NOTIFY changed)
+    Q_PROPERTY(bool visionModelMissing READ visionModelMissing NOTIFY changed)
+
+    Q_PROPERTY(QString defaultOllamaEndpoint READ defaultOllamaEndpoint CONSTANT)
+    Q_PROPERTY(QString defaultPollinationsBaseURL READ defaultPollinationsBaseURL CONSTANT)
+    Q_PROPERTY(QString nvidiaKeyPortal READ nvidiaKeyPortal CONSTANT)
+    Q_PROPERTY(QString pollinationsKeyPortal READ pollinationsKeyPortal CONSTANT)
+
+ public:
+    /// The services that the page edits. They outlive it.
+    struct Services {
+        async::MainLoop& mainLoop;
+        persistence::StorageManager& storage;
+        generation::PollinationsService& pollinations;
+        platform::Workspace& workspace;
+    };
+
+    explicit ProviderSettingsModel(Services services);
+
+    OllamaCloudModels* cloudModels() { return &cloudModels_; }
+
+    /// The section on view: "nvidia", "ollama" or "pollinations". It says nothing of what is in use.
+    QString selection() const { return selection_; }
+    void select(const QString& provider);
+
+    // Turning one on turns the others off; turning one off touches only that one.
+    bool enableNvidiaLocal() const { return settings().enableNvidiaLocal; }
+    void setEnableNvidiaLocal(bool enabled);
+    bool enableOllamaVision() const { return settings().enableOllamaVision; }
+    void setEnableOllamaVision(bool enabled);
+    bool enableCustomPollinations() const { return settings().enableCustomPollinations; }
+    void setEnableCustomPollinations(bool enabled);
+
+    QString ollamaMode() const;
+    void setOllamaMode(const QString& mode);
+    QString ollamaCloudModel() const { return settings().ollamaCloudModel; }
+    void setOllamaCloudModel(const QString& typed);
+    QString ollamaLocalModel() const { return settings().ollamaLocalModel; }
+    void setOllamaLocalModel(const QString& typed);
+    QString ollamaLocalEndpoint() const { return settings().ollamaLocalEndpoint; }
+    void setOllamaLocalEndpoint(const QString& typed);
+    QString pollinationsBaseURL() const { return settings().pollinationsBaseURL; }
+    void setPollinationsBaseURL(const QString& typed);
+    QString pollinationsImageModel() const { return settings().pollinationsImageModel; }
+    void setPollinationsImageModel(const QString& typed);
+    QString pollinationsVisionModel() const { return settings().pollinationsVisionModel; }
+    void setPollinationsVisionModel(const QString& typed);
+
+    QString nvidiaApiKey() const { return keys_.nvidia; }
+    void setNvidiaApiKey(const QString& typed);
+    QString ollamaCloudApiKey() const { return keys_.ollamaCloud; }
+    void setOllamaCloudApiKey(const QString& typed);
+    QString ollamaLocalApiKey() const { return keys_.ollamaLocal; }
+    void setOllamaLocalApiKey(const QString& typed);
+    QString pollinationsApiKey() const { return keys_.pollinations; }
+    void setPollinationsApiKey(const QString& typed);
+
+    // What is shown below a field; nothing is refused for it.
+    bool nvidiaKeyMissing() const;
+    bool cloudKeyMissing() const;
+    bool cloudModelMissing() const;
+    bool baseURLMissing() const;
+    bool imageModelMissing() const;
+    bool visionModelMissing() const;
+
+    static QString defaultOllamaEndpoint() { return persistence::defaultSettings().ollamaLocalEndpoint; }
+    static QString defaultPollinationsBaseURL() { return persistence::defaultSettings().pollinationsBaseURL; }
+
+    // Where the user gets a key, and its opening in the browser.
+    static QString nvidiaKeyPortal();
+    static QString pollinationsKeyPortal();
+    Q_INVOKABLE void openNvidiaKeyPortal();
+    Q_INVOKABLE void openPollinationsKeyPortal();
+
+    Q_SIGNAL void selectionChanged();
+
+ private:
+    /// As typed. Read once: a field must not jump back where the store refuses what is typed.
+    struct Keys {
+        QString nvidia;
+        QString ollamaCloud;
+        QString ollamaLocal;
+        QString pollinations;
+    };
+
+    using InUse = std::optional<QString> generation::PollinationsService::*;
+    using Normalization = std::optional<QString> (*)(const QString&);
+
+    void setField(QString persistence::AppSettings::* field, const QString& typed, InUse inUse,
+                  Normalization normalized);
+    bool storeKey(QString Keys::* key, QLatin1StringView entry, const QString& typed);
+    void turnOffNvidia();
+    void handOnCustomPollinations();
+
+    Services services_;
+    Keys keys_;
+    QString selection_;
+    OllamaCloudModels cloudModels_;
+};
+
+}  // namespace tavrelon::ui

@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+
+#include "support/fake_file_picker.h"
+#include "support/qt_gtest.h"
+#include "support/test_desktop.h"
+#include "ui/settings/clone_settings_model.h"
+
+namespace tavrelon::ui {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+class CloneSettingsTest : public ::testing::Test {
+ public:
+    tavrelon::testing::TestDesktop desktop;
+    tavrelon::testing::FakeFilePicker picker{desktop.loop};
+    persistence::StorageManager storage{desktop.defaultsStore, desktop.fileSystem, desktop.log, desktop.loop,
+                                        u"/data/Tavrelon"_s};
+    generation::PollinationsService service{
+        desktop.loop, desktop.httpSession, desktop.log, generation::ServiceEndpoints::builtIn(), {}};
+    learning::CloneService cloneService{desktop.httpSession, desktop.documentReader, service, QString(),
+                                        u"http://127.0.0.1:3002"_s};
+    CloneLearner learner{{desktop.loop, storage, cloneService}};
+    std::unique_ptr<CloneSettingsModel> page = openPage();
+
+    CloneSettingsTest() { service.textModels = {generation::PollinationsModel::openai}; }
+    std::unique_ptr<CloneSettingsModel> openPage() {
+        return std::make_unique<CloneSettingsModel>(desktop.loop, storage, learner, picker);
+    }
+    void answerWithProfile(std::chrono::nanoseconds delay = 0ns) {
+        const QByteArray reply =
+            R"({"choices":[{"message":{"content":"{\"system_prompt\":\"I am Ada.\",\"language_style\":\"Dry.\"}"}}]})";
+        desktop.httpSession.answer(
+            {platform::HttpResponse{.status = 200, .headers = {{"Content-Type", "application/json"}}, .body = reply},
+             delay});
+    }
+    void choose(const QString& path, const QString& text) {
+        desktop.documentReader.put(path, text);
+        picker.choices.push_back(QUrl::fromLocalFile(path));
+        page->chooseFile();
+        desktop.loop.runUntilIdle();
+    }
+    void setLanguage(const QString& language) {
+        storage.changeSettings([&](persistence::AppSettings& settings) { settings.appLanguage = language; });
+    }
+};
+
+TEST_F(CloneSettingsTest, LearnsFromAFileAndKeepsIt) {
+    choose(u"/home/ada/letters.pdf"_s, u"  "_s + u"0123456789"_s.repeated(10) + u"\n"_s);
+    EXPECT_EQ(page->selectedFileName(), u"letters.pdf"_s);
+    answerWithProfile();
+    page->learnFromFile();
+    page->learnFromLink();
+    EXPECT_TRUE(page->isLearningFromFile());
+    EXPECT_FALSE(page->isLearningFromLink());
+    desktop.loop.runToEnd();
+    EXPECT_FALSE(page->isLearningFromFile());
+    EXPECT_EQ(page->statusMessage(), u"Clone profile updated."_s);
+    EXPECT_EQ(page->errorMessage(), QString());
+    EXPECT_EQ(page->systemPrompt(), u"I am Ada."_s);
+    EXPECT_EQ(page->languageStyle(), u"Dry."_s);
+    EXPECT_TRUE(desktop.defaultsStore.string(persistence::defaults_keys::settings)->contains("I am Ada."_L1));
+
+    page->clear();
+    EXPECT_EQ(page->systemPrompt() + page->languageStyle() + page->updatedAt(), QString());
+    EXPECT_FALSE(page->canClear());
+    EXPECT_FALSE(desktop.defaultsStore.string(persistence::defaults_keys::settings)->contains("I am Ada."_L1));
+}
+
+TEST_F(CloneSettingsTest, WhatCannotBeLearnedFromAsksNobody) {
+    page->setProfileURLInput(u" \n "_s);
+    page->learnFromLink();
+    EXPECT_EQ(page->errorMessage(), u"Enter a valid link."_s);
+    page->learnFromFile();
+    EXPECT_EQ(page->errorMessage(), u"Choose a file first."_s);
+
+    setLanguage(u"zh"_s);
+    choose(u"/short.txt"_s, u"\n\n "_s + u"长"_s.repeated(99));
+    EXPECT_EQ(page->errorMessage(), QString());
+    page->learnFromFile();
+    desktop.loop.runToEnd();
+    EXPECT_EQ(page->errorMessage(), u"内容至少需要 100 个字符。"_s);
+    setLanguage(u"en"_s);
+    EXPECT_EQ(page->errorMessage(), u"内容至少需要 100 个字符。"_s) << "the language of the moment it arrived";
+
+    desktop.documentReader.putUnsupported(u"/locked.pdf"_s);
+    picker.choices.push_back(QUrl::fromLocalFile(u"/locked.pdf"_s));
+    page->chooseFile();
+    desktop.loop.runUntilIdle();
+    page->learnFromFile();
+    desktop.loop.runToEnd();
+    EXPECT_EQ(page->errorMessage(), u"Unsupported or unreadable file."_s);
+    EXPECT_TRUE(desktop.httpSession.requests().empty());
+}
+
+TEST_F(CloneSettingsTest, ChoosingAFileMayEndInThreeWays) {
+    choose(u"/a/notes.md"_s, QString());
+    picker.choices.push_back(std::unexpected(platform::FilePickerError{}));
+    page->chooseFile();
+    page->chooseFile();
+    EXPECT_TRUE(page->isImportingFile());
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(picker.titles.size(), 2) << "one picker at a time";
+    EXPECT_EQ(page->errorMessage(), u"No file was chosen."_s);
+    EXPECT_EQ(page->selectedFileName(), u"notes.md"_s);
+
+    picker.choices.push_back(std::nullopt);
+    page->chooseFile();
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(page->errorMessage(), u"Choose a file first."_s);
+    EXPECT_EQ(page->selectedFileName(), QString());
+}
+
+TEST_F(CloneSettingsTest, AFailedPageKeepsWhatWasLearnedBefore) {
+    storage.changeSettings([](persistence::AppSettings& settings) { settings.cloneSystemPrompt = u"before"_s; });
+    page->setProfileURLInput(u" https://example.org/ada "_s);
+    desktop.httpSession.answer(500, "busy");
+    desktop.httpSession.answer(500, "still busy");
+    page->learnFromLink();
+    desktop.loop.runToEnd();
+    EXPECT_EQ(page->errorMessage(), u"still busy"_s);
+    EXPECT_EQ(page->systemPrompt(), u"before"_s);
+    EXPECT_TRUE(desktop.httpSession.requests()[0].body.contains("\"https://example.org/ada\""));
+
+    desktop.httpSession.neverAnswer();
+    desktop.httpSession.neverAnswer();
+    page->learnFromLink();
+    EXPECT_EQ(page->errorMessage(), QString());
+    desktop.loop.runToEnd();
+    EXPECT_EQ(page->errorMessage(), u"Scrape timed out. Try again or use file/text instead."_s);
+}
+
+TEST_F(CloneSettingsTest, ALearningGoesOnWithoutItsPage) {
+    choose(u"/home/ada/letters.txt"_s, u"0123456789"_s.repeated(20));
+    answerWithProfile(20s);
+    page->learnFromFile();
+    desktop.loop.advance(1s);
+    page.reset();
+    page = openPage();
+    EXPECT_TRUE(page->isLearningFromFile());
+    page.reset();
+    desktop.loop.advance(30s);
+    page = openPage();
+    EXPECT_EQ(page->systemPrompt(), u"I am Ada."_s);
+    EXPECT_EQ(page->statusMessage(), u"Clone profile updated."_s);
+    page = openPage();
+    EXPECT_EQ(page->statusMessage(), QString()) << "told once";
+}
+
+TEST_F(CloneSettingsTest, TheDateIsWrittenAsTheLanguageWritesIt) {
+    const QDateTime moment(QDate(2026, 3, 9), QTime(14, 5, 59));
+    storage.changeSettings([&](persistence::AppSettings& settings) {
+        settings.cloneLanguageStyleUpdatedAt =
+            std::chrono::system_clock::time_point(std::chrono::milliseconds(moment.toMSecsSinceEpoch()));
+    });
+    EXPECT_EQ(page->updatedAt(), u"Mar 9, 2026 at 2:05 PM"_s);
+    setLanguage(u"de"_s);
+    EXPECT_EQ(page->updatedAt(), u"2026年3月9日 14:05"_s);
+}
+
+}  // namespace tavrelon::ui

@@ -1,0 +1,189 @@
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QTemporaryDir>
+
+#include "support/memory_file_system.h"
+#include "support/qt_gtest.h"
+#include "support/test_desktop.h"
+#include "text/pieces.h"
+#include "ui/history/history_model.h"
+
+namespace tavrelon::ui {
+
+using namespace Qt::StringLiterals;
+using persistence::HistoryEntry;
+using Kind = HistoryPieceRow::Kind;
+
+class HistoryTest : public ::testing::Test {
+ public:
+    QTemporaryDir folder;
+    tavrelon::testing::TestDesktop desktop;
+    persistence::StorageManager storage{desktop.defaultsStore, desktop.fileSystem, desktop.log, desktop.loop,
+                                        u"/data/Tavrelon"_s};
+    persistence::HistoryManager history{desktop.fileSystem, desktop.log, folder.path(), 20};
+    HistoryModel page{storage, history, QLocale(u"en_US"_s)};
+    int age = 0;
+
+    /// Adds an entry that is a minute younger than the one before.
+    void add(HistoryEntry entry) {
+        entry.id = QUuid::createUuid();
+        entry.timestamp = std::chrono::sys_days(std::chrono::year(2026) / 3 / 9) + std::chrono::minutes(++age);
+        history.addEntry(std::move(entry));
+    }
+    QStringList shown(const QAbstractItemModel& list, const QByteArray& role) const {
+        QStringList values;
+        for (int row = 0; row < list.rowCount(); ++row)
+            values << list.data(list.index(row, 0), list.roleNames().key(role)).toString();
+        return values;
+    }
+    QStringList groups() { return shown(*page.groups(), "appId"); }
+    QStringList messages() { return shown(*page.conversation(), "pieceText"); }
+};
+
+TEST_F(HistoryTest, GroupsByApplicationWithTheNewestFirst) {
+    add({.appBundleID = u"org.a"_s, .appName = u"Mail"_s, .inputText = u"one"_s});
+    add({.inputText = u"nobody's"_s});
+    add({.appBundleID = u"org.b"_s, .appName = u"Mail"_s, .inputText = u"two"_s});
+    add({.appBundleID = QString(), .appName = u"Notes"_s});
+    add({.appBundleID = u"org.a"_s, .inputText = u"长"_s.repeated(50) + u"!"_s});
+    EXPECT_EQ(groups(), (QStringList{u"org.a"_s, u"Notes"_s, u"org.b"_s, u"unknown"_s}));
+    EXPECT_EQ(shown(*page.groups(), "displayName"), (QStringList{u"Mail"_s, u"Notes"_s, u"Mail"_s, u"unknown"_s}));
+    EXPECT_EQ(shown(*page.groups(), "count")[0], u"2 条记录"_s);
+    EXPECT_EQ(shown(*page.groups(), "preview")[0], u"长"_s.repeated(50) + u"..."_s);
+
+    EXPECT_FALSE(page.hasConversation());
+    page.selectApp(u"org.a"_s);
+    EXPECT_EQ(page.conversationName(), u"Mail"_s);
+    EXPECT_EQ(messages(), (QStringList{{}, u"one"_s, {}, {}, u"长"_s.repeated(50) + u"!"_s, {}})) << "oldest first";
+    add({.appBundleID = u"org.a"_s, .inputText = u"three"_s});
+    EXPECT_EQ(page.conversation()->rowCount(), 9) << "a new entry shows at once";
+}
+
+TEST_F(HistoryTest, SearchesAllTextsAndHidesTheRest) {
+    add({.sceneName = u"Translate"_s, .appName = u"Mail"_s, .inputText = u"STRASSE"_s});
+    add({.appName = u"Mail"_s, .windowTitle = u"Café — bill"_s, .outputText = u"مرحبا بالعالم"_s});
+    add({.intent = u"image"_s, .appName = u"Notes"_s});
+    page.selectApp(u"Mail"_s);
+    const auto found = [&](const QString& text) {
+        page.setSearchText(text);
+        return groups();
+    };
+    EXPECT_EQ(found(u"CAFE\u0301"_s), QStringList{u"Mail"_s}) << "composed or not is the same letter";
+    EXPECT_EQ(page.conversationCount(), u"1 条记录"_s);
+    EXPECT_EQ(found(u"strasse"_s), QStringList{u"Mail"_s});
+    EXPECT_EQ(found(u"translate"_s), QStringList{u"Mail"_s});
+    EXPECT_EQ(found(u"بالعالم"_s), QStringList{u"Mail"_s});
+    EXPECT_EQ(found(u"note"_s), QStringList{u"Notes"_s});
+    EXPECT_FALSE(page.hasConversation()) << "the search hid the chosen one";
+    EXPECT_TRUE(found(u"nowhere"_s).isEmpty());
+    EXPECT_TRUE(page.isEmpty());
+    found({});
+    EXPECT_TRUE(page.hasConversation());
+    page.setFilterIntent(u"image"_s);
+    EXPECT_EQ(groups(), QStringList{u"Notes"_s});
+
+    HistoryModel turkish(storage, history, QLocale(u"tr_TR"_s));
+    add({.appName = u"Işık"_s});
+    turkish.setSearchText(u"ışık"_s);
+    EXPECT_EQ(turkish.groups()->rowCount(), 1);
+}
+
+TEST_F(HistoryTest, ATurnShowsWhatBefellIt) {
+    add({.inputText = u"ask"_s,
+         .outputText = u"answer"_s,
+         .wasReverted = true,
+         .wasEdited = true,
+         .editedText = u"mine"_s,
+         .retryCount = 2});
+    add({.inputText = u"again"_s, .outputText = u"well"_s, .editedText = QString()});
+    page.selectApp(u"unknown"_s);
+    const auto& conversation = *page.conversation();
+    EXPECT_EQ(shown(conversation, "label"),
+              (QStringList{u"你"_s, u"你"_s, u"AI"_s, u"用户编辑后"_s, u"你"_s, u"你"_s, u"AI"_s}));
+    EXPECT_EQ(shown(conversation, "time")[0],
+              QLocale(u"en_US"_s)
+                  .toString(QDateTime::fromMSecsSinceEpoch(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                                               history.entries()[1].timestamp.time_since_epoch())
+                                                               .count()),
+                            QLocale::ShortFormat));
+    const auto badges = [&](int row) {
+        QStringList texts;
+        for (const auto& badge :
+             conversation.data(conversation.index(row, 0), conversation.roleNames().key("badges")).toList())
+            texts << badge.toMap().value(u"text"_s).toString();
+        return texts;
+    };
+    EXPECT_EQ(badges(0), (QStringList{u"已撤销"_s, u"已编辑"_s, u"重试 2 次"_s}));
+    EXPECT_EQ(badges(4), QStringList());
+
+    page.clear();
+    EXPECT_TRUE(page.isEmpty());
+    EXPECT_FALSE(page.hasConversation());
+    EXPECT_EQ(page.selectedAppID(), QString());
+    EXPECT_TRUE(history.entries().empty());
+}
+
+TEST_F(HistoryTest, APictureStandsForItsNoticeUnlessItCannotBeRead) {
+    const auto save = [&](const QString& name, const QByteArray& bytes) {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    };
+    EXPECT_TRUE(QImage(40, 30, QImage::Format_RGB32).save(folder.filePath(u"good.jpg"_s), "PNG"));
+    save(u"broken.jpg"_s, "no picture");
+    const auto copied = u" 图片已复制到剪贴板\n"_s;
+    for (const auto& path :
+         {u"good.jpg"_s, folder.filePath(u"good.jpg"_s), u"broken.jpg"_s, u"gone.jpg"_s, u"/dev/zero"_s})
+        add({.inputText = u"draw"_s, .outputText = copied, .outputImagePath = path});
+    add({.inputText = u"draw"_s, .outputText = u"a cat"_s, .outputImagePath = u"good.jpg"_s});
+    page.selectApp(u"unknown"_s);
+    const auto sources = shown(*page.conversation(), "imageSource");
+    const auto good = QUrl::fromLocalFile(folder.filePath(u"good.jpg"_s)).toString();
+    EXPECT_EQ(sources, (QStringList{{}, {}, good, {}, {}, good, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, {}, good}));
+    EXPECT_EQ(messages()[2], copied) << "for the view, if the rest of the file is broken";
+    EXPECT_EQ(messages()[8], copied);
+    EXPECT_EQ(messages()[17], u"a cat"_s);
+    EXPECT_EQ(shown(*page.conversation(), "isFirst")[18], u"false"_s) << "one bubble with the text above it";
+}
+
+TEST_F(HistoryTest, ALongTextIsDrawnInPiecesAndNoneOfItIsLost) {
+    const auto lines = u"A line of the report.\n"_s.repeated(50'000);  // over 1 MB
+    const auto faces = u"👩‍👩‍👧‍👦"_s.repeated(1000);
+    for (const auto& text :
+         {lines, u"word "_s.repeated(5000), u"שלום"_s.repeated(5000), faces, QString(), u"short"_s}) {
+        const auto pieces = text::piecesOf(text);
+        QString joined;
+        for (const auto& piece : pieces) {
+            EXPECT_LE(piece.size(), text::longestPiece);
+            joined += piece;
+        }
+        EXPECT_EQ(joined.remove(u'\n'), QString(text).remove(u'\n'));
+    }
+    for (const auto& piece : text::piecesOf(faces))
+        EXPECT_EQ(piece.size() % 11, 0) << "cut between characters";
+
+    add({.inputText = lines, .outputText = lines});
+    page.selectApp(u"unknown"_s);
+    page.setSearchText(u"REPORT"_s);
+    EXPECT_GT(page.conversation()->rowCount(), 500);
+    EXPECT_EQ(shown(*page.conversation(), "isLast").count(u"true"_s), 3) << "the head and two bubbles";
+}
+
+TEST_F(HistoryTest, OnlyRowsThatDifferAreReplaced) {
+    add({.appName = u"A"_s});
+    add({.appName = u"B"_s});
+    int removed = 0;
+    int inserted = 0;
+    QObject::connect(page.groups(), &QAbstractItemModel::rowsRemoved, &page,
+                     [&](const QModelIndex&, int first, int last) { removed += last - first + 1; });
+    QObject::connect(page.groups(), &QAbstractItemModel::rowsInserted, &page,
+                     [&](const QModelIndex&, int first, int last) { inserted += last - first + 1; });
+    add({.appName = u"C"_s});
+    EXPECT_EQ(std::pair(removed, inserted), std::pair(0, 1));
+    page.setSearchText(u"a"_s);
+    EXPECT_EQ(std::pair(removed, inserted), std::pair(2, 1));
+    EXPECT_EQ(groups(), QStringList{u"A"_s});
+}
+
+}  // namespace tavrelon::ui
