@@ -102,7 +102,11 @@ class Tavrelon(Program):
         super().__init__([self.executable], log, self.environment)
 
     def wait_until_live(self):
+        """Waits for the hotkeys, and closes the dashboard that opens at every start."""
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)
+        wait_for("the dashboard in front", lambda: screen.active_title() == "Tavrelon", seconds=20)
+        screen.press("alt+F4")
+        wait_for("the end of the dashboard", lambda: not screen.window_named("^Tavrelon$"))
 
     def newest_answer(self):
         try:
