@@ -102,9 +102,13 @@ class Tavrelon(Program):
         super().__init__([self.executable], log, self.environment)
 
     def wait_until_live(self):
-        """Waits for the hotkeys, and closes the dashboard that opens at every start."""
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)
-        wait_for("the dashboard in front", lambda: screen.active_title() == "Tavrelon", seconds=20)
+        self.close_dashboard()
+
+    def close_dashboard(self):
+        """Closes the window that opens at each start, as a user would."""
+        window = wait_for("the dashboard", lambda: screen.window_named("^Tavrelon$"), seconds=20)
+        screen.focus(window)
         screen.press("alt+F4")
         wait_for("the end of the dashboard", lambda: not screen.window_named("^Tavrelon$"))
 
