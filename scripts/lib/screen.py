@@ -31,10 +31,6 @@ def window_named(part):
     return found[0] if found else None
 
 
-def active_title():
-    return run("xdotool", "getactivewindow", "getwindowname").stdout.strip()
-
-
 def focus(window):
     run("xdotool", "windowactivate", window)
     wait_for(f"the focus in window {window}", lambda: run("xdotool", "getwindowfocus", "-f").stdout.strip() == window
