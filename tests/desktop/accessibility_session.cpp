@@ -3,9 +3,7 @@
 #include <xcb/xcb.h>
 #include <QCoreApplication>
 #include <QDBusReply>
-#include <QEventLoop>
 #include <QFile>
-#include <QTimer>
 #include <QUuid>
 #include <csignal>
 
@@ -63,18 +61,6 @@ std::optional<QString> WindowManagerWorkspace::frontmostWindowTitle() {
     if (window == 0)
         return std::nullopt;
     return QString::fromUtf8(property(window, "_NET_WM_NAME"));
-}
-
-bool eventually(const std::function<bool()>& condition) {
-    const auto end = std::chrono::steady_clock::now() + 20s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        QEventLoop loop;
-        QTimer::singleShot(20ms, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-    return true;
 }
 
 void nextTurn() {

@@ -10,6 +10,7 @@
 
 #include "desktop/atspi/atspi_accessibility.h"
 #include "desktop/qt/qt_main_loop.h"
+#include "desktop/waiting.h"
 #include "platform/workspace.h"
 #include "support/recording_log.h"
 
@@ -39,9 +40,6 @@ class WindowManagerWorkspace : public platform::Workspace {
 
     xcb_connection_t* connection_;
 };
-
-/// Runs the event loop until `condition` holds; false when twenty seconds passed without it.
-bool eventually(const std::function<bool()>& condition);
 
 /// Ends the turn of the main loop.
 void nextTurn();

@@ -62,8 +62,19 @@ TEST(FieldText, SelectionsOfAllToolkitsBecomeUtf16Ranges) {
     EXPECT_EQ(selectionOf(text, {{{2, 4}}, 4}, gtk), (Utf16Range{2, 3}));
     EXPECT_EQ(selectionOf(text, {{{2, 5}}, 5}, qt), (Utf16Range{2, 3}));
     EXPECT_EQ(selectionOf(text, {{{4, 2}}, 2}, gtk), (Utf16Range{2, 3}));
-    EXPECT_EQ(selectionOf(text, {{{2, 3}}, 4}, chromium), (Utf16Range{2, 3})) << "the caret is right, the end is not";
-    EXPECT_EQ(selectionOf(text, {{{2, 4}}, 2}, chromium), (Utf16Range{2, 3})) << "the caret is at the start";
+}
+
+TEST(FieldText, OffsetsThatWereConvertedTwiceAreConvertedBack) {
+    const auto text = QStringLiteral("a😀b😀c end");  // as a browser reported its selections of this text
+    EXPECT_EQ(selectionOf(text, {{{4, 7}}, 6, 1}, chromium), (Utf16Range{8, 3}));
+    EXPECT_EQ(selectionOf(text, {{{4, 7}}, 9, 1}, chromium), (Utf16Range{8, 3}));
+    EXPECT_EQ(selectionOf(text, {{{1, 4}}, 6, 1}, chromium), (Utf16Range{1, 7}));
+    EXPECT_EQ(selectionOf(text, {{{0, 0}}, 6, 0}, chromium), (Utf16Range{8, 0})) << "nothing is selected";
+    const auto one = QStringLiteral("first 😀 second");
+    EXPECT_EQ(selectionOf(one, {{{0, 0}}, 2, 1}, chromium), (Utf16Range{2, 6})) << "up to behind the character";
+    EXPECT_EQ(selectionOf(one, {{{0, 0}}, 14, 1}, chromium), (Utf16Range{8, 7}));
+    EXPECT_EQ(selectionOf(text, {{{0, 0}}, 7, 1}, chromium), std::nullopt) << "it could be one of two places";
+    EXPECT_EQ(selectionOf(one, {{{0, 0}}, 7, 1}, chromium), std::nullopt) << "the other end could be anywhere";
 }
 
 TEST(FieldText, WithoutASelectionTheCaretCounts) {

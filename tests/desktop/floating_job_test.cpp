@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "desktop/main_job_session.h"
+#include "desktop/tools.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::testing {
@@ -13,19 +14,13 @@ class FloatingJobTest : public ::testing::TestWithParam<RunningEditor::Kind> {
     StandInService service;
     XTestKeyboard keyboard;
 
-    static QString titleOfFocus() {
-        QProcess tool;
-        tool.start(QStringLiteral("xdotool"), {QStringLiteral("getwindowfocus"), QStringLiteral("getwindowname")});
-        tool.waitForFinished(2000);
-        return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
-    }
-    static bool isBoxOpen() { return titleOfFocus() == QStringLiteral("Tavrelon"); }
-    static bool isEditorInFront() { return titleOfFocus().contains(QStringLiteral("field.txt")); }
+    static bool isBoxOpen() { return frontmostTitle() == QStringLiteral("Tavrelon"); }
+    static bool isEditorInFront() { return frontmostTitle().contains(QStringLiteral("field.txt")); }
 
     void openBox() {
         letKeysArrive();
         keyboard.strike(place::grave);
-        ASSERT_TRUE(eventually(isBoxOpen)) << titleOfFocus().toStdString();
+        ASSERT_TRUE(eventually(isBoxOpen)) << frontmostTitle().toStdString();
         letKeysArrive();
     }
 };
@@ -53,7 +48,7 @@ TEST_P(FloatingJobTest, EscapeGivesTheKeyboardBackAndAsksNobody) {
     openBox();
     keyboard.strike(place::a);
     keyboard.strike(place::escape);
-    EXPECT_TRUE(eventually(isEditorInFront)) << titleOfFocus().toStdString();
+    EXPECT_TRUE(eventually(isEditorInFront)) << frontmostTitle().toStdString();
     editor.type(QStringLiteral("on"));
     EXPECT_EQ(editor.saved(QStringLiteral("on")), QStringLiteral("on"));
     EXPECT_TRUE(service.ledger().requests().empty());

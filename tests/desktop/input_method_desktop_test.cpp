@@ -5,17 +5,14 @@
 #include <QFile>
 
 #include "desktop/accessibility_session.h"
-#include "desktop/linux/dbus_input_source.h"
-#include "desktop/x11/x11_event_tap.h"
-#include "desktop/x11/x11_key_poster.h"
-#include "desktop/x11/x11_pasteboard.h"
-#include "desktop/x11/x11_workspace.h"
-#include "support/input_desk.h"
+#include "desktop/real_desk.h"
 #include "support/xtest_keyboard.h"
 
 namespace tavrelon::testing {
 
 namespace {
+
+using namespace std::chrono_literals;
 
 constexpr place::Code h = 43;
 constexpr place::Code i = 31;
@@ -56,51 +53,19 @@ class PinyinSession {
     QProcess process_;
 };
 
-/// The input core on this desktop's adapters, before a model that answers "ANSWER".
-class InputMethod : public ::testing::Test {
- public:
+/// Starts before the desk, so that it is there for all who look for it.
+struct PinyinDesk {
     PinyinSession pinyin;
-    desktop::QtMainLoop loop;
-    RecordingLog log;
-    std::unique_ptr<desktop::X11Workspace> workspace = desktop::X11Workspace::create().value();
-    std::unique_ptr<desktop::X11Pasteboard> pasteboard = desktop::X11Pasteboard::create(loop, log).value();
-    std::shared_ptr<desktop::PostedKeys> posted = std::make_shared<desktop::PostedKeys>();
-    std::unique_ptr<desktop::X11KeyPoster> poster = desktop::X11KeyPoster::open(loop, posted).value();
-    desktop::AtspiAccessibility accessibility{*workspace, loop, log};
-    desktop::X11EventTap tap{loop, log, posted};
-    desktop::DBusInputSource inputSource{loop, std::chrono::seconds(5)};  // on however busy a machine
-    FakeScreenCapture screenCapture;
-    FakeImageCodec imageCodec;
-    FakeHttpSession httpSession{loop};
-    MemoryDefaultsStore defaults;
-    MemoryFileSystem files;
-    FakeSerialQueues serialQueues{loop};
-    FakeDocumentReader documentReader{loop};
-    FakeAudioInput audioInput;
-    FakeSpeech speech;
-    platform::Platform platform{
-        loop,       log,          accessibility,  tap,        *poster,     *pasteboard,
-        *workspace, inputSource,  screenCapture,  imageCodec, httpSession, defaults,
-        files,      serialQueues, documentReader, audioInput, speech,      QStringLiteral("/data/Tavrelon")};
-    persistence::StorageManager storage{defaults, files, log, loop, platform.applicationSupport};
-    persistence::HistoryManager history{files, log, platform.applicationSupport, 20};
-    capture::ContextCapturer capturer{platform};
-    output::OutputWriter writer{platform};
-    FakeGenerator generator{loop};
-    media::SpeechRecognizer recognizer{platform};
-    media::WindowVideoRecorder recorder{platform, capturer, std::chrono::milliseconds(500), 24};
-    FakeInputRecorder learner;
-    std::shared_ptr<input::InputStateMachine> machine = std::make_shared<input::InputStateMachine>(
-        input::InputServices{platform, capturer, generator, writer, history, storage, &learner, recorder});
-    hotkeys::HotkeyManager hotkeys{platform};
+};
+
+/// The input core beside the input method, before a model that answers "ANSWER".
+class InputMethod : public PinyinDesk, public RealDesk, public ::testing::Test {
+ public:
     XTestKeyboard keyboard;
     QTemporaryDir folder;
     std::unique_ptr<RunningProgram> editor;
 
     void SetUp() override {
-        machine->setSpeechRecognizer(recognizer);
-        hotkeys.stateMachine = machine;
-        hotkeys.startListening();
         editor = std::make_unique<RunningProgram>(
             QStringLiteral("mousepad"), QStringList{writeFile(folder, QStringLiteral("field.txt"), QString())});
         ASSERT_TRUE(eventually([&] { return value() == QString() && inputSource.isInputMethodActive(); }))
@@ -120,17 +85,12 @@ class InputMethod : public ::testing::Test {
     void type(std::initializer_list<place::Code> keys) {
         for (const auto key : keys) {
             keyboard.strike(key);
-            wait(std::chrono::milliseconds(60));  // as fast as people type
+            letPass(60ms);  // as fast as people type
         }
     }
     void toggle() {
         keyboard.strikeWith({place::leftShift, place::leftAlt, place::leftSuper}, place::l);
-        wait(std::chrono::milliseconds(60));
-    }
-    void wait(std::chrono::milliseconds time) {
-        bool over = false;
-        const auto timer = loop.after(time, [&over] { over = true; });
-        EXPECT_TRUE(eventually([&over] { return over; }));
+        letPass(60ms);
     }
     bool asked() {
         return eventually([&] { return !generator.requests.empty(); });
@@ -142,7 +102,7 @@ TEST_F(InputMethod, AWordCommittedBehindTheHotkeyIsTheRequest) {
     ASSERT_TRUE(eventually([&] { return machine->currentState() == input::InputState::Case::listening; }));
     type({place::w, o});
     toggle();
-    wait(std::chrono::milliseconds(150));
+    letPass(150ms);
     EXPECT_TRUE(generator.requests.empty()) << "the letters are not waited out";
     type({place::space});
     ASSERT_TRUE(asked());

@@ -15,26 +15,36 @@ class FakeInputRecorder : public learning::InputRecorder {
     void recordInput(const QString& text) override { recorded << text; }
 };
 
-/// The input core and the hotkey listener on a desktop of fakes.
-struct InputDesk : TestDesktop {
-    persistence::StorageManager storage{defaultsStore, fileSystem, log, loop, platform.applicationSupport};
-    persistence::HistoryManager history{fileSystem, log, platform.applicationSupport, 20};
-    capture::ContextCapturer capturer{platform};
-    output::OutputWriter writer{platform};
-    FakeGenerator generator{loop};
-    media::SpeechRecognizer recognizer{platform};
-    media::WindowVideoRecorder recorder{platform, capturer, std::chrono::milliseconds(500), 24};
-    FakeInputRecorder learner;
-    std::shared_ptr<input::InputStateMachine> machine = std::make_shared<input::InputStateMachine>(
-        input::InputServices{platform, capturer, generator, writer, history, storage, &learner, recorder});
-    hotkeys::HotkeyManager hotkeys{platform};
-
-    InputDesk() {
-        screenCapture.permitted = true;
-        screenCapture.addWindow(QStringLiteral("org.example.editor"), 100, 50, 'w');
+/// The input core and the hotkey listener on whatever desktop the ports give, before a model of the test's own.
+struct InputCore {
+    explicit InputCore(platform::Platform& desktop) : ports(desktop) {
         machine->setSpeechRecognizer(recognizer);
         hotkeys.stateMachine = machine;
         hotkeys.startListening();
+    }
+
+    platform::Platform& ports;
+    persistence::StorageManager storage{ports.defaultsStore, ports.fileSystem, ports.log, ports.mainLoop,
+                                        ports.applicationSupport};
+    persistence::HistoryManager history{ports.fileSystem, ports.log, ports.applicationSupport, 20};
+    capture::ContextCapturer capturer{ports};
+    output::OutputWriter writer{ports};
+    FakeGenerator generator{ports.mainLoop};
+    media::SpeechRecognizer recognizer{ports};
+    media::WindowVideoRecorder recorder{ports, capturer, std::chrono::milliseconds(500), 24};
+    FakeInputRecorder learner;
+    std::shared_ptr<input::InputStateMachine> machine = std::make_shared<input::InputStateMachine>(
+        input::InputServices{ports, capturer, generator, writer, history, storage, &learner, recorder});
+    hotkeys::HotkeyManager hotkeys{ports};
+
+    input::InputState state() const { return machine->currentState(); }
+};
+
+/// The input core on a desktop of fakes.
+struct InputDesk : TestDesktop, InputCore {
+    InputDesk() : InputCore(TestDesktop::platform) {
+        screenCapture.permitted = true;
+        screenCapture.addWindow(QStringLiteral("org.example.editor"), 100, 50, 'w');
         editor.open(QString());
     }
 
@@ -66,8 +76,6 @@ struct InputDesk : TestDesktop {
             eventTap.press(0, {}, character.toString());
         editor.type(text);
     }
-
-    input::InputState state() const { return machine->currentState(); }
 };
 
 }  // namespace tavrelon::testing

@@ -105,6 +105,10 @@ std::expected<quint32, AXError> numberOf(const QDBusMessage& reply) {
     return mapped(soleArgument(reply, "u"), [](const QVariant& value) { return value.toUInt(); });
 }
 
+std::expected<qint32, AXError> signedNumberOf(const QDBusMessage& reply) {
+    return mapped(soleArgument(reply, "i"), [](const QVariant& value) { return value.toInt(); });
+}
+
 std::expected<QStringList, AXError> namesOf(const QDBusMessage& reply) {
     return mapped(soleArgument(reply, "as"), [](const QVariant& value) { return value.toStringList(); });
 }

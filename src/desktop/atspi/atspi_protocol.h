@@ -60,6 +60,7 @@ QDBusMessage propertyCall(const ObjectReference& object, const char* interface, 
 std::expected<StateSet, platform::AXError> statesOf(const QDBusMessage& reply);
 std::expected<std::vector<ObjectReference>, platform::AXError> objectsOf(const QDBusMessage& reply);
 std::expected<quint32, platform::AXError> numberOf(const QDBusMessage& reply);
+std::expected<qint32, platform::AXError> signedNumberOf(const QDBusMessage& reply);
 std::expected<QStringList, platform::AXError> namesOf(const QDBusMessage& reply);
 std::expected<QString, platform::AXError> textOf(const QDBusMessage& reply);
 std::expected<bool, platform::AXError> answerOf(const QDBusMessage& reply);

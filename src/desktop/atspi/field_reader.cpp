@@ -35,8 +35,11 @@ std::expected<FieldContents, AXError> FieldReader::read(const ObjectReference& f
         return std::unexpected(AXError::AttributeUnsupported);
     if (isPassword(description.role))
         return std::unexpected(AXError::NoValue);
-    const auto replies = calls_.send({textCall(field), methodCall(field, textInterface, "GetSelection", {qint32{0}}),
-                                      propertyCall(field, textInterface, "CaretOffset")});
+    std::vector messages{textCall(field), methodCall(field, textInterface, "GetSelection", {qint32{0}}),
+                         propertyCall(field, textInterface, "CaretOffset")};
+    if (description.toolkit.selectionEnds == SelectionEnds::ConvertedTwice)
+        messages.push_back(methodCall(field, textInterface, "GetNSelections"));
+    const auto replies = calls_.send(messages);
     const auto sent = chain(replies[0], textOf);
     if (!sent)
         return std::unexpected(sent.error());
@@ -45,9 +48,15 @@ std::expected<FieldContents, AXError> FieldReader::read(const ObjectReference& f
         reported.ends = *ends;
     if (const auto caret = chain(replies[2], propertyOf))
         reported.caret = caret->toLongLong();
+    if (replies.size() > 3)
+        if (const auto count = chain(replies[3], signedNumberOf))
+            reported.count = *count;
     FieldContents contents;
     contents.value = shownText(*sent, description.toolkit.offsets);
     contents.selection = selectionOf(contents.value, reported, description.toolkit);
+    // A value with the caret for a selection would pass for "nothing selected"; the copy shortcut tells better.
+    if (!contents.selection && reported.count.value_or(0) > 0)
+        return std::unexpected(AXError::NoValue);
     return contents;
 }
 

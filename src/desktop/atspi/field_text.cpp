@@ -1,6 +1,7 @@
 #include "desktop/atspi/field_text.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace tavrelon::desktop::atspi {
 
@@ -23,7 +24,7 @@ Toolkit toolkitNamed(const QString& name) {
         toolkit.offsets = OffsetUnit::Utf16WithFillers;
         toolkit.editing = Editing::OnlyClaimsToWork;
     } else if (name == QLatin1String("Chromium")) {
-        toolkit.selectionEnds = SelectionEnds::StartAndCaret;
+        toolkit.selectionEnds = SelectionEnds::ConvertedTwice;
     } else if (name == QLatin1String("GTK")) {  // GTK 4; GTK 3 calls itself gtk
         toolkit.showing = ShowingState::NeverSet;
         toolkit.places = Places::InWindowOnly;
@@ -65,9 +66,43 @@ qint64 toUtf16Offset(const QString& shown, qint64 offset, OffsetUnit unit) {
     return index;
 }
 
+namespace {
+
+text::Utf16Range between(qint64 one, qint64 other) {
+    const auto [start, end] = std::minmax(one, other);
+    return {start, end - start};
+}
+
+/// The code points that, taken for UTF-16, lie within a pair. Their conversion fails, and with it that of both ends.
+std::vector<qint64> inconvertible(const QString& shown) {
+    std::vector<qint64> found;
+    const auto points = toApplicationOffset(shown, shown.size(), OffsetUnit::CodePoints);
+    for (qint64 i = 1; i <= points && i < shown.size(); ++i)
+        if (isPairAt(shown, i - 1))
+            found.push_back(i);
+    return found;
+}
+
+std::optional<text::Utf16Range> selectionConvertedTwice(const QString& shown, const ReportedSelection& reported) {
+    const auto position = [&](qint64 point) { return toUtf16Offset(shown, point, OffsetUnit::CodePoints); };
+    if (!reported.ends || !reported.caret)
+        return std::nullopt;
+    if (reported.ends->first != reported.ends->second)
+        return between(position(position(reported.ends->first)), position(position(reported.ends->second)));
+    // The conversion failed. If it was not the caret's, it was that of the other end, which may leave one place for it.
+    const auto candidates = inconvertible(shown);
+    if (candidates.size() != 1 || candidates.front() == *reported.caret)
+        return std::nullopt;
+    return between(position(*reported.caret), position(candidates.front()));
+}
+
+}  // namespace
+
 std::optional<text::Utf16Range> selectionOf(const QString& shown, const ReportedSelection& reported,
                                             const Toolkit& toolkit) {
     const auto position = [&](qint64 offset) { return toUtf16Offset(shown, offset, toolkit.offsets); };
+    if (toolkit.selectionEnds == SelectionEnds::ConvertedTwice && reported.count.value_or(0) > 0)
+        return selectionConvertedTwice(shown, reported);
     const bool selects = reported.ends && reported.ends->first >= 0 && reported.ends->second >= 0 &&
                          reported.ends->first != reported.ends->second;
     if (!selects) {
@@ -78,10 +113,8 @@ std::optional<text::Utf16Range> selectionOf(const QString& shown, const Reported
             return std::nullopt;
         return text::Utf16Range{position(reported.ends->first), 0};
     }
-    auto [start, end] = std::minmax(reported.ends->first, reported.ends->second);
-    if (toolkit.selectionEnds == SelectionEnds::StartAndCaret && reported.caret && *reported.caret > start)
-        return text::Utf16Range{position(start), position(*reported.caret) - position(start)};
-    return text::Utf16Range{position(start), position(end) - position(start)};
+    const auto [start, end] = std::minmax(reported.ends->first, reported.ends->second);
+    return between(position(start), position(end));
 }
 
 qint64 insertLength(const QString& inserted, LengthUnit unit) {

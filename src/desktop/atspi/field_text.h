@@ -17,8 +17,12 @@ enum class OffsetUnit {
 /// In what an application counts the length of an inserted text.
 enum class LengthUnit { Utf8Bytes, Utf16 };
 
-/// Which end of a reported selection is right.
-enum class SelectionEnds { Both, StartAndCaret };
+/// How the ends of a reported selection count.
+enum class SelectionEnds {
+    AsOffsets,
+    /// As offsets that were taken for UTF-16 and turned into code points once more. The caret is right.
+    ConvertedTwice,
+};
 
 /// Whether an application does what it is told through the interface for editing.
 enum class Editing { Works, OnlyClaimsToWork };
@@ -33,7 +37,7 @@ enum class Places { OnScreen, InWindowOnly };
 struct Toolkit {
     OffsetUnit offsets = OffsetUnit::CodePoints;
     LengthUnit insertLength = LengthUnit::Utf8Bytes;
-    SelectionEnds selectionEnds = SelectionEnds::Both;
+    SelectionEnds selectionEnds = SelectionEnds::AsOffsets;
     Editing editing = Editing::Works;
     ShowingState showing = ShowingState::Set;
     Places places = Places::OnScreen;
@@ -55,10 +59,11 @@ qint64 toUtf16Offset(const QString& shown, qint64 offset, OffsetUnit unit);
 struct ReportedSelection {
     std::optional<std::pair<qint64, qint64>> ends;  ///< absent where it gave an error
     std::optional<qint64> caret;
+    std::optional<qint64> count{};  ///< of selections; only asked where the ends do not tell
 };
 
 /// The selection in UTF-16 units of `shown`; where nothing is selected, an empty range at the caret. Absent when the
-/// application told neither.
+/// application told neither, or told something that could be one of several selections.
 std::optional<text::Utf16Range> selectionOf(const QString& shown, const ReportedSelection& reported,
                                             const Toolkit& toolkit);
 

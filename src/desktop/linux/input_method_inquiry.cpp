@@ -41,6 +41,7 @@ std::optional<QString> engineName(const QVariant& answer) {
     QString name;
     description.beginStructure();
     description >> type >> attachments >> name;
+    description.endStructure();  // or the reader of the structure would never be freed
     return name;
 }
 

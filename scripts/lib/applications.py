@@ -1,0 +1,111 @@
+"""applications.py FOLDER [DOCUMENT]: the table of applications from the rows that the tests left in FOLDER.
+
+Prints it, or writes it as the document.
+"""
+
+import sys
+from pathlib import Path
+
+COLUMNS = ["application", "value", "selection", "typed request", "selection request", "by accessibility", "by paste",
+           "caret", "undo"]
+NAMES = {
+    "mousepad": "mousepad (GTK 3)",
+    "gnome-text-editor": "gnome-text-editor (GTK 4)",
+    "featherpad": "featherpad (Qt 5)",
+    "qt6-editor": "an editor of our own (Qt 6)",
+    "chromium": "chromium, as it comes",
+    "chromium-accessible": "chromium, with its accessibility switch",
+    "xterm": "xterm",
+    "lxterminal": "lxterminal (VTE)",
+    "firefox": "firefox-esr",
+    "libreoffice": "libreoffice writer",
+}
+INTRODUCTION = """# Applications
+
+What was seen when Tavrelon worked in each application on a private desktop under openbox. `scripts/applications` makes
+this page; `scripts/test` makes the rows anew on every run and fails where an application does more or less than is
+written here.
+
+- **value**, **selection**: the text and the selected text of the field, emoji included, read by accessibility.
+- **typed request**: hotkey, words, hotkey; the model got the words and the answer stands in their place.
+- **selection request**: a selected word, hotkey, hotkey; the model got the word and the answer replaced it (in a
+  terminal it is typed at the prompt). Where accessibility gives no selection, the copy shortcut does.
+- **by accessibility**, **by paste**: the answer to a selection request, and to a typed one, was written in this way.
+- **caret**: the overlay is told where the caret is, and follows it to the right and to the next line.
+- **undo**: how often to undo until the selection request never happened.
+
+"""
+NOTES = """
+A selection that still stands on a terminal's screen counts as the selection of a request typed behind it: the answer is
+then added to the words instead of taking their place.
+"""
+
+
+def rows_of(folder):
+    found = {}
+    for name in NAMES:
+        path = folder / name
+        if path.exists():
+            found[name] = path.read_text(encoding="utf-8").rstrip("\n").split("\t")
+    return found
+
+
+def with_notes(rows):
+    """The rows with numbers for the reasons, and the reasons."""
+    reasons, table = [], []
+    for name, cells in rows.items():
+        line = [NAMES[name]]
+        for cell in cells[1:]:
+            if cell.startswith("no: "):
+                reason = cell[4:]
+                if reason not in reasons:
+                    reasons.append(reason)
+                cell = f"no ({reasons.index(reason) + 1})"
+            line.append(cell)
+        table.append(line)
+    return table, reasons
+
+
+def requests_of(folder):
+    """How many random requests came out right in each application."""
+    counts = {}
+    for path in folder.glob("*.requests-*"):
+        name, count = path.name.split(".requests-")
+        counts[name] = max(counts.get(name, 0), int(count))
+    return counts
+
+
+def request_line(folder):
+    counts = requests_of(folder)
+    each = ", ".join(f"{name} {counts[name]}" for name in NAMES if name in counts)
+    return f"{sum(counts.values())} random requests, every field exactly right: {each}." if counts else ""
+
+
+def as_text(folder):
+    table, reasons = with_notes(rows_of(folder))
+    widths = [max(len(line[i]) for line in [COLUMNS, *table]) for i in range(len(COLUMNS))]
+    lines = ["  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() for line in [COLUMNS, *table]]
+    lines += [f"({number}) it {reason}" for number, reason in enumerate(reasons, 1)]
+    return "\n".join([*lines, request_line(folder)]).rstrip()
+
+
+def as_document(folder):
+    table, reasons = with_notes(rows_of(folder))
+    lines = ["| " + " | ".join(line) + " |" for line in [COLUMNS, ["---"] * len(COLUMNS), *table]]
+    notes = [f"{number}. It {reason}." for number, reason in enumerate(reasons, 1)]
+    return INTRODUCTION + "\n".join([*lines, "", "The reasons for each no:", "", *notes]) + "\n" + NOTES + (
+        "\n" + request_line(folder) + "\n" if requests_of(folder) else "")
+
+
+def main(folder, document=None):
+    folder = Path(folder)
+    if not folder.is_dir():
+        print("No application was looked at.")
+    elif document:
+        Path(document).write_text(as_document(folder), encoding="utf-8")
+    else:
+        print(as_text(folder))
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])

@@ -1,0 +1,208 @@
+// What works in one application, as seen: a row of the table of applications.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <algorithm>
+#include <string_view>
+
+#include "capture/cursor_locator.h"
+#include "desktop/real_desk.h"
+#include "desktop/running_editor.h"
+#include "support/qt_gtest.h"
+#include "support/run_task_on_qt.h"
+
+namespace tavrelon::testing {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+enum class Column { Value, Selection, TypedRequest, SelectionRequest, ByAccessibility, ByPaste, Caret, Undo };
+
+/// Why something does not work in an application, for everything of which this is known.
+struct Known {
+    std::string_view application;
+    Column column;
+    const char* reason;
+};
+
+constexpr auto silent = "tells accessibility nothing unless started with --force-renderer-accessibility";
+constexpr auto notEditable = "offers no interface for editing";
+constexpr auto oneHeight = "says that all lines are at the height of the first; the field's frame serves";
+constexpr auto absent = "is not on the accessibility bus";
+constexpr auto keptByProgram = "cannot take back what its program has got";
+
+constexpr Known known[] = {
+    {"gnome-text-editor", Column::Caret, "tells places within its window only, and not where that is"},
+    {"featherpad", Column::Caret, oneHeight},
+    {"qt6-editor", Column::Caret, oneHeight},
+    {"chromium", Column::Value, silent},
+    {"chromium", Column::Selection, silent},
+    {"chromium", Column::ByAccessibility, silent},
+    {"chromium", Column::Caret, silent},
+    {"chromium-accessible", Column::ByAccessibility, notEditable},
+    {"xterm", Column::Value, absent},
+    {"xterm", Column::Selection, absent},
+    {"xterm", Column::ByAccessibility, absent},
+    {"xterm", Column::Caret, absent},
+    {"xterm", Column::Undo, keptByProgram},
+    {"lxterminal", Column::ByAccessibility, notEditable},
+    {"firefox", Column::ByAccessibility, "answers that it wrote and changes nothing"},
+    {"libreoffice", Column::Value, "tells the paragraph of the caret only"},
+    {"lxterminal", Column::Undo, keptByProgram},
+};
+
+class ApplicationTable : public RealDesk, public ::testing::Test {
+ public:
+    QByteArray name = qgetenv("TAVRELON_TEST_EDITOR");
+    XTestKeyboard keyboard;
+    capture::CursorLocator locator{accessibility};
+    RunningEditor editor{editorNamed(name), keyboard, QString()};
+    // A terminal keeps showing it, and ASCII text beside another script passes for half of a composition.
+    QString answer = editor.isTerminal() ? QStringLiteral("ANSWER") : QStringLiteral("ANSWER 你好 👍");
+    QStringList cells{QString::fromLatin1(name)};
+
+    /// Enters what was seen. What does not work must be known, and what is known not to work must not.
+    void see(Column column, bool works, const QString& yes = QStringLiteral("yes")) {
+        const auto* const found = std::ranges::find_if(known, [&](const Known& entry) {
+            return entry.application == name.toStdString() && entry.column == column;
+        });
+        const auto reason = found == std::end(known) ? QString() : QString::fromLatin1(found->reason);
+        EXPECT_EQ(works, reason.isEmpty()) << "in column " << static_cast<int>(column) << " of " << name.data();
+        cells << (works ? yes : QStringLiteral("no: ") + reason);
+    }
+
+    std::optional<QString> selectedText() { return runTaskOnQt(loop, capturer.selectedText()); }
+
+    /// What the caret is in, of two lines; a terminal has one line at a time.
+    QString twoLines() const {
+        return editor.isTerminal() ? QStringLiteral("one line") : QStringLiteral("first ab😀\nsecond line");
+    }
+    bool readsValue() {
+        return eventually(
+            [&] {
+                const auto seen = capturer.fetchFocusedTextSnapshot();
+                return seen && (editor.isTerminal() ? seen->value.contains(twoLines()) : seen->value == twoLines());
+            },
+            3s);
+    }
+
+    /// Selects "word" in the line, or the word on a terminal's first row.
+    void selectWord() {
+        if (!editor.isTerminal())
+            return editor.selectBackward(4);
+        clickFirstRow("2");
+    }
+    /// A selection of a terminal's screen outlives what is typed; a click ends it.
+    void selectNothing() {
+        if (editor.isTerminal())
+            clickFirstRow("1");
+    }
+    void clickFirstRow(const char* times) {
+        const auto window = std::to_string(workspace->frontmostApplication()->windowIdentifier);
+        // The first pixels below a menu bar, if there is one, are the first row.
+        runProgram({"xdotool", "mousemove", "--window", window.c_str(), "20", name == "xterm" ? "8" : "40", "click",
+                    "--repeat", times, "1"});
+        letPass(600ms);  // longer than a double click
+    }
+    QString word() const { return editor.isTerminal() ? QStringLiteral("oneword") : QStringLiteral("word"); }
+    QString lineWith(const QString& text) const {
+        return QStringLiteral("<before ") + text + (editor.isTerminal() ? QString() : QStringLiteral(" after>"));
+    }
+
+    /// Opens the input, types, commits, and waits until the answer is written.
+    void request(const QString& typed) {
+        const auto asked = generator.requests.size();
+        generator.script = {generation::GenerationResult{.text = answer}};
+        pressToggleHotkey(keyboard);
+        ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::listening; }));
+        letKeysArrive();
+        editor.type(typed);
+        pressToggleHotkey(keyboard);
+        ASSERT_TRUE(eventually([&] { return generator.requests.size() > asked; })) << "nothing was asked";
+        ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::idle; }));
+    }
+    bool asksAndWrites(const QString& asked) {
+        const auto wanted = lineWith(answer);
+        EXPECT_EQ(generator.requests.back().input, asked);
+        const auto held = editor.saved(wanted);
+        EXPECT_EQ(held, wanted);
+        return generator.requests.back().input == asked && held == wanted;
+    }
+
+    /// Whether the caret's place follows the caret to the right and to the second line.
+    bool followsCaret() {
+        constexpr place::Code home = 110, right = 114, down = 116;
+        const auto placeBehind = [&](place::Code key) {
+            keyboard.strike(key);
+            letKeysArrive();
+            return locator.caretRect();
+        };
+        if (editor.isTerminal()) {
+            const auto before = locator.caretRect();
+            const auto after = placeBehind(place::x);
+            return before && after && after->origin.x > before->origin.x && after->size.height < 60;
+        }
+        keyboard.strikeWith({place::leftControl}, home);
+        letKeysArrive();
+        const auto first = locator.caretRect();
+        const auto second = placeBehind(right);
+        const auto third = placeBehind(down);
+        return first && second && third && second->origin.x > first->origin.x && second->size.height < 60 &&
+               third->origin.y > second->origin.y && third->origin.y < second->origin.y + 60;
+    }
+
+    /// The number of undo steps that bring the line back, 0 when two do not.
+    int stepsBackTo(const QString& line) {
+        for (const int step : {1, 2}) {
+            editor.undo();
+            if (editor.saved(line, 1s) == line)
+                return step;
+        }
+        return 0;
+    }
+
+    void keepRow() {
+        const auto folder = qEnvironmentVariable("TAVRELON_TABLE_FOLDER");
+        if (folder.isEmpty())
+            return;
+        QDir().mkpath(folder);
+        QFile file(folder + QLatin1Char('/') + cells.front());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(cells.join(u'\t').toUtf8() + '\n');
+    }
+};
+
+TEST_F(ApplicationTable, Row) {
+    editor.refill(twoLines(), 0);
+    see(Column::Value, readsValue(), editor.isTerminal() ? QStringLiteral("the screen") : QStringLiteral("yes"));
+    selectWord();
+    const auto selection = editor.isTerminal() ? word() : QStringLiteral("line");
+    see(Column::Selection, eventually([&] { return selectedText() == selection; }, 3s));
+    selectNothing();
+    const bool caret = followsCaret();
+
+    editor.refill(lineWith(QString()), editor.isTerminal() ? 0 : 7);
+    request(QStringLiteral("what is 42?"));
+    const bool pasted = runTaskOnQt(loop, pasteboard->string()) == answer;
+    see(Column::TypedRequest, asksAndWrites(QStringLiteral("what is 42?")));
+
+    const auto before = lineWith(editor.isTerminal() ? QString() : word());
+    editor.refill(before, editor.isTerminal() ? 0 : 7);
+    selectWord();
+    const auto changes = pasteboard->changeCount();
+    request(QString());
+    const bool byAccessibility = pasteboard->changeCount() == changes;
+    see(Column::SelectionRequest, asksAndWrites(word()));
+    see(Column::ByAccessibility, byAccessibility);
+    see(Column::ByPaste, pasted);
+    see(Column::Caret, caret);
+    const int steps = stepsBackTo(before);
+    see(Column::Undo, steps > 0, steps == 1 ? QStringLiteral("1 step") : QStringLiteral("2 steps"));
+    keepRow();
+}
+
+}  // namespace
+
+}  // namespace tavrelon::testing
