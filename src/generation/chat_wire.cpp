@@ -52,13 +52,26 @@ void authorize(platform::HttpRequest& request, const std::optional<QString>& key
 }
 
 QString errorText(const QByteArray& body) {
-    return body.isValidUtf8() ? QString::fromUtf8(body) : QStringLiteral("Unknown error");
+    constexpr qsizetype longest = 10'000;  // in UTF-16; a service may send megabytes, and a person reads a line
+    if (!body.isValidUtf8())
+        return QStringLiteral("Unknown error");
+    auto text = QString::fromUtf8(body);
+    if (text.size() > longest)
+        text = text.first(longest) + QChar(0x2026);
+    return text;
 }
 
 Json document(const platform::HttpResponse& response) {
     if (response.status != 200)
         throw PollinationsError::apiError(response.status, errorText(response.body));
-    return text::parseJson(response.body);
+    try {
+        return text::parseJson(response.body);
+    } catch (const text::JsonError& error) {
+        // A parser's own words may quote a whole answer.
+        if (!error.localizedDescription().startsWith(QLatin1StringView("[json.")))
+            throw;
+        throw text::JsonError(QStringLiteral("The answer is not valid JSON."));
+    }
 }
 
 const Json* firstChoiceContent(const Json& document) {

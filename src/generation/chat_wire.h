@@ -30,7 +30,7 @@ platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& ke
 /// "Authorization: Bearer" and the key, appended only when there is one.
 void authorize(platform::HttpRequest& request, const std::optional<QString>& key);
 
-/// The body as UTF-8, or "Unknown error" when it is not.
+/// The body as UTF-8, cut where it is too long to be read, or "Unknown error" when it is no UTF-8.
 QString errorText(const QByteArray& body);
 
 /// The document of an answer with status 200. Any other status is an `apiError` with the body, a body that is no JSON

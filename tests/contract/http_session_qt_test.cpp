@@ -116,6 +116,19 @@ TEST_F(QtHttpSessionTest, ABodyThatKeepsComingOutlastsTheRequestTimeOut) {
     EXPECT_EQ(outcome->body.size(), 80);
 }
 
+TEST_F(QtHttpSessionTest, AServerThatFloodsItsClientHoldsUpNoOther) {
+    StandInAnswer flood;
+    flood.fillerBytes = qint64{1} << 40;
+    flood.raw = "HTTP/1.1 200 OK\r\nX: ";
+    driver.service.ledger().setDefault(flood);
+    auto impatient = request();
+    impatient.requestTimeout = 300ms;
+    EXPECT_FALSE(send(impatient));
+    auto other = request();
+    other.url = QUrl(elsewhere.url(u"/chat"_s));
+    EXPECT_TRUE(send(other)) << "the head of the flood has not ended";
+}
+
 TEST_F(QtHttpSessionTest, CookiesAndChallengesStayOutOfTheWay) {
     const StandInAnswer answer{
         .status = 401, .headers = {{"Set-Cookie", "a=b"}, {"WWW-Authenticate", "Basic"}}, .body = "no"};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QThread>
+#include <atomic>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -20,6 +21,12 @@ class StandInLedger {
     std::pair<std::size_t, StandInAnswer> receive(const ReceivedRequest& request);
     void markAbandoned(std::size_t index);
 
+    /// How often a connection fell silent for good, and how many pieces of dripping bodies went out.
+    std::size_t silences() const { return silences_; }
+    std::size_t pieces() const { return pieces_; }
+    void noteSilence() { ++silences_; }
+    void notePiece() { ++pieces_; }
+
     std::vector<ReceivedRequest> requests() const;
 
  private:
@@ -28,6 +35,8 @@ class StandInLedger {
     StandInAnswer default_;
     std::vector<ReceivedRequest> requests_;
     std::size_t forgotten_ = 0;  ///< requests recorded before the last reset
+    std::atomic<std::size_t> silences_ = 0;
+    std::atomic<std::size_t> pieces_ = 0;
 };
 
 class StandInListener;

@@ -94,8 +94,6 @@ bool StandInAnswer::fits(const ReceivedRequest& request) const {
 }
 
 QByteArray StandInAnswer::bodyFor(const ReceivedRequest& request) const {
-    if (fillerBytes > 0)
-        return QByteArray(fillerBytes, 'x');
     if (body)
         return *body;
     if (content)

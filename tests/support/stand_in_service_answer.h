@@ -29,8 +29,14 @@ struct StandInAnswer {
     Echo echo = Echo::None;            ///< the reply is the last user message ("same" or "uppercase")
     qint64 fillerBytes = 0;            ///< a body of that many bytes
     int delayMs = 0;                   ///< before the answer
-    int dripMs = 0;                    ///< the body goes out in eight pieces with this pause between them
+    int dripMs = 0;                    ///< the body goes out in pieces with this pause between them
     Fault fault = Fault::None;         ///< "stall", "reset", "truncate", "notHttp"
+
+    // What no JSON script asks for.
+    bool standing = false;            ///< answers all requests that it fits, not only the first
+    int dripPieces = 8;               ///< how many, when the body drips
+    std::optional<QByteArray> raw{};  ///< all that is sent, head included, before filler bytes; then comes the fault,
+                                      ///< or the end of the connection
 
     /// Throws `text::JsonError` for an object with an unknown key, so that a misspelt script is heard of.
     static StandInAnswer fromJson(const text::Json& json);

@@ -26,6 +26,7 @@ StandInConnection::StandInConnection(QTcpSocket* socket, StandInLedger& ledger, 
     socket_->setParent(this);
     socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     connect(socket_, &QTcpSocket::readyRead, this, [this] { readMore(); });
+    connect(socket_, &QTcpSocket::bytesWritten, this, [this] { pumpFiller(); });
     connect(socket_, &QTcpSocket::disconnected, this, [this] {
         if (underWay_)
             ledger_.markAbandoned(*underWay_);
@@ -62,31 +63,48 @@ void StandInConnection::serve(const ReceivedRequest& request) {
     }
     auto [index, answer] = ledger_.receive(request);
     underWay_ = index;
-    if (answer.fault == StandInAnswer::Fault::Stall)
-        return;
+    if (answer.fault == StandInAnswer::Fault::Stall && !answer.raw)
+        return fallSilent();
     if (answer.delayMs == 0)
         return give(request, answer);
     QTimer::singleShot(answer.delayMs, this, [this, request, late = std::move(answer)] { give(request, late); });
 }
 
 void StandInConnection::give(const ReceivedRequest& request, const StandInAnswer& answer) {
+    if (answer.raw)
+        return giveRaw(answer);
     if (answer.fault == StandInAnswer::Fault::Reset)
         return resetOnTheWire();
     if (answer.fault == StandInAnswer::Fault::NotHttp) {
         socket_->write("220 mail.example ESMTP\r\n");
-        underWay_.reset();
-        return socket_->disconnectFromHost();
+        return hangUp();
+    }
+    if (answer.fillerBytes > 0) {
+        sendHead(answer.status, answer.headersFor({}), answer.fillerBytes);
+        return sendFiller(answer.fillerBytes, [this] { complete(); });
     }
     const auto body = answer.bodyFor(request);
     const bool truncated = answer.fault == StandInAnswer::Fault::Truncate;
     sendHead(answer.status, answer.headersFor(body), body.size() + (truncated ? 100 : 0));
     if (answer.dripMs > 0)
-        return drip(body, 0, answer.dripMs);
+        return drip(body, 0, std::max<qsizetype>(1, (body.size() + answer.dripPieces - 1) / answer.dripPieces),
+                    answer.dripMs);
     socket_->write(body);
     if (!truncated)
         return complete();
-    underWay_.reset();
-    socket_->disconnectFromHost();
+    hangUp();
+}
+
+void StandInConnection::giveRaw(const StandInAnswer& answer) {
+    socket_->write(*answer.raw);
+    sendFiller(answer.fillerBytes, [this, fault = answer.fault] {
+        socket_->flush();
+        if (fault == StandInAnswer::Fault::Stall)
+            return fallSilent();
+        if (fault == StandInAnswer::Fault::Reset)
+            return resetOnTheWire();
+        hangUp();
+    });
 }
 
 void StandInConnection::sendHead(int status, const HeaderList& headers, qint64 length) {
@@ -98,17 +116,48 @@ void StandInConnection::sendHead(int status, const HeaderList& headers, qint64 l
     socket_->write("Content-Length: " + QByteArray::number(length) + "\r\n\r\n");
 }
 
-void StandInConnection::drip(const QByteArray& body, qsizetype from, int pauseMs) {
-    const auto piece = std::max<qsizetype>(1, (body.size() + 7) / 8);
+void StandInConnection::drip(const QByteArray& body, qsizetype from, qsizetype piece, int pauseMs) {
     socket_->write(body.sliced(from, std::min(piece, body.size() - from)));
+    socket_->flush();
+    ledger_.notePiece();
     if (from + piece >= body.size())
         return complete();
-    QTimer::singleShot(pauseMs, this, [this, body, next = from + piece, pauseMs] { drip(body, next, pauseMs); });
+    QTimer::singleShot(pauseMs, this,
+                       [this, body, next = from + piece, piece, pauseMs] { drip(body, next, piece, pauseMs); });
+}
+
+/// Writes as fast as the client reads, so that neither side holds what is on its way.
+void StandInConnection::sendFiller(qint64 length, std::move_only_function<void()> then) {
+    fillerLeft_ = length;
+    afterFiller_ = std::move(then);
+    pumpFiller();
+}
+
+void StandInConnection::pumpFiller() {
+    constexpr qint64 piece = 256 * 1024;
+    while (fillerLeft_ > 0 && socket_->bytesToWrite() < piece && socket_->state() == QTcpSocket::ConnectedState) {
+        const auto length = std::min(piece, fillerLeft_);
+        fillerLeft_ -= length;
+        socket_->write(QByteArray(length, 'x'));
+    }
+    if (fillerLeft_ == 0) {
+        if (auto then = std::exchange(afterFiller_, nullptr))
+            then();
+    }
+}
+
+void StandInConnection::fallSilent() {
+    ledger_.noteSilence();
 }
 
 void StandInConnection::complete() {
     underWay_.reset();
     QTimer::singleShot(0, this, [this] { serveNext(); });
+}
+
+void StandInConnection::hangUp() {
+    underWay_.reset();
+    socket_->disconnectFromHost();
 }
 
 void StandInConnection::resetOnTheWire() {

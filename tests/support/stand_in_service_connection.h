@@ -2,6 +2,7 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <functional>
 #include <optional>
 
 #include "support/stand_in_service.h"
@@ -31,14 +32,21 @@ class StandInConnection : public QObject {
     void serveNext();
     void serve(const ReceivedRequest& request);
     void give(const ReceivedRequest& request, const StandInAnswer& answer);
+    void giveRaw(const StandInAnswer& answer);
     void sendHead(int status, const HeaderList& headers, qint64 length);
-    void drip(const QByteArray& body, qsizetype from, int pauseMs);
+    void drip(const QByteArray& body, qsizetype from, qsizetype piece, int pauseMs);
+    void sendFiller(qint64 length, std::move_only_function<void()> then);
+    void pumpFiller();
+    void fallSilent();
     void complete();
+    void hangUp();
     void resetOnTheWire();
 
     QTcpSocket* socket_;
     StandInLedger& ledger_;
     RequestParser parser_;
+    qint64 fillerLeft_ = 0;
+    std::move_only_function<void()> afterFiller_;
     std::optional<std::size_t> underWay_;  ///< the ledger's index of the request that has no whole answer yet
 };
 

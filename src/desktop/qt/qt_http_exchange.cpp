@@ -17,6 +17,9 @@ bool isHttpAddress(const QUrl& url) {
     return url.isValid() && !url.host().isEmpty() && (url.scheme() == "http"_L1 || url.scheme() == "https"_L1);
 }
 
+/// How much may come before it is read. Without a bound a fast server fills the memory before it meets the cap.
+constexpr qint64 mostUnread = 1024 * 1024;
+
 QNetworkRequest networkRequest(const platform::HttpRequest& request) {
     QNetworkRequest network(request.url);
     network.setHeader(QNetworkRequest::UserAgentHeader, u"Tavrelon/1.0"_s);
@@ -57,6 +60,8 @@ void QtHttpExchange::sendRequest() {
         reply_ = manager_.post(network, request_.body);
     else
         reply_ = manager_.sendCustomRequest(network, request_.method, request_.body);
+    // A bound that is set before the head is there has no effect on an upload.
+    connect(reply_, &QNetworkReply::metaDataChanged, this, [this] { reply_->setReadBufferSize(mostUnread); });
     connect(reply_, &QNetworkReply::uploadProgress, this, [this] { noteActivity(); });
     connect(reply_, &QNetworkReply::encrypted, this, [this] { noteActivity(); });
     connect(reply_, &QNetworkReply::readyRead, this, [this] { readBody(); });

@@ -26,27 +26,36 @@ class ProxyChoice : public QNetworkProxyFactory {
 
 }  // namespace
 
-/// Keeps the network stack while an exchange runs.
+/// Keeps a server's network stack while an exchange runs.
 class QtHttpSession::Use {
  public:
-    explicit Use(QtHttpSession& session) : session_(session) {
-        session_.idleTimer_.reset();
-        ++session_.uses_;
-        if (session_.manager_)
+    Use(QtHttpSession& session, const QUrl& url)
+        : session_(session),
+          server_(url.adjusted(QUrl::RemoveUserInfo | QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment)
+                      .toString()),
+          stack_(session.stacks_[server_]) {
+        stack_.idleTimer.reset();
+        ++stack_.uses;
+        if (stack_.manager)
             return;
-        session_.manager_ = std::make_unique<QNetworkAccessManager>();
-        session_.manager_->setProxyFactory(new ProxyChoice);
-        session_.manager_->setAutoDeleteReplies(false);
+        stack_.manager = std::make_unique<QNetworkAccessManager>();
+        stack_.manager->setProxyFactory(new ProxyChoice);
+        stack_.manager->setAutoDeleteReplies(false);
     }
     Use(const Use&) = delete;
     Use& operator=(const Use&) = delete;
     ~Use() {
-        if (--session_.uses_ == 0)
-            session_.idleTimer_ = session_.loop_.after(idleLife, [&session = session_] { session.manager_.reset(); });
+        if (--stack_.uses == 0)
+            stack_.idleTimer = session_.loop_.after(
+                idleLife, [&session = session_, server = server_] { session.stacks_.erase(server); });
     }
+
+    QNetworkAccessManager& manager() const { return *stack_.manager; }
 
  private:
     QtHttpSession& session_;
+    QString server_;
+    Stack& stack_;  // a map keeps its values where they are
 };
 
 QtHttpSession::QtHttpSession(async::MainLoop& loop) : loop_(loop) {}
@@ -56,10 +65,10 @@ QtHttpSession::~QtHttpSession() = default;
 async::Task<std::expected<platform::HttpResponse, platform::HttpError>> QtHttpSession::send(
     platform::HttpRequest request) {
     using Answer = std::expected<platform::HttpResponse, platform::HttpError>;
-    const Use use(*this);
-    co_return co_await async::fromCallback<Answer>(loop_, [this, &request](auto resolver) {
+    const Use use(*this, request.url);
+    co_return co_await async::fromCallback<Answer>(loop_, [this, &use, &request](auto resolver) {
         auto exchange = std::make_unique<QtHttpExchange>(
-            *manager_, loop_, std::move(request),
+            use.manager(), loop_, std::move(request),
             [resolver](Answer answer) mutable { resolver.resolve(std::move(answer)); });
         exchange->start();
         return exchange;

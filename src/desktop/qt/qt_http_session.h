@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+#include <map>
 #include <memory>
 
 #include "async/main_loop.h"
@@ -10,8 +12,9 @@ class QNetworkAccessManager;
 namespace tavrelon::desktop {
 
 /// HTTP/1.1 and HTTP/2 on Qt's network stack. No cookies, no cache; the proxy is the environment's, except for the
-/// machine itself, which is always reached directly. The stack is built at the first request and given back a minute
-/// after the last one, so that an idle process does not hold its threads, connections and certificates.
+/// machine itself, which is always reached directly. Each server has a stack of its own, because one that floods its
+/// client can hold up a whole stack. It is built at the first request and given back a minute after the last one, so
+/// that an idle process does not hold threads, connections and certificates.
 class QtHttpSession : public platform::HttpSession {
  public:
     static constexpr std::chrono::seconds idleLife{60};
@@ -25,10 +28,14 @@ class QtHttpSession : public platform::HttpSession {
  private:
     class Use;
 
+    struct Stack {
+        std::unique_ptr<QNetworkAccessManager> manager;
+        int uses = 0;
+        async::Timer idleTimer;
+    };
+
     async::MainLoop& loop_;
-    std::unique_ptr<QNetworkAccessManager> manager_;
-    int uses_ = 0;
-    async::Timer idleTimer_;
+    std::map<QString, Stack> stacks_;  ///< by scheme, host and port
 };
 
 }  // namespace tavrelon::desktop
