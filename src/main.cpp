@@ -1,14 +1,19 @@
 // Picks the adapters of this desktop, hands them to the application, and runs its loop.
+#include <sysexits.h>
+
 #include <QApplication>
+#include <QFile>
 #include <cstdio>
 #include <expected>
 
 #include "app/app_delegate.h"
 #include "desktop/atspi/atspi_accessibility.h"
 #include "desktop/documents/document_process_reader.h"
+#include "desktop/linux/command_line.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/directory_defaults_store.h"
 #include "desktop/linux/posix_file_system.h"
+#include "desktop/linux/single_instance.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/linux/termination_signals.h"
 #include "desktop/linux/thread_serial_queue.h"
@@ -20,6 +25,7 @@
 #include "desktop/qt/qt_panels.h"
 #include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_status_item.h"
+#include "desktop/x11/x11_connection.h"
 #include "desktop/x11/x11_event_tap.h"
 #include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_panel_surroundings.h"
@@ -34,7 +40,6 @@ using namespace tavrelon;
 
 /// The parts of the desktop without which nothing can be done.
 struct Essentials {
-    desktop::UserFolders folders;
     std::unique_ptr<desktop::X11Workspace> workspace;
     std::unique_ptr<desktop::X11Pasteboard> pasteboard;
     std::unique_ptr<desktop::X11KeyPoster> keyPoster;
@@ -44,9 +49,6 @@ struct Essentials {
 
 std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::Log& log,
                                                const std::shared_ptr<desktop::PostedKeys>& posted) {
-    auto folders = desktop::userFolders();
-    if (!folders)
-        return std::unexpected(QStringLiteral("There is no home folder to keep settings in; set HOME."));
     auto workspace = desktop::X11Workspace::create();
     if (!workspace)
         return std::unexpected(workspace.error());
@@ -65,12 +67,51 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
     auto panelSurroundings = desktop::X11PanelSurroundings::create();
     if (!panelSurroundings)
         return std::unexpected(panelSurroundings.error());
-    return Essentials{*std::move(folders),   *std::move(workspace),     *std::move(pasteboard),
-                      *std::move(keyPoster), *std::move(screenCapture), *std::move(panelSurroundings)};
+    return Essentials{*std::move(workspace), *std::move(pasteboard), *std::move(keyPoster), *std::move(screenCapture),
+                      *std::move(panelSurroundings)};
 }
 
-/// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time.
+/// What is settled before anything is built.
+struct Start {
+    desktop::StartMode mode;
+    desktop::UserFolders folders;
+    std::unique_ptr<desktop::SingleInstance> instance;
+};
+
+std::unexpected<int> endWith(int status, const QString& reason) {
+    std::fprintf(stderr, "%s\n", qUtf8Printable(reason));
+    return std::unexpected(status);
+}
+
+std::expected<Start, int> prepareStart(const QStringList& arguments) {
+    const auto mode = desktop::startModeFrom(arguments);
+    if (!mode)
+        return endWith(EX_USAGE, mode.error());
+    if (*mode == desktop::StartMode::Version || *mode == desktop::StartMode::Help) {
+        std::fputs(
+            *mode == desktop::StartMode::Help ? qUtf8Printable(desktop::helpText()) : "Tavrelon " TAVRELON_VERSION "\n",
+            stdout);
+        return std::unexpected(EX_OK);
+    }
+    auto folders = desktop::userFolders();
+    if (!folders)
+        return endWith(EX_CONFIG, QStringLiteral("Tavrelon cannot start: there is no home folder to keep settings in; "
+                                                 "set HOME."));
+    // The views' toolkit ends the process where it finds no display, so this is asked first.
+    if (const auto display = desktop::X11Connection::open(); !display)
+        return endWith(EX_UNAVAILABLE, QStringLiteral("Tavrelon cannot start: %1").arg(display.error()));
+    auto instance = desktop::SingleInstance::claim(folders->configuration);
+    if (instance)
+        return Start{*mode, *std::move(folders), *std::move(instance)};
+    if (instance.error() == desktop::SingleInstance::Refusal::Silent)
+        return endWith(EX_TEMPFAIL, QStringLiteral("Tavrelon is running already and does not answer."));
+    return endWith(EX_OK, QStringLiteral("Tavrelon is running already and shows its dashboard."));
+}
+
+/// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time. They
+/// are windows of the X server, which is where all else happens, also in a session that has another way to draw.
 void prepareViews() {
+    qputenv("QT_QPA_PLATFORM", "xcb");
     qputenv("QT_QUICK_BACKEND", "software");
     QApplication::setQuitOnLastWindowClosed(false);
 }
@@ -78,6 +119,12 @@ void prepareViews() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QFile::decodeName(argv[i]));
+    auto start = prepareStart(arguments);
+    if (!start)
+        return start.error();
     QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
     prepareViews();
@@ -91,7 +138,7 @@ int main(int argc, char** argv) {
     auto essentials = openDesktop(loop, log, posted);
     if (!essentials) {
         std::fprintf(stderr, "Tavrelon cannot start: %s\n", qUtf8Printable(essentials.error()));
-        return 1;
+        return EX_UNAVAILABLE;
     }
     desktop::AtspiAccessibility accessibility(*essentials->workspace, loop, log);
     desktop::X11EventTap eventTap(loop, log, posted);
@@ -102,7 +149,7 @@ int main(int argc, char** argv) {
     desktop::ThreadSerialQueues serialQueues;
     desktop::DocumentProcessReader documentReader(
         loop, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader"));
-    desktop::DirectoryDefaultsStore defaultsStore(fileSystem, essentials->folders.configuration);
+    desktop::DirectoryDefaultsStore defaultsStore(fileSystem, start->folders.configuration);
     platform::Platform platform{loop,
                                 log,
                                 accessibility,
@@ -118,7 +165,7 @@ int main(int argc, char** argv) {
                                 fileSystem,
                                 serialQueues,
                                 documentReader,
-                                essentials->folders.applicationSupport};
+                                start->folders.applicationSupport};
     desktop::QtApplication desktopApplication;
     desktop::QtScreens screens;
     desktop::QtStatusItem statusItem;
@@ -128,7 +175,10 @@ int main(int argc, char** argv) {
     platform::UserInterface userInterface{desktopApplication, panels, screens, statusItem};
 
     app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
-    delegate.applicationDidFinishLaunching();
+    start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
+    delegate.applicationDidFinishLaunching(start->mode == desktop::StartMode::Background
+                                               ? app::AppDelegate::Launch::InBackground
+                                               : app::AppDelegate::Launch::WithDashboard);
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();
     return status;
