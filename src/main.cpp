@@ -76,6 +76,7 @@ struct Start {
     desktop::StartMode mode;
     desktop::UserFolders folders;
     std::unique_ptr<desktop::SingleInstance> instance;
+    std::unique_ptr<desktop::X11Connection> display;  ///< kept until there are others: a server may end with its last
 };
 
 std::unexpected<int> endWith(int status, const QString& reason) {
@@ -98,11 +99,12 @@ std::expected<Start, int> prepareStart(const QStringList& arguments) {
         return endWith(EX_CONFIG, QStringLiteral("Tavrelon cannot start: there is no home folder to keep settings in; "
                                                  "set HOME."));
     // The views' toolkit ends the process where it finds no display, so this is asked first.
-    if (const auto display = desktop::X11Connection::open(); !display)
+    auto display = desktop::X11Connection::open();
+    if (!display)
         return endWith(EX_UNAVAILABLE, QStringLiteral("Tavrelon cannot start: %1").arg(display.error()));
     auto instance = desktop::SingleInstance::claim(folders->configuration);
     if (instance)
-        return Start{*mode, *std::move(folders), *std::move(instance)};
+        return Start{*mode, *std::move(folders), *std::move(instance), *std::move(display)};
     if (instance.error() == desktop::SingleInstance::Refusal::Silent)
         return endWith(EX_TEMPFAIL, QStringLiteral("Tavrelon is running already and does not answer."));
     return endWith(EX_OK, QStringLiteral("Tavrelon is running already and shows its dashboard."));
@@ -140,6 +142,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "Tavrelon cannot start: %s\n", qUtf8Printable(essentials.error()));
         return EX_UNAVAILABLE;
     }
+    start->display.reset();
     desktop::AtspiAccessibility accessibility(*essentials->workspace, loop, log);
     desktop::X11EventTap eventTap(loop, log, posted);
     desktop::DBusInputSource inputSource(loop);
@@ -149,7 +152,7 @@ int main(int argc, char** argv) {
     desktop::ThreadSerialQueues serialQueues;
     desktop::DocumentProcessReader documentReader(
         loop, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader"));
-    desktop::DirectoryDefaultsStore defaultsStore(fileSystem, start->folders.configuration);
+    desktop::DirectoryDefaultsStore defaultsStore(fileSystem, log, start->folders.configuration);
     platform::Platform platform{loop,
                                 log,
                                 accessibility,
