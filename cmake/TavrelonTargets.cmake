@@ -8,6 +8,15 @@ target_compile_definitions(tavrelon_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING)
 target_include_directories(tavrelon_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 
+option(TAVRELON_HARDEN "Build with what makes a fault of memory hard to use" OFF)
+if(TAVRELON_HARDEN)
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+  target_compile_options(tavrelon_options INTERFACE
+    -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+  target_compile_definitions(tavrelon_options INTERFACE _FORTIFY_SOURCE=3 _GLIBCXX_ASSERTIONS)
+  target_link_options(tavrelon_options INTERFACE -pie -Wl,-z,relro,-z,now,-z,noexecstack,--as-needed)
+endif()
+
 option(TAVRELON_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 if(TAVRELON_SANITIZE)
   target_compile_options(tavrelon_options INTERFACE

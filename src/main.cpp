@@ -1,5 +1,8 @@
 // Picks the adapters of this desktop, hands them to the application, and runs its loop.
+#include <sysexits.h>
+
 #include <QApplication>
+#include <QFile>
 #include <cstdio>
 #include <expected>
 
@@ -8,10 +11,12 @@
 #include "desktop/audio/pulse_audio_input.h"
 #include "desktop/audio/vosk_speech.h"
 #include "desktop/documents/document_process_reader.h"
+#include "desktop/linux/command_line.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/directory_defaults_store.h"
 #include "desktop/linux/posix_file_system.h"
 #include "desktop/linux/settings_panes.h"
+#include "desktop/linux/single_instance.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/linux/termination_signals.h"
 #include "desktop/linux/thread_serial_queue.h"
@@ -26,6 +31,7 @@
 #include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_status_item.h"
 #include "desktop/qt/qt_windows.h"
+#include "desktop/x11/x11_connection.h"
 #include "desktop/x11/x11_event_tap.h"
 #include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_native_keys.h"
@@ -46,7 +52,6 @@ using namespace tavrelon;
 
 /// The parts of the desktop without which nothing can be done.
 struct Essentials {
-    desktop::UserFolders folders;
     std::unique_ptr<desktop::X11Workspace> workspace;
     std::unique_ptr<desktop::X11Pasteboard> pasteboard;
     std::unique_ptr<desktop::X11KeyPoster> keyPoster;
@@ -57,9 +62,6 @@ struct Essentials {
 
 std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::Log& log,
                                                const std::shared_ptr<desktop::PostedKeys>& posted) {
-    auto folders = desktop::userFolders();
-    if (!folders)
-        return std::unexpected(QStringLiteral("There is no home folder to keep settings in; set HOME."));
     auto workspace = desktop::X11Workspace::create();
     if (!workspace)
         return std::unexpected(workspace.error());
@@ -81,13 +83,53 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
     auto nativeKeys = desktop::X11NativeKeys::create();
     if (!nativeKeys)
         return std::unexpected(nativeKeys.error());
-    return Essentials{*std::move(folders),   *std::move(workspace),     *std::move(pasteboard),
-                      *std::move(keyPoster), *std::move(screenCapture), *std::move(panelSurroundings),
-                      *std::move(nativeKeys)};
+    return Essentials{*std::move(workspace),     *std::move(pasteboard),        *std::move(keyPoster),
+                      *std::move(screenCapture), *std::move(panelSurroundings), *std::move(nativeKeys)};
 }
 
-/// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time.
+/// What is settled before anything is built.
+struct Start {
+    desktop::StartMode mode;
+    desktop::UserFolders folders;
+    std::unique_ptr<desktop::SingleInstance> instance;
+    std::unique_ptr<desktop::X11Connection> display;  ///< kept until there are others: a server may end with its last
+};
+
+std::unexpected<int> endWith(int status, const QString& reason) {
+    std::fprintf(stderr, "%s\n", qUtf8Printable(reason));
+    return std::unexpected(status);
+}
+
+std::expected<Start, int> prepareStart(const QStringList& arguments) {
+    const auto mode = desktop::startModeFrom(arguments);
+    if (!mode)
+        return endWith(EX_USAGE, mode.error());
+    if (*mode == desktop::StartMode::Version || *mode == desktop::StartMode::Help) {
+        std::fputs(
+            *mode == desktop::StartMode::Help ? qUtf8Printable(desktop::helpText()) : "Tavrelon " TAVRELON_VERSION "\n",
+            stdout);
+        return std::unexpected(EX_OK);
+    }
+    auto folders = desktop::userFolders();
+    if (!folders)
+        return endWith(EX_CONFIG, QStringLiteral("Tavrelon cannot start: there is no home folder to keep settings in; "
+                                                 "set HOME."));
+    // The views' toolkit ends the process where it finds no display, so this is asked first.
+    auto display = desktop::X11Connection::open();
+    if (!display)
+        return endWith(EX_UNAVAILABLE, QStringLiteral("Tavrelon cannot start: %1").arg(display.error()));
+    auto instance = desktop::SingleInstance::claim(folders->configuration);
+    if (instance)
+        return Start{*mode, *std::move(folders), *std::move(instance), *std::move(display)};
+    if (instance.error() == desktop::SingleInstance::Refusal::Silent)
+        return endWith(EX_TEMPFAIL, QStringLiteral("Tavrelon is running already and does not answer."));
+    return endWith(EX_OK, QStringLiteral("Tavrelon is running already and shows its dashboard."));
+}
+
+/// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time. They
+/// are windows of the X server, which is where all else happens, also in a session that has another way to draw.
 void prepareViews() {
+    qputenv("QT_QPA_PLATFORM", "xcb");
     qputenv("QT_QUICK_BACKEND", "software");
     QApplication::setQuitOnLastWindowClosed(false);
 }
@@ -138,6 +180,12 @@ struct Dashboard {
 }  // namespace
 
 int main(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QFile::decodeName(argv[i]));
+    auto start = prepareStart(arguments);
+    if (!start)
+        return start.error();
     QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
     prepareViews();
@@ -151,8 +199,9 @@ int main(int argc, char** argv) {
     auto essentials = openDesktop(loop, log, posted);
     if (!essentials) {
         std::fprintf(stderr, "Tavrelon cannot start: %s\n", qUtf8Printable(essentials.error()));
-        return 1;
+        return EX_UNAVAILABLE;
     }
+    start->display.reset();
     desktop::AtspiAccessibility accessibility(*essentials->workspace, loop, log);
     desktop::X11EventTap eventTap(loop, log, posted);
     desktop::DBusInputSource inputSource(loop);
@@ -163,8 +212,8 @@ int main(int argc, char** argv) {
     desktop::DocumentProcessReader documentReader(
         loop, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader"));
     desktop::PulseAudioInput audioInput(loop, log);
-    desktop::VoskSpeech speech(loop, log, essentials->folders.applicationSupport);
-    desktop::DirectoryDefaultsStore defaultsStore(fileSystem, essentials->folders.configuration);
+    desktop::VoskSpeech speech(loop, log, start->folders.applicationSupport);
+    desktop::DirectoryDefaultsStore defaultsStore(fileSystem, log, start->folders.configuration);
     platform::Platform platform{loop,
                                 log,
                                 accessibility,
@@ -182,7 +231,7 @@ int main(int argc, char** argv) {
                                 documentReader,
                                 audioInput,
                                 speech,
-                                essentials->folders.applicationSupport};
+                                start->folders.applicationSupport};
     desktop::QtApplication desktopApplication;
     desktop::QtScreens screens;
     desktop::QtStatusItem statusItem;
@@ -194,7 +243,10 @@ int main(int argc, char** argv) {
     app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
     Dashboard dashboard(delegate.appState(), platform, *essentials, accessibility);
     delegate.showDashboard = [&dashboard] { dashboard.window.show(); };
-    delegate.applicationDidFinishLaunching();
+    start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
+    delegate.applicationDidFinishLaunching(start->mode == desktop::StartMode::Background
+                                               ? app::AppDelegate::Launch::InBackground
+                                               : app::AppDelegate::Launch::WithDashboard);
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();
     return status;

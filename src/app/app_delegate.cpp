@@ -8,11 +8,12 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::UserInterface& 
       userInterface_(userInterface),
       appState_(platform, userInterface, endpoints, [this](const QString& symbolName) { setStatusIcon(symbolName); }) {}
 
-void AppDelegate::applicationDidFinishLaunching() {
+void AppDelegate::applicationDidFinishLaunching(Launch launch) {
     setupStatusItem();
     startHotkeyListener();
     appState_.sceneRouter().updateScenes(appState_.storageManager().scenes());
-    openDashboard();
+    if (launch == Launch::WithDashboard)
+        openDashboard();
 }
 
 void AppDelegate::applicationWillTerminate() {

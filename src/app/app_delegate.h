@@ -8,6 +8,9 @@ namespace tavrelon::app {
 /// image and menu. Main thread.
 class AppDelegate {
  public:
+    /// What the user sees of a launch.
+    enum class Launch { WithDashboard, InBackground };
+
     AppDelegate(platform::Platform& platform, platform::UserInterface& userInterface,
                 const generation::ServiceEndpoints& endpoints);
 
@@ -16,7 +19,7 @@ class AppDelegate {
     std::function<void()> showDashboard;
 
     /// A keyboard that cannot be watched is logged; the program goes on without hotkeys.
-    void applicationDidFinishLaunching();
+    void applicationDidFinishLaunching(Launch launch = Launch::WithDashboard);
     void applicationWillTerminate();
 
     void openDashboard();

@@ -7,6 +7,7 @@
 #include "support/memory_defaults_store.h"
 #include "support/memory_file_system.h"
 #include "support/qt_gtest.h"
+#include "support/recording_log.h"
 
 namespace tavrelon::testing {
 
@@ -26,7 +27,8 @@ struct Real : Subject {
     platform::DefaultsStore& store() override { return entries; }
     QTemporaryDir directory;
     desktop::PosixFileSystem files;
-    desktop::DirectoryDefaultsStore entries{files, directory.path() + QStringLiteral("/config/Tavrelon")};
+    RecordingLog log;
+    desktop::DirectoryDefaultsStore entries{files, log, directory.path() + QStringLiteral("/config/Tavrelon")};
 };
 
 template <typename Kind>
@@ -69,13 +71,15 @@ TEST_P(DefaultsStoreContract, NamesThatLeadElsewhereAreRefused) {
 
 TEST(DirectoryDefaultsStore, AnEntryIsAFileOfItsName) {
     MemoryFileSystem files;
-    desktop::DirectoryDefaultsStore store(files, QStringLiteral("/c"));
+    RecordingLog log;
+    desktop::DirectoryDefaultsStore store(files, log, QStringLiteral("/c"));
     ASSERT_TRUE(store.setData(QStringLiteral("tavrelon.settings"), "{}"));
     EXPECT_EQ(files.files(), QStringList{QStringLiteral("/c/tavrelon.settings")});
     files.put(QStringLiteral("/c/tavrelon.settings"), "edited by hand");
     EXPECT_EQ(store.data(QStringLiteral("tavrelon.settings")), "edited by hand");
     files.refuse(QStringLiteral("/c/tavrelon.settings"));
     EXPECT_FALSE(store.setData(QStringLiteral("tavrelon.settings"), "new"));
+    EXPECT_EQ(log.lines(), QStringList{QStringLiteral("[Settings] Not stored: /c/tavrelon.settings: refused")});
     files.allowAll();
     EXPECT_EQ(store.data(QStringLiteral("tavrelon.settings")), "edited by hand");
 }

@@ -29,7 +29,7 @@ namespace {
 class Keepers {
  public:
     explicit Keepers(const QString& folder)
-        : store_(files_, folder + QStringLiteral("/configuration")),
+        : store_(files_, log, folder + QStringLiteral("/configuration")),
           storage(store_, files_, log, loop_, folder + QStringLiteral("/data")),
           history(files_, log, storage.applicationSupport(), 20),
           learner(loop_, files_, log, queues_, storage, service_, history, 1'000'000) {}
@@ -48,6 +48,8 @@ class Keepers {
 
     static QString version(unsigned number) { return QString(300, QChar(u'a' + number % 26)); }
 
+    testing::RecordingLog log;
+
  private:
     testing::VirtualMainLoop loop_;
     desktop::PosixFileSystem files_;
@@ -56,7 +58,6 @@ class Keepers {
     testing::FakeHttpSession http_{loop_};
 
  public:
-    testing::RecordingLog log;
     persistence::StorageManager storage;
 
  private:

@@ -2,8 +2,8 @@
 
 namespace tavrelon::desktop {
 
-DirectoryDefaultsStore::DirectoryDefaultsStore(platform::FileSystem& files, QString folder)
-    : files_(files), folder_(std::move(folder)) {}
+DirectoryDefaultsStore::DirectoryDefaultsStore(platform::FileSystem& files, platform::Log& log, QString folder)
+    : files_(files), log_(log), folder_(std::move(folder)) {}
 
 std::optional<QString> DirectoryDefaultsStore::pathOf(const QString& key) const {
     if (key.isEmpty() || key.startsWith(u'.') || key.contains(u'/') || key.contains(QChar::Null))
@@ -13,17 +13,26 @@ std::optional<QString> DirectoryDefaultsStore::pathOf(const QString& key) const 
 
 std::optional<QByteArray> DirectoryDefaultsStore::data(const QString& key) const {
     const auto path = pathOf(key);
-    if (!path)
+    if (!path || !files_.exists(*path))
         return std::nullopt;
     auto content = files_.read(*path);
-    if (!content)
+    if (!content) {
+        log_.line(QStringLiteral("[Settings] Not read: ") + content.error().description);
         return std::nullopt;
+    }
     return std::move(*content);
 }
 
 bool DirectoryDefaultsStore::setData(const QString& key, const QByteArray& value) {
     const auto path = pathOf(key);
-    return path && files_.createDirectory(folder_) && files_.write(*path, value);
+    if (!path)
+        return false;
+    auto stored = files_.createDirectory(folder_);
+    if (stored)
+        stored = files_.write(*path, value);
+    if (!stored)
+        log_.line(QStringLiteral("[Settings] Not stored: ") + stored.error().description);
+    return stored.has_value();
 }
 
 }  // namespace tavrelon::desktop

@@ -12,7 +12,7 @@ void QtApplication::orderFrontStandardAboutPanel() {
     about_->setWindowTitle(QStringLiteral("About %1").arg(QCoreApplication::applicationName()));
     about_->setText(QStringLiteral("<b>%1</b> %2")
                         .arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion()));
-    about_->setInformativeText(QStringLiteral("A writing assistant for any application. MIT License."));
+    about_->setInformativeText(QStringLiteral("A writing assistant for any application. Apache License 2.0."));
     about_->setIconPixmap(
         QPixmap::fromImage(symbolImage(QStringLiteral("sparkles"), QColor(0x7f, 0x6b, 0xff), iconPixels)));
     about_->setWindowModality(Qt::NonModal);

@@ -15,8 +15,12 @@ std::expected<std::unique_ptr<X11Connection>, QString> X11Connection::open() {
 }
 
 std::expected<void, QString> X11Connection::setUp(int screen) {
-    if (isBroken())
-        return std::unexpected(QStringLiteral("The X display cannot be opened."));
+    if (isBroken()) {
+        const auto display = qEnvironmentVariable("DISPLAY");
+        return std::unexpected(display.isEmpty()
+                                   ? QStringLiteral("DISPLAY names no X server.")
+                                   : QStringLiteral("The X server of display %1 cannot be reached.").arg(display));
+    }
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
     for (; screen > 0 && screens.rem > 1; --screen)
         xcb_screen_next(&screens);

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QStringList>
+#include <expected>
+
+namespace tavrelon::desktop {
+
+/// What the program was started for.
+enum class StartMode {
+    Dashboard,   ///< live, with the dashboard open
+    Background,  ///< live, with nothing but the tray icon: the start of a session
+    Help,        ///< `helpText` on standard output, then the end
+    Version,     ///< the version on standard output, then the end
+};
+
+/// Reads the arguments after the program's name. The error is a sentence for the user.
+std::expected<StartMode, QString> startModeFrom(const QStringList& arguments);
+
+QString helpText();
+
+}  // namespace tavrelon::desktop

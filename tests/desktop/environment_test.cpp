@@ -1,0 +1,202 @@
+// The program where something that it counts on is missing or broken: a clear line, an orderly life or end, nothing
+// lost.
+#include <gtest/gtest.h>
+#include <sysexits.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <csignal>
+
+#include "desktop/main_job_session.h"
+#include "support/qt_gtest.h"
+#include "text/json.h"
+
+namespace tavrelon::testing {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The command that runs another in a name space where file systems can be mounted.
+QStringList withMounts() {
+    QStringList command{QStringLiteral("unshare"), QStringLiteral("--mount")};
+    if (::getuid() != 0)
+        command << QStringLiteral("--map-root-user");
+    return command;
+}
+
+}  // namespace
+
+class EnvironmentTest : public ::testing::Test {
+ public:
+    EnvironmentTest() {
+        environment.remove(QStringLiteral("XDG_CONFIG_HOME"));
+        environment.remove(QStringLiteral("XDG_DATA_HOME"));
+        environment.insert(QStringLiteral("HOME"), home.path());
+        QDir().mkpath(home.filePath(QStringLiteral(".config/Tavrelon")));
+        QFile file(settingsPath());
+        const text::Json settings{{"enableCustomPollinations", true},
+                                  {"pollinationsBaseURL", service.url().toStdString()},
+                                  {"pollinationsVisionModel", "test-model"}};
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text::compactJson(settings)) > 0);
+    }
+    ~EnvironmentTest() override { EXPECT_TRUE(end(first)) << "it does not end when asked"; }
+
+    QString settingsPath() const { return home.filePath(QStringLiteral(".config/Tavrelon/tavrelon.settings")); }
+
+    /// Starts the program, by another command if one is given.
+    void start(QProcess& process, const QString& log, QStringList command = {}) {
+        command << QStringLiteral(TAVRELON_PROGRAM);
+        process.setProcessEnvironment(environment);
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.setStandardOutputFile(home.filePath(log));
+        const auto program = command.takeFirst();
+        process.start(program, command);
+    }
+    bool listens(const QString& log = QStringLiteral("log")) {
+        return eventually([&] { return contentOf(home.filePath(log)).contains("[Hotkey] Listening"); });
+    }
+    QByteArray log() const { return contentOf(home.filePath(QStringLiteral("log"))); }
+
+    /// Runs the program to its end and gives its exit status, or -1 when it does not end in good order and time.
+    int run(const QStringList& arguments = {}) {
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(TAVRELON_PROGRAM), arguments);
+        if (!process.waitForFinished(10000)) {
+            process.kill();
+            process.waitForFinished();
+            return -1;
+        }
+        said = process.readAllStandardOutput() + process.readAllStandardError();
+        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+    static bool end(QProcess& process) {
+        if (process.state() == QProcess::NotRunning)
+            return true;
+        process.terminate();
+        const bool ended = process.waitForFinished(10000);
+        process.kill();
+        process.waitForFinished(1000);
+        return ended && process.exitStatus() == QProcess::NormalExit;
+    }
+
+    /// One request from the keyboard to the saved file.
+    void expectARequestToWork() {
+        StandInAnswer answer;
+        answer.content = QStringLiteral("Grüße, 世界 👋");
+        service.ledger().script({answer});
+        RunningEditor editor(RunningEditor::Kind::Mousepad, keyboard, QString());
+        pressToggleHotkey(keyboard);
+        ASSERT_TRUE(eventually([&] { return log().contains("[Hotkey] Starting text listening"); })) << log().data();
+        editor.type(QStringLiteral("greet"));
+        pressToggleHotkey(keyboard);
+        ASSERT_TRUE(eventually([&] { return log().contains("Text generated with custom model"); })) << log().data();
+        EXPECT_EQ(editor.saved(*answer.content), *answer.content) << log().data();
+    }
+
+    StandInService service;
+    XTestKeyboard keyboard;
+    QTemporaryDir home;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    QProcess first;
+    QByteArray said;  ///< by the last program that `run` ran
+};
+
+TEST_F(EnvironmentTest, WithoutAnXServerItSaysSoAndEnds) {
+    environment.remove(QStringLiteral("DISPLAY"));
+    EXPECT_EQ(run(), EX_UNAVAILABLE);
+    EXPECT_EQ(said, "Tavrelon cannot start: DISPLAY names no X server.\n");
+    environment.insert(QStringLiteral("DISPLAY"), QStringLiteral(":4711"));
+    EXPECT_EQ(run(), EX_UNAVAILABLE);
+    EXPECT_EQ(said, "Tavrelon cannot start: The X server of display :4711 cannot be reached.\n");
+    EXPECT_EQ(run({QStringLiteral("--version")}), EX_OK);
+    EXPECT_TRUE(said.startsWith("Tavrelon ")) << said.data();
+    EXPECT_EQ(run({QStringLiteral("--fast")}), EX_USAGE);
+    EXPECT_EQ(said, "'--fast' is no option of Tavrelon; --help shows them.\n");
+}
+
+TEST_F(EnvironmentTest, AnXServerThatGoesAwayTakesItAlong) {
+    QProcess server;
+    server.start(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1")});
+    ASSERT_TRUE(eventually([&] { return server.waitForReadyRead(10) || server.bytesAvailable() > 0; }));
+    environment.insert(QStringLiteral("DISPLAY"), u':' + QString::fromLatin1(server.readAll().trimmed()));
+    start(first, QStringLiteral("log"));
+    ASSERT_TRUE(listens()) << log().data();
+    server.kill();
+    server.waitForFinished();
+    ASSERT_TRUE(first.waitForFinished(10000)) << log().data();
+    EXPECT_EQ(first.exitStatus(), QProcess::NormalExit) << log().data();
+    EXPECT_TRUE(log().contains("X")) << log().data();
+}
+
+TEST_F(EnvironmentTest, ASecondProcessCallsTheFirstAndEnds) {
+    start(first, QStringLiteral("log"));
+    ASSERT_TRUE(listens()) << log().data();
+    EXPECT_EQ(run(), EX_OK);
+    EXPECT_EQ(said, "Tavrelon is running already and shows its dashboard.\n");
+
+    ::kill(static_cast<pid_t>(first.processId()), SIGSTOP);
+    EXPECT_EQ(run(), EX_TEMPFAIL);
+    EXPECT_EQ(said, "Tavrelon is running already and does not answer.\n");
+
+    QTemporaryDir other;  // settings of its own, so a program of its own
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), other.path());
+    QProcess neighbour;
+    start(neighbour, QStringLiteral("neighbour"));
+    EXPECT_TRUE(listens(QStringLiteral("neighbour")));
+    EXPECT_TRUE(end(neighbour));
+
+    environment.remove(QStringLiteral("XDG_CONFIG_HOME"));
+    first.kill();
+    ASSERT_TRUE(first.waitForFinished());
+    start(first, QStringLiteral("log"));
+    EXPECT_TRUE(listens()) << "a killed program must not lock its successor out";
+}
+
+TEST_F(EnvironmentTest, AHomeThatTakesNoFilesCostsOnlyTheMemory) {
+    const auto before = contentOf(settingsPath());
+    for (const auto& mount :
+         {QStringLiteral("mount -o bind,ro \"$HOME\" \"$HOME\" 2>/dev/null || "
+                         "{ mount -o bind \"$HOME\" \"$HOME\" && mount -o remount,bind,ro \"$HOME\"; }"),
+          QStringLiteral(
+              "s=$(cat \"$HOME/.config/Tavrelon/tavrelon.settings\") && mount -t tmpfs -o size=64k full \"$HOME\" && "
+              "mkdir -p \"$HOME/.config/Tavrelon\" && echo \"$s\" >\"$HOME/.config/Tavrelon/tavrelon.settings\" && "
+              "{ cat /dev/zero >\"$HOME/filler\" 2>/dev/null; true; }")}) {
+        SCOPED_TRACE(qPrintable(mount));
+        start(
+            first, QStringLiteral("log"),
+            withMounts() << QStringLiteral("sh") << QStringLiteral("-c") << mount + QStringLiteral(" && exec \"$0\""));
+        ASSERT_TRUE(listens()) << log().data();
+        expectARequestToWork();
+        EXPECT_TRUE(eventually([&] { return log().contains("Failed to save history: "); })) << log().data();
+        const auto there = QStringLiteral("/proc/%1/root").arg(first.processId()) + settingsPath();
+        EXPECT_EQ(contentOf(there).trimmed(), before);
+        EXPECT_TRUE(end(first));
+    }
+}
+
+TEST_F(EnvironmentTest, WithoutASessionBusAndWithAStrangeLocaleItWorksThroughTheClipboard) {
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nowhere/bus"));
+    for (const auto* variable : {"LANG", "LC_ALL"})
+        environment.insert(QString::fromLatin1(variable), QStringLiteral("tlh_QO.KOI-7"));
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), QStringLiteral("relative/folder"));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), QStringLiteral("~/data"));
+    environment.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+    start(first, QStringLiteral("log"));
+    ASSERT_TRUE(listens()) << log().data();
+    EXPECT_TRUE(eventually([&] { return log().contains("[Accessibility] No accessibility bus"); })) << log().data();
+    expectARequestToWork();
+    EXPECT_TRUE(eventually([&] {
+        return contentOf(home.filePath(QStringLiteral(".local/share/Tavrelon/history.json"))).contains("greet");
+    }));
+}
+
+}  // namespace tavrelon::testing
