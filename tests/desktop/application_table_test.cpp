@@ -61,6 +61,8 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
     RunningEditor editor{editorNamed(name), keyboard, QString()};
     // A terminal keeps showing it, and ASCII text beside another script passes for half of a composition.
     QString answer = editor.isTerminal() ? QStringLiteral("ANSWER") : QStringLiteral("ANSWER 你好 👍");
+    QString beforeWord = QStringLiteral("<before ");
+    QString behindWord = editor.isTerminal() ? QString() : QStringLiteral(" after>");
     QStringList cells{QString::fromLatin1(name)};
 
     /// Enters what was seen. What does not work must be known, and what is known not to work must not.
@@ -107,9 +109,7 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
         letPass(600ms);  // longer than a double click
     }
     QString word() const { return editor.isTerminal() ? QStringLiteral("oneword") : QStringLiteral("word"); }
-    QString lineWith(const QString& text) const {
-        return QStringLiteral("<before ") + text + (editor.isTerminal() ? QString() : QStringLiteral(" after>"));
-    }
+    QString lineWith(const QString& text) const { return beforeWord + text + behindWord; }
 
     /// Opens the input, types, commits, and waits until the answer is written.
     void request(const QString& typed) {
@@ -157,7 +157,7 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
     int stepsBackTo(const QString& line) {
         for (const int step : {1, 2}) {
             editor.undo();
-            if (editor.saved(line, 1s) == line)
+            if (editor.saved(line, 2s) == line)
                 return step;
         }
         return 0;
@@ -175,7 +175,7 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
 };
 
 TEST_F(ApplicationTable, Row) {
-    editor.refill(twoLines(), 0);
+    editor.refill(twoLines(), QString());
     see(Column::Value, readsValue(), editor.isTerminal() ? QStringLiteral("the screen") : QStringLiteral("yes"));
     selectWord();
     const auto selection = editor.isTerminal() ? word() : QStringLiteral("line");
@@ -183,13 +183,13 @@ TEST_F(ApplicationTable, Row) {
     selectNothing();
     const bool caret = followsCaret();
 
-    editor.refill(lineWith(QString()), editor.isTerminal() ? 0 : 7);
+    editor.refill(beforeWord, behindWord);
     request(QStringLiteral("what is 42?"));
     const bool pasted = runTaskOnQt(loop, pasteboard->string()) == answer;
     see(Column::TypedRequest, asksAndWrites(QStringLiteral("what is 42?")));
 
     const auto before = lineWith(editor.isTerminal() ? QString() : word());
-    editor.refill(before, editor.isTerminal() ? 0 : 7);
+    editor.refill(beforeWord + (editor.isTerminal() ? QString() : word()), behindWord);
     selectWord();
     const auto changes = pasteboard->changeCount();
     request(QString());

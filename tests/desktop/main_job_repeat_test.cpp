@@ -91,7 +91,7 @@ TEST(MainJobRepeat, EveryFieldIsExactlyRight) {
         answer.content = texts.answer();
         service.ledger().script({answer});
 
-        editor.refill(before + after, static_cast<int>(text::characterCount(after)));
+        editor.refill(before, after);
         const auto last = tavrelon.newestHistoryId();
         pressToggleHotkey(keyboard);
         ASSERT_TRUE(tavrelon.waitForLog(QStringLiteral("[Hotkey] Starting text listening"), round))

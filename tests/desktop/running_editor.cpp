@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "desktop/tools.h"
+#include "text/characters.h"
 
 namespace tavrelon::testing {
 
@@ -189,41 +190,63 @@ QString RunningEditor::shown() {
 }
 
 QString RunningEditor::saved(const QString& expected, std::chrono::milliseconds limit) {
-    letPass(500ms);  // longer than any editor needs for the last key on a busy machine
-    if (shown_ == Shown::InItsFile)
-        keyboard_.strikeWith({place::leftControl}, place::s);
+    letPass(500ms);  // in which what must not come would come
     if (shown_ == Shown::InLines)
         keyboard_.strike(place::enter);
-    // Some end a file with a line break of their own, and so does a line.
-    const bool endsItself = shown_ != Shown::InItsTitle;
-    const auto withoutEnd = [endsItself](const QString& text) {
-        return endsItself && text.endsWith(u'\n') ? text.chopped(1) : text;
-    };
-    const auto wanted = withoutEnd(expected);
-    const bool held = eventually([&] { return withoutEnd(shown()) == wanted; }, limit);
-    return held ? expected : withoutEnd(shown());
+    return comesToHold(expected, limit) ? expected : withoutEnd(shown());
 }
 
-void RunningEditor::refill(const QString& text, int after) {
+QString RunningEditor::withoutEnd(const QString& text) const {
+    // Some end a file with a line break of their own, and so does a line.
+    return shown_ != Shown::InItsTitle && text.endsWith(u'\n') ? text.chopped(1) : text;
+}
+
+bool RunningEditor::comesToHold(const QString& expected, std::chrono::milliseconds limit) {
+    const auto holds = [&] { return withoutEnd(shown()) == withoutEnd(expected); };
+    const auto end = std::chrono::steady_clock::now() + limit;
+    do {
+        if (shown_ == Shown::InItsFile)
+            keyboard_.strikeWith({place::leftControl}, place::s);
+        if (eventually(holds, 700ms))
+            return true;
+    } while (std::chrono::steady_clock::now() < end);
+    return false;
+}
+
+void RunningEditor::refill(const QString& before, const QString& after) {
+    before_ = before;
+    typed_.clear();
+    after_ = after;
     if (isTerminal()) {
         keyboard_.strike(place::enter);
         letKeysArrive();
         earlierLines_ = contentsOf(path_).size();
-        paste(text);
+        paste(before);
         return;
     }
     keyboard_.strikeWith({place::leftControl}, place::a);
-    paste(text);
-    for (int i = 0; i < after; ++i)
+    paste(before + after);
+    settle();
+    for (auto left = text::characterCount(after); left > 0; --left)
         keyboard_.strike(leftArrow);
     letKeysArrive();
+}
+
+void RunningEditor::settle() {
+    letKeysArrive();
+    const bool canLook = shown_ == Shown::InItsFile || shown_ == Shown::InItsTitle;
+    if (canLook && before_ && !comesToHold(*before_ + typed_ + after_, 20s))
+        throw std::runtime_error("the application does not take what is typed: " + shown().toStdString());
 }
 
 void RunningEditor::type(const QString& text) {
     QString foreign;
     const auto flush = [&] {
-        if (!foreign.isEmpty())
-            paste(std::exchange(foreign, QString()));
+        if (foreign.isEmpty())
+            return;
+        typed_ += foreign;
+        paste(std::exchange(foreign, QString()));
+        settle();
     };
     for (const QChar character : text) {
         const auto key = keyFor(character);
@@ -232,9 +255,11 @@ void RunningEditor::type(const QString& text) {
             continue;
         }
         flush();
+        typed_ += character;
         key->shift ? keyboard_.strikeWith({place::leftShift}, key->code) : keyboard_.strike(key->code);
     }
     flush();
+    settle();
 }
 
 void RunningEditor::paste(const QString& text) {

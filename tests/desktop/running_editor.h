@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QTemporaryDir>
+#include <optional>
 #include <vector>
 
 #include "desktop/waiting.h"
@@ -29,13 +30,14 @@ class RunningEditor {
     ~RunningEditor();
 
     /// What the field holds in the end; waits for `expected`, and gives what is there when it does not come.
-    QString saved(const QString& expected, std::chrono::milliseconds limit = std::chrono::seconds(5));
+    QString saved(const QString& expected, std::chrono::milliseconds limit = std::chrono::seconds(10));
 
-    /// Replaces all the text, with the caret before the last `after` characters. A terminal gets a new line instead, in
-    /// which nothing can stand behind the caret.
-    void refill(const QString& text, int after);
+    /// Replaces all the text, with the caret between the two parts. A terminal gets a new line instead, in which
+    /// nothing can stand behind the caret.
+    void refill(const QString& before, const QString& after);
 
-    /// Types characters of a US keyboard; what it lacks is pasted.
+    /// Types characters of a US keyboard; what it lacks is pasted. Behind a `refill` it waits until the field holds
+    /// them.
     void type(const QString& text);
     void paste(const QString& text);
 
@@ -56,13 +58,20 @@ class RunningEditor {
 
     static Program programOf(Kind kind, const QString& folder, const QString& path);
     QString shown();
+    QString withoutEnd(const QString& text) const;
+    bool comesToHold(const QString& expected, std::chrono::milliseconds limit);
+    /// Waits until the application has taken what was typed, however busy the machine is.
+    void settle();
 
     QTemporaryDir folder_;
     QString path_;
     XTestKeyboard& keyboard_;
     Kind kind_;
     Shown shown_ = Shown::InItsFile;
-    qsizetype earlierLines_ = 0;  ///< bytes of what a terminal's program got before the line at hand
+    qsizetype earlierLines_ = 0;     ///< bytes of what a terminal's program got before the line at hand
+    std::optional<QString> before_;  ///< what stands before the caret since the last `refill`
+    QString typed_;
+    QString after_;
     QProcess process_;
 };
 
