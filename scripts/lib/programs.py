@@ -103,6 +103,14 @@ class Tavrelon(Program):
 
     def wait_until_live(self):
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)
+        self.close_dashboard()
+
+    def close_dashboard(self):
+        """Closes the window that opens at each start, as a user would."""
+        window = wait_for("the dashboard", lambda: screen.window_named("^Tavrelon$"), seconds=20)
+        screen.focus(window)
+        screen.press("alt+F4")
+        wait_for("the end of the dashboard", lambda: not screen.window_named("^Tavrelon$"))
 
     def newest_answer(self):
         try:

@@ -51,11 +51,15 @@ void writeFile(const QString& path, const QByteArray& content) {
         throw std::runtime_error("the test cannot write its files");
 }
 
-QString frontmostTitle() {
+QString xdotool(const QStringList& arguments) {
     QProcess tool;
-    tool.start(QStringLiteral("xdotool"), {QStringLiteral("getwindowfocus"), QStringLiteral("getwindowname")});
-    tool.waitForFinished(2000);
+    tool.start(QStringLiteral("xdotool"), arguments);
+    tool.waitForFinished(5000);
     return QString::fromUtf8(tool.readAllStandardOutput());
+}
+
+QString frontmostTitle() {
+    return xdotool({QStringLiteral("getwindowfocus"), QStringLiteral("getwindowname")});
 }
 
 text::Json historyOf(const QString& home) {
@@ -76,7 +80,7 @@ bool eventually(const std::function<bool()>& condition, std::chrono::millisecond
     return true;
 }
 
-RunningTavrelon::RunningTavrelon(StandInService& service) {
+RunningTavrelon::RunningTavrelon(StandInService& service, Dashboard dashboard) {
     const auto settings = text::Json{{"enableCustomPollinations", true},
                                      {"pollinationsBaseURL", service.url().toStdString()},
                                      {"pollinationsVisionModel", "test-model"}};
@@ -90,6 +94,26 @@ RunningTavrelon::RunningTavrelon(StandInService& service) {
     process_.start(QStringLiteral(TAVRELON_PROGRAM), QStringList());
     if (!waitForLog(QStringLiteral("[Hotkey] Listening"), 1))
         throw std::runtime_error("Tavrelon does not listen: " + log().toStdString());
+    if (!eventually([] { return frontmostTitle().trimmed() == QStringLiteral("Tavrelon"); }))
+        throw std::runtime_error("the dashboard does not come to the front: " + log().toStdString());
+    if (dashboard == Dashboard::Closed)
+        closeDashboard();
+}
+
+bool RunningTavrelon::isDashboardOpen() {
+    return !xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
+                     QStringLiteral("^Tavrelon$")})
+                .isEmpty();
+}
+
+void RunningTavrelon::closeDashboard() {
+    xdotool({QStringLiteral("key"), QStringLiteral("alt+F4")});
+    if (!eventually([] { return !isDashboardOpen(); }))
+        throw std::runtime_error("the dashboard does not close: " + log().toStdString());
+}
+
+text::Json RunningTavrelon::settings() const {
+    return text::parseJson(contentsOf(home_.filePath(QStringLiteral("config/Tavrelon/tavrelon.settings"))));
 }
 
 RunningTavrelon::~RunningTavrelon() {

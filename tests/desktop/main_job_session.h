@@ -7,6 +7,7 @@
 
 #include "support/stand_in_service.h"
 #include "support/xtest_keyboard.h"
+#include "text/json.h"
 
 namespace tavrelon::testing {
 
@@ -16,8 +17,11 @@ bool eventually(const std::function<bool()>& condition, std::chrono::millisecond
 /// The program itself, started as its user would start it, with a model service of the test's own.
 class RunningTavrelon {
  public:
-    /// Starts it and waits until it listens. Throws when it does not.
-    explicit RunningTavrelon(StandInService& service);
+    enum class Dashboard { Closed, Open };
+
+    /// Starts it, waits until it listens and its dashboard shows, and closes that as a user would unless it is to stay.
+    /// Throws when nothing of the kind happens.
+    explicit RunningTavrelon(StandInService& service, Dashboard dashboard = Dashboard::Closed);
     ~RunningTavrelon();
 
     QString log() const;
@@ -31,7 +35,15 @@ class RunningTavrelon {
     /// Ends it as a logout would, and gives its exit status.
     int terminate();
 
+    /// Whether the dashboard is on the screen.
+    static bool isDashboardOpen();
+
+    /// The stored settings.
+    text::Json settings() const;
+
  private:
+    void closeDashboard();
+
     QTemporaryDir home_;
     mutable QProcess process_;
 };

@@ -65,7 +65,9 @@ Item {
                 }
             }
             Column {
-                anchors { top: mark.bottom; topMargin: 22; horizontalCenter: parent.horizontalCenter }
+                id: tabs
+                readonly property real room: sidebar.height - mark.y - mark.height - foot.height - 44
+                anchors { top: mark.bottom; topMargin: 20; horizontalCenter: parent.horizontalCenter }
                 spacing: 6
                 Accessible.role: Accessible.PageTabList
                 Accessible.name: view.texts.name
@@ -75,6 +77,7 @@ Item {
                     SidebarButton {
                         required property int index
                         readonly property var tab: view.model.tabs[index]
+                        height: Math.min(48, tabs.room / view.model.tabs.length - tabs.spacing)
                         icon: tab.symbol
                         name: tab.name
                         isSelected: view.model.selection === index
@@ -83,7 +86,8 @@ Item {
                 }
             }
             Column {
-                anchors { bottom: parent.bottom; bottomMargin: 16; horizontalCenter: parent.horizontalCenter }
+                id: foot
+                anchors { bottom: parent.bottom; bottomMargin: 12; horizontalCenter: parent.horizontalCenter }
                 spacing: 4
 
                 SidebarButton {
@@ -101,6 +105,7 @@ Item {
                     corner: 12
                     name: view.texts.donate
                     toolTip: view.texts.donateTip
+                    toolTipBeside: true
                     onTriggered: view.model.donate()
 
                     Rectangle {

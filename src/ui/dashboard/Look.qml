@@ -27,10 +27,12 @@ QtObject {
     readonly property int smallSize: 12
     readonly property int quick: 120     ///< milliseconds of a change of colour
 
-    readonly property string fontFamily: {
-        const installed = Qt.fontFamilies();
-        const wanted = ["Avenir Next", "Noto Sans CJK SC", "Source Han Sans SC", "Noto Sans"];
-        return wanted.find(name => installed.includes(name)) ?? Qt.application.font.family;
+    readonly property var installedFamilies: Qt.fontFamilies()
+    readonly property string fontFamily: firstInstalled(["Avenir Next", "Noto Sans CJK SC", "Source Han Sans SC"])
+    readonly property string keyFamily: firstInstalled(["DejaVu Sans Mono", "DejaVu Sans"])   ///< has the symbols of all keys
+
+    function firstInstalled(families) {
+        return families.find(family => installedFamilies.includes(family)) ?? Qt.application.font.family;
     }
 
     function white(opacity) {

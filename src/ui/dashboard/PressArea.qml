@@ -6,6 +6,7 @@ FocusScope {
 
     property string name             ///< for assistive technology
     property string toolTip
+    property bool toolTipBeside: false
     property real corner: Look.fieldCorner
     property bool isAvailable: true  ///< false dims it and takes it out of use
     readonly property bool hovered: mouse.containsMouse
@@ -37,5 +38,5 @@ FocusScope {
         onClicked: control.triggered()
     }
     FocusRing { corner: control.corner; target: control }
-    ToolTip { text: control.toolTip; target: control; wanted: control.hovered && !control.pressed }
+    ToolTip { text: control.toolTip; target: control; wanted: control.hovered && !control.pressed; isBeside: control.toolTipBeside }
 }

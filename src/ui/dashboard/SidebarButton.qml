@@ -10,9 +10,10 @@ PressArea {
     property color tint: Look.accent
 
     width: 48
-    height: 48
+    height: 48                         // less in a low window
     corner: 13
     toolTip: name
+    toolTipBeside: true
     Accessible.role: Accessible.PageTab
     Accessible.selectable: true
     Accessible.selected: isSelected

@@ -1,12 +1,13 @@
 import QtQuick
 
-/// A line of text that shows under, or over, its target once `wanted` has held for a moment.
+/// A line of text that shows beside its target once `wanted` has held for a moment.
 Loader {
     id: tip
 
     property string text
     property Item target: parent
     property bool wanted: false
+    property bool isBeside: false      ///< to the right of the target rather than below
 
     active: false
     onWantedChanged: if (!wanted) active = false
@@ -22,6 +23,12 @@ Loader {
         function place() {
             const window = tip.Window.contentItem;
             parent = window;
+            if (tip.isBeside) {
+                const beside = tip.target.mapToItem(window, tip.target.width + 10, (tip.target.height - height) / 2);
+                x = beside.x;
+                y = Math.max(8, Math.min(beside.y, window.height - height - 8));
+                return;
+            }
             const below = tip.target.mapToItem(window, 0, tip.target.height + 6);
             x = Math.max(8, Math.min(below.x + (tip.target.width - width) / 2, window.width - width - 8));
             y = below.y + height + 8 <= window.height ? below.y : below.y - tip.target.height - height - 12;

@@ -20,10 +20,10 @@ PressArea {
         text: recorder.key
         color: recorder.isRecording ? Look.accent : Look.primary
         font {
-            family: Look.fontFamily
+            family: recorder.isRecording ? Look.fontFamily : Look.keyFamily
             pixelSize: recorder.isRecording ? 12 : 14
-            weight: Font.DemiBold
-            letterSpacing: recorder.isRecording ? 0 : 1.5
+            weight: recorder.isRecording ? Font.DemiBold : Font.Normal
+            letterSpacing: recorder.isRecording ? 0 : 1
         }
     }
 }

@@ -18,6 +18,9 @@ namespace {
 constexpr double shortestTimeout = 0.5;
 constexpr double longestTimeout = 30.0;
 
+/// The listener sees a key later than our window does, and a finger leaves it later still.
+constexpr std::chrono::milliseconds afterglow{400};
+
 const HotkeyRow* rowAt(int index) {
     return index >= 0 && index < static_cast<int>(hotkeyRows.size()) ? &hotkeyRows[static_cast<std::size_t>(index)]
                                                                      : nullptr;
@@ -42,6 +45,7 @@ HotkeysSettingsModel::HotkeysSettingsModel(Services services)
 
 HotkeysSettingsModel::~HotkeysSettingsModel() {
     setRecording({});
+    services_.manager.isRecordingKeys = false;
 }
 
 int HotkeysSettingsModel::rowCount() const {
@@ -140,11 +144,14 @@ void HotkeysSettingsModel::setRecording(std::vector<int> rows) {
     if (rows == recording_)
         return;
     recording_ = std::move(rows);
-    services_.manager.isRecordingKeys = !recording_.empty();
-    if (recording_.empty())
+    if (recording_.empty()) {
         services_.keys.release();
-    else
+        afterglow_ = services_.mainLoop.after(afterglow, [this] { services_.manager.isRecordingKeys = false; });
+    } else {
+        afterglow_.reset();
+        services_.manager.isRecordingKeys = true;
         services_.keys.capture([this](const KeyEvent& event) { return handle(event); });
+    }
     Q_EMIT changed();
 }
 

@@ -63,6 +63,7 @@ class HotkeysSettingsModel : public PageModel {
 
     Services services_;
     std::vector<int> recording_;  ///< the rows whose key caps record, the latest last
+    async::Timer afterglow_;      ///< runs while keys that were recorded may still reach the hotkeys
     async::Lifetime lifetime_;
 };
 

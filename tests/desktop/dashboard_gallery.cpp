@@ -1,0 +1,78 @@
+// dashboard_gallery FOLDER: opens every page of the dashboard in both languages, as it is at first and as it is with
+// something in it, and writes a picture of each.
+#include "desktop/dashboard_gallery.h"
+
+#include <QApplication>
+
+#include "ui/settings/hotkeys_settings_model.h"
+
+using namespace tavrelon;
+using namespace std::chrono_literals;
+using tavrelon::testing::DashboardGallery;
+using ui::DashboardTab;
+
+namespace {
+
+void pictureShell(DashboardGallery& gallery) {
+    gallery.picture(QStringLiteral("help"), DashboardTab::settings, [](DashboardGallery& shown) {
+        shown.settle();
+        shown.dashboard.model()->setProperty("showingHelp", true);
+    });
+    gallery.picture(QStringLiteral("tool-tip"), DashboardTab::settings, [](DashboardGallery& shown) {
+        shown.hover({44, 190});
+        shown.settle(900ms);
+    });
+    gallery.picture(QStringLiteral("focus-sidebar"), DashboardTab::settings,
+                    [](DashboardGallery& shown) { shown.tab(2); });
+}
+
+void pictureGeneral(DashboardGallery& gallery) {
+    gallery.picture(QStringLiteral("settings"), DashboardTab::settings);
+    gallery.picture(QStringLiteral("settings-focus"), DashboardTab::settings, [](DashboardGallery& shown) {
+        shown.change([](auto& settings) {
+            settings.visionModelPreference = QStringLiteral("quality");
+            settings.enableNvidiaThink = settings.shareImprovements = true;
+        });
+        shown.tab(static_cast<int>(shown.pages.size()) + 2 + 2 + 3);
+    });
+    gallery.change([](auto& settings) { settings = persistence::defaultSettings(); });
+}
+
+void pictureHotkeys(DashboardGallery& gallery) {
+    gallery.picture(QStringLiteral("hotkeys"), DashboardTab::hotkeys);
+    gallery.picture(QStringLiteral("hotkeys-recording"), DashboardTab::hotkeys, [](DashboardGallery& shown) {
+        shown.change([](auto& settings) {
+            settings.hotkeysEnabled = settings.floatingInputHotkeyEnabled = false;
+            settings.videoHotkey = {122, keys::commandFlag};
+            settings.voiceInputSilenceTimeoutSeconds = 12.5;
+        });
+        shown.page<ui::HotkeysSettingsModel>().toggleRecording(0);
+        shown.scrollDown();
+        shown.page<ui::HotkeysSettingsModel>().toggleRecording(6);
+    });
+    gallery.picture(QStringLiteral("hotkeys-off"), DashboardTab::hotkeys,
+                    [](DashboardGallery& shown) { shown.page<ui::HotkeysSettingsModel>().toggleRecording(0); });
+    gallery.change([](auto& settings) { settings = persistence::defaultSettings(); });
+}
+
+void picturePermissions(DashboardGallery& gallery) {
+    gallery.picture(QStringLiteral("permissions"), DashboardTab::privacy);
+    gallery.permission = platform::AuthorizationStatus::Authorized;
+    gallery.picture(QStringLiteral("permissions-granted"), DashboardTab::privacy);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QUICK_BACKEND", "software");
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const QDir folder(QString::fromLocal8Bit(argc > 1 ? argv[1] : "."));
+    folder.mkpath(QStringLiteral("."));
+    DashboardGallery gallery(folder);
+    pictureGeneral(gallery);
+    pictureHotkeys(gallery);
+    picturePermissions(gallery);
+    pictureShell(gallery);
+    return 0;
+}

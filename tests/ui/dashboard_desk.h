@@ -1,0 +1,71 @@
+#pragma once
+
+#include "generation/pollinations_service.h"
+#include "support/fake_raw_keys.h"
+#include "support/qt_gtest.h"
+#include "support/test_desktop.h"
+#include "ui/dashboard/dashboard_model.h"
+#include "ui/settings/general_settings_model.h"
+#include "ui/settings/hotkeys_settings_model.h"
+#include "ui/settings/privacy_settings_model.h"
+
+namespace tavrelon::testing {
+
+/// A defaults store that lets a test look around at the moment of each write.
+class WatchedDefaultsStore : public MemoryDefaultsStore {
+ public:
+    std::function<void()> onWrite = [] {};
+    bool setData(const QString& key, const QByteArray& value) override {
+        onWrite();
+        return MemoryDefaultsStore::setData(key, value);
+    }
+};
+
+/// The models of the shell and of the pages of settings over fakes.
+struct DashboardDesk {
+    TestDesktop desktop;
+    WatchedDefaultsStore store;
+    persistence::StorageManager storage{store, desktop.fileSystem, desktop.log, desktop.loop,
+                                        desktop.platform.applicationSupport};
+    generation::PollinationsService service{
+        desktop.loop, desktop.httpSession, desktop.log, generation::ServiceEndpoints::builtIn(), {}};
+    hotkeys::HotkeyManager manager{desktop.platform};
+    FakeRawKeys keys;
+    std::vector<bool> shownStates;  ///< what the overlay of all hotkeys showed
+    int donations = 0;
+    platform::AuthorizationStatus microphone = platform::AuthorizationStatus::NotDetermined;
+    int microphoneRequests = 0;
+
+    ui::GeneralSettingsModel general{storage, service};
+    ui::HotkeysSettingsModel hotkeys{
+        {desktop.loop, storage, manager, keys, [this](bool enabled) { shownStates.push_back(enabled); }}};
+    ui::PrivacySettingsModel privacy{storage, permissions()};
+    std::vector<ui::DashboardPage> pages = emptyPages();
+    ui::DashboardModel shell{storage, pages, [this] { ++donations; }};
+
+    persistence::AppSettings stored() const {
+        return persistence::appSettingsFrom(text::parseJson(*store.data(persistence::defaults_keys::settings)));
+    }
+
+ private:
+    platform::Permissions permissions() {
+        using enum platform::AuthorizationStatus;
+        return {{[] { return Authorized; }, [] {}},
+                {[] { return Denied; }, [] {}},
+                {[this] { return microphone; },
+                 [this] {
+                     ++microphoneRequests;
+                     microphone = Authorized;
+                 }}};
+    }
+    std::vector<ui::DashboardPage> emptyPages() {
+        std::vector<ui::DashboardPage> list;
+        for (const auto& look : ui::dashboardTabs)
+            list.push_back({look.tab, look.english.toString(), [this] {
+                                return std::make_unique<ui::PageModel>(storage, std::span<const ui::PageText>());
+                            }});
+        return list;
+    }
+};
+
+}  // namespace tavrelon::testing
