@@ -6,7 +6,7 @@
 namespace tavrelon::text {
 
 /// The most UTF-16 units of a text that a view lays out at once.
-inline constexpr qsizetype longestPiece = 2000;
+inline constexpr qsizetype longestPiece = 3000;
 
 /// The text cut into pieces that a view can lay out one at a time, at ends of lines where there are any, else between
 /// words, else between characters. A line end at which it was cut is in no piece: the next piece begins a new line.

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 
+#include "desktop/dashboard_gallery_pages.h"
 #include "ui/settings/hotkeys_settings_model.h"
 
 using namespace tavrelon;
@@ -72,6 +73,9 @@ int main(int argc, char** argv) {
     DashboardGallery gallery(folder);
     pictureGeneral(gallery);
     pictureHotkeys(gallery);
+    pictureClone(gallery);
+    pictureProviders(gallery);
+    pictureHistory(gallery);
     picturePermissions(gallery);
     pictureShell(gallery);
     return 0;

@@ -9,11 +9,14 @@
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_windows.h"
+#include "support/fake_file_picker.h"
 #include "support/fake_raw_keys.h"
 #include "support/run_task_on_qt.h"
 #include "support/test_desktop.h"
 #include "ui/dashboard/dashboard_window_controller.h"
+#include "ui/history/history_page.h"
 #include "ui/settings/pages.h"
+#include "ui/settings/service_pages.h"
 
 namespace tavrelon::testing {
 
@@ -29,11 +32,16 @@ class DashboardGallery {
     app::AppState appState{desktop.platform, desktop.userInterface, generation::ServiceEndpoints::builtIn(),
                            [](const QString&) {}};
     FakeRawKeys keys;
+    FakeFilePicker picker{desktop.loop};
     platform::AuthorizationStatus permission = platform::AuthorizationStatus::Denied;
     desktop::QtMainLoop loop;
     desktop::StandardOutputLog log;
     desktop::QtWindows windows{loop, log};
-    std::vector<ui::DashboardPage> pages{ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys),
+    std::vector<ui::DashboardPage> pages{ui::generalSettingsPage(appState),
+                                         ui::hotkeysPage(appState, keys),
+                                         ui::clonePage(appState, desktop.platform, picker),
+                                         ui::providersPage(appState, desktop.platform),
+                                         ui::historyPage(appState),
                                          ui::privacyPage(appState, permissions())};
     ui::DashboardWindowController dashboard{windows, appState.storageManager(), pages, [] {}};
 

@@ -40,10 +40,11 @@ Item {
     }
     ListView {
         id: list
+        objectName: "conversation"
         anchors { left: parent.left; right: parent.right; top: line.bottom; bottom: parent.bottom }
         clip: true
         boundsBehavior: Flickable.StopAtBounds
-        bottomMargin: 20
+        footer: Item { width: 1; height: 20 }
         model: view.model.conversation
         activeFocusOnTab: true
         keyNavigationEnabled: false
@@ -54,7 +55,7 @@ Item {
                 [Qt.Key_Up]: -60, [Qt.Key_Down]: 60, [Qt.Key_PageUp]: 40 - height, [Qt.Key_PageDown]: height - 40
             })[event.key];
             if (step !== undefined) {
-                contentY = Math.max(originY, Math.min(contentY + step, originY + contentHeight + bottomMargin - height));
+                contentY = Math.max(originY, Math.min(contentY + step, originY + contentHeight - height));
             } else if (event.key === Qt.Key_Home) {
                 positionViewAtBeginning();
             } else if (event.key === Qt.Key_End) {

@@ -1,4 +1,5 @@
 import QtQuick
+import "qrc:/tavrelon/ui/theme"
 import "qrc:/tavrelon/ui/dashboard"
 
 /// One piece of a message: the first has the label and the upper corners, the last the lower ones. A picture stands
@@ -54,9 +55,9 @@ Item {
             y: bubble.isFirst ? 0 : -bubble.corner
             height: parent.height + (bubble.isFirst ? 0 : bubble.corner) + (bubble.isLast ? 0 : bubble.corner)
             radius: bubble.corner
-            color: Look.faded(bubble.tint, bubble.role === "edited" ? 0.1 : 0.2)
+            color: Theme.mixed(Look.night, bubble.tint, bubble.role === "edited" ? 0.12 : 0.22)
             border.width: 1
-            border.color: Look.faded(bubble.tint, bubble.role === "edited" ? 0.2 : 0.38)
+            border.color: Theme.mixed(Look.night, bubble.tint, bubble.role === "edited" ? 0.26 : 0.45)
         }
         Item {
             id: content

@@ -13,7 +13,7 @@ Item {
         id: side
         width: 236
         anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
-        color: Look.white(0.03)
+        color: Look.faded(Look.night, 0.6)
         EdgeBorder { edges: Qt.RightEdge }
 
         GlassTextField {

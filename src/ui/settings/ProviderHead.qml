@@ -11,6 +11,7 @@ GlassCard {
     property color tint
 
     width: parent.width
+    padding: 12
 
     Item {
         width: parent.width
@@ -18,6 +19,7 @@ GlassCard {
 
         SymbolBadge {
             id: badge
+            x: 4
             anchors.verticalCenter: parent.verticalCenter
             name: head.imageName
             tint: head.tint

@@ -12,7 +12,7 @@ PressArea {
     property bool isEnabled: false     ///< switched on
     property color tint: Look.accent
 
-    implicitHeight: 96
+    implicitHeight: 64
     corner: Look.corner
     name: title
     Accessible.role: Accessible.PageTab
@@ -30,17 +30,16 @@ PressArea {
         radius: tile.corner
         color: tile.isSelected ? Look.faded(tile.tint, 0.1) : Look.white(tile.pressed ? 0.07 : tile.hovered ? 0.04 : 0)
     }
-    Column {
-        anchors.centerIn: parent
-        spacing: 9
+    Row {
+        anchors { left: parent.left; leftMargin: Look.padding; verticalCenter: parent.verticalCenter }
+        spacing: 12
 
         SymbolBadge {
-            anchors.horizontalCenter: parent.horizontalCenter
             name: tile.imageName
             tint: tile.isSelected || tile.isEnabled ? tile.tint : Look.white(0.6)
         }
         Text {
-            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.verticalCenter: parent.verticalCenter
             text: tile.title
             color: tile.isSelected ? Look.primary : Look.secondary
             font { family: Look.fontFamily; pixelSize: Look.bodySize; weight: Font.DemiBold }
@@ -48,9 +47,9 @@ PressArea {
     }
     Symbol {
         visible: tile.isEnabled
-        anchors { right: parent.right; top: parent.top; margins: 10 }
+        anchors { right: parent.right; rightMargin: Look.padding; verticalCenter: parent.verticalCenter }
         name: "checkmark.circle.fill"
-        size: 17
+        size: 18
         color: tile.tint
     }
 }
