@@ -22,13 +22,13 @@ void check(const Call& call) {
             QStringLiteral("GLM model %1 does not support base64 image input").arg(identifier(call.model)));
 }
 
-Json messages(const Call& call) {
+Json messages(const Call& call, chat_wire::Pictures& pictures) {
     auto list = Json::array();
     if (!call.prompt.system.isEmpty())
         list.push_back(chat_wire::message("system", text::toJson(call.prompt.system)));
     auto content = text::toJson(call.prompt.user);
     if (call.prompt.image && call.model == PollinationsModel::glmVision)
-        content = Json::array({chat_wire::imagePart(*call.prompt.image), chat_wire::textPart(call.prompt.user)});
+        content = Json::array({pictures.part(*call.prompt.image), chat_wire::textPart(call.prompt.user)});
     list.push_back(chat_wire::message("user", std::move(content)));
     return list;
 }
@@ -70,9 +70,10 @@ platform::HttpRequest buildRequest(const Call& call) {
     const auto url = chat_wire::formUrl(call.baseURL + QStringLiteral("/chat/completions"));
     if (!url)  // a fault of the build's configuration
         throw PollinationsError::invalidURL();
+    chat_wire::Pictures pictures;
     const Json body = {
         {"model", text::toJson(identifier(call.model))},
-        {"messages", messages(call)},
+        {"messages", messages(call, pictures)},
         {"stream", false},
         {"temperature", chat_wire::decimal(call.prompt.temperature)},
         {"top_p", 0.95},
@@ -82,7 +83,7 @@ platform::HttpRequest buildRequest(const Call& call) {
         {"response_format", {{"type", responseFormat(call)}}},
         {"thinking", {{"type", "enabled"}, {"clear_thinking", true}}},
     };
-    return chat_wire::jsonPost(*url, call.key, body);
+    return chat_wire::jsonPost(*url, call.key, body, pictures);
 }
 
 QString readResponse(const platform::HttpResponse& response) {

@@ -42,14 +42,14 @@ bool takesImages(PollinationsModel model) {
            model == PollinationsModel::glmVisionFlash;
 }
 
-Json userContent(const Call& call) {
+Json userContent(const Call& call, chat_wire::Pictures& pictures) {
     const auto text = text::trimmedOrAbsent(call.prompt.user).value_or(u"Describe the visual content."_s);
     const auto images = imagesOf(call);
     if (images.empty() || !takesImages(call.model))
         return text::toJson(text);
     auto parts = Json::array({chat_wire::textPart(text)});
     for (const auto& image : images)
-        parts.push_back(chat_wire::imagePart(image));
+        parts.push_back(pictures.part(image));
     return parts;
 }
 
@@ -72,17 +72,18 @@ platform::HttpRequest buildRequest(const Call& call) {
     if (!url)
         throw PollinationsError::invalidURL();
     const auto system = applyThinkDirective(call.prompt.system, call.thinking, call.thinkEnabled);
+    chat_wire::Pictures pictures;
     Json body = {
         {"model", text::toJson(identifier(call.model))},
         {"messages", Json::array({chat_wire::message("system", text::toJson(system)),
-                                  chat_wire::message("user", userContent(call))})},
+                                  chat_wire::message("user", userContent(call, pictures))})},
         {"stream", false},
         {"temperature", chat_wire::decimal(call.prompt.temperature)},
         {"top_p", 1},
     };
     if (call.prompt.maxTokens >= 1)
         body["max_tokens"] = call.prompt.maxTokens;
-    auto request = chat_wire::jsonPost(*url, call.key, body);
+    auto request = chat_wire::jsonPost(*url, call.key, body, pictures);
     request.headers.emplace_back("Accept", "application/json");
     return request;
 }

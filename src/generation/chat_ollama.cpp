@@ -25,13 +25,13 @@ void check(const Call& call) {
         throw PollinationsError::configurationMissing(u"Ollama cloud API key is required"_s);
 }
 
-Json messages(const Call& call) {
+Json messages(const Call& call, chat_wire::Pictures& pictures) {
     auto list = Json::array();
     if (!call.systemPrompt.isEmpty())
         list.push_back(chat_wire::message("system", text::toJson(call.systemPrompt)));
     auto user = chat_wire::message("user", text::toJson(call.userPrompt));
     if (call.image)
-        user["images"] = Json::array({call.image->toBase64().toStdString()});
+        user["images"] = Json::array({pictures.base64(*call.image)});
     list.push_back(std::move(user));
     return list;
 }
@@ -73,12 +73,13 @@ platform::HttpRequest buildRequest(const Call& call) {
     const auto url = chat_wire::formUrl(call.url);
     if (!url)
         throw PollinationsError::invalidURL();
+    chat_wire::Pictures pictures;
     const Json body = {
         {"model", text::toJson(*call.model)},
-        {"messages", messages(call)},
+        {"messages", messages(call, pictures)},
         {"stream", false},
     };
-    return chat_wire::jsonPost(*url, call.key, body);
+    return chat_wire::jsonPost(*url, call.key, body, pictures);
 }
 
 QString readResponse(const platform::HttpResponse& response) {

@@ -9,11 +9,11 @@ using text::Json;
 
 namespace {
 
-Json userContent(const Call& call) {
+Json userContent(const Call& call, chat_wire::Pictures& pictures) {
     const auto& prompt = call.prompt;
     if (!prompt.image || call.imageCapable == ImageCapability::No)
         return text::toJson(prompt.user);
-    auto image = chat_wire::imagePart(*prompt.image);
+    auto image = pictures.part(*prompt.image);
     image["image_url"]["detail"] = "auto";
     return Json::array({chat_wire::textPart(prompt.user), std::move(image)});
 }
@@ -24,16 +24,17 @@ platform::HttpRequest buildRequest(const Call& call) {
     const auto url = chat_wire::formUrl(call.baseURL + genChatCompletionsPath);
     if (!url)
         throw PollinationsError::invalidURL();
+    chat_wire::Pictures pictures;
     Json body = {
         {"model", text::toJson(call.model)},
         {"messages", Json::array({chat_wire::message("system", text::toJson(call.prompt.system)),
-                                  chat_wire::message("user", userContent(call))})},
+                                  chat_wire::message("user", userContent(call, pictures))})},
         {"max_tokens", call.prompt.maxTokens},
         {"temperature", chat_wire::decimal(call.prompt.temperature)},
     };
     if (call.jsonMode == JsonMode::On)
         body["response_format"] = {{"type", "json_object"}};
-    return chat_wire::jsonPost(*url, call.key, body);
+    return chat_wire::jsonPost(*url, call.key, body, pictures);
 }
 
 QString readResponse(const platform::HttpResponse& response) {

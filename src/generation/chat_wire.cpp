@@ -10,6 +10,21 @@ namespace tavrelon::generation::chat_wire {
 
 using text::Json;
 
+namespace {
+
+qsizetype base64Size(qsizetype bytes) {
+    return (bytes + 2) / 3 * 4;
+}
+
+/// Piece by piece: what a whole conversion would hold beside the result is a second picture.
+void appendBase64(QByteArray& text, const QByteArray& bytes) {
+    constexpr qsizetype piece = 3 * 8 * 1024;
+    for (qsizetype from = 0; from < bytes.size(); from += piece)
+        text += QByteArray::fromRawData(bytes.constData() + from, std::min(piece, bytes.size() - from)).toBase64();
+}
+
+}  // namespace
+
 std::optional<QUrl> formUrl(const QString& text) {
     QUrl url(text, QUrl::StrictMode);
     if (url.isEmpty() || !url.isValid())
@@ -31,18 +46,55 @@ Json textPart(const QString& text) {
     return {{"type", "text"}, {"text", text::toJson(text)}};
 }
 
-Json imagePart(const QByteArray& jpeg) {
-    return {{"type", "image_url"}, {"image_url", {{"url", "data:image/jpeg;base64," + jpeg.toBase64().toStdString()}}}};
+Json Pictures::dataUrl(const QByteArray& jpeg) {
+    return mark(QLatin1StringView("data:image/jpeg;base64,"), jpeg);
 }
 
-platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& key, const Json& body) {
+Json Pictures::base64(const QByteArray& jpeg) {
+    return mark({}, jpeg);
+}
+
+Json Pictures::part(const QByteArray& jpeg) {
+    return {{"type", "image_url"}, {"image_url", {{"url", dataUrl(jpeg)}}}};
+}
+
+/// A binary value, which prints as something that no text in a document can print as: its quotes have no backslash.
+Json Pictures::mark(QLatin1StringView head, const QByteArray& jpeg) {
+    pictures_.push_back({head, jpeg});
+    return Json::binary({}, pictures_.size() - 1);
+}
+
+QByteArray Pictures::write(const Json& document) const {
+    static constexpr QByteArrayView markHead(R"({"bytes":[],"subtype":)");
+    const auto text = text::compactJson(document);
+    qsizetype size = text.size();
+    for (const auto& picture : pictures_)
+        size += base64Size(picture.jpeg.size()) + picture.head.size();
+    QByteArray written;
+    written.reserve(size);
+    qsizetype from = 0;
+    for (auto at = text.indexOf(markHead); at >= 0; at = text.indexOf(markHead, from)) {
+        written += QByteArrayView(text).sliced(from, at - from);
+        from = text.indexOf('}', at) + 1;
+        const auto number = text.sliced(at + markHead.size(), from - 1 - at - markHead.size());
+        const auto& picture = pictures_.at(number.toULongLong());
+        written += '"';
+        written += QByteArrayView(picture.head.data(), picture.head.size());
+        appendBase64(written, picture.jpeg);
+        written += '"';
+    }
+    return written += QByteArrayView(text).sliced(from);
+}
+
+platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& key, const Json& body,
+                               const Pictures& pictures) {
     platform::HttpRequest request;
     request.method = "POST";
     request.url = url;
     request.requestTimeout = requestTimeout;
     request.headers.emplace_back("Content-Type", "application/json");
     authorize(request, key);
-    request.body = text::compactJson(body);
+    request.body = pictures.write(body);
     return request;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QUrl>
 #include <optional>
+#include <vector>
 
 #include "platform/http_session.h"
 #include "text/json.h"
@@ -21,11 +22,34 @@ text::Json decimal(float value);
 text::Json message(const char* role, text::Json content);
 text::Json textPart(const QString& text);
 
-/// {"type": "image_url", ...} with the JPEG as a data URL.
-text::Json imagePart(const QByteArray& jpeg);
+/// The pictures of one request. In its document each is only a mark; the base64 is written straight into the bytes that
+/// are sent, so that a large picture is there once and not four times.
+class Pictures {
+ public:
+    /// The JPEG as a data URL, and as bare base64: values for the document.
+    text::Json dataUrl(const QByteArray& jpeg);
+    text::Json base64(const QByteArray& jpeg);
+
+    /// {"type": "image_url", ...} with the JPEG as a data URL.
+    text::Json part(const QByteArray& jpeg);
+
+    /// The document with the pictures in their places, without white space.
+    QByteArray write(const text::Json& document) const;
+
+ private:
+    struct Picture {
+        QLatin1StringView head;
+        QByteArray jpeg;
+    };
+
+    text::Json mark(QLatin1StringView head, const QByteArray& jpeg);
+
+    std::vector<Picture> pictures_;
+};
 
 /// A POST of the document. The Authorization header goes out only with a key that is not empty.
-platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& key, const text::Json& body);
+platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& key, const text::Json& body,
+                               const Pictures& pictures = {});
 
 /// "Authorization: Bearer" and the key, appended only when there is one.
 void authorize(platform::HttpRequest& request, const std::optional<QString>& key);

@@ -6,6 +6,13 @@
 #include "desktop/documents/html_charset.h"
 #include "desktop/documents/plain_text.h"
 #include "desktop/documents/rtf_text.h"
+#include "generation/chat_glm.h"
+#include "generation/chat_nvidia.h"
+#include "generation/chat_ollama.h"
+#include "generation/chat_pollinations.h"
+#include "generation/image_tool_call.h"
+#include "generation/image_wire.h"
+#include "generation/prompt_template.h"
 #include "learning/clone_error.h"
 #include "learning/clone_profile.h"
 #include "learning/clone_scrape.h"
@@ -84,16 +91,75 @@ void readMarkup(const QByteArray& bytes) {
     require(desktop::htmlMarkup(bytes).size() <= 2 * bytes.size() + 2, "more text than bytes");
 }
 
+/// A model service's answer gives a value, or an error that the user may read.
+template <typename Read>
+void readAnswer(const QByteArray& bytes, Read read) {
+    try {
+        read(platform::HttpResponse{.status = 200, .body = bytes});
+    } catch (const text::LocalizedError& error) {
+        require(!error.localizedDescription().isEmpty(), "an error says nothing");
+        require(error.localizedDescription().size() <= bytes.size() + 100, "an error says too much");
+    }
+}
+
+template <QString (*read)(const platform::HttpResponse&)>
+void readChat(const QByteArray& bytes) {
+    readAnswer(bytes, [&bytes](const auto& response) {
+        require(read(response).size() <= bytes.size(), "more text than bytes");
+    });
+}
+
+void readOllama(const QByteArray& bytes) {
+    readChat<generation::chat_ollama::readResponse>(bytes);
+    readAnswer(bytes, [](const auto& response) {
+        require(!generation::chat_ollama::readModelList(response).isEmpty(), "an empty list of models");
+    });
+}
+
+void readImageAnswer(const QByteArray& bytes) {
+    readAnswer(bytes, [&bytes](const auto& response) {
+        const auto found = generation::image_wire::readGLMAnswer(response);
+        if (const auto* image = std::get_if<QByteArray>(&found))
+            require(image->size() < bytes.size(), "more picture than bytes");
+        else
+            require(std::get<QUrl>(found).isValid(), "an address that is none");
+    });
+}
+
+void readToolCall(const QByteArray& bytes) {
+    const auto prompt = generation::parseImageToolCall(QString::fromUtf8(bytes));
+    require(!prompt || !prompt->trimmed().isEmpty(), "a tool is asked for nothing");
+}
+
+void readPromptTemplate(const QByteArray& bytes) {
+    try {
+        const auto object = text::parseJson(bytes);
+        if (!object.is_object())
+            return;
+        generation::isStructuredTemplate(object);
+        const auto phrases = generation::flattenPromptTemplate(object);
+        require(!phrases || !phrases->trimmed().isEmpty(), "a picture of nothing");
+    } catch (const text::JsonError&) {  // a bad document is named as such
+    }
+}
+
 }  // namespace
 
-const std::array<Target, 9> targets{{{"settings", readSettings},
-                                     {"scenes", readScenes},
-                                     {"history", readHistory},
-                                     {"learner_state", readLearnerState},
-                                     {"scrape_response", readScrapeResponse},
-                                     {"profile", readProfile},
-                                     {"rtf", readRtf},
-                                     {"plain_text", readPlainText},
-                                     {"markup", readMarkup}}};
+const std::array<Target, 16> targets{{{"settings", readSettings},
+                                      {"scenes", readScenes},
+                                      {"history", readHistory},
+                                      {"learner_state", readLearnerState},
+                                      {"scrape_response", readScrapeResponse},
+                                      {"profile", readProfile},
+                                      {"rtf", readRtf},
+                                      {"plain_text", readPlainText},
+                                      {"markup", readMarkup},
+                                      {"chat_gateway", readChat<generation::chat_pollinations::readResponse>},
+                                      {"chat_glm", readChat<generation::chat_glm::readResponse>},
+                                      {"chat_nvidia", readChat<generation::chat_nvidia::readResponse>},
+                                      {"chat_ollama", readOllama},
+                                      {"tool_call", readToolCall},
+                                      {"image_answer", readImageAnswer},
+                                      {"prompt_template", readPromptTemplate}}};
 
 }  // namespace tavrelon::fuzz

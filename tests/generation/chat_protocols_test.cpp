@@ -4,6 +4,7 @@
 #include "generation/chat_nvidia.h"
 #include "generation/chat_ollama.h"
 #include "generation/chat_pollinations.h"
+#include "generation/chat_wire.h"
 #include "generation/pollinations_error.h"
 #include "support/qt_gtest.h"
 #include "text/json.h"
@@ -98,6 +99,16 @@ TEST(ChatPollinations, ReadsItsAnswers) {
     EXPECT_THROW(chat_pollinations::readResponse(answer("")), text::JsonError);
     EXPECT_THROW(chat_pollinations::readResponse(answer("{\"choices\":[{\"message\":{\"content\":\"\xff\"}}]}")),
                  text::JsonError);
+}
+
+TEST(ChatPictures, StandWhereTheDocumentSaysWhateverTheTextsHold) {
+    chat_wire::Pictures pictures;
+    const auto large = QByteArray("\xff\xd8\x00", 3).repeated(20'000) + "\x01";  // longer than one piece
+    const auto first = pictures.dataUrl("\xff\xd8");
+    const auto second = pictures.base64(large);
+    const text::Json document = {{"text", R"({"bytes":[],"subtype":0})"}, {"list", text::Json::array({second, first})}};
+    EXPECT_EQ(pictures.write(document), R"({"text":"{\"bytes\":[],\"subtype\":0}","list":[")" + large.toBase64() +
+                                            R"(","data:image/jpeg;base64,/9g="]})");
 }
 
 TEST(ChatGLM, BuildsItsRequests) {
