@@ -56,6 +56,12 @@ class Field:
             self.text = ""
         time.sleep(0.15)
 
+    def start_again(self):
+        """Puts a field whose content nobody knows back into a known state."""
+        self.clear()
+        if self.is_terminal:
+            self.text = self._held()
+
     def type(self, places):
         self.desk.keyboard.type_places(places)
         time.sleep(0.25)
