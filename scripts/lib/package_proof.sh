@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs build/tavrelon.deb in a fresh root, works with it there, and removes it. Called by scripts/package.
 set -euo pipefail
-place=$PWD/build/package
+place=$PWD/build/fresh-root
 root=$place/root
 say() { printf '\n== %s\n' "$*"; }
 in_root() { chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }

@@ -17,7 +17,7 @@ def main(program, output):
     path = output / "request.txt"
     path.write_text("")
     with tempfile.TemporaryDirectory(prefix="tavrelon-package.", ignore_cleanup_errors=True) as home, \
-            StandIn("build/release/tests/support/tavrelon-stand-in-service", output / "service.log") as service, \
+            StandIn("build/package/tests/support/tavrelon-stand-in-service", output / "service.log") as service, \
             Tavrelon(program, output / "tavrelon.log", home, service.port) as tavrelon:
         tavrelon.wait_until_live()
         service.answer_with({"content": FRENCH})

@@ -1,0 +1,91 @@
+"""soak.py BUILD OUTPUT MINUTES SEED: random users' actions on the display at hand, until the time is over or one fails."""
+
+import random
+import shutil
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+import screen
+from soak_actions import WEIGHTS, master_switch
+from soak_desk import REST, Desk
+from soak_health import Health
+from waiting import Fault
+
+KEY_PASSED_ON = "A key was passed on: nobody answered"
+STEPS_THAT_MUST_END = {master_switch}  # else nobody knows which way it stands
+
+
+def steps(seed, fields):
+    """The endless list of actions that belongs to a seed: the action, the field, and the dice of the action itself."""
+    dice = random.Random(seed)
+    actions, weights = list(WEIGHTS), list(WEIGHTS.values())
+    while True:
+        yield dice.choices(actions, weights)[0], dice.randrange(fields), random.Random(dice.getrandbits(64))
+
+
+def take_step(desk, field, action, dice):
+    """False for a step that came to nothing because a busy machine let the program miss the bound for a key. The key
+    then went to the application, as it should, and what follows is no longer what the step expects."""
+    mark = desk.mark()
+    try:
+        field.focus()
+        action(desk, dice, field)
+        desk.check()
+        return True
+    except Fault:
+        if action in STEPS_THAT_MUST_END or KEY_PASSED_ON not in desk.tavrelon.written()[mark:]:
+            raise
+    desk.keyboard.press("Escape")
+    time.sleep(REST)
+    desk.check()
+    field.start_again()
+    return False
+
+
+def run(desk, health, minutes, seed):
+    """Gives how many steps were done. A fault names the step."""
+    end = time.monotonic() + 60 * minutes
+    done = missed = 0
+    for number, (action, index, dice) in enumerate(steps(seed, len(desk.fields)), 1):
+        field = desk.fields[index]
+        began = time.monotonic()
+        try:
+            came_to_its_end = take_step(desk, field, action, dice)
+        except Fault as fault:
+            screen.picture(desk.output / "fault.png")
+            raise Fault(f"step {number}, {action.__name__} in {field.kind}: {fault}") from None
+        health.take()
+        done, missed = done + came_to_its_end, missed + (not came_to_its_end)
+        print(f"{number:4}  {time.monotonic() - began:5.1f} s  {action.__name__:24} {field.kind:11}{desk.layout}"
+              f"{'' if came_to_its_end else '   (the machine was too busy for a key)'}", flush=True)
+        if time.monotonic() > end:
+            break
+    if missed > done:
+        raise Fault(f"the machine is too busy: {missed} of {done + missed} steps missed the bound for a key")
+    return done
+
+
+def main(build, output, minutes, seed):
+    output = Path(output).resolve()
+    shutil.rmtree(output, ignore_errors=True)
+    output.mkdir(parents=True)
+    print(f"seed {seed}, {float(minutes):g} minutes", flush=True)
+    with tempfile.TemporaryDirectory(prefix="tavrelon-soak.", ignore_cleanup_errors=True) as home, \
+            Desk(Path(build), output, home) as desk:
+        health = Health(desk.tavrelon.process.pid, Path(home))
+        done = run(desk, health, float(minutes), int(seed))
+        health.judge()
+        print(f"{done} steps right; {health.summary()}")
+    status = desk.tavrelon.process.returncode
+    if status != 0:
+        raise Fault(f"the program ended with status {status} when asked to end")
+
+
+if __name__ == "__main__":
+    try:
+        main(*sys.argv[1:])
+    except Fault as fault:
+        print(f"soak: {fault}\n(replay with --seed {sys.argv[4]}; logs and a picture are in {sys.argv[2]}/)", file=sys.stderr)
+        sys.exit(1)

@@ -1,0 +1,131 @@
+"""The desktop of a soak run: the program, its model service, fields to write in, and what surrounds them."""
+
+import itertools
+import os
+import re
+import subprocess
+import time
+from pathlib import Path
+
+import screen
+from keyboard import Keyboard
+from programs import Program, StandIn, Tavrelon
+from soak_fields import LAYOUTS, Field
+from waiting import Fault, wait_for
+
+HOTKEY = "Shift+Alt+Super+l"
+REST = 2.3  # seconds; after an answer or an error the next request waits until the last one has left the stage
+# Lines that no run may have. Views warn through the log.
+BAD_LINE = re.compile(r"^(\[UI\]|QObject|QSocketNotifier|QTimer|qt\.|qrc:|terminate called).*|^.*ASSERT.*", re.MULTILINE)
+
+
+class Desk:
+    def __init__(self, build, output, home):
+        self.output, self.home = output, Path(home)
+        self.editor_config = self.home / "editors"
+        (self.editor_config / "featherpad").mkdir(parents=True)
+        (self.editor_config / "featherpad" / "fp.conf").write_text("[text]\nappendEmptyLine=false\n")
+        self.keyboard = Keyboard()
+        self.counter = itertools.count(1)
+        self.layout, self.group = "us", 0
+        self.surroundings = {}
+        self.service = StandIn(build / "tests/support/tavrelon-stand-in-service", self.output / "service.log")
+        # Pictures of the screen have tests of their own, and cost a busy machine most.
+        self.tavrelon = Tavrelon(build / "src/tavrelon", self.output / "tavrelon.log", self.home, self.service.port,
+                                 {"screenshotMode": "none", "enableImagePromptEnhancement": False})
+        self.fields = [Field(kind, self) for kind in ("mousepad", "featherpad", "xterm")]
+        self.free_at = time.monotonic()
+
+    def __enter__(self):
+        self.tavrelon.wait_until_live()
+        self.restart_tray()
+        for field in self.fields:
+            field.open()
+        return self
+
+    def __exit__(self, *_):
+        for program in (*(field.program for field in self.fields), *self.surroundings.values(), self.tavrelon, self.service):
+            if program:
+                program.process.send_signal(18)  # SIGCONT
+                program.stop()
+
+    # What the program does
+
+    def mark(self):
+        return len(self.tavrelon.written())
+
+    def wait_for_line(self, pattern, mark, seconds=20):
+        return self.tavrelon.wait_for_line(pattern, mark, seconds)
+
+    def begin(self):
+        """The first press of the hotkey, once the last request has left the stage."""
+        time.sleep(max(0.0, self.free_at - time.monotonic()))
+        mark = self.mark()
+        self.keyboard.press(HOTKEY)
+        self.wait_for_line(r"\[Hotkey\] Starting text listening", mark)
+        return mark
+
+    def commit(self, mark):
+        self.keyboard.press(HOTKEY)
+        self.wait_for_line(r"\[Hotkey\] Committing text input", mark)
+
+    def rest(self):
+        self.free_at = time.monotonic() + REST
+
+    def wait_for_answer(self, text):
+        wait_for(f"the answer {text!r} in the history", lambda: self.tavrelon.newest_answer() == text, 30)
+        self.rest()
+
+    def wait_for_failure(self, mark):
+        self.wait_for_line(r"(Processing error|Error processing).*: .+", mark, seconds=40)
+        self.rest()
+
+    # What surrounds it
+
+    def set_layout(self, layout, group):
+        done = screen.run("setxkbmap", "-layout", layout)
+        if done.returncode != 0:
+            raise Fault(f"setxkbmap: {done.stderr}")
+        self.keyboard.use_group(group)
+        self.layout, self.group = layout, group
+        time.sleep(0.3)  # applications take the new map in their own time
+
+    def typed(self, places):
+        """What the keys at these places give in the layout at hand."""
+        plain = self.layout == "us,ru" and self.group == 0
+        return places if plain else places.translate(LAYOUTS[self.layout])
+
+    def set_clipboard(self, text):
+        subprocess.run(["xclip", "-selection", "clipboard", "-i"], input=text.encode(), timeout=10, check=True,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def clipboard(self, target="UTF8_STRING"):
+        done = subprocess.run(["xclip", "-selection", "clipboard", "-o", "-t", target], capture_output=True, timeout=10)
+        return done.stdout.decode(errors="replace")
+
+    def restart(self, name, command):
+        old = self.surroundings.pop(name, None)
+        if old:
+            old.stop()
+        self.surroundings[name] = Program(command, self.output / f"{name}.log", {"HOME": str(self.home)})
+
+    def restart_tray(self):
+        self.restart("tint2", ["tint2"])
+
+    def restart_window_manager(self):
+        ready = self.output / "window-manager-ready"
+        ready.unlink(missing_ok=True)
+        self.restart("openbox", ["openbox", "--replace", "--startup", f"touch '{ready}'"])
+        wait_for("the new window manager", ready.exists)
+        time.sleep(0.3)
+
+    # What must always hold
+
+    def check(self):
+        if self.tavrelon.process.poll() is not None:
+            raise Fault(f"the program ended with status {self.tavrelon.process.returncode}:\n{self.tavrelon.written()[-3000:]}")
+        wait_for("no key held", lambda: not self.keyboard.held(), seconds=5)
+        wait_for("no modifier held", lambda: not self.keyboard.modifiers(), seconds=5)
+        bad = BAD_LINE.search(self.tavrelon.written())
+        if bad:
+            raise Fault(f"the log has a line that it must not have: {bad.group(0)}")

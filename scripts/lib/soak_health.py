@@ -1,0 +1,51 @@
+"""What a long run costs: memory, threads, descriptors and files, which must come to rest."""
+
+import os
+import re
+import statistics
+from dataclasses import astuple, dataclass
+from pathlib import Path
+
+from waiting import Fault
+
+MEGABYTE = 1024
+# What may come on top of the first steps: caches of fonts and pictures, and what happens to be open at the moment.
+ALLOWANCE = {"memory": 12 * MEGABYTE, "threads": 3, "descriptors": 8, "files": 30}
+FEWEST = 12  # samples; fewer tell nothing
+
+
+@dataclass
+class Sample:
+    memory: int  # kB, the program's share
+    threads: int
+    descriptors: int
+    files: int
+
+
+class Health:
+    def __init__(self, pid, home):
+        self.pid, self.home, self.samples = pid, home, []
+
+    def take(self):
+        proc = Path(f"/proc/{self.pid}")
+        memory = int(re.search(r"^Pss:\s+(\d+)", (proc / "smaps_rollup").read_text(), re.MULTILINE).group(1))
+        files = sum(len(names) for folder in ("config", "data") for _, _, names in os.walk(self.home / folder))
+        self.samples.append(Sample(memory, len(os.listdir(proc / "task")), len(os.listdir(proc / "fd")), files))
+
+    def _medians(self, samples):
+        return Sample(*(int(statistics.median(column)) for column in zip(*map(astuple, samples))))
+
+    def judge(self):
+        """Compares the last third with the second one; in the first one caches fill."""
+        if len(self.samples) < FEWEST:
+            return
+        third = len(self.samples) // 3
+        early, late = self._medians(self.samples[third:2 * third]), self._medians(self.samples[2 * third:])
+        for name, allowance in ALLOWANCE.items():
+            if getattr(late, name) > getattr(early, name) + allowance:
+                raise Fault(f"{name} went from {getattr(early, name)} to {getattr(late, name)} within the run")
+
+    def summary(self):
+        first, last = self.samples[0], self.samples[-1]
+        return (f"memory {first.memory // MEGABYTE} to {last.memory // MEGABYTE} MB, threads {first.threads} to "
+                f"{last.threads}, descriptors {first.descriptors} to {last.descriptors}, files {last.files}")
