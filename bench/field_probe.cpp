@@ -187,7 +187,7 @@ void measureHung(Desk& desk, int process) {
 QString words(int length) {
     QString text;
     for (int i = 0; text.size() < length; ++i)
-        text += i % 12 == 11 ? u'\n' : i % 6 == 5 ? u' ' : QChar('a' + i % 26);
+        text += i % 6 == 5 ? u' ' : QChar('a' + i % 26);
     return text;
 }
 

@@ -247,6 +247,11 @@ int main(int argc, char** argv) {
     delegate.applicationDidFinishLaunching(start->mode == desktop::StartMode::Background
                                                ? app::AppDelegate::Launch::InBackground
                                                : app::AppDelegate::Launch::WithDashboard);
+    // To find the field that had the focus before this start takes longest: it is done before the user asks.
+    const auto firstLook = loop.after(std::chrono::milliseconds(200), [&accessibility] {
+        static_cast<void>(
+            accessibility.copyAttribute(platform::axSystemWideElement(), platform::AXAttribute::FocusedUIElement));
+    });
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();
     return status;

@@ -9,7 +9,7 @@ from bench_table import Row, row
 from waiting import Fault
 
 PROMPT = "shift+alt+super+p"
-OVERLAY = "560 330 200 80"  # where an overlay stands when no caret is known, on the 1280 by 800 of the private desktop
+OVERLAY = "880 470 200 80"  # where an overlay stands when no caret is known, on the 1920 by 1080 of scripts/bench
 REST = 0.4                  # seconds between two showings
 
 

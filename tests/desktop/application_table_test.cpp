@@ -127,7 +127,7 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
         const auto wanted = lineWith(answer);
         EXPECT_EQ(generator.requests.back().input, asked);
         const auto held = editor.saved(wanted);
-        EXPECT_EQ(held, wanted);
+        EXPECT_EQ(held, wanted) << log.lines().join(u'\n').toStdString();
         return generator.requests.back().input == asked && held == wanted;
     }
 

@@ -121,6 +121,24 @@ TEST_F(InputMethod, OnlyWhatIsCommittedIsTheRequest) {
     EXPECT_EQ(generator.requests.front().input.toStdString(), "你好");
 }
 
+TEST_F(InputMethod, LettersThatAreNeverCommittedAreTheRequest) {
+    toggle();
+    ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::listening; }));
+    type({place::w, o});
+    toggle();
+    ASSERT_TRUE(asked());
+    EXPECT_EQ(generator.requests.front().input.toStdString(), "wo");
+    EXPECT_TRUE(eventually([&] { return value() == QStringLiteral("ANSWER"); })) << value()->toStdString();
+}
+
+TEST_F(InputMethod, EscapeInTheMiddleOfAWordIsTheInputMethodsWhenNothingIsOpen) {
+    type({place::w, o, place::escape});
+    type({n, i, place::space});
+    EXPECT_TRUE(eventually([&] { return value() == QStringLiteral("你"); })) << value()->toStdString();
+    EXPECT_EQ(state(), input::InputState::Case::idle);
+    EXPECT_TRUE(generator.requests.empty());
+}
+
 }  // namespace
 
 }  // namespace tavrelon::testing

@@ -23,6 +23,7 @@ TEST(SelectionText, IsDecodedByItsType) {
     EXPECT_EQ(decodeText(plain, "caf\xc3\xa9"), QStringLiteral("café"));
     EXPECT_EQ(decodeText(plain, "caf\xe9"), QStringLiteral("café")) << "not UTF-8, so it is the older one";
     EXPECT_EQ(decodeText(utf8String, QByteArray("a\0b\0\0", 5)), QStringLiteral("a") + QChar(0) + u'b');
+    EXPECT_EQ(decodeText(utf8String, "a\xff\xc3z"), QStringLiteral("a\uFFFD\uFFFDz")) << "no text, but no harm";
     EXPECT_EQ(decodeText(utf8String, {}), QString());
     EXPECT_EQ(decodeText(QStringLiteral("image/png"), "x"), std::nullopt);
     EXPECT_EQ(decodeText(QStringLiteral("COMPOUND_TEXT"), "x"), std::nullopt);

@@ -1,7 +1,9 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "capture/clipboard_selection.h"
 #include "desktop/pasteboard_session.h"
+#include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_workspace.h"
 
 namespace tavrelon::testing {
@@ -72,6 +74,32 @@ TEST_P(PasteboardEditors, CopyAndPasteAndGiveBack) {
     pasteboard->changeCount();
     press(QStringLiteral("ctrl+v"));
     EXPECT_TRUE(copiesAll(QStringLiteral("typed before")));
+}
+
+TEST_P(PasteboardEditors, TheClipboardSurvivesALookAtTheSelectionBesideAManager) {
+    QProcess manager;  // takes part in every change, as users of such programs have it
+    manager.setStandardErrorFile(QProcess::nullDevice());
+    manager.setStandardOutputFile(QProcess::nullDevice());
+    manager.start(QStringLiteral("copyq"), {});
+    const auto isUp = [] { return run(QStringLiteral("copyq"), {QStringLiteral("count")}).exitCode == 0; };
+    ASSERT_TRUE(runQtUntil(isUp));
+    ASSERT_TRUE(copiesAll(QStringLiteral("typed before")));
+    const auto html = QStringLiteral("text/html");
+    const auto custom = QStringLiteral("application/x-of-its-own");
+    const auto utf8 = QStringLiteral("UTF8_STRING");
+    const ClipboardOwner owner({data(html, "<b>kept</b>"), data(custom, pattern(300'000)), data(utf8, "kept")});
+    runQtUntil([] { return false; }, 1s);  // in which the manager looks at it, too
+
+    const auto poster = desktop::X11KeyPoster::open(loop, std::make_shared<desktop::PostedKeys>()).value();
+    capture::ClipboardSelection selection(loop, log, *pasteboard, *poster);
+    EXPECT_EQ(runTaskOnQt(loop, selection.read(capture::SelectAll::Allowed)), QStringLiteral("typed before"));
+    runQtUntil([] { return false; }, 1s);
+    EXPECT_EQ(readByXclip(html), "<b>kept</b>");
+    EXPECT_EQ(readByXclip(custom), pattern(300'000));
+    EXPECT_EQ(string(), QStringLiteral("kept"));
+
+    run(QStringLiteral("copyq"), {QStringLiteral("exit")});
+    manager.waitForFinished(5000);
 }
 
 INSTANTIATE_TEST_SUITE_P(Real, PasteboardEditors, ::testing::Values("mousepad", "featherpad"),

@@ -130,6 +130,7 @@ TEST(WindowClass, HasTwoPartsOrLess) {
               std::pair(QStringLiteral("xterm"), QStringLiteral("XTerm")));
     EXPECT_EQ(decodeWindowClass("alone"), std::pair(QStringLiteral("alone"), QString()));
     EXPECT_EQ(decodeWindowClass({}), std::pair(QString(), QString()));
+    EXPECT_EQ(decodeWindowClass(QByteArray("a\0B\xff", 4)).first, QStringLiteral("a")) << "whatever its bytes";
 }
 
 TEST(ProcessInfo, KnowsTheLivingFromTheDead) {
