@@ -7,6 +7,7 @@ import sys
 import tempfile
 from pathlib import Path
 
+import bench_dashboard
 import bench_keys
 import bench_process
 import bench_requests
@@ -66,7 +67,9 @@ def main(build, output, *options):
     output.mkdir(parents=True, exist_ok=True)
     extent = Extent("--quick" in options)
     load = os.getloadavg()[0]
-    rows = whole_program(build, output, extent) + pure_parts(build, extent)
+    rows = whole_program(build, output, extent)
+    rows += bench_dashboard.dashboard(build / "bench/dashboard-bench", extent.settle)
+    rows += pure_parts(build, extent)
     text = table(rows)
     (output / "table.txt").write_text(text + "\n")
     print(text)

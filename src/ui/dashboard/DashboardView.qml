@@ -11,8 +11,8 @@ Item {
     StarfieldBackground {
         anchors.fill: parent
         isAnimating: view.Window.active && view.Window.visibility !== Window.Minimized
-        farStars: view.model.farStars
-        nearStars: view.model.nearStars
+        farStars: view.model.farStars()
+        nearStars: view.model.nearStars()
     }
     DragHandler {
         target: null
