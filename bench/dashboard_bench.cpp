@@ -15,11 +15,14 @@
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_windows.h"
+#include "support/fake_file_picker.h"
 #include "support/fake_raw_keys.h"
 #include "support/run_task_on_qt.h"
 #include "support/test_desktop.h"
 #include "ui/dashboard/dashboard_window_controller.h"
+#include "ui/history/history_page.h"
 #include "ui/settings/pages.h"
+#include "ui/settings/service_pages.h"
 
 namespace {
 
@@ -148,10 +151,15 @@ class DashboardBench {
     app::AppState appState_{desktop_.platform, desktop_.userInterface, generation::ServiceEndpoints::builtIn(),
                             [](const QString&) {}};
     tavrelon::testing::FakeRawKeys keys_;
+    tavrelon::testing::FakeFilePicker picker_{desktop_.loop};
     desktop::QtMainLoop loop_;
     desktop::StandardOutputLog log_;
     desktop::QtWindows windows_{loop_, log_};
-    std::vector<ui::DashboardPage> pages_{ui::generalSettingsPage(appState_), ui::hotkeysPage(appState_, keys_),
+    std::vector<ui::DashboardPage> pages_{ui::generalSettingsPage(appState_),
+                                          ui::hotkeysPage(appState_, keys_),
+                                          ui::clonePage(appState_, desktop_.platform, picker_),
+                                          ui::providersPage(appState_, desktop_.platform),
+                                          ui::historyPage(appState_),
                                           ui::privacyPage(appState_, permissions())};
     ui::DashboardWindowController dashboard_{windows_, appState_.storageManager(), pages_, [] {}};
     QQuickWindow* window_ = nullptr;
