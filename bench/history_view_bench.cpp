@@ -64,16 +64,18 @@ struct Page {
 
 /// The longest time that one step of a quick scroll takes, with all of the window drawn anew.
 void scrollHistory(benchmark::State& state) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
     static int argumentCount = 0;
     static const QGuiApplication application(argumentCount, nullptr);
-    const Page page;
+    Page page;
     auto* list = page.conversation();
     for (auto _ : state) {
         std::chrono::nanoseconds worst{0};
         for (int step = 0; step < 100; ++step) {
             const auto begin = std::chrono::steady_clock::now();
             list->setProperty("contentY", list->property("contentY").toReal() + 120);
-            const_cast<QQuickView&>(page.view).grabWindow();
+            page.view.grabWindow();
             worst = std::max(worst, std::chrono::steady_clock::now() - begin);
             QCoreApplication::processEvents();
         }

@@ -7,6 +7,7 @@ import sys
 import tempfile
 from pathlib import Path
 
+import bench_dashboard
 import bench_fields
 import bench_keys
 import bench_process
@@ -16,7 +17,11 @@ from bench_table import row, table
 from programs import Tavrelon
 from waiting import Fault
 
-AIMS = {"textDifference, 20 000 Latin": "2", "textDifference, 20 000 Chinese and emoji": "2"}
+AIMS = {
+    "textDifference, 20 000 Latin": "2",
+    "textDifference, 20 000 Chinese and emoji": "2",
+    "history of 20 long entries scrolled, longest frame": "50",
+}
 
 
 class Extent:
@@ -36,8 +41,9 @@ def pure_parts(build, extent):
     taken, units = {}, {}
     for run in json.loads(done.stdout)["benchmarks"]:
         if run["run_type"] == "iteration":
-            taken.setdefault(run["run_name"], []).append(run["real_time"])
-            units[run["run_name"]] = run["time_unit"]
+            name = run["run_name"].split("/iterations:")[0]
+            taken.setdefault(name, []).append(run["real_time"])
+            units[name] = run["time_unit"]
     return [row(name, units[name], values, AIMS.get(name, "")) for name, values in taken.items()]
 
 
@@ -73,6 +79,7 @@ def main(build, output, *options):
     extent = Extent("--quick" in options)
     load = os.getloadavg()[0]
     rows = whole_program(build, output, extent) + bench_fields.rows(build / "bench/field-probe", extent.requests)
+    rows += bench_dashboard.dashboard(build / "bench/dashboard-bench", extent.settle)
     rows += pure_parts(build, extent)
     text = table(rows)
     (output / "table.txt").write_text(text + "\n")

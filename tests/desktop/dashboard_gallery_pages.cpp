@@ -109,9 +109,9 @@ void pictureClone(DashboardGallery& gallery) {
     gallery.desktop.documentReader.put(letters, u"too short"_s);
     gallery.picture(u"clone-failed"_s, DashboardTab::clone, [&](DashboardGallery& shown) {
         learnFrom(shown, letters);
-        shown.settle();
-        shown.scrollDown();
+        shown.desktop.loop.advance(std::chrono::seconds(1));
     });
+    gallery.picture(u"clone-learned"_s, DashboardTab::clone, [](DashboardGallery& shown) { shown.scrollDown(); });
     gallery.picture(u"clone-learning"_s, DashboardTab::clone, [&](DashboardGallery& shown) {
         shown.desktop.documentReader.put(letters, u"0123456789"_s.repeated(20));
         shown.desktop.httpSession.neverAnswer();

@@ -88,9 +88,8 @@ void DashboardWindow::press(const QString& name, const QString& role) {
         throw std::runtime_error("nothing to press is called " + name.toStdString());
     const auto centre = frameOf(element->object).center();
     QProcess tool;
-    tool.start(QStringLiteral("xdotool"),
-               {QStringLiteral("mousemove"), QStringLiteral("--sync"), QString::number(centre.x()),
-                QString::number(centre.y()), QStringLiteral("click"), QStringLiteral("1")});
+    tool.start(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QString::number(centre.x()),
+                                           QString::number(centre.y()), QStringLiteral("click"), QStringLiteral("1")});
     tool.waitForFinished();
     letKeysArrive();
 }

@@ -23,6 +23,7 @@ class QtWindow : public QObject, public platform::Window {
         : loop_(loop), onClose_(std::move(onClose)), engine_(makeViewEngine(log)) {
         view_ = std::make_unique<QQuickView>(engine_.get(), nullptr);
         view_->setColor(background);
+        view_->setTitle(QGuiApplication::applicationName());  // lists of windows would have nothing to call it by
         view_->setResizeMode(QQuickView::SizeRootObjectToView);
         view_->setMinimumSize(description.minimumSize.toSize());
         view_->resize(description.contentSize.toSize());

@@ -11,8 +11,8 @@ Item {
     StarfieldBackground {
         anchors.fill: parent
         isAnimating: view.Window.active && view.Window.visibility !== Window.Minimized
-        farStars: view.model.farStars
-        nearStars: view.model.nearStars
+        farStars: view.model.farStars()
+        nearStars: view.model.nearStars()
     }
     DragHandler {
         target: null
@@ -91,6 +91,7 @@ Item {
                 spacing: 4
 
                 SidebarButton {
+                    id: help
                     anchors.horizontalCenter: parent.horizontalCenter
                     height: 40
                     icon: "questionmark.circle.fill"
@@ -168,6 +169,13 @@ Item {
                 target: view.model
                 function onSelectionChanged() { page.open(); }
             }
+        }
+    }
+    Connections {
+        target: view.model
+        function onShowingHelpChanged() {
+            if (!view.model.showingHelp)
+                help.forceActiveFocus(Qt.PopupFocusReason);
         }
     }
     HelpModalView {

@@ -4,8 +4,9 @@ import QtQuick
 Rectangle {
     property Item target: parent
     property real corner: Look.fieldCorner
+    property bool wanted: true
 
-    visible: target.activeFocus
+    visible: wanted && target.activeFocus
     anchors.fill: parent
     anchors.margins: -3
     radius: corner + 3

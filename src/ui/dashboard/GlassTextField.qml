@@ -59,7 +59,7 @@ FocusScope {
         text: field.text
         echoMode: field.isSecure ? TextInput.Password : TextInput.Normal
         passwordCharacter: "•"
-        maximumLength: 0x7fffffff      // a long text is pasted whole
+        maximumLength: 32767           // laying out a longer line would hold up the window
         color: Look.primary
         selectionColor: Look.faded(Look.blue, 0.7)
         selectedTextColor: "white"

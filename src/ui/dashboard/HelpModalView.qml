@@ -8,7 +8,13 @@ FocusScope {
     required property QtObject model
 
     visible: model.showingHelp
-    onVisibleChanged: if (visible) done.forceActiveFocus(Qt.PopupFocusReason)
+    Connections {
+        target: sheet.model
+        function onShowingHelpChanged() {
+            if (sheet.model.showingHelp)
+                Qt.callLater(() => done.forceActiveFocus(Qt.PopupFocusReason));
+        }
+    }
     Keys.onEscapePressed: close()
     Accessible.role: Accessible.Dialog
     Accessible.name: model.texts.helpTitle

@@ -29,7 +29,7 @@ QtObject {
 
     readonly property var installedFamilies: Qt.fontFamilies()
     readonly property string fontFamily: firstInstalled(["Avenir Next", "Noto Sans CJK SC", "Source Han Sans SC"])
-    readonly property string keyFamily: firstInstalled(["DejaVu Sans Mono", "DejaVu Sans"])   ///< has the symbols of all keys
+    readonly property string keyFamily: firstInstalled(["DejaVu Sans"])   ///< has the symbols of all keys
 
     function firstInstalled(families) {
         return families.find(family => installedFamilies.includes(family)) ?? Qt.application.font.family;

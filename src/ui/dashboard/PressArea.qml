@@ -11,6 +11,7 @@ FocusScope {
     property bool isAvailable: true  ///< false dims it and takes it out of use
     readonly property bool hovered: mouse.containsMouse
     readonly property bool pressed: mouse.pressed && mouse.containsMouse
+    property bool focusedByMouse: false   ///< then the focus needs no ring
 
     signal triggered
 
@@ -25,6 +26,11 @@ FocusScope {
     Accessible.focused: activeFocus
     Accessible.onPressAction: if (enabled) triggered()
     Accessible.onToggleAction: if (enabled) triggered()
+    onActiveFocusChanged: if (!activeFocus) focusedByMouse = false
+    Keys.onPressed: event => {
+        focusedByMouse = false;
+        event.accepted = false;
+    }
     Keys.onSpacePressed: triggered()
     Keys.onReturnPressed: triggered()
     Keys.onEnterPressed: triggered()
@@ -35,8 +41,12 @@ FocusScope {
         z: 2
         hoverEnabled: true
         cursorShape: Qt.PointingHandCursor
+        onPressed: {
+            control.forceActiveFocus(Qt.MouseFocusReason);  // a field that was being typed in hands its text on
+            control.focusedByMouse = true;
+        }
         onClicked: control.triggered()
     }
-    FocusRing { corner: control.corner; target: control }
+    FocusRing { corner: control.corner; target: control; wanted: !control.focusedByMouse }
     ToolTip { text: control.toolTip; target: control; wanted: control.hovered && !control.pressed; isBeside: control.toolTipBeside }
 }

@@ -32,6 +32,8 @@ Item {
         function onActiveFocusItemChanged() { page.reveal(page.Window.window.activeFocusItem); }
     }
 
+    TapHandler { onTapped: flick.forceActiveFocus(Qt.MouseFocusReason) }
+
     Flickable {
         id: flick
         anchors.fill: parent

@@ -75,12 +75,12 @@ QVariantList DashboardModel::helpSections() const {
     return sections;
 }
 
-QVariantList DashboardModel::farStarList() const {
-    return toVariantList(farStars());
+QVariantList DashboardModel::farStars() const {
+    return toVariantList(ui::farStars());
 }
 
-QVariantList DashboardModel::nearStarList() const {
-    return toVariantList(nearStars());
+QVariantList DashboardModel::nearStars() const {
+    return toVariantList(ui::nearStars());
 }
 
 void DashboardModel::switchLanguage() {

@@ -18,8 +18,6 @@ class DashboardModel : public PageModel {
     Q_PROPERTY(QString searchText MEMBER searchText_ NOTIFY searchTextChanged)
     Q_PROPERTY(bool showingHelp MEMBER showingHelp_ NOTIFY showingHelpChanged)
     Q_PROPERTY(QVariantList helpSections READ helpSections NOTIFY changed)
-    Q_PROPERTY(QVariantList farStars READ farStarList CONSTANT)
-    Q_PROPERTY(QVariantList nearStars READ nearStarList CONSTANT)
 
  public:
     /// `pages` and what their functions refer to outlive the model. `openDonationPage` opens the browser.
@@ -38,8 +36,10 @@ class DashboardModel : public PageModel {
     PageModel* pageModel() const { return current_; }
 
     QVariantList helpSections() const;
-    QVariantList farStarList() const;
-    QVariantList nearStarList() const;
+
+    // Operations and not properties, of which a view would read the whole list again for each number.
+    Q_INVOKABLE QVariantList farStars() const;
+    Q_INVOKABLE QVariantList nearStars() const;
 
     Q_INVOKABLE void switchLanguage();
     Q_INVOKABLE void donate() { openDonationPage_(); }

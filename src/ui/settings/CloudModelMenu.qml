@@ -30,7 +30,7 @@ FocusScope {
         const room = window.height - below.y - 8;
         panel.y = Qt.binding(() => panel.height <= room ? below.y : Math.max(8, below.y - target.height - 8 - panel.height));
         list.currentIndex = models.names.indexOf(current);
-        list.positionViewAtIndex(list.currentIndex, ListView.Center);
+        list.positionViewAtIndex(Math.max(0, list.currentIndex - 3), ListView.Beginning);
         forceActiveFocus(Qt.PopupFocusReason);
     }
 

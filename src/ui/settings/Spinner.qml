@@ -27,9 +27,10 @@ Item {
 
             x: reach * (1 + Math.sin(angle))
             y: reach * (1 - Math.cos(angle))
-            width: spinner.width * 0.2
+            width: Math.round(spinner.width * 0.22)
             height: width
             radius: width / 2
+            antialiasing: true
             color: spinner.color
             opacity: 1 - ((spinner.step - index + spinner.count) % spinner.count) / (spinner.count + 1)
         }
