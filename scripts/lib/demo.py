@@ -6,6 +6,7 @@ import tempfile
 import time
 from pathlib import Path
 
+import demo_pictures
 import screen
 from demo_cases import CASES
 from programs import EDITORS, Editor, StandIn, Tavrelon
@@ -54,6 +55,9 @@ class Stage:
             self.tavrelon.wait_for_line(r"\[StateMachine\] (Processing error|Error processing): .*", mark, seconds=30)
         else:
             wait_for("the answer in the history", lambda: self.tavrelon.newest_answer() == case.answer["content"], 20)
+        self.rest()
+
+    def rest(self):
         self.free_at = time.monotonic() + REST
 
 
@@ -93,9 +97,10 @@ def main(build, output):
             StandIn(build / "tests/support/tavrelon-stand-in-service", output / "service.log") as service, \
             Tavrelon(build / "src/tavrelon", output / "tavrelon.log", home, service.port) as tavrelon:
         tavrelon.wait_until_live()
-        wrong = play_all(Stage(service, tavrelon, output))
-    total = len(EDITORS) * len(CASES)
-    print(f"\n{total - wrong} of {total} fields right; screenshots and logs are in {output}/")
+        stage = Stage(service, tavrelon, output)
+        wrong = play_all(stage) + demo_pictures.play(stage, build, show)
+    total = len(EDITORS) * len(CASES) + 2
+    print(f"\n{total - wrong} of {total} right; screenshots and logs are in {output}/")
     return 1 if wrong else 0
 
 

@@ -12,6 +12,14 @@ def run(*command, timeout=20):
     return subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=timeout)
 
 
+def answer(*command):
+    """What a tool prints; a Fault if it fails."""
+    done = run(*command)
+    if done.returncode != 0:
+        raise Fault(f"{command[0]}: {done.stderr.strip()}")
+    return done.stdout.strip()
+
+
 def press(*keys):
     """Presses keys one after the other, each a chord such as "ctrl+s"."""
     if keys:
@@ -29,6 +37,11 @@ def type_text(text):
 def window_named(part):
     found = run("xdotool", "search", "--onlyvisible", "--name", part).stdout.split()
     return found[0] if found else None
+
+
+def size_of(window):
+    size = dict(line.split("=") for line in answer("xdotool", "getwindowgeometry", "--shell", window).splitlines())
+    return int(size["WIDTH"]), int(size["HEIGHT"])
 
 
 def focus(window):
