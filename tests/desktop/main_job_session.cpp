@@ -1,7 +1,6 @@
 #include "desktop/main_job_session.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QThread>
 #include <csignal>
@@ -65,21 +64,13 @@ text::Json historyOf(const QString& home) {
 
 }  // namespace
 
-bool eventually(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (std::chrono::milliseconds(timer.elapsed()) > limit)
-            return false;
-        QThread::msleep(10);
-    }
-    return true;
-}
-
-RunningTavrelon::RunningTavrelon(StandInService& service) {
-    const auto settings = text::Json{{"enableCustomPollinations", true},
-                                     {"pollinationsBaseURL", service.url().toStdString()},
-                                     {"pollinationsVisionModel", "test-model"}};
+RunningTavrelon::RunningTavrelon(StandInService& service, const Setting& setting) {
+    auto settings = text::Json{{"enableCustomPollinations", true},
+                               {"pollinationsBaseURL", service.url().toStdString()},
+                               {"pollinationsVisionModel", "test-model"}};
+    settings.update(setting.settings);
+    if (setting.install)
+        setting.install(home_.filePath(QStringLiteral("data/Tavrelon")));
     writeFile(home_.filePath(QStringLiteral("config/Tavrelon/tavrelon.settings")), text::compactJson(settings));
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home_.filePath(QStringLiteral("config")));

@@ -5,24 +5,31 @@
 #include <functional>
 #include <memory>
 
+#include "support/eventually.h"
 #include "support/stand_in_service.h"
 #include "support/xtest_keyboard.h"
 
 namespace tavrelon::testing {
 
-/// Polls until `condition` holds; false when `limit` passed without it.
-bool eventually(const std::function<bool()>& condition, std::chrono::milliseconds limit = std::chrono::seconds(20));
-
 /// The program itself, started as its user would start it, with a model service of the test's own.
 class RunningTavrelon {
  public:
+    /// How it finds its user's folders.
+    struct Setting {
+        text::Json settings = text::Json::object();                        ///< beside those that name the service
+        std::function<void(const QString& applicationSupport)> install{};  ///< puts files there
+    };
+
     /// Starts it and waits until it listens. Throws when it does not.
-    explicit RunningTavrelon(StandInService& service);
+    explicit RunningTavrelon(StandInService& service) : RunningTavrelon(service, Setting()) {}
+    RunningTavrelon(StandInService& service, const Setting& setting);
     ~RunningTavrelon();
 
     QString log() const;
     int logged(const QString& line) const;
     bool waitForLog(const QString& line, int times);
+
+    qint64 process() const { return process_.processId(); }
 
     /// How many requests the history holds on disk.
     int historyCount() const;
