@@ -8,6 +8,7 @@ import tempfile
 from pathlib import Path
 
 import bench_keys
+import bench_media
 import bench_process
 import bench_requests
 from bench_table import row, table
@@ -25,6 +26,7 @@ class Extent:
         self.starts, self.requests = (3, 2) if quick else (20, 12)
         self.settle, self.idle = (3, 10) if quick else (10, 60)
         self.repetitions = 5 if quick else 40
+        self.recordings = 2 if quick else 10
 
 
 def pure_parts(build, extent):
@@ -66,7 +68,8 @@ def main(build, output, *options):
     output.mkdir(parents=True, exist_ok=True)
     extent = Extent("--quick" in options)
     load = os.getloadavg()[0]
-    rows = whole_program(build, output, extent) + pure_parts(build, extent)
+    rows = whole_program(build, output, extent) + bench_media.sound_and_video(build, extent.recordings)
+    rows += pure_parts(build, extent)
     text = table(rows)
     (output / "table.txt").write_text(text + "\n")
     print(text)
