@@ -10,6 +10,7 @@ from pathlib import Path
 import bench_dashboard
 import bench_fields
 import bench_keys
+import bench_media
 import bench_process
 import bench_requests
 import bench_views
@@ -32,6 +33,7 @@ class Extent:
         self.starts, self.requests = (3, 2) if quick else (20, 12)
         self.settle, self.idle = (3, 10) if quick else (10, 60)
         self.repetitions = 5 if quick else 40
+        self.recordings = 2 if quick else 10
 
 
 def pure_parts(build, extent):
@@ -80,6 +82,7 @@ def main(build, output, *options):
     load = os.getloadavg()[0]
     rows = whole_program(build, output, extent) + bench_fields.rows(build / "bench/field-probe", extent.requests)
     rows += bench_dashboard.dashboard(build / "bench/dashboard-bench", extent.settle)
+    rows += bench_media.sound_and_video(build, extent.recordings)
     rows += pure_parts(build, extent)
     text = table(rows)
     (output / "table.txt").write_text(text + "\n")

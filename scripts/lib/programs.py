@@ -89,7 +89,7 @@ def text_of(content):
 class Tavrelon(Program):
     """The product with settings of its own, so that a user's are neither read nor changed."""
 
-    def __init__(self, executable, log, home, service_port, extra_settings=None):
+    def __init__(self, executable, log, home, service_port, extra_settings=None, extra_environment=None):
         self.home = Path(home)
         self.history = self.home / "data" / "Tavrelon" / "history.json"
         folder = self.home / "config" / "Tavrelon"
@@ -98,7 +98,8 @@ class Tavrelon(Program):
                     "pollinationsVisionModel": "demo", **(extra_settings or {})}
         (folder / "tavrelon.settings").write_text(json.dumps(settings))
         self.executable = str(executable)
-        self.environment = {"XDG_CONFIG_HOME": str(self.home / "config"), "XDG_DATA_HOME": str(self.home / "data")}
+        self.environment = {"XDG_CONFIG_HOME": str(self.home / "config"), "XDG_DATA_HOME": str(self.home / "data"),
+                            **(extra_environment or {})}
         super().__init__([self.executable], log, self.environment)
 
     def wait_until_live(self):

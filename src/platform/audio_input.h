@@ -29,12 +29,13 @@ class AudioTap {
 
 /// The user's microphone. Main thread, except for what a tap gets.
 ///
-/// The questions are answered as things stand at the moment and cost at most `questionLimit` together within one turn;
-/// a sound server that has not answered by then counts as having no microphone. The other operations return at once.
+/// The questions are answered as things stand at the moment and cost at most `questionLimit` together within one turn.
+/// What has not been answered by then counts as fine: a recording may begin, and ends by itself when it turns out that
+/// there is no microphone. The other operations return at once.
 class AudioInput {
  public:
     static constexpr int sampleRate = 16000;
-    static constexpr std::chrono::milliseconds questionLimit{150};
+    static constexpr std::chrono::milliseconds questionLimit{50};
 
     virtual ~AudioInput() = default;
 

@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include "desktop/audio/vosk_speech.h"
@@ -188,6 +189,34 @@ TEST_F(VoskTest, WhatIsMissingIsToldInOneLineAndAnInstallationNeedsNoRestart) {
     folder.installLibrary("/etc/passwd");
     EXPECT_FALSE(speech->isAvailable(locale)) << "what is no library";
     install("");
+}
+
+TEST_F(VoskTest, TheInstallationScriptTakesWhatFitsAndNothingElse) {
+    const QTemporaryDir downloads;
+    const auto model = downloads.filePath(QStringLiteral("vosk-model-cn"));
+    const auto install = [&](const char* library) {
+        QProcess script;
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_DATA_HOME"), folder.path());
+        script.setProcessEnvironment(environment);
+        script.start(QStringLiteral(INSTALL_VOICE), {QString::fromUtf8(library), model});
+        EXPECT_TRUE(script.waitForFinished(20000));
+        return script.exitCode();
+    };
+    speech.emplace(loop, log, folder.path() + QStringLiteral("/Tavrelon"));
+    QDir().mkpath(model);
+    EXPECT_EQ(install(SCRIPTED_VOSK), 65) << "an empty folder is no model";
+    QDir().mkpath(model + QStringLiteral("/am"));
+    for (const auto& name : {QStringLiteral("/am/final.mdl"), QStringLiteral("/script")}) {
+        QFile file(model + name);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    EXPECT_EQ(install(VOSK_WITHOUT_FINAL_RESULT), 65);
+    EXPECT_FALSE(speech->isAvailable(locale));
+    EXPECT_EQ(install(SCRIPTED_VOSK), 0);
+    EXPECT_EQ(install(SCRIPTED_VOSK), 0) << "over the first";
+    EXPECT_TRUE(eventually([this] { return speech->isAvailable(locale); }));
+    EXPECT_EQ(reportsOf(1600), QStringList{QStringLiteral("!")});
 }
 
 TEST_F(VoskTest, NothingIsLeftBehindByAnyRecognition) {

@@ -18,10 +18,13 @@ text::Json historyOf(const QString& home) {
 
 }  // namespace
 
-RunningTavrelon::RunningTavrelon(StandInService& service, Dashboard dashboard) {
-    const auto settings = text::Json{{"enableCustomPollinations", true},
-                                     {"pollinationsBaseURL", service.url().toStdString()},
-                                     {"pollinationsVisionModel", "test-model"}};
+RunningTavrelon::RunningTavrelon(StandInService& service, const Setting& setting, Dashboard dashboard) {
+    auto settings = text::Json{{"enableCustomPollinations", true},
+                               {"pollinationsBaseURL", service.url().toStdString()},
+                               {"pollinationsVisionModel", "test-model"}};
+    settings.update(setting.settings);
+    if (setting.install)
+        setting.install(home_.filePath(QStringLiteral("data/Tavrelon")));
     writeWhole(home_.filePath(QStringLiteral("config/Tavrelon/tavrelon.settings")), text::compactJson(settings));
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home_.filePath(QStringLiteral("config")));

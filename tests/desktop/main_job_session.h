@@ -14,14 +14,24 @@ class RunningTavrelon {
  public:
     enum class Dashboard { Closed, Open };
 
+    /// How it finds its user's folders.
+    struct Setting {
+        text::Json settings = text::Json::object();                        ///< beside those that name the service
+        std::function<void(const QString& applicationSupport)> install{};  ///< puts files there
+    };
+
     /// Starts it, waits until it listens and its dashboard shows, and closes that as a user would unless it is to stay.
     /// Throws when nothing of the kind happens.
-    explicit RunningTavrelon(StandInService& service, Dashboard dashboard = Dashboard::Closed);
+    explicit RunningTavrelon(StandInService& service, Dashboard dashboard = Dashboard::Closed)
+        : RunningTavrelon(service, Setting(), dashboard) {}
+    RunningTavrelon(StandInService& service, const Setting& setting, Dashboard dashboard = Dashboard::Closed);
     ~RunningTavrelon();
 
     QString log() const;
     int logged(const QString& line) const;
     bool waitForLog(const QString& line, int times);
+
+    qint64 process() const { return process_.processId(); }
 
     /// How many requests the history holds on disk.
     int historyCount() const;

@@ -1,11 +1,10 @@
 #include "support/private_sound_server.h"
 
-#include <unistd.h>
-
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QThread>
+#include <algorithm>
 #include <csignal>
 #include <stdexcept>
 
@@ -114,13 +113,28 @@ QByteArray PrivateSoundServer::control(const QStringList& command) const {
     return outputOf(QStringLiteral("pactl"), command);
 }
 
-int threadCount(qint64 process) {
+namespace {
+
+QStringList threadNames(const QString& process) {
     const QDir tasks(QStringLiteral("/proc/%1/task").arg(process));
-    return static_cast<int>(tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
+    QStringList names;
+    for (const auto& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile file(tasks.filePath(task + QStringLiteral("/comm")));
+        names << (file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).trimmed() : QString());
+    }
+    return names;
 }
 
+}  // namespace
+
 int threadCount() {
-    return threadCount(::getpid());
+    return static_cast<int>(threadNames(QStringLiteral("self")).size());
+}
+
+int soundThreadCount(qint64 process) {
+    return static_cast<int>(std::ranges::count_if(threadNames(QString::number(process)), [](const QString& name) {
+        return name.startsWith(QStringLiteral("audio input")) || name.startsWith(QStringLiteral("speech"));
+    }));
 }
 
 }  // namespace tavrelon::testing

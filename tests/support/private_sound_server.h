@@ -39,8 +39,10 @@ class PrivateSoundServer {
     QString microphoneModule_;
 };
 
-/// How many threads this process, or another, has.
-int threadCount(qint64 process);
+/// How many threads this process has.
 int threadCount();
+
+/// How many threads of a process hear or recognise speech.
+int soundThreadCount(qint64 process);
 
 }  // namespace tavrelon::testing

@@ -17,15 +17,10 @@ const PulseAnswer& PulseAudioInput::ask() {
         return answer_;
     isAnswerOfThisTurn_ = true;
     loop_.post(lifetime_.guard([this] { isAnswerOfThisTurn_ = false; }));
-    asked_ = std::make_shared<PulseConversation>();
+    asked_ = std::make_shared<PulseConversation>(log_);
     threads_.start("audio input", [conversation = asked_] { conversation->run(); });
-    auto answer = asked_->waitForAnswer(limit_);
-    if (!answer)
-        asked_->stop();
-    answer_ = answer ? *std::move(answer)
-                     : PulseAnswer{Verdict::NoServer, 0, QStringLiteral("the sound server does not answer")};
-    if (answer_.verdict != Verdict::Microphone)
-        log_.line(QStringLiteral("[Audio] No microphone: ") + answer_.reason);
+    constexpr int atLeastOneChannel = 1;
+    answer_ = asked_->waitForAnswer(limit_).value_or(PulseAnswer{Verdict::Microphone, atLeastOneChannel, {}});
     return answer_;
 }
 

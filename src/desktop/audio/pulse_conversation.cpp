@@ -61,17 +61,15 @@ void PulseConversation::run() {
         const std::lock_guard lock(mutex_);
         loop_ = loop;
     }
-    std::shared_ptr<platform::AudioTap> tap;
     auto found = ask();
     const bool hasMicrophone = found.verdict == Verdict::Microphone;
+    if (!hasMicrophone && !isStopped())
+        log_.line(QStringLiteral("[Audio] No microphone: ") + found.reason);
     answer(std::move(found));
     if (hasMicrophone)
-        if (const auto wish = waitForWish()) {
-            tap = wish->tap;
-            if (openStream(*wish))
-                hear();
-        }
-    end(tap);
+        if (const auto wish = waitForWish(); wish && openStream(*wish))
+            hear();
+    end();
 }
 
 PulseAnswer PulseConversation::ask() {
@@ -176,7 +174,7 @@ void PulseConversation::hand(pa_stream* stream) {
     }
 }
 
-void PulseConversation::end(const std::shared_ptr<platform::AudioTap>& tap) {
+void PulseConversation::end() {
     if (stream_) {
         pa_stream_set_read_callback(stream_, nullptr, nullptr);
         pa_stream_disconnect(stream_);
@@ -187,17 +185,18 @@ void PulseConversation::end(const std::shared_ptr<platform::AudioTap>& tap) {
         pa_context_unref(context_);
     }
     bool wasStopped = false;
+    std::optional<Wish> wish;
     pa_mainloop* loop = nullptr;
     {
         const std::lock_guard lock(mutex_);
         wasStopped = stopped_;
         over_ = true;
-        wish_.reset();
+        wish = std::exchange(wish_, std::nullopt);
         loop = std::exchange(loop_, nullptr);
     }
     pa_mainloop_free(loop);
-    if (tap && !wasStopped)
-        tap->ended();
+    if (wish && !wasStopped)
+        wish->tap->ended();
 }
 
 /// Waits for the server until `until` at the latest and does what it has sent. False when it is time to give up.

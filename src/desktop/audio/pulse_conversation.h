@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "platform/audio_input.h"
+#include "platform/log.h"
 
 struct pa_context;
 struct pa_mainloop;
@@ -35,6 +36,9 @@ PulseAnswer::Verdict verdictOnError(int error);
 /// conversation that is neither told to record nor to end ends by itself.
 class PulseConversation {
  public:
+    /// `log` outlives the thread. It hears in one line why there is no microphone.
+    explicit PulseConversation(platform::Log& log) : log_(log) {}
+
     void run();
 
     /// Absent when the answer has not come within `limit`.
@@ -64,11 +68,12 @@ class PulseConversation {
     bool openStream(const Wish& wish);
     void hear();
     void hand(pa_stream* stream);
-    void end(const std::shared_ptr<platform::AudioTap>& tap);
+    void end();
     bool turn(Clock::time_point until);
     bool isStopped() const;
     bool isContextGood() const;
 
+    platform::Log& log_;
     mutable std::mutex mutex_;  // guards the next six
     std::condition_variable answered_;
     std::optional<PulseAnswer> answer_;

@@ -41,7 +41,10 @@ struct VoskSpeech::Loading {
 };
 
 VoskSpeech::VoskSpeech(async::MainLoop& loop, platform::Log& log, const QString& applicationSupport)
-    : loop_(loop), log_(log), folder_(applicationSupport + QStringLiteral("/speech")) {}
+    : loop_(loop), log_(log), folder_(applicationSupport + QStringLiteral("/speech")) {
+    if (QFileInfo::exists(folder_ + u'/' + libraryName))
+        startLoading();
+}
 
 bool VoskSpeech::isAvailable(const QString& locale) {
     const auto model = modelFolder(locale);
@@ -57,17 +60,20 @@ bool VoskSpeech::isAvailable(const QString& locale) {
     return false;
 }
 
+void VoskSpeech::startLoading() {
+    loading_ = std::make_shared<Loading>();
+    threads_.start("speech library", [loading = loading_, folder = folder_] {
+        auto outcome = loadFrom(folder);
+        const std::lock_guard lock(loading->mutex);
+        loading->outcome = std::move(outcome);
+        loading->changed.notify_all();
+    });
+}
+
 /// The outcome of a library that takes longer than the limit is found by a later question.
 void VoskSpeech::load() {
-    if (!loading_) {
-        loading_ = std::make_shared<Loading>();
-        threads_.start("speech library", [loading = loading_, folder = folder_] {
-            auto outcome = loadFrom(folder);
-            const std::lock_guard lock(loading->mutex);
-            loading->outcome = std::move(outcome);
-            loading->changed.notify_all();
-        });
-    }
+    if (!loading_)
+        startLoading();
     std::unique_lock lock(loading_->mutex);
     loading_->changed.wait_for(lock, loadLimit, [this] { return loading_->outcome.has_value(); });
     whyNot_ = QStringLiteral("still being loaded");

@@ -15,8 +15,8 @@ namespace tavrelon::desktop {
 ///
 /// The library is `libvosk.so` in the folder `speech` of application support, or else where the system's loader finds
 /// it; the model of a locale is the folder `speech/<locale>`. Both are looked for when somebody asks, so that an
-/// installation needs no restart. Loading and recognising happen on threads of their own, one for each recognition; the
-/// main thread waits for `loadLimit` at most, the first time.
+/// installation needs no restart; a library that is there at the start is loaded then. Loading and recognising happen
+/// on threads of their own, one for each recognition; the main thread waits for `loadLimit` at most, the first time.
 class VoskSpeech : public platform::Speech {
  public:
     static constexpr std::chrono::milliseconds loadLimit{250};
@@ -38,6 +38,7 @@ class VoskSpeech : public platform::Speech {
     struct Loading;
 
     QString modelFolder(const QString& locale) const { return folder_ + u'/' + locale; }
+    void startLoading();
     void load();
 
     async::MainLoop& loop_;
