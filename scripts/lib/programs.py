@@ -99,7 +99,8 @@ class Tavrelon(Program):
         (folder / "tavrelon.settings").write_text(json.dumps(settings))
         self.executable = str(executable)
         self.environment = {"XDG_CONFIG_HOME": str(self.home / "config"), "XDG_DATA_HOME": str(self.home / "data")}
-        super().__init__([self.executable], log, self.environment)
+        # Without its dashboard, which would lie over the editors and keep the processor busy.
+        super().__init__([self.executable, "--background"], log, self.environment)
 
     def wait_until_live(self):
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)
