@@ -24,6 +24,18 @@ if(TAVRELON_SANITIZE)
   target_link_options(tavrelon_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+option(TAVRELON_SANITIZE_THREADS "Build with the thread sanitizer" OFF)
+if(TAVRELON_SANITIZE_THREADS)
+  target_compile_options(tavrelon_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(tavrelon_options INTERFACE -fsanitize=thread)
+endif()
+
+option(TAVRELON_COVERAGE "Let the tests say what they reached" OFF)
+if(TAVRELON_COVERAGE)
+  target_compile_options(tavrelon_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+  target_link_options(tavrelon_options INTERFACE -fprofile-instr-generate)
+endif()
+
 option(TAVRELON_FUZZ "Build a fuzzer for each reader of foreign documents" OFF)
 if(TAVRELON_FUZZ)
   target_compile_options(tavrelon_options INTERFACE -fsanitize=fuzzer-no-link)

@@ -15,7 +15,7 @@ LIVE = b"[Hotkey] Listening"
 def seconds_to_live(tavrelon):
     """Starts the program with a pipe for its log and waits for the line that says that hotkeys are live."""
     began = time.monotonic()
-    process = subprocess.Popen([tavrelon.executable], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+    process = subprocess.Popen([tavrelon.executable, "--background"], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                stderr=subprocess.DEVNULL, env={**os.environ, **tavrelon.environment})
     try:
         for line in process.stdout:

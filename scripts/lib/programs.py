@@ -100,18 +100,11 @@ class Tavrelon(Program):
         self.executable = str(executable)
         self.environment = {"XDG_CONFIG_HOME": str(self.home / "config"), "XDG_DATA_HOME": str(self.home / "data"),
                             **(extra_environment or {})}
-        super().__init__([self.executable], log, self.environment)
+        # Without its dashboard, which would lie over the editors and keep the processor busy.
+        super().__init__([self.executable, "--background"], log, self.environment)
 
     def wait_until_live(self):
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)
-        self.close_dashboard()
-
-    def close_dashboard(self):
-        """Closes the window that opens at each start, as a user would."""
-        window = wait_for("the dashboard", lambda: screen.window_named("^Tavrelon$"), seconds=20)
-        screen.focus(window)
-        screen.press("alt+F4")
-        wait_for("the end of the dashboard", lambda: not screen.window_named("^Tavrelon$"))
 
     def newest_answer(self):
         try:

@@ -133,15 +133,15 @@ def prompt_box(desk, dice, field):
 def master_switch(desk, dice, field):
     """Off, a hotkey begins nothing; on, it does again."""
     field.clear()
-    desk.keyboard.press("Shift+Alt+Super+k")
-    time.sleep(0.5)
+    desk.flip_switch()
+    time.sleep(0.3)
     mark = desk.mark()
     desk.keyboard.press(HOTKEY)
     time.sleep(0.5)
     if "Starting text listening" in desk.tavrelon.written()[mark:]:
         raise Fault("a hotkey worked although they were switched off")
-    desk.keyboard.press("Shift+Alt+Super+k")
-    time.sleep(0.5)
+    desk.flip_switch()
+    time.sleep(0.3)
     field.clear()
     text_request(desk, dice, field)
 
@@ -181,7 +181,9 @@ def hung_application(desk, dice, field):
         time.sleep(0.5)
     finally:
         field.signal(signal.SIGCONT)
-    time.sleep(1.5)  # it works off what came meanwhile, and is known to be well again
+    time.sleep(0.5)
+    desk.escape()  # the first one may have found the program waiting for that application
+    time.sleep(1.0)  # it works off what came meanwhile, and is known to be well again
     desk.rest()
     field.expect(desk.typed(places))
 

@@ -1,7 +1,7 @@
 """The desktop of a soak run: the program, its model service, fields to write in, and what surrounds them."""
 
 import itertools
-import os
+import json
 import re
 import subprocess
 import time
@@ -14,6 +14,7 @@ from soak_fields import LAYOUTS, Field
 from waiting import Fault, wait_for
 
 HOTKEY = "Shift+Alt+Super+l"
+KEY_PASSED_ON = "A key was passed on"
 REST = 2.3  # seconds; after an answer or an error the next request waits until the last one has left the stage
 # Lines that no run may have. Views warn through the log.
 BAD_LINE = re.compile(r"^(\[UI\]|QObject|QSocketNotifier|QTimer|qt\.|qrc:|terminate called).*|^.*ASSERT.*", re.MULTILINE)
@@ -41,6 +42,8 @@ class Desk:
         self.restart_tray()
         for field in self.fields:
             field.open()
+        self.fields[0].focus()
+        self.warm_up()
         return self
 
     def __exit__(self, *_):
@@ -62,12 +65,60 @@ class Desk:
         time.sleep(max(0.0, self.free_at - time.monotonic()))
         mark = self.mark()
         self.keyboard.press(HOTKEY)
-        self.wait_for_line(r"\[Hotkey\] Starting text listening", mark)
+        self.wait_for_hotkey("Starting text listening", mark)
         return mark
 
     def commit(self, mark):
         self.keyboard.press(HOTKEY)
-        self.wait_for_line(r"\[Hotkey\] Committing text input", mark)
+        self.wait_for_hotkey("Committing text input", mark)
+
+    def wait_for_hotkey(self, line, mark):
+        found = self.wait_for_line(rf"\[Hotkey\] ({line}|{KEY_PASSED_ON})", mark)
+        if found.group(1) == KEY_PASSED_ON and not re.search(line, self.tavrelon.written()[mark:]):
+            raise Fault(f"the program was too busy for the hotkey of '{line}'")
+
+    def passed_a_key_on(self, mark):
+        return KEY_PASSED_ON in self.tavrelon.written()[mark:]
+
+    def escape(self):
+        """Presses Escape until the program had it."""
+        for _ in range(8):
+            mark = self.mark()
+            self.keyboard.press("Escape")
+            time.sleep(0.6)
+            if not self.passed_a_key_on(mark):
+                return
+        raise Fault("the program takes no Escape")
+
+    def are_hotkeys_on(self):
+        settings = json.loads((self.home / "config/Tavrelon/tavrelon.settings").read_text(encoding="utf-8"))
+        return settings.get("hotkeysEnabled", True)
+
+    def flip_switch(self):
+        """Presses the hotkey of the master switch, and sees that it did its work."""
+        was_on = self.are_hotkeys_on()
+        self.keyboard.press("Shift+Alt+Super+k")
+        wait_for("the master switch", lambda: self.are_hotkeys_on() != was_on, seconds=5)
+
+    def switch_on(self):
+        for _ in range(8):
+            if self.are_hotkeys_on():
+                return
+            try:
+                self.flip_switch()
+            except Fault:
+                pass
+        raise Fault("the hotkeys cannot be switched on")
+
+    def warm_up(self):
+        """The first overlay costs more than all others, and on a busy machine more than the bound for a key."""
+        try:
+            self.begin()
+        except Fault:
+            pass
+        time.sleep(1.0)
+        self.escape()
+        self.rest()
 
     def rest(self):
         self.free_at = time.monotonic() + REST

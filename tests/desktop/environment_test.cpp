@@ -53,7 +53,7 @@ class EnvironmentTest : public ::testing::Test {
 
     /// Starts the program, by another command if one is given.
     void start(QProcess& process, const QString& log, QStringList command = {}) {
-        command << QStringLiteral(TAVRELON_PROGRAM);
+        command << QStringLiteral(TAVRELON_PROGRAM) << QStringLiteral("--background");
         process.setProcessEnvironment(environment);
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.setStandardOutputFile(home.filePath(log));
@@ -171,9 +171,9 @@ TEST_F(EnvironmentTest, AHomeThatTakesNoFilesCostsOnlyTheMemory) {
               "mkdir -p \"$HOME/.config/Tavrelon\" && echo \"$s\" >\"$HOME/.config/Tavrelon/tavrelon.settings\" && "
               "{ cat /dev/zero >\"$HOME/filler\" 2>/dev/null; true; }")}) {
         SCOPED_TRACE(qPrintable(mount));
-        start(
-            first, QStringLiteral("log"),
-            withMounts() << QStringLiteral("sh") << QStringLiteral("-c") << mount + QStringLiteral(" && exec \"$0\""));
+        start(first, QStringLiteral("log"),
+              withMounts() << QStringLiteral("sh") << QStringLiteral("-c")
+                           << mount + QStringLiteral(" && exec \"$0\" \"$@\""));
         ASSERT_TRUE(listens()) << log().data();
         expectARequestToWork();
         EXPECT_TRUE(eventually([&] { return log().contains("Failed to save history: "); })) << log().data();
