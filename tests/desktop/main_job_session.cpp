@@ -32,25 +32,19 @@ RunningTavrelon::RunningTavrelon(StandInService& service, const Setting& setting
     process_.setProcessEnvironment(environment);
     process_.setProcessChannelMode(QProcess::MergedChannels);
     process_.setStandardOutputFile(home_.filePath(QStringLiteral("log")));
-    process_.start(QStringLiteral(TAVRELON_PROGRAM), QStringList());
+    const bool withDashboard = dashboard == Dashboard::Open;
+    process_.start(QStringLiteral(TAVRELON_PROGRAM),
+                   withDashboard ? QStringList() : QStringList(QStringLiteral("--background")));
     if (!waitForLog(QStringLiteral("[Hotkey] Listening"), 1))
         throw std::runtime_error("Tavrelon does not listen: " + log().toStdString());
-    if (!eventually([] { return frontmostTitle() == QStringLiteral("Tavrelon"); }))
+    if (withDashboard && !eventually([] { return frontmostTitle() == QStringLiteral("Tavrelon"); }))
         throw std::runtime_error("the dashboard does not come to the front: " + log().toStdString());
-    if (dashboard == Dashboard::Closed)
-        closeDashboard();
 }
 
 bool RunningTavrelon::isDashboardOpen() {
     return !xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
                      QStringLiteral("^Tavrelon$")})
                 .isEmpty();
-}
-
-void RunningTavrelon::closeDashboard() {
-    xdotool({QStringLiteral("key"), QStringLiteral("alt+F4")});
-    if (!eventually([] { return !isDashboardOpen(); }))
-        throw std::runtime_error("the dashboard does not close: " + log().toStdString());
 }
 
 text::Json RunningTavrelon::settings() const {

@@ -20,7 +20,7 @@ class RunningTavrelon {
         std::function<void(const QString& applicationSupport)> install{};  ///< puts files there
     };
 
-    /// Starts it, waits until it listens and its dashboard shows, and closes that as a user would unless it is to stay.
+    /// Starts it, with its dashboard or in the background, and waits until it listens and shows what it is to show.
     /// Throws when nothing of the kind happens.
     explicit RunningTavrelon(StandInService& service, Dashboard dashboard = Dashboard::Closed)
         : RunningTavrelon(service, Setting(), dashboard) {}
@@ -47,8 +47,6 @@ class RunningTavrelon {
     text::Json settings() const;
 
  private:
-    void closeDashboard();
-
     QTemporaryDir home_;
     mutable QProcess process_;
 };

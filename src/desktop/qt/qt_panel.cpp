@@ -58,10 +58,7 @@ QtPanel::QtPanel(QQmlEngine& engine, const platform::PanelDescription& descripti
 
 QtPanel::~QtPanel() {
     tools_.panels.erase(this);
-    // The renderer gives textures back while it draws a frame, and what waits for that when its last window goes is
-    // never given back (Qt 6.4): so nothing is drawn once more.
-    view_.setSource({});
-    view_.grabWindow();
+    giveTexturesBack(view_);
 }
 
 void QtPanel::compositingChanged() {

@@ -17,6 +17,11 @@ std::unique_ptr<QQmlEngine> makeViewEngine(platform::Log& log) {
     return engine;
 }
 
+void giveTexturesBack(QQuickView& view) {
+    view.setSource({});
+    view.grabWindow();
+}
+
 QUrl viewUrl(const QString& name) {
     return QUrl(QStringLiteral("qrc:/tavrelon/ui/%1.qml").arg(name));
 }

@@ -34,6 +34,7 @@ class QtWindow : public QObject, public platform::Window {
     }
 
     ~QtWindow() override {
+        giveTexturesBack(*view_);
         view_.reset();
         engine_.reset();
         loop_.post([] { giveMemoryBack(); });
