@@ -50,6 +50,33 @@ TEST_F(DashboardDesktopTest, ARecordedHotkeyWorksInAnEditorWithoutARestart) {
     EXPECT_FALSE(tavrelon.log().contains(QStringLiteral("[UI]"))) << qPrintable(tavrelon.log());
 }
 
+TEST_F(DashboardDesktopTest, ANumberIsTakenWhenItsFieldIsLeftAndNonsenseIsNot) {
+    RunningTavrelon tavrelon(service, RunningTavrelon::Dashboard::Open);
+    DashboardWindow window;
+    const auto seconds = [&] { return tavrelon.settings().value("voiceInputSilenceTimeoutSeconds", 2.0); };
+    const auto type = [&](std::initializer_list<place::Code> keys) {
+        window.press(QStringLiteral("Voice Input: Timeout"));
+        keyboard.strikeWith({place::leftControl}, place::a);
+        for (const auto key : keys)
+            keyboard.strike(key);
+        letKeysArrive();
+    };
+    constexpr place::Code four = 13, five = 14;
+    window.press(QStringLiteral("Hotkeys"));
+    ASSERT_TRUE(window.waitFor(QStringLiteral("Voice Input: Timeout")));
+    type({four, five});
+    window.press(QStringLiteral("Settings"));  // leaves the page with the field
+    EXPECT_TRUE(eventually([&] { return seconds() == 30; })) << seconds();
+    window.press(QStringLiteral("Hotkeys"));
+    type({place::a, place::s});
+    keyboard.strike(place::enter);
+    type({five});
+    keyboard.strike(place::enter);
+    EXPECT_TRUE(eventually([&] { return seconds() == 5; })) << seconds();
+    EXPECT_EQ(tavrelon.terminate(), 0);
+    EXPECT_FALSE(tavrelon.log().contains(QStringLiteral("[UI]"))) << qPrintable(tavrelon.log());
+}
+
 TEST_F(DashboardDesktopTest, TabWalksThroughNamedControlsAndSpacePressesThem) {
     RunningTavrelon tavrelon(service, RunningTavrelon::Dashboard::Open);
     DashboardWindow window;

@@ -114,9 +114,10 @@ TEST_F(DashboardPagesTest, TheNextRequestGoesToTheProviderThatWasSwitchedOnAndIs
         window.press(u"Endpoint"_s);
         selectAll();
         type(service.url(u"/api/chat"_s));
-        const auto settings = tavrelon.settings();
-        EXPECT_EQ(settings.at("enableCustomPollinations"), false);
-        EXPECT_EQ(settings.at("ollamaLocalEndpoint"), service.url(u"/api/chat"_s).toStdString());
+        EXPECT_TRUE(eventually([&] {
+            return tavrelon.settings().at("ollamaLocalEndpoint") == service.url(u"/api/chat"_s).toStdString();
+        }));
+        EXPECT_EQ(tavrelon.settings().at("enableCustomPollinations"), false);
     }
     request(tavrelon, u"a poem"_s);
     EXPECT_TRUE(asksFor(u"/api/chat"_s));
