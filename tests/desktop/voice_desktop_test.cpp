@@ -35,7 +35,7 @@ TEST_F(VoiceDesktopTest, WhatIsDictatedStandsInTheFieldWithoutAModelAndNothingRu
     EXPECT_TRUE(service.ledger().requests().empty());
     EXPECT_EQ(tavrelon.historyCount(), 0);
     EXPECT_TRUE(eventually([&] { return soundThreadCount(tavrelon.process()) == 0; }));
-    EXPECT_EQ(tavrelon.terminate(), 0);
+    EXPECT_EQ(tavrelon.terminate(), 0) << qPrintable(tavrelon.log());
 }
 
 TEST_F(VoiceDesktopTest, ASpokenRequestIsAnsweredInPlace) {
@@ -48,7 +48,7 @@ TEST_F(VoiceDesktopTest, ASpokenRequestIsAnsweredInPlace) {
     EXPECT_TRUE(firstQuestion().contains(wish)) << qPrintable(firstQuestion());
     EXPECT_EQ(editor.saved(QStringLiteral("ONCE UPON A TIME")), QStringLiteral("ONCE UPON A TIME"));
     EXPECT_EQ(sound.recordings(), 0);
-    EXPECT_EQ(tavrelon.terminate(), 0);
+    EXPECT_EQ(tavrelon.terminate(), 0) << qPrintable(tavrelon.log());
 }
 
 TEST_F(VoiceDesktopTest, EscapeDropsWhatWasSaidAndAMissingMicrophoneIsNoHarm) {
@@ -67,7 +67,7 @@ TEST_F(VoiceDesktopTest, EscapeDropsWhatWasSaidAndAMissingMicrophoneIsNoHarm) {
     sound.plugMicrophone();
     startSpeaking({place::leftControl, place::leftShift});
     EXPECT_EQ(editor.saved(QStringLiteral("as it was")), QStringLiteral("as it was"));
-    EXPECT_EQ(tavrelon.terminate(), 0) << "in the middle of a recording";
+    EXPECT_EQ(tavrelon.terminate(), 0) << qPrintable(tavrelon.log());
 }
 
 TEST_F(VoiceDesktopTest, WithoutARecogniserTheUserIsTold) {
@@ -115,7 +115,7 @@ TEST_F(AutoReplyDesktopTest, TheSelectionIsAnsweredOrElseTheScreen) {
     EXPECT_TRUE(toSelection.contains(QStringLiteral("请直接输出回复正文，不要加前缀或解释：\\nsee you at 8? FINE")))
         << qPrintable(toSelection.left(2000));
     EXPECT_EQ(editor.saved(QStringLiteral("AT NINE")), QStringLiteral("AT NINE"));
-    EXPECT_EQ(tavrelon.terminate(), 0);
+    EXPECT_EQ(tavrelon.terminate(), 0) << qPrintable(tavrelon.log());
 }
 
 }  // namespace tavrelon::testing

@@ -12,7 +12,6 @@
 
 struct pa_context;
 struct pa_mainloop;
-struct pa_source_info;
 struct pa_stream;
 
 namespace tavrelon::desktop {
