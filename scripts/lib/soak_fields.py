@@ -3,6 +3,7 @@
 import os
 import signal
 import time
+from pathlib import Path
 
 import screen
 from programs import EDITORS, Program
@@ -54,7 +55,7 @@ class Field:
             self.desk.keyboard.press("Control+a")
             self.desk.keyboard.press("Delete")
             self.text = ""
-        time.sleep(0.15)
+        self.come_to_rest()
 
     def start_again(self):
         """Puts a field whose content nobody knows back into a known state."""
@@ -64,7 +65,19 @@ class Field:
 
     def type(self, places):
         self.desk.keyboard.type_places(places)
-        time.sleep(0.25)
+        self.come_to_rest()
+
+    def come_to_rest(self):
+        """Waits as a user does who looks whether all letters are there. A program that was not let run on a busy machine
+        is ready to run; one that has nothing left to do sleeps."""
+        asleep = 0
+        for _ in range(400):
+            stat = Path(f"/proc/{self.program.process.pid}/stat").read_text(encoding="utf-8", errors="replace")
+            asleep = asleep + 1 if stat.rpartition(")")[2].split()[0] == "S" else 0
+            if asleep == 12:
+                return
+            time.sleep(0.025)
+        raise Fault(f"{self.kind} does not come to rest")
 
     def expect(self, text):
         """Sees that the field holds the text, or in a terminal that this is the line at hand."""
