@@ -119,6 +119,11 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
         ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::listening; }));
         letKeysArrive();
         editor.type(typed);
+        // What can be read is read only once the application shows it, however busy the machine is.
+        eventually([&] {
+            const auto seen = capturer.fetchFocusedTextSnapshot();
+            return !seen || seen->value.contains(typed);
+        });
         pressToggleHotkey(keyboard);
         ASSERT_TRUE(eventually([&] { return generator.requests.size() > asked; })) << "nothing was asked";
         ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::idle; }));

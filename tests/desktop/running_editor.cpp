@@ -75,6 +75,7 @@ RunningEditor::Program RunningEditor::programOf(Kind kind, const QString& folder
                                QStringLiteral("--user-data-dir=%1/profile").arg(folder),
                                QStringLiteral("--no-first-run"),
                                QStringLiteral("--disable-gpu"),
+                               QStringLiteral("--disable-dev-shm-usage"),
                                QStringLiteral("--disable-background-networking"),
                                QStringLiteral("--app=") + page};
     switch (kind) {
