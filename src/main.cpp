@@ -144,7 +144,7 @@ desktop::NativeKeyNames keyNames(desktop::X11NativeKeys& keys) {
 }
 
 platform::Permissions permissions(const desktop::AtspiAccessibility& accessibility,
-                                  platform::ScreenCapture& screenCapture) {
+                                  platform::ScreenCapture& screenCapture, platform::AudioInput& audioInput) {
     using enum platform::AuthorizationStatus;
     using desktop::SettingsPane;
     return {{[&accessibility] { return accessibility.isBusReachable() ? Authorized : Denied; },
@@ -154,7 +154,8 @@ platform::Permissions permissions(const desktop::AtspiAccessibility& accessibili
              }},
             {[&screenCapture] { return screenCapture.preflightAccess() ? Authorized : Denied; },
              [] { desktop::openSettingsPane(SettingsPane::ScreenCapture); }},
-            {[] { return NotDetermined; }, [] { desktop::openSettingsPane(SettingsPane::Microphone); }}};
+            {[&audioInput] { return audioInput.hasDefaultDevice() ? audioInput.authorizationStatus() : Denied; },
+             [] { desktop::openSettingsPane(SettingsPane::Microphone); }}};
 }
 
 /// The dashboard and what it needs of this desktop.
@@ -173,7 +174,7 @@ struct Dashboard {
                  {ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys),
                   ui::clonePage(appState, platform, filePicker), ui::providersPage(appState, platform),
                   ui::historyPage(appState),
-                  ui::privacyPage(appState, permissions(accessibility, platform.screenCapture))},
+                  ui::privacyPage(appState, permissions(accessibility, platform.screenCapture, platform.audioInput))},
                  [&platform] { platform.workspace.openUrl(ui::donationPage()); }) {}
 };
 
