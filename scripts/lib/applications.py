@@ -35,10 +35,6 @@ written here.
 - **undo**: how often to undo until the selection request never happened.
 
 """
-NOTES = """
-A selection that still stands on a terminal's screen counts as the selection of a request typed behind it: the answer is
-then added to the words instead of taking their place.
-"""
 
 
 def rows_of(folder):
@@ -93,7 +89,7 @@ def as_document(folder):
     table, reasons = with_notes(rows_of(folder))
     lines = ["| " + " | ".join(line) + " |" for line in [COLUMNS, ["---"] * len(COLUMNS), *table]]
     notes = [f"{number}. It {reason}." for number, reason in enumerate(reasons, 1)]
-    return INTRODUCTION + "\n".join([*lines, "", "The reasons for each no:", "", *notes]) + "\n" + NOTES + (
+    return INTRODUCTION + "\n".join([*lines, "", "The reasons for each no:", "", *notes]) + "\n" + (
         "\n" + request_line(folder) + "\n" if requests_of(folder) else "")
 
 

@@ -31,6 +31,7 @@ constexpr auto silent = "tells accessibility nothing unless started with --force
 constexpr auto notEditable = "offers no interface for editing";
 constexpr auto oneHeight = "says that all lines are at the height of the first; the field's frame serves";
 constexpr auto absent = "is not on the accessibility bus";
+constexpr auto screenOnly = "tells its screen, which is no field";
 constexpr auto keptByProgram = "cannot take back what its program has got";
 
 constexpr Known known[] = {
@@ -47,7 +48,9 @@ constexpr Known known[] = {
     {"xterm", Column::ByAccessibility, absent},
     {"xterm", Column::Caret, absent},
     {"xterm", Column::Undo, keptByProgram},
-    {"lxterminal", Column::ByAccessibility, notEditable},
+    {"lxterminal", Column::Value, screenOnly},
+    {"lxterminal", Column::Selection, screenOnly},
+    {"lxterminal", Column::ByAccessibility, screenOnly},
     {"firefox", Column::ByAccessibility, "answers that it wrote and changes nothing"},
     {"libreoffice", Column::Value, "tells the paragraph of the caret only"},
     {"lxterminal", Column::Undo, keptByProgram},
@@ -85,7 +88,7 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
         return eventually(
             [&] {
                 const auto seen = capturer.fetchFocusedTextSnapshot();
-                return seen && (editor.isTerminal() ? seen->value.contains(twoLines()) : seen->value == twoLines());
+                return seen && seen->value == twoLines();
             },
             3s);
     }
@@ -95,11 +98,6 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
         if (!editor.isTerminal())
             return editor.selectBackward(4);
         clickFirstRow("2");
-    }
-    /// A selection of a terminal's screen outlives what is typed; a click ends it.
-    void selectNothing() {
-        if (editor.isTerminal())
-            clickFirstRow("1");
     }
     void clickFirstRow(const char* times) {
         const auto window = std::to_string(workspace->frontmostApplication()->windowIdentifier);
@@ -119,11 +117,6 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
         ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::listening; }));
         letKeysArrive();
         editor.type(typed);
-        // What can be read is read only once the application shows it, however busy the machine is.
-        eventually([&] {
-            const auto seen = capturer.fetchFocusedTextSnapshot();
-            return !seen || seen->value.contains(typed);
-        });
         pressToggleHotkey(keyboard);
         ASSERT_TRUE(eventually([&] { return generator.requests.size() > asked; })) << "nothing was asked";
         ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::idle; }));
@@ -145,6 +138,7 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
             return locator.caretRect();
         };
         if (editor.isTerminal()) {
+            clickFirstRow("1");  // or the selection's place would be told
             const auto before = locator.caretRect();
             const auto after = placeBehind(place::x);
             return before && after && after->origin.x > before->origin.x && after->size.height < 60;
@@ -181,11 +175,10 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
 
 TEST_F(ApplicationTable, Row) {
     editor.refill(twoLines(), QString());
-    see(Column::Value, readsValue(), editor.isTerminal() ? QStringLiteral("the screen") : QStringLiteral("yes"));
+    see(Column::Value, readsValue());
     selectWord();
     const auto selection = editor.isTerminal() ? word() : QStringLiteral("line");
     see(Column::Selection, eventually([&] { return selectedText() == selection; }, 3s));
-    selectNothing();
     const bool caret = followsCaret();
 
     editor.refill(beforeWord, behindWord);

@@ -141,6 +141,9 @@ AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element,
     const auto& contents = contentsOf(referenceOf(element));
     if (!contents)
         return std::unexpected(contents.error());
+    // A terminal's text is its screen, late and with what others wrote there, and its selection outlives what is typed.
+    if (contents->isTerminal && attribute != AXAttribute::SelectedTextRange)
+        return std::unexpected(AXError::AttributeUnsupported);
     if (attribute == AXAttribute::Value)
         return contents->value;
     if (!contents->selection)
@@ -161,6 +164,8 @@ AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const 
         return std::unexpected(contents.error() == AXError::AttributeUnsupported
                                    ? AXError::ParameterizedAttributeUnsupported
                                    : contents.error());
+    if (contents->isTerminal)
+        return std::unexpected(AXError::ParameterizedAttributeUnsupported);
     if (range.location < 0 || range.length < 0 || range.location > contents->value.size())
         return std::unexpected(AXError::IllegalArgument);
     return AXAttributedString{contents->value.mid(range.location, range.length)};

@@ -42,11 +42,14 @@ class StateSet {
 };
 
 /// The roles that are treated unlike others, by their number in the protocol.
-enum class Role : quint32 { Menu = 33, MenuBar = 34, PasswordText = 40, PopupMenu = 41 };
+enum class Role : quint32 { Menu = 33, MenuBar = 34, PasswordText = 40, PopupMenu = 41, Terminal = 60 };
 
 bool isMenu(quint32 role);
 inline bool isPassword(quint32 role) {
     return role == static_cast<quint32>(Role::PasswordText);
+}
+inline bool isTerminal(quint32 role) {
+    return role == static_cast<quint32>(Role::Terminal);
 }
 
 /// What a failed call says of the element.

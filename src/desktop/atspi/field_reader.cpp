@@ -52,6 +52,7 @@ std::expected<FieldContents, AXError> FieldReader::read(const ObjectReference& f
         if (const auto count = chain(replies[3], signedNumberOf))
             reported.count = *count;
     FieldContents contents;
+    contents.isTerminal = isTerminal(description.role);
     contents.value = shownText(*sent, description.toolkit.offsets);
     contents.selection = selectionOf(contents.value, reported, description.toolkit);
     // A value with the caret for a selection would pass for "nothing selected"; the copy shortcut tells better.

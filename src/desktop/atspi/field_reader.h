@@ -19,6 +19,7 @@ struct FieldDescription {
 struct FieldContents {
     QString value;
     std::optional<text::Utf16Range> selection;
+    bool isTerminal = false;
 };
 
 /// Reads a field. Main thread; within the allowance of `calls`.
