@@ -155,7 +155,10 @@ platform::Permissions permissions(const desktop::AtspiAccessibility& accessibili
             {[&screenCapture] { return screenCapture.preflightAccess() ? Authorized : Denied; },
              [] { desktop::openSettingsPane(SettingsPane::ScreenCapture); }},
             {[&audioInput] { return audioInput.hasDefaultDevice() ? audioInput.authorizationStatus() : Denied; },
-             [] { desktop::openSettingsPane(SettingsPane::Microphone); }}};
+             [&audioInput] {
+                 audioInput.requestAccess();
+                 desktop::openSettingsPane(SettingsPane::Microphone);
+             }}};
 }
 
 /// The dashboard and what it needs of this desktop.

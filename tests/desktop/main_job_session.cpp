@@ -77,6 +77,9 @@ QString RunningTavrelon::newestHistoryId() const {
 }
 
 int RunningTavrelon::terminate() {
+    // Qt 6.4 loses its copy of a key when the window is gone before the accessibility bus has answered for the key.
+    if (process_.state() == QProcess::Running && isDashboardOpen())
+        letKeysArrive();
     if (process_.state() == QProcess::NotRunning)
         return process_.exitCode();
     process_.terminate();

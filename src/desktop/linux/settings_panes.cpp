@@ -42,7 +42,7 @@ std::optional<QStringList> settingsCommand(SettingsPane pane, const QStringList&
         const QLatin1StringView desktop(each.desktop);
         if (each.pane != pane || (!desktop.isEmpty() && !desktops.contains(desktop)))
             continue;
-        const auto words = QString::fromLatin1(each.command).split(u' ');
+        auto words = QString::fromLatin1(each.command).split(u' ');
         if (exists(words.first()))
             return words;
     }
