@@ -125,6 +125,10 @@ TEST_F(DocumentFiles, HtmlIsReadWithoutOpeningWhatItRefersTo) {
         "<body><p>Grüße<br>an&nbsp;<b>alle</b></p><img src='file://%1'><img src='%1'><ul><li>one</ul>"_s.arg(pipe);
     EXPECT_EQ(read(put(u"a.html"_s, page.toUtf8()), DocumentFormat::Html), u"Grüße\nan alle\none"_s);
     EXPECT_EQ(read(put(u"a.htm"_s, "<meta charset=gbk><p>\xc4\xe3\xba\xc3"), DocumentFormat::Html), u"你好"_s);
+    EXPECT_EQ(read(put(u"fonts.html"_s, "<style>p{margin:1em}</style><p>a</p><pre>b</pre><code>c</code>"),
+                   DocumentFormat::Html),
+              u"a\nb\nc"_s)
+        << "what asks for fonts";
     EXPECT_EQ(read(put(u"empty.html"_s, {}), DocumentFormat::Html), QString());
 }
 

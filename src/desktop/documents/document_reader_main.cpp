@@ -3,11 +3,12 @@
 #include <sys/prctl.h>
 #include <sys/resource.h>
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <csignal>
 #include <cstdio>
+#include <memory>
 
 #include "desktop/documents/document_process.h"
 #include "desktop/documents/html_charset.h"
@@ -35,12 +36,25 @@ void boundThisProcess() {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     limit(RLIMIT_CORE, 0);
+    ::signal(SIGXFSZ, SIG_IGN);  // a library that would write a cache shall merely fail to
     limit(RLIMIT_FSIZE, 0);
     limit(RLIMIT_CPU, 20);  // seconds
 #if !__has_feature(address_sanitizer)
     constexpr rlim_t gibibyte = rlim_t{1} << 30;  // of addresses, libraries included
     limit(RLIMIT_AS, gibibyte);
 #endif
+}
+
+/// The HTML importer asks for fonts, wherever a page has code or measures in letters; the others need no desktop at
+/// all.
+std::unique_ptr<QCoreApplication> applicationFor(int& argc, char** argv) {
+    const QLatin1StringView format(argc > 1 ? argv[1] : "");
+    if (format != document_process::html && format != document_process::markup)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    for (const char* contact : {"DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON"})
+        qunsetenv(contact);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
 }
 
 Exit answer(Exit exit, const QString& text) {
@@ -79,7 +93,7 @@ std::expected<QByteArray, platform::FileError> input(const QStringList& argument
 
 int main(int argc, char** argv) {
     boundThisProcess();
-    const QCoreApplication application(argc, argv);
+    const auto application = applicationFor(argc, argv);
     const auto arguments = QCoreApplication::arguments();
     if (arguments.size() < 2) {
         std::fputs("tavrelon-document-reader: Tavrelon starts this program by itself\n", stderr);
