@@ -5,6 +5,10 @@
 #include <QPointer>
 #include <QTimer>
 
+#if __has_feature(thread_sanitizer)
+#include <sanitizer/tsan_interface.h>
+#endif
+
 namespace tavrelon::desktop {
 
 namespace {
@@ -20,16 +24,31 @@ class BlockEvent : public QEvent {
     async::MainLoop::Block block_;
 };
 
+// The lock that hands an event from thread to thread is Qt's, which the thread sanitizer does not see.
+void handOver([[maybe_unused]] QEvent* event) {
+#if __has_feature(thread_sanitizer)
+    __tsan_release(event);
+#endif
+}
+void takeOver([[maybe_unused]] QEvent* event) {
+#if __has_feature(thread_sanitizer)
+    __tsan_acquire(event);
+#endif
+}
+
 }  // namespace
 
 QtMainLoop::QtMainLoop() = default;
 QtMainLoop::~QtMainLoop() = default;
 
 void QtMainLoop::post(Block block) {
-    QCoreApplication::postEvent(this, new BlockEvent(std::move(block)));
+    auto* event = new BlockEvent(std::move(block));
+    handOver(event);
+    QCoreApplication::postEvent(this, event);
 }
 
 bool QtMainLoop::event(QEvent* event) {
+    takeOver(event);
     if (event->type() != blockEvent)
         return QObject::event(event);
     static_cast<BlockEvent*>(event)->run();
