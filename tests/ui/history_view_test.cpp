@@ -29,6 +29,8 @@ class HistoryViewTest : public ::testing::Test {
     std::unique_ptr<QQmlEngine> engine = desktop::makeViewEngine(desktop.log);
     QQuickView view{engine.get(), nullptr};
 
+    ~HistoryViewTest() override { desktop::giveTexturesBack(view); }
+
     void add(const QString& output, const QString& picture = {}) {
         history.addEntry({.id = QUuid::createUuid(),
                           .appName = u"Editor"_s,
