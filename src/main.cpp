@@ -84,7 +84,10 @@ std::unexpected<int> endWith(int status, const QString& reason) {
     return std::unexpected(status);
 }
 
-std::expected<Start, int> prepareStart(const QStringList& arguments) {
+std::expected<Start, int> prepareStart(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QFile::decodeName(argv[i]));
     const auto mode = desktop::startModeFrom(arguments);
     if (!mode)
         return endWith(EX_USAGE, mode.error());
@@ -110,6 +113,11 @@ std::expected<Start, int> prepareStart(const QStringList& arguments) {
     return endWith(EX_OK, QStringLiteral("Tavrelon is running already and shows its dashboard."));
 }
 
+app::AppDelegate::Launch launchOf(desktop::StartMode mode) {
+    return mode == desktop::StartMode::Background ? app::AppDelegate::Launch::InBackground
+                                                  : app::AppDelegate::Launch::WithDashboard;
+}
+
 /// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time. They
 /// are windows of the X server, which is where all else happens, also in a session that has another way to draw.
 void prepareViews() {
@@ -121,10 +129,7 @@ void prepareViews() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i)
-        arguments.append(QFile::decodeName(argv[i]));
-    auto start = prepareStart(arguments);
+    auto start = prepareStart(argc, argv);
     if (!start)
         return start.error();
     QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
@@ -179,9 +184,7 @@ int main(int argc, char** argv) {
 
     app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
     start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
-    delegate.applicationDidFinishLaunching(start->mode == desktop::StartMode::Background
-                                               ? app::AppDelegate::Launch::InBackground
-                                               : app::AppDelegate::Launch::WithDashboard);
+    delegate.applicationDidFinishLaunching(launchOf(start->mode));
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();
     return status;
