@@ -100,7 +100,10 @@ std::unexpected<int> endWith(int status, const QString& reason) {
     return std::unexpected(status);
 }
 
-std::expected<Start, int> prepareStart(const QStringList& arguments) {
+std::expected<Start, int> prepareStart(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QFile::decodeName(argv[i]));
     const auto mode = desktop::startModeFrom(arguments);
     if (!mode)
         return endWith(EX_USAGE, mode.error());
@@ -124,6 +127,11 @@ std::expected<Start, int> prepareStart(const QStringList& arguments) {
     if (instance.error() == desktop::SingleInstance::Refusal::Silent)
         return endWith(EX_TEMPFAIL, QStringLiteral("Tavrelon is running already and does not answer."));
     return endWith(EX_OK, QStringLiteral("Tavrelon is running already and shows its dashboard."));
+}
+
+app::AppDelegate::Launch launchOf(desktop::StartMode mode) {
+    return mode == desktop::StartMode::Background ? app::AppDelegate::Launch::InBackground
+                                                  : app::AppDelegate::Launch::WithDashboard;
 }
 
 /// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time. They
@@ -184,10 +192,7 @@ struct Dashboard {
 }  // namespace
 
 int main(int argc, char** argv) {
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i)
-        arguments.append(QFile::decodeName(argv[i]));
-    auto start = prepareStart(arguments);
+    auto start = prepareStart(argc, argv);
     if (!start)
         return start.error();
     QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
@@ -248,9 +253,7 @@ int main(int argc, char** argv) {
     Dashboard dashboard(delegate.appState(), platform, *essentials, accessibility);
     delegate.showDashboard = [&dashboard] { dashboard.window.show(); };
     start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
-    delegate.applicationDidFinishLaunching(start->mode == desktop::StartMode::Background
-                                               ? app::AppDelegate::Launch::InBackground
-                                               : app::AppDelegate::Launch::WithDashboard);
+    delegate.applicationDidFinishLaunching(launchOf(start->mode));
     // To find the field that had the focus before this start takes longest: it is done before the user asks.
     const auto firstLook = loop.after(std::chrono::milliseconds(200), [&accessibility] {
         static_cast<void>(

@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
     desktop::StandardOutputLog log;
     desktop::QtMainLoop loop;
     desktop::PosixFileSystem files;
-    desktop::DirectoryDefaultsStore store(files, arguments[1]);
+    desktop::DirectoryDefaultsStore store(files, log, arguments[1]);
     desktop::QtHttpSession session(loop);
     desktop::DocumentProcessReader documents(loop, arguments[3]);
     persistence::StorageManager storage(store, files, log, loop, arguments[2]);
