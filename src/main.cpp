@@ -137,6 +137,8 @@ app::AppDelegate::Launch launchOf(desktop::StartMode mode) {
 /// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time. They
 /// are windows of the X server, which is where all else happens, also in a session that has another way to draw.
 void prepareViews() {
+    QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
     qputenv("QT_QPA_PLATFORM", "xcb");
     qputenv("QT_QUICK_BACKEND", "software");
     QApplication::setQuitOnLastWindowClosed(false);
@@ -195,8 +197,6 @@ int main(int argc, char** argv) {
     auto start = prepareStart(argc, argv);
     if (!start)
         return start.error();
-    QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
     prepareViews();
     desktop::TerminationSignals::block();
     const QApplication application(argc, argv);
