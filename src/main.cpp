@@ -171,6 +171,52 @@ platform::Permissions permissions(const desktop::AtspiAccessibility& accessibili
              }}};
 }
 
+/// This desktop behind the ports.
+struct Adapters {
+    desktop::AtspiAccessibility accessibility;
+    desktop::X11EventTap eventTap;
+    desktop::DBusInputSource inputSource;
+    desktop::QtImageCodec imageCodec;
+    desktop::QtHttpSession httpSession;
+    desktop::PosixFileSystem fileSystem;
+    desktop::ThreadSerialQueues serialQueues;
+    desktop::DocumentProcessReader documentReader;
+    desktop::PulseAudioInput audioInput;
+    desktop::VoskSpeech speech;
+    desktop::DirectoryDefaultsStore defaultsStore;
+    platform::Platform platform;
+
+    Adapters(async::MainLoop& loop, platform::Log& log, Essentials& essentials,
+             const std::shared_ptr<desktop::PostedKeys>& posted, const desktop::UserFolders& folders)
+        : accessibility(*essentials.workspace, loop, log),
+          eventTap(loop, log, posted),
+          inputSource(loop),
+          imageCodec(loop),
+          httpSession(loop),
+          documentReader(loop, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader")),
+          audioInput(loop, log),
+          speech(loop, log, folders.applicationSupport),
+          defaultsStore(fileSystem, log, folders.configuration),
+          platform{loop,
+                   log,
+                   accessibility,
+                   eventTap,
+                   *essentials.keyPoster,
+                   *essentials.pasteboard,
+                   *essentials.workspace,
+                   inputSource,
+                   *essentials.screenCapture,
+                   imageCodec,
+                   httpSession,
+                   defaultsStore,
+                   fileSystem,
+                   serialQueues,
+                   documentReader,
+                   audioInput,
+                   speech,
+                   folders.applicationSupport} {}
+};
+
 /// The dashboard and what it needs of this desktop.
 struct Dashboard {
     desktop::QtWindows windows;
@@ -211,36 +257,8 @@ int main(int argc, char** argv) {
         return EX_UNAVAILABLE;
     }
     start->display.reset();
-    desktop::AtspiAccessibility accessibility(*essentials->workspace, loop, log);
-    desktop::X11EventTap eventTap(loop, log, posted);
-    desktop::DBusInputSource inputSource(loop);
-    desktop::QtImageCodec imageCodec(loop);
-    desktop::QtHttpSession httpSession(loop);
-    desktop::PosixFileSystem fileSystem;
-    desktop::ThreadSerialQueues serialQueues;
-    desktop::DocumentProcessReader documentReader(
-        loop, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader"));
-    desktop::PulseAudioInput audioInput(loop, log);
-    desktop::VoskSpeech speech(loop, log, start->folders.applicationSupport);
-    desktop::DirectoryDefaultsStore defaultsStore(fileSystem, log, start->folders.configuration);
-    platform::Platform platform{loop,
-                                log,
-                                accessibility,
-                                eventTap,
-                                *essentials->keyPoster,
-                                *essentials->pasteboard,
-                                *essentials->workspace,
-                                inputSource,
-                                *essentials->screenCapture,
-                                imageCodec,
-                                httpSession,
-                                defaultsStore,
-                                fileSystem,
-                                serialQueues,
-                                documentReader,
-                                audioInput,
-                                speech,
-                                start->folders.applicationSupport};
+    Adapters adapters(loop, log, *essentials, posted, start->folders);
+    auto& platform = adapters.platform;
     desktop::QtApplication desktopApplication;
     desktop::QtScreens screens;
     desktop::QtStatusItem statusItem;
@@ -250,14 +268,14 @@ int main(int argc, char** argv) {
     platform::UserInterface userInterface{desktopApplication, panels, screens, statusItem};
 
     app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
-    Dashboard dashboard(delegate.appState(), platform, *essentials, accessibility);
+    Dashboard dashboard(delegate.appState(), platform, *essentials, adapters.accessibility);
     delegate.showDashboard = [&dashboard] { dashboard.window.show(); };
     start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
     delegate.applicationDidFinishLaunching(launchOf(start->mode));
     // To find the field that had the focus before this start takes longest: it is done before the user asks.
-    const auto firstLook = loop.after(std::chrono::milliseconds(200), [&accessibility] {
-        static_cast<void>(
-            accessibility.copyAttribute(platform::axSystemWideElement(), platform::AXAttribute::FocusedUIElement));
+    const auto firstLook = loop.after(std::chrono::milliseconds(200), [&adapters] {
+        static_cast<void>(adapters.accessibility.copyAttribute(platform::axSystemWideElement(),
+                                                               platform::AXAttribute::FocusedUIElement));
     });
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();
