@@ -23,7 +23,7 @@ std::vector<AppHistoryGroup> groupedByApplication(const std::vector<persistence:
 /// the entries in lower case while there is a search. Main thread.
 class HistorySearch {
  public:
-    explicit HistorySearch(QLocale locale) : locale_(std::move(locale)) {}
+    explicit HistorySearch(const QLocale& locale) : locale_(locale) {}
 
     /// The entries that hold `searchText` and, where `intent` is not empty, have that intent. The empty text is in
     /// every entry. `entries` must be those of the last call, or `forget` called since.

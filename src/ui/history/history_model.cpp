@@ -7,10 +7,11 @@
 
 namespace tavrelon::ui {
 
-HistoryModel::HistoryModel(persistence::StorageManager& storage, persistence::HistoryManager& history, QLocale locale)
+HistoryModel::HistoryModel(persistence::StorageManager& storage, persistence::HistoryManager& history,
+                           const QLocale& locale)
     : PageModel(storage, historyTexts),
       history_(history),
-      locale_(std::move(locale)),
+      locale_(locale),
       search_(locale_),
       subscription_(history.onChange([this] {
           search_.forget();

@@ -23,7 +23,7 @@ class HistoryModel : public PageModel {
  public:
     /// The managers outlive this object. `locale` is that of the user, for dates and for what counts as one letter.
     HistoryModel(persistence::StorageManager& storage, persistence::HistoryManager& history,
-                 QLocale locale = QLocale());
+                 const QLocale& locale = QLocale());
 
     const QString& searchText() const { return searchText_; }
     void setSearchText(const QString& typed);
