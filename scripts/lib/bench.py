@@ -7,18 +7,15 @@ import sys
 import tempfile
 from pathlib import Path
 
-import bench_documents
-import bench_table
 import bench_keys
 import bench_process
 import bench_requests
 from bench_table import row, table
 from programs import Tavrelon
+import bench_generation
 from waiting import Fault
 
-AIMS = {"textDifference, 20 000 Latin": "2", "textDifference, 20 000 Chinese and emoji": "2",
-        "history add at 20 entries of 10 KB, on disk": "2000", "style profile over 20 entries of 10 KB": "2000",
-        "recording of a sample, as its caller sees it": "20"}
+AIMS = {"textDifference, 20 000 Latin": "2", "textDifference, 20 000 Chinese and emoji": "2"}
 
 
 class Extent:
@@ -38,22 +35,9 @@ def pure_parts(build, extent):
     taken, units = {}, {}
     for run in json.loads(done.stdout)["benchmarks"]:
         if run["run_type"] == "iteration":
-            rate = run.get("bytes_per_second")
-            units[run["run_name"]] = "MB/s" if rate else run["time_unit"]
-            taken.setdefault(run["run_name"], []).append(rate / 1e6 if rate else run["real_time"])
-    return [(bench_table.rate_row if units[name] == "MB/s" else row)(name, units[name], values, AIMS.get(name, ""))
-            for name, values in taken.items()]
-
-
-def memory_of_a_request(build, extent):
-    ratios = []
-    for _ in range(extent.starts):
-        done = subprocess.run([build / "bench/request-memory"], capture_output=True, text=True, check=True,
-                              stdin=subprocess.DEVNULL)
-        sent, grown = map(int, done.stdout.split())
-        ratios.append(grown / sent)
-    return [bench_table.Row("bytes sent with 24 frames of 300 KB", "MB", sent / 1e6),
-            row("peak memory of that request, frames included", "times", ratios, "2.5")]
+            taken.setdefault(run["run_name"], []).append(run["real_time"])
+            units[run["run_name"]] = run["time_unit"]
+    return [row(name, units[name], values, AIMS.get(name, "")) for name, values in taken.items()]
 
 
 def whole_program(build, output, extent):
@@ -75,7 +59,7 @@ def whole_program(build, output, extent):
             tavrelon.wait_until_live()
             rows += bench_requests.pictured_requests(probe, tavrelon, service, extent.requests)
         rows.insert(0, bench_process.start(tavrelon, extent.starts))
-    return rows
+    return rows + bench_generation.rows(build, extent)
 
 
 def main(build, output, *options):
@@ -83,8 +67,7 @@ def main(build, output, *options):
     output.mkdir(parents=True, exist_ok=True)
     extent = Extent("--quick" in options)
     load = os.getloadavg()[0]
-    rows = whole_program(build, output, extent) + pure_parts(build, extent) + memory_of_a_request(build, extent)
-    rows += bench_documents.readings(build / "src/tavrelon-document-reader", extent.starts)
+    rows = whole_program(build, output, extent) + pure_parts(build, extent)
     text = table(rows)
     (output / "table.txt").write_text(text + "\n")
     print(text)

@@ -1,5 +1,6 @@
 """The text of large documents, beside the tools that people use for it."""
 
+import shutil
 import subprocess
 import tempfile
 import time
@@ -35,7 +36,7 @@ def readings(reader, times):
             path = Path(folder) / f"book.{kind}"
             path.write_bytes(content)
             rows.append(row(f"text of {what[kind]}", "ms", milliseconds([reader, kind, str(path)], times)))
-            if kind in peers:
+            if kind in peers and shutil.which(peers[kind][0]):
                 command = [part.format(path) for part in peers[kind]]
                 rows.append(row(f"text of {what[kind]}, by {command[0]}", "ms", milliseconds(command, times)))
     return rows
