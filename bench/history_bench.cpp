@@ -12,13 +12,15 @@ class NoLog : public platform::Log {
     void line(const QString&) override {}
 };
 
+constexpr int fullHistory = 20;
+
 persistence::HistoryEntry entry() {
     return {.id = QUuid::createUuid(),
             .timestamp = std::chrono::system_clock::now(),
             .appName = QStringLiteral("Editor"),
             .windowTitle = QStringLiteral("notes.txt"),
             .inputText = QStringLiteral("please make this paragraph friendlier ").repeated(4),
-            .outputText = QStringLiteral("Here is a friendlier paragraph, with thanks to all. ").repeated(20)};
+            .outputText = QStringLiteral("Here is a friendlier paragraph, with thanks to all. ").repeated(190)};
 }
 
 /// One more entry in a full history, written to the disk of the temporary folder and flushed.
@@ -26,14 +28,25 @@ void addToHistory(benchmark::State& state) {
     const QTemporaryDir folder;
     desktop::PosixFileSystem files;
     NoLog log;
-    constexpr int fullHistory = 20;
     persistence::HistoryManager history(files, log, folder.path(), fullHistory);
     for (int index = 0; index < fullHistory; ++index)
         history.addEntry(entry());
     for (auto _ : state)
         history.addEntry(entry());
 }
-BENCHMARK(addToHistory)->Name("history add at 20 entries, on disk")->Unit(benchmark::kMicrosecond);
+BENCHMARK(addToHistory)->Name("history add at 20 entries of 10 KB, on disk")->Unit(benchmark::kMicrosecond);
+
+void styleProfile(benchmark::State& state) {
+    const QTemporaryDir folder;
+    desktop::PosixFileSystem files;
+    NoLog log;
+    persistence::HistoryManager history(files, log, folder.path(), fullHistory);
+    for (int index = 0; index < fullHistory; ++index)
+        history.addEntry(entry());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(history.userStyleProfile(fullHistory));
+}
+BENCHMARK(styleProfile)->Name("style profile over 20 entries of 10 KB")->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace tavrelon::bench

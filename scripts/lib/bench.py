@@ -16,6 +16,7 @@ import bench_requests
 import bench_views
 from bench_table import row, table
 from programs import Tavrelon
+import bench_generation
 from waiting import Fault
 
 AIMS = {
@@ -72,7 +73,7 @@ def whole_program(build, output, extent):
             tavrelon.wait_until_live()
             rows += bench_requests.pictured_requests(probe, tavrelon, service, extent.requests)
         rows.insert(0, bench_process.start(tavrelon, extent.starts))
-    return rows
+    return rows + bench_generation.rows(build, extent)
 
 
 def main(build, output, *options):

@@ -23,6 +23,13 @@ def row(name, unit, values, aim=""):
     return Row(name, unit, statistics.median(ordered), ordered[rank], aim)
 
 
+def rate_row(name, unit, values, aim=""):
+    """The same for rates, of which the bad ones are the low ones."""
+    made = row(name, unit, [-value for value in values], aim)
+    made.median, made.p99 = -made.median, -made.p99
+    return made
+
+
 def shown(value):
     if value is None:
         return ""
