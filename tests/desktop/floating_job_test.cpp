@@ -9,7 +9,7 @@ namespace tavrelon::testing {
 
 using namespace std::chrono_literals;
 
-class FloatingJobTest : public ::testing::TestWithParam<RunningEditor::Kind> {
+class FloatingJobTest : public ::testing::TestWithParam<const char*> {
  public:
     StandInService service;
     XTestKeyboard keyboard;
@@ -26,7 +26,7 @@ class FloatingJobTest : public ::testing::TestWithParam<RunningEditor::Kind> {
 };
 
 TEST_P(FloatingJobTest, ThePromptIsAnsweredWhereTheUserWasWriting) {
-    RunningEditor editor(GetParam(), keyboard, QString());
+    RunningEditor editor(editorNamed(GetParam()), keyboard, QString());
     editor.type(QStringLiteral("before "));
     RunningTavrelon tavrelon(service);
     StandInAnswer answer;
@@ -43,7 +43,7 @@ TEST_P(FloatingJobTest, ThePromptIsAnsweredWhereTheUserWasWriting) {
 }
 
 TEST_P(FloatingJobTest, EscapeGivesTheKeyboardBackAndAsksNobody) {
-    RunningEditor editor(GetParam(), keyboard, QString());
+    RunningEditor editor(editorNamed(GetParam()), keyboard, QString());
     RunningTavrelon tavrelon(service);
     openBox();
     keyboard.strike(place::a);
@@ -55,10 +55,7 @@ TEST_P(FloatingJobTest, EscapeGivesTheKeyboardBackAndAsksNobody) {
     EXPECT_EQ(tavrelon.terminate(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Editors, FloatingJobTest,
-                         ::testing::Values(RunningEditor::Kind::Mousepad, RunningEditor::Kind::Featherpad),
-                         [](const auto& info) {
-                             return info.param == RunningEditor::Kind::Mousepad ? "mousepad" : "featherpad";
-                         });
+INSTANTIATE_TEST_SUITE_P(Editors, FloatingJobTest, ::testing::Values("mousepad", "featherpad", "xterm"),
+                         [](const auto& info) { return std::string(info.param); });
 
 }  // namespace tavrelon::testing
