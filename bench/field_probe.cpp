@@ -145,7 +145,7 @@ class Desk {
     desktop::PosixFileSystem fileSystem_;
     desktop::ThreadSerialQueues serialQueues_;
     desktop::DocumentProcessReader documentReader_{loop_, QString()};
-    desktop::DirectoryDefaultsStore defaultsStore_{fileSystem_, QString()};
+    desktop::DirectoryDefaultsStore defaultsStore_{fileSystem_, log_, QString()};
     platform::Platform platform_{loop_,       log_,          accessibility_,  eventTap_,   *keyPoster_,  *pasteboard_,
                                  *workspace_, inputSource_,  *screenCapture_, imageCodec_, httpSession_, defaultsStore_,
                                  fileSystem_, serialQueues_, documentReader_, QString()};
