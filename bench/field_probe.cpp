@@ -19,6 +19,8 @@
 #include "capture/context_capturer.h"
 #include "capture/cursor_locator.h"
 #include "desktop/atspi/atspi_accessibility.h"
+#include "desktop/audio/pulse_audio_input.h"
+#include "desktop/audio/vosk_speech.h"
 #include "desktop/documents/document_process_reader.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/directory_defaults_store.h"
@@ -145,10 +147,12 @@ class Desk {
     desktop::PosixFileSystem fileSystem_;
     desktop::ThreadSerialQueues serialQueues_;
     desktop::DocumentProcessReader documentReader_{loop_, QString()};
+    desktop::PulseAudioInput audioInput_{loop_, log_};
+    desktop::VoskSpeech speech_{loop_, log_, QString()};
     desktop::DirectoryDefaultsStore defaultsStore_{fileSystem_, log_, QString()};
     platform::Platform platform_{loop_,       log_,          accessibility_,  eventTap_,   *keyPoster_,  *pasteboard_,
                                  *workspace_, inputSource_,  *screenCapture_, imageCodec_, httpSession_, defaultsStore_,
-                                 fileSystem_, serialQueues_, documentReader_, QString()};
+                                 fileSystem_, serialQueues_, documentReader_, audioInput_, speech_,      QString()};
 
  public:
     capture::ContextCapturer capturer{platform_};
