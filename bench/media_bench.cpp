@@ -89,7 +89,7 @@ struct Desktop {
     desktop::QtImageCodec codec{loop};
     desktop::QtHttpSession http{loop};
     desktop::PosixFileSystem files;
-    desktop::DirectoryDefaultsStore defaults{files, folder.path()};
+    desktop::DirectoryDefaultsStore defaults{files, log, folder.path()};
     desktop::ThreadSerialQueues queues;
     desktop::DocumentProcessReader documents{loop, QString()};
     desktop::PulseAudioInput audioInput{loop, log};

@@ -35,9 +35,9 @@ class NoNetwork : public platform::HttpSession {
 void recordSample(benchmark::State& state) {
     const QTemporaryDir folder;
     desktop::PosixFileSystem files;
-    desktop::DirectoryDefaultsStore store(files, folder.path() + QStringLiteral("/configuration"));
-    desktop::ThreadSerialQueues queues;
     NoLog log;
+    desktop::DirectoryDefaultsStore store(files, log, folder.path() + QStringLiteral("/configuration"));
+    desktop::ThreadSerialQueues queues;
     StillLoop loop;
     NoNetwork network;
     persistence::StorageManager storage(store, files, log, loop, folder.path());
