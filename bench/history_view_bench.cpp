@@ -37,7 +37,7 @@ struct Page {
     desktop::PosixFileSystem files;
     NoLog log;
     desktop::QtMainLoop loop;
-    desktop::DirectoryDefaultsStore defaults{files, folder.path()};
+    desktop::DirectoryDefaultsStore defaults{files, log, folder.path()};
     persistence::StorageManager storage{defaults, files, log, loop, folder.path()};
     persistence::HistoryManager history{files, log, folder.path(), 20};
     std::unique_ptr<QQmlEngine> engine = desktop::makeViewEngine(log);
