@@ -31,6 +31,9 @@ class ContextCapturer {
     /// port bounds; safe inside the key callback.
     std::optional<AccessibilityTextSnapshot> fetchFocusedTextSnapshot();
 
+    /// The same at the start of an input: what later snapshots are compared with.
+    std::optional<AccessibilityTextSnapshot> fetchInitialTextSnapshot();
+
     /// The selected text, not trimmed, possibly empty.
     async::Task<std::optional<QString>> selectedText();
 

@@ -36,6 +36,11 @@ std::optional<AccessibilityTextSnapshot> ContextCapturer::fetchFocusedTextSnapsh
     return snapshotOf(*element);
 }
 
+std::optional<AccessibilityTextSnapshot> ContextCapturer::fetchInitialTextSnapshot() {
+    platform_.accessibility.beginComparison();
+    return fetchFocusedTextSnapshot();
+}
+
 std::optional<AccessibilityTextSnapshot> ContextCapturer::snapshotOf(const AXElement& element) {
     auto& log = platform_.log;
     auto range = selectedRangeOf(element);

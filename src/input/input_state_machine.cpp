@@ -25,7 +25,7 @@ void InputStateMachine::startTextInput() {
         return;
     clearTypedInput();
     // At once, before any further key can arrive.
-    initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
     schedule([this] { enterInputState(Case::listening, InputTrigger::text); });
 }
 

@@ -17,7 +17,7 @@ void VideoFlow::startVideoInput() {
         machine_.failInput(QStringLiteral("Screen recording permission required"));
         return;
     }
-    machine_.initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
     machine_.startRecordingFrames();
     machine_.schedule([this] { machine_.enterInputState(InputState::Case::recordingVideo, InputTrigger::video); });
 }

@@ -29,7 +29,7 @@ void VoiceFlow::startVoiceInput() {
         return;
     if (speechRecognizer_) {
         machine_.clearTypedInput();
-        machine_.initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+        machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
     }
     startRecording(InputTrigger::voice, QStringLiteral("[StateMachine] Failed to start voice recording: "));
 }

@@ -3,6 +3,7 @@
 #include <random>
 
 #include "desktop/atspi/atspi_protocol.h"
+#include "desktop/atspi/field_excerpt.h"
 #include "desktop/atspi/field_repair.h"
 #include "desktop/atspi/field_text.h"
 #include "desktop/atspi/focus_book.h"
@@ -169,6 +170,40 @@ TEST(FocusBook, AFindingDoesNotOverruleWhatTheApplicationSaidMeanwhile) {
     book.found(found, before);
     book.found(found, std::nullopt);
     EXPECT_EQ(book.elements(), std::vector{said});
+}
+
+TEST(FieldExcerpt, GrowsByWhatIsTypedInALongTextAndByNothingElse) {
+    const ObjectReference field{QStringLiteral(":1.7"), QStringLiteral("/text")};
+    const auto face = QStringLiteral("😀");
+    for (const auto& text : {QStringLiteral("abc"), face.repeated(8000), u'x' + face.repeated(200000)})
+        for (const qint64 caret : {qint64{0}, text.size() / 2 / 2 * 2 + text.size() % 2, text.size()}) {
+            FieldExcerpt excerpt;
+            const auto before = excerpt.of(field, text, {caret, 0});
+            EXPECT_LE(before.length, 16000);
+            const auto told = text.mid(before.location, before.length);
+            EXPECT_EQ(QString::fromUtf8(told.toUtf8()), told) << "no pair is split";
+            auto typed = text;
+            const auto request = QStringLiteral("a question ").repeated(350);
+            typed.insert(caret, request);
+            const auto after = excerpt.of(field, typed, {caret + request.size(), 0});
+            auto expected = told;
+            expected.insert(caret - before.location, request);
+            EXPECT_EQ(typed.mid(after.location, after.length), expected);
+        }
+}
+
+TEST(FieldExcerpt, IsChosenAnewWhereItNoLongerHoldsTheCaret) {
+    const ObjectReference field{QStringLiteral(":1.7"), QStringLiteral("/text")};
+    const auto text = QStringLiteral("x").repeated(100000);
+    FieldExcerpt excerpt;
+    const auto first = excerpt.of(field, text, {50000, 10});
+    EXPECT_EQ(first, (Utf16Range{44000, 12010}));
+    EXPECT_EQ(excerpt.of(field, text, {55000, 0}), first);
+    EXPECT_EQ(excerpt.of({QStringLiteral(":1.8"), field.path}, text, {55000, 0}), (Utf16Range{49000, 12000}));
+    EXPECT_EQ(excerpt.of(field, text, {90000, 0}), (Utf16Range{84000, 12000}));
+    EXPECT_EQ(excerpt.of(field, text.first(70000), {65000, 0}), (Utf16Range{59000, 11000}));
+    excerpt.forget();
+    EXPECT_EQ(excerpt.of(field, text, {60000, 0}), (Utf16Range{54000, 12000}));
 }
 
 }  // namespace

@@ -93,6 +93,28 @@ TEST_P(MainJobTest, AModelThatFailsLeavesTheFieldAlone) {
     EXPECT_EQ(editor.saved(QStringLiteral("question")), QStringLiteral("question"));
 }
 
+TEST_P(MainJobTest, RequestsInTheMiddleOfALongDocumentLeaveTheRestOfItAlone) {
+    QStringList lines;
+    for (int i = 0; i < 800; ++i)
+        lines.append(QStringLiteral("line %1 of a document far over 20 000 characters").arg(i, 4));
+    RunningEditor editor(GetParam(), keyboard, lines.join(u'\n'));
+    RunningTavrelon tavrelon(service);
+    constexpr place::Code down = 116, home = 110;
+    for (int at = 0, done = 0; done < 2; ++done) {
+        for (int next = at + 150; at < next; ++at)
+            keyboard.strike(down);
+        answer(QStringLiteral("ANSWER"));
+        startInput(tavrelon, done + 1);
+        editor.type(QStringLiteral("a question"));
+        pressToggleHotkey(keyboard);
+        ASSERT_TRUE(eventually([&] { return tavrelon.historyCount() == done + 1; })) << qPrintable(tavrelon.log());
+        lines[at].prepend(QStringLiteral("ANSWER"));
+        keyboard.strike(home);
+    }
+    const auto wanted = lines.join(u'\n');
+    EXPECT_EQ(editor.saved(wanted), wanted);
+}
+
 INSTANTIATE_TEST_SUITE_P(Editors, MainJobTest,
                          ::testing::Values(RunningEditor::Kind::Mousepad, RunningEditor::Kind::Featherpad),
                          [](const auto& info) {
