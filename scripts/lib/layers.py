@@ -27,7 +27,7 @@ NEIGHBOURS = {
     ("desktop/x11", "desktop/linux"): "the process behind a window and its desktop entry are found in /proc and on disk",
 }
 
-ROOF = "main.cpp"
+ROOF = "program"
 GENERATED = {"service_endpoints_config.h": "generation"}
 SOURCE_SUFFIXES = {".cpp", ".h"}
 
@@ -59,19 +59,21 @@ def folder_of(path):
     parts = Path(path).parts
     for length in range(len(parts) - 1, 0, -1):
         candidate = "/".join(parts[:length])
-        if candidate in ADAPTERS or floor_of(candidate) is not None:
+        if candidate == ROOF or candidate in ADAPTERS or floor_of(candidate) is not None:
             return candidate
     return None
 
 
 def objection(user, used):
     """Why the folder `user` may not use the folder `used`; None if it may."""
-    if user == used or (user, used) in NEIGHBOURS:
+    if user in (used, ROOF) or (user, used) in NEIGHBOURS:
         return None
+    if used == ROOF:
+        return f"only {ROOF}/ itself may use the roof"
     if used in ADAPTERS and user in ADAPTERS:
         return f"the adapter {user}/ may not use its neighbour {used}/"
     if used in ADAPTERS:
-        return f"only main.cpp and tests may name the adapter {used}/"
+        return f"only program/ and tests may name the adapter {used}/"
     if user in ADAPTERS:
         if used == "platform" or floor_of(used) == 0:
             return None
@@ -89,13 +91,12 @@ def files_under(folder):
 def check_source(root, path, report):
     shown = path.relative_to(root)
     inside = path.relative_to(root / "src")
-    roof = str(inside) == ROOF
-    user = ROOF if roof else folder_of(inside)
+    user = folder_of(inside)
     if user is None:
         report.fault(shown, 1, "this folder is on no floor: place it in scripts/lib/layers.py and docs/architecture.md")
         return
     for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
-        if not roof and user not in ADAPTERS and PLATFORM_IFDEF.match(line):
+        if user not in ADAPTERS and user != ROOF and PLATFORM_IFDEF.match(line):
             report.fault(shown, number, "a condition on the platform outside desktop/: make it a port")
         match = INCLUDE.match(line)
         if match:
@@ -122,7 +123,7 @@ def check_include(root, user, match, where, report):
         report.fault(*where, f"\"{target}\" is on no floor")
         return
     report.edges[user].add(used)
-    if user != ROOF and (reason := objection(user, used)):
+    if (reason := objection(user, used)):
         report.fault(*where, reason)
 
 
@@ -187,7 +188,7 @@ def graph_lines(root, report):
         return f"    {folder:<16} -> {', '.join(used) or '(nothing)'}"
 
     source = Path(root) / "src"
-    if (source / ROOF).is_file():
+    if (source / ROOF).is_dir():
         yield "roof"
         yield line(ROOF)
     for number in reversed(range(len(FLOORS))):

@@ -6,8 +6,8 @@ from pathlib import Path
 import layers
 
 SOUND = {
-    "src/CMakeLists.txt": "add_executable(tavrelon main.cpp)\n",
-    "src/main.cpp": '#include "input/machine.h"\n#include "desktop/x11/tap.h"\n#ifdef __linux__\n#endif\n',
+    "src/CMakeLists.txt": "add_executable(tavrelon program/main.cpp)\n",
+    "src/program/main.cpp": '#include "input/machine.h"\n#include "desktop/x11/tap.h"\n#ifdef __linux__\n#endif\n',
     "src/text/CMakeLists.txt": "tavrelon_library(text SOURCES json.cpp)\n",
     "src/text/json.cpp": '#include "text/json.h"\n',
     "src/text/json.h": "#pragma once\n#include <QString>\n",

@@ -1,0 +1,80 @@
+// Picks the adapters of this desktop, hands them to the application, and runs its loop.
+#include <sysexits.h>
+
+#include <QApplication>
+#include <cstdio>
+
+#include "app/app_delegate.h"
+#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/termination_signals.h"
+#include "desktop/qt/qt_application.h"
+#include "desktop/qt/qt_main_loop.h"
+#include "desktop/qt/qt_panels.h"
+#include "desktop/qt/qt_screens.h"
+#include "desktop/qt/qt_status_item.h"
+#include "program/dashboard.h"
+#include "program/start.h"
+
+namespace {
+
+using namespace tavrelon;
+
+app::AppDelegate::Launch launchOf(desktop::StartMode mode) {
+    return mode == desktop::StartMode::Background ? app::AppDelegate::Launch::InBackground
+                                                  : app::AppDelegate::Launch::WithDashboard;
+}
+
+/// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time. They
+/// are windows of the X server, which is where all else happens, also in a session that has another way to draw.
+void prepareViews() {
+    QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    qputenv("QT_QUICK_BACKEND", "software");
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    auto start = program::prepareStart(argc, argv);
+    if (!start)
+        return start.error();
+    prepareViews();
+    desktop::TerminationSignals::block();
+    const QApplication application(argc, argv);
+    const desktop::TerminationSignals signals([] { QCoreApplication::quit(); });
+
+    desktop::StandardOutputLog log;
+    desktop::QtMainLoop loop;
+    const auto posted = std::make_shared<desktop::PostedKeys>();
+    auto essentials = program::openDesktop(loop, log, posted);
+    if (!essentials) {
+        std::fprintf(stderr, "Tavrelon cannot start: %s\n", qUtf8Printable(essentials.error()));
+        return EX_UNAVAILABLE;
+    }
+    start->display.reset();
+    program::Adapters adapters(loop, log, *essentials, posted, start->folders);
+    auto& platform = adapters.platform;
+    desktop::QtApplication desktopApplication;
+    desktop::QtScreens screens;
+    desktop::QtStatusItem statusItem;
+    auto& x11 = *essentials->panelSurroundings;
+    desktop::QtPanels panels(loop, log,
+                             {[&x11] { return x11.isComposited(); }, [&x11](quint64 window) { x11.focus(window); }});
+    platform::UserInterface userInterface{desktopApplication, panels, screens, statusItem};
+
+    app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
+    program::Dashboard dashboard(delegate.appState(), platform, *essentials, adapters.accessibility);
+    delegate.showDashboard = [&dashboard] { dashboard.window.show(); };
+    start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
+    delegate.applicationDidFinishLaunching(launchOf(start->mode));
+    // To find the field that had the focus before this start takes longest: it is done before the user asks.
+    const auto firstLook = loop.after(std::chrono::milliseconds(200), [&adapters] {
+        static_cast<void>(adapters.accessibility.copyAttribute(platform::axSystemWideElement(),
+                                                               platform::AXAttribute::FocusedUIElement));
+    });
+    const int status = QCoreApplication::exec();
+    delegate.applicationWillTerminate();
+    return status;
+}

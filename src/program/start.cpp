@@ -1,0 +1,48 @@
+#include "program/start.h"
+
+#include <sysexits.h>
+
+#include <QFile>
+#include <cstdio>
+
+namespace tavrelon::program {
+
+namespace {
+
+std::unexpected<int> endWith(int status, const QString& reason) {
+    std::fprintf(stderr, "%s\n", qUtf8Printable(reason));
+    return std::unexpected(status);
+}
+
+}  // namespace
+
+std::expected<Start, int> prepareStart(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QFile::decodeName(argv[i]));
+    const auto mode = desktop::startModeFrom(arguments);
+    if (!mode)
+        return endWith(EX_USAGE, mode.error());
+    if (*mode == desktop::StartMode::Version || *mode == desktop::StartMode::Help) {
+        std::fputs(
+            *mode == desktop::StartMode::Help ? qUtf8Printable(desktop::helpText()) : "Tavrelon " TAVRELON_VERSION "\n",
+            stdout);
+        return std::unexpected(EX_OK);
+    }
+    auto folders = desktop::userFolders();
+    if (!folders)
+        return endWith(EX_CONFIG, QStringLiteral("Tavrelon cannot start: there is no home folder to keep settings in; "
+                                                 "set HOME."));
+    // The views' toolkit ends the process where it finds no display, so this is asked first.
+    auto display = desktop::X11Connection::open();
+    if (!display)
+        return endWith(EX_UNAVAILABLE, QStringLiteral("Tavrelon cannot start: %1").arg(display.error()));
+    auto instance = desktop::SingleInstance::claim(folders->configuration);
+    if (instance)
+        return Start{*mode, *std::move(folders), *std::move(instance), *std::move(display)};
+    if (instance.error() == desktop::SingleInstance::Refusal::Silent)
+        return endWith(EX_TEMPFAIL, QStringLiteral("Tavrelon is running already and does not answer."));
+    return endWith(EX_OK, QStringLiteral("Tavrelon is running already and shows its dashboard."));
+}
+
+}  // namespace tavrelon::program
