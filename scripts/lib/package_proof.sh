@@ -17,6 +17,11 @@ fi
 rm -rf "$root"
 cp -a --reflink=auto "$place/base" "$root"
 cp build/tavrelon.deb "$root/root/tavrelon.deb"
+# The same files under a newer version: what an upgrade puts in the place of those that are in use.
+rm -rf "$place/next"
+dpkg-deb -R build/tavrelon.deb "$place/next"
+sed -i 's/^Version: .*/&+next/' "$place/next/DEBIAN/control"
+dpkg-deb --root-owner-group -b "$place/next" "$root/root/tavrelon-next.deb" >/dev/null
 mount -t proc proc "$root/proc"
 mount --bind "$place/archives" "$root/var/cache/apt/archives"
 mount --bind /tmp "$root/tmp"  # where the display, the buses and the homes of the private desktop are
@@ -32,17 +37,25 @@ everything >"$place/installed.txt"
 in_root tavrelon --version
 if in_root sh -c 'ldd /usr/libexec/tavrelon/*' | grep 'not found'; then exit 1; fi
 
-say "one request in a real editor, answered by the program of the fresh root"
+cat >"$place/upgrade" <<END
+#!/bin/sh
+exec chroot "$root" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive \\
+    apt-get -q -y install /root/tavrelon-next.deb >>"$place/apt.log" 2>&1
+END
 printf '#!/bin/sh\nexec chroot "%s" /usr/bin/tavrelon "$@"\n' "$root" >"$place/tavrelon"
-chmod +x "$place/tavrelon"
-env -u TMPDIR scripts/on-desktop python3 -B scripts/lib/package_request.py "$place/tavrelon" "$place" </dev/null
+chmod +x "$place/tavrelon" "$place/upgrade"
+
+say "the demonstration, the dashboard and an upgrade with the program of the fresh root"
+env -u TMPDIR scripts/on-desktop python3 -B scripts/lib/package_session.py \
+    build/package "$place/session" "$place/tavrelon" "$place/upgrade" </dev/null
+in_root dpkg-query -W -f '${Package} ${Version}: ${Status}\n' tavrelon
 
 say "apt purge tavrelon"
 in_root apt-get -q -y purge tavrelon >>"$place/apt.log" 2>&1
 everything >"$place/purged.txt"
 in_root dpkg --contents /root/tavrelon.deb | awk '{print $6}' | sed 's/^\.//; s|/$||' | sort >"$place/shipped.txt"
 kept=$(comm -13 "$place/installed.txt" "$place/purged.txt" | grep -Ev '^/var/(lib/(dpkg|apt)|log|cache)/' || true)
-named=$(grep -i tavrelon "$place/purged.txt" | grep -vx /root/tavrelon.deb || true)
+named=$(grep -i tavrelon "$place/purged.txt" | grep -vxE '/root/tavrelon(-next)?\.deb' || true)
 gone=$(comm -23 "$place/installed.txt" "$place/purged.txt" | grep -Ev '^/var/lib/dpkg/' || true)
 foreign=$(comm -23 <(echo "$gone") "$place/shipped.txt")
 if [ -n "$kept$named$foreign" ]; then

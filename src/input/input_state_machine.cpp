@@ -132,6 +132,7 @@ bool InputStateMachine::ensureAIEnabled() {
 }
 
 void InputStateMachine::failInput(const QString& message) {
+    services_.platform.log.line(QStringLiteral("[StateMachine] ") + message);
     schedule([this, message] {
         lastError_ = message;
         currentState_ = InputState::error(message);

@@ -99,9 +99,11 @@ TEST_F(InputStateMachineTest, AIThatIsOffEndsInputsButDictation) {
     for (const auto& start : starts) {
         desk.machine->resetToIdle();
         desk.loop.runUntilIdle();
+        desk.log.clear();
         start();
         desk.loop.runUntilIdle();
         EXPECT_EQ(desk.state(), disabled);
+        EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] AI is disabled")));
         EXPECT_EQ(desk.machine->lastError(), disabled.message);
     }
     desk.machine->handleVoiceDictationHotkey();

@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QQuickView>
 #include <QScreen>
 
@@ -24,6 +25,7 @@ class QtWindow : public QObject, public platform::Window {
         view_ = std::make_unique<QQuickView>(engine_.get(), nullptr);
         view_->setColor(background);
         view_->setTitle(QGuiApplication::applicationName());  // lists of windows would have nothing to call it by
+        view_->setIcon(QIcon::fromTheme(QStringLiteral("tavrelon")));
         view_->setResizeMode(QQuickView::SizeRootObjectToView);
         view_->setMinimumSize(description.minimumSize.toSize());
         view_->resize(description.contentSize.toSize());
