@@ -3,7 +3,7 @@
 //   field-probe snapshot COUNT      reads of the field's text and selection
 //   field-probe caret COUNT         the caret's place
 //   field-probe hung PROCESS        the first read of a stopped application, and the next ones
-//   field-probe write TEXT-LENGTH   a text into the field, until the field holds it
+//   field-probe write accessibility|request|paste|typing TEXT-LENGTH COUNT   a text into the field, until it is there
 //   field-probe picture COUNT       the window as JPEG, and the encoding of the same pixels alone
 #include <signal.h>
 
@@ -195,26 +195,34 @@ QString words(int length) {
     return text;
 }
 
-void measureWrites(Desk& desk, int length) {
+void typeBy(const QString& tool, const QString& text) {
+    const QStringList arguments{QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("1"),
+                                QStringLiteral("--"), text};
+    require(QProcess::execute(tool, arguments) == 0, "the other tool failed");
+}
+
+std::function<void()> writerOf(Desk& desk, const QString& way, const QString& text) {
     using Method = scenes::ReplacementStrategy::Method;
+    if (way == QStringLiteral("accessibility"))
+        return [&] { desk.finish(desk.writer.writeText(text, Method::replaceSelection, {}, 0)); };
+    if (way == QStringLiteral("request"))
+        return [&] { desk.finish(desk.writer.writeText(text, Method::deleteChars, 0, 0)); };
+    if (way == QStringLiteral("paste"))
+        return [&] { desk.pasteBarely(text); };
+    require(way == QStringLiteral("typing"), "no such way of writing");
+    return [&] { typeBy(QStringLiteral("xdotool"), text); };
+}
+
+void measureWrites(Desk& desk, const QString& way, int length, int count) {
     const auto text = words(length);
-    const std::pair<const char*, std::function<void()>> ways[] = {
-        {"by accessibility", [&] { desk.finish(desk.writer.writeText(text, Method::replaceSelection, {}, 0)); }},
-        {"behind a typed request", [&] { desk.finish(desk.writer.writeText(text, Method::deleteChars, 0, 0)); }},
-        {"bare clipboard paste", [&] { desk.pasteBarely(text); }},
-        {"xdotool type",
-         [&] {
-             QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("type"), QStringLiteral("--delay"),
-                                                           QStringLiteral("1"), QStringLiteral("--"), text});
-         }},
-    };
+    const auto write = writerOf(desk, way, text);
     desk.waitForField();
-    for (const auto& [name, write] : ways) {
+    for (int i = 0; i < count; ++i) {
         desk.empty();
-        report(name, timeOf([&] {
+        report("write", timeOf([&] {
                    write();
-                   if (!eventually([&] { return desk.value() == text; }, 30s))
-                       std::printf("%s\tnan\n", name);
+                   require(eventually([&] { return desk.value() == text; }, 30s),
+                           "the field does not hold the text within 30 s");
                }));
     }
 }
@@ -246,7 +254,7 @@ int main(int argc, char** argv) {
         else if (command == QStringLiteral("hung"))
             measureHung(desk, number);
         else if (command == QStringLiteral("write"))
-            measureWrites(desk, number);
+            measureWrites(desk, arguments.value(2), arguments.value(3).toInt(), arguments.value(4).toInt());
         else if (command == QStringLiteral("picture"))
             measurePictures(desk, number);
         else
