@@ -76,8 +76,6 @@ def measured(chosen, themes):
     if machine["busy"] > 5:
         report.say(f"\nOthers kept the processors {machine['busy']:.0f} % busy when this began: the figures are worse "
                    "than they could be.")
-    for name in report.failed():
-        report.say(f"failed: {name}: {report.figures[name].failure}")
     return machine, report.figures
 
 
@@ -93,8 +91,9 @@ def main(arguments):
     else:
         machine, figures = measured(chosen, themes)
     page = bench_document.write(Path("docs") if whole else chosen.output, themes, machine, figures)
-    print(f"\n{page} is written.")
-    return 1 if any(each.failure for each in figures.values()) else 0
+    failed = sum(bool(each.failure) for each in figures.values())
+    print(f"\n{page} is written." + (f" Rows that failed: {failed}." if failed else ""))
+    return 1 if failed else 0
 
 
 if __name__ == "__main__":

@@ -9,20 +9,20 @@ HEAD = """# Performance
 
 {machine}
 
-**median** is the figure in the middle of all that were taken, **p99** the one that 99 of 100 stay within. **aim** is
-what was set before anything was measured, in the same unit: no more than this. With "p99" before it, it is an aim for
-that figure; "+" says what the measuring itself may add. A bold figure misses its aim.
+**median** is the figure in the middle of all that were taken, **p99** the one that 99 of 100 stay within (the worst,
+where fewer were taken). **aim** is what was set before anything was measured, in the same unit: no more than this. With
+"p99" before it, it is an aim for that figure; "+" says what the measuring itself may add. A bold figure misses its aim.
 **limit** is what nobody could do without: what the hardware, another program or a wait on purpose takes by itself.
 """
 
 
 def machine_lines(machine):
-    lines = [f"{machine['processor']}, {machine['cores']} cores; {machine['system']}, kernel {machine['kernel']}; an X "
+    lines = [f"- {machine['processor']}, {machine['cores']} cores; {machine['system']}, kernel {machine['kernel']}; an X "
              "server in memory, 1920 by 1080, without a graphics card.",
-             f"{machine['date']}, commit {machine['commit']}.",
-             f"Beside it: {', '.join(machine['versions'])}."]
+             f"- {machine['date']}, commit {machine['commit']}.",
+             f"- Installed beside it: {', '.join(machine['versions'])}."]
     if machine["busy"] > 5:
-        lines.append(f"**Others kept the processors {machine['busy']:.0f} % busy when the run began: these figures are "
+        lines.append(f"- **Others kept the processors {machine['busy']:.0f} % busy when the run began: these figures are "
                      "worse than they could be.**")
     return "\n".join(lines)
 
@@ -50,8 +50,8 @@ def explanations(theme):
     told = {}
     for row in theme.rows:
         if row.about:
-            told.setdefault(row.about, row.name)
-    return [f"- *{name}*: {about}" for about, name in told.items()]
+            told.setdefault(row.about, []).append(row.name)
+    return [f"- *{names[0]}*{' and those alike' if names[1:] else ''}: {about}" for about, names in told.items()]
 
 
 def shortfalls(theme, figures):

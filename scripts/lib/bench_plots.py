@@ -93,12 +93,12 @@ def aims(themes, figures):
 
 def peers(figures):
     """Start, memory and wake-ups, each with the other programs beside it."""
-    panels = (("start to icon in the tray", "ms", bench_process.icon_row),
-              ("memory at rest", "MB", bench_process.memory_row),
-              ("wake-ups a minute at rest", "", bench_process.wake_ups_row))
+    panels = (("start to icon", "ms", bench_process.icon_row), ("memory (PSS)", "MB", bench_process.memory_row),
+              ("memory of its own", "MB", bench_process.own_row),
+              ("wake-ups a minute", "", bench_process.wake_ups_row))
     picture = Picture("Start, memory and rest, beside other programs in the tray", "Shorter is better.", 900, 190)
     for number, (title, unit, row_of) in enumerate(panels):
-        left = 24 + number * 290
+        left = 24 + number * 217
         picture.text(left, 88, title, weight="bold")
         values = {who: figures[row_of(who)].median for who in bench_process.WHO if row_of(who) in figures}
         most = max([value for value in values.values() if value is not None], default=0) or 1
@@ -108,8 +108,8 @@ def peers(figures):
             if value is None:
                 picture.text(left + 76, y + 13, "not measured", FAINT, 11)
                 continue
-            picture.bar(left + 76, y, 130 * value / most, 18, OWN if who == "Tavrelon" else OTHER)
-            picture.text(left + 84 + 130 * value / most, y + 13, f"{shown(value)} {unit}".strip(), size=11)
+            picture.bar(left + 76, y, 75 * value / most, 18, OWN if who == "Tavrelon" else OTHER)
+            picture.text(left + 84 + 75 * value / most, y + 13, f"{shown(value)} {unit}".strip(), size=11)
     return picture.written()
 
 

@@ -53,13 +53,18 @@ def versions(*packages):
     return found.split("\n")[:-1]
 
 
+def commit():
+    try:
+        changed = output_of(["git", "status", "--porcelain", "--untracked-files=no", "--", "src", "bench", "cmake"])
+        return output_of(["git", "rev-parse", "--short", "HEAD"]).strip() + (" with changes" if changed else "")
+    except (Fault, OSError):
+        return "unknown"
+
+
 def machine(peers):
     processor = next((line.split(":")[1].strip() for line in Path("/proc/cpuinfo").read_text().splitlines()
                       if line.startswith("model name")), platform.machine())
-    commit = output_of(["git", "rev-parse", "--short", "HEAD"]).strip()
-    changed = output_of(["git", "status", "--porcelain", "--untracked-files=no", "--", "src", "bench", "cmake"]).strip()
     return {"processor": processor, "cores": os.cpu_count(), "kernel": platform.release(),
             "system": platform.freedesktop_os_release()["PRETTY_NAME"],
             "date": time.strftime("%Y-%m-%d %H:%M UTC", time.gmtime()),
-            "commit": commit + (" with changes" if changed else ""),
-            "busy": busy_percent(), "versions": versions(*peers)}
+            "commit": commit(), "busy": busy_percent(), "versions": versions(*peers)}

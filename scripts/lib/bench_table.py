@@ -125,19 +125,16 @@ class Report:
     @contextmanager
     def step(self, *names):
         """One measurement, of which these rows come. If it goes wrong they tell why, and the run goes on."""
-        absent = failure = ""
+        missing = Figures(failure="no figure came of it")
         try:
             yield
         except Absent as program:
-            absent = f"{program} is not installed"
+            missing = Figures(absent=f"{program} is not installed")
         except Exception as error:  # whatever it is: the other rows are still to be had
-            failure = reason_of(error)
+            missing = Figures(failure=reason_of(error))
         for name in names:
             if name not in self.figures:
-                self.keep(name, Figures(failure=failure or "no figure came of it", absent=absent))
-
-    def failed(self):
-        return [name for name, figures in self.figures.items() if figures.failure]
+                self.keep(name, missing)
 
 
 def limit_shown(row, rows, figures):
