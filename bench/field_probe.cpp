@@ -3,7 +3,7 @@
 //   field-probe snapshot COUNT      reads of the field's text and selection
 //   field-probe caret COUNT         the caret's place
 //   field-probe hung PROCESS        the first read of a stopped application, and the next ones
-//   field-probe write TEXT-LENGTH   a text into the field, until the field holds it
+//   field-probe write accessibility|request|paste|typing TEXT-LENGTH COUNT   a text into the field, until it is there
 //   field-probe picture COUNT       the window as JPEG, and the encoding of the same pixels alone
 #include <signal.h>
 
@@ -11,9 +11,11 @@
 #include <QEventLoop>
 #include <QProcess>
 #include <QTimer>
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <stdexcept>
+#include <string>
 
 #include "async/task_scope.h"
 #include "capture/context_capturer.h"
@@ -75,7 +77,7 @@ bool eventually(const std::function<bool()>& condition, std::chrono::millisecond
     return true;
 }
 
-void require(bool condition, const char* otherwise) {
+void require(bool condition, const std::string& otherwise) {
     if (!condition)
         throw std::runtime_error(otherwise);
 }
@@ -195,27 +197,48 @@ QString words(int length) {
     return text;
 }
 
-void measureWrites(Desk& desk, int length) {
+void typeBy(const QString& tool, const QString& text) {
+    const QStringList arguments{QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("1"),
+                                QStringLiteral("--"), text};
+    require(QProcess::execute(tool, arguments) == 0, "the other tool failed");
+}
+
+std::function<void()> writerOf(Desk& desk, const QString& way, const QString& text) {
     using Method = scenes::ReplacementStrategy::Method;
+    if (way == QStringLiteral("accessibility"))
+        return [&] { desk.finish(desk.writer.writeText(text, Method::replaceSelection, {}, 0)); };
+    if (way == QStringLiteral("request"))
+        return [&] { desk.finish(desk.writer.writeText(text, Method::deleteChars, 0, 0)); };
+    if (way == QStringLiteral("paste"))
+        return [&] { desk.pasteBarely(text); };
+    require(way == QStringLiteral("typing"), "no such way of writing");
+    return [&] { typeBy(QStringLiteral("xdotool"), text); };
+}
+
+/// Asks the more seldom the longer it takes, so that asking does not hold up an editor that is busy.
+void waitForText(Desk& desk, const QString& text, Clock::time_point since) {
+    const auto begin = Clock::now();
+    for (auto value = desk.value(); value != text; value = desk.value()) {
+        const auto now = Clock::now();
+        require(now < begin + 60s, "after 60 s the field holds " + std::to_string(value.value_or(QString()).size()) +
+                                       " characters, and not those " + std::to_string(text.size()));
+        letPass(std::clamp(std::chrono::duration_cast<std::chrono::milliseconds>(now - since) / 50, 1ms, 200ms));
+    }
+}
+
+void measureWrites(Desk& desk, const QString& way, int length, int count) {
     const auto text = words(length);
-    const std::pair<const char*, std::function<void()>> ways[] = {
-        {"by accessibility", [&] { desk.finish(desk.writer.writeText(text, Method::replaceSelection, {}, 0)); }},
-        {"behind a typed request", [&] { desk.finish(desk.writer.writeText(text, Method::deleteChars, 0, 0)); }},
-        {"bare clipboard paste", [&] { desk.pasteBarely(text); }},
-        {"xdotool type",
-         [&] {
-             QProcess::execute(QStringLiteral("xdotool"), {QStringLiteral("type"), QStringLiteral("--delay"),
-                                                           QStringLiteral("1"), QStringLiteral("--"), text});
-         }},
-    };
+    const auto write = writerOf(desk, way, text);
     desk.waitForField();
-    for (const auto& [name, write] : ways) {
+    for (int i = 0; i < count; ++i) {
         desk.empty();
-        report(name, timeOf([&] {
-                   write();
-                   if (!eventually([&] { return desk.value() == text; }, 30s))
-                       std::printf("%s\tnan\n", name);
-               }));
+        const auto begin = Clock::now();
+        write();
+        waitForText(desk, text, begin);
+        const auto taken = milliseconds(Clock::now() - begin);
+        letPass(200ms);
+        require(desk.value() == text, "more came into the field behind the text");
+        report("write", taken);
     }
 }
 
@@ -246,7 +269,7 @@ int main(int argc, char** argv) {
         else if (command == QStringLiteral("hung"))
             measureHung(desk, number);
         else if (command == QStringLiteral("write"))
-            measureWrites(desk, number);
+            measureWrites(desk, arguments.value(2), arguments.value(3).toInt(), arguments.value(4).toInt());
         else if (command == QStringLiteral("picture"))
             measurePictures(desk, number);
         else

@@ -1,29 +1,29 @@
-"""bench.py BUILD OUTPUT [--quick]: all measurements on the display at hand, as one table."""
+"""bench.py BUILD OUTPUT [--quick] [--only THEME | --redraw]: all measurements on the display at hand, as one table."""
 
-import json
-import os
-import subprocess
+import argparse
 import sys
 import tempfile
 from pathlib import Path
 
 import bench_dashboard
+import bench_document
+import bench_documents
 import bench_fields
+import bench_generation
 import bench_keys
+import bench_logic
 import bench_media
 import bench_process
 import bench_requests
+import bench_run
+import bench_table
 import bench_views
-from bench_table import row, table
 from programs import Tavrelon
-import bench_generation
-from waiting import Fault
 
-AIMS = {
-    "textDifference, 20 000 Latin": "2",
-    "textDifference, 20 000 Chinese and emoji": "2",
-    "history of 20 long entries scrolled, longest frame": "50",
-}
+THEMES = [module.THEME for module in (bench_process, bench_keys, bench_requests, bench_views, bench_fields,
+                                      bench_dashboard, bench_media, bench_generation, bench_documents, bench_logic)]
+OTHERS = ("copyq", "keepassxc", "xdotool", "mousepad", "featherpad", "poppler-utils", "unrtf")
+NOBODY = 9  # a port that nothing listens on, for those who make no request
 
 
 class Extent:
@@ -37,65 +37,64 @@ class Extent:
         self.recordings = 2 if quick else 10
 
 
-def pure_parts(build, extent):
-    done = subprocess.run([build / "bench/tavrelon-bench", "--benchmark_format=json", "--benchmark_min_time=0.05",
-                           f"--benchmark_repetitions={extent.repetitions}"],
-                          capture_output=True, text=True, check=True, stdin=subprocess.DEVNULL)
-    taken, units = {}, {}
-    for run in json.loads(done.stdout)["benchmarks"]:
-        if run["run_type"] == "iteration":
-            name = run["run_name"].split("/iterations:")[0]
-            taken.setdefault(name, []).append(run["real_time"])
-            units[name] = run["time_unit"]
-    return [row(name, units[name], values, AIMS.get(name, "")) for name, values in taken.items()]
+class Bench:
+    """What the measurements work with."""
+
+    def __init__(self, build, output, extent):
+        self.build, self.output, self.extent = build, output, extent
+
+    def home(self):
+        """A new folder for a `with` block."""
+        return tempfile.TemporaryDirectory(prefix="tavrelon-bench.", ignore_cleanup_errors=True)
+
+    def product(self, home, name, settings=None, port=NOBODY):
+        return Tavrelon(self.build / "src/tavrelon", self.output / f"{name}.log", home, port, settings)
+
+    def key_probe(self):
+        return bench_keys.KeyProbe(self.build / "bench/key-probe")
 
 
-def whole_program(build, output, extent):
-    service = bench_requests.TimedService()
-
-    def product(home, name, settings=None):
-        return Tavrelon(build / "src/tavrelon", output / f"{name}.log", home, service.port, settings)
-
-    rows = []
-    with tempfile.TemporaryDirectory(prefix="tavrelon-bench.", ignore_cleanup_errors=True) as home, \
-            bench_keys.KeyProbe(build / "bench/key-probe") as probe:
-        before = bench_keys.without_the_program(probe, extent.keys)
-        with product(home, "text-only", {"screenshotMode": "none"}) as tavrelon:
-            tavrelon.wait_until_live()
-            rows += bench_process.idle(tavrelon.process.pid, extent.settle, extent.idle)
-            rows += bench_keys.with_the_program(probe, extent.keys, extent.flood, before)
-            rows += bench_requests.requests(probe, tavrelon, service, extent.requests)
-        with product(home, "views", {"screenshotMode": "none"}) as tavrelon:
-            tavrelon.wait_until_live()
-            rows += bench_views.views(probe, tavrelon, extent.requests, extent.settle, extent.idle)
-            rows += bench_views.faces(build / "bench/face-cost", extent.settle)
-        with product(home, "picture") as tavrelon:
-            tavrelon.wait_until_live()
-            rows += bench_requests.pictured_requests(probe, tavrelon, service, extent.requests)
-        rows.insert(0, bench_process.start(tavrelon, extent.starts))
-    return rows + bench_generation.rows(build, extent)
+def options(arguments):
+    parser = argparse.ArgumentParser()
+    parser.add_argument("build", type=Path)
+    parser.add_argument("output", type=Path)
+    parser.add_argument("--quick", action="store_true")
+    parser.add_argument("--only", choices=[theme.key for theme in THEMES], action="append")
+    parser.add_argument("--redraw", action="store_true")
+    return parser.parse_args(arguments)
 
 
-def main(build, output, *options):
-    build, output = Path(build), Path(output)
-    output.mkdir(parents=True, exist_ok=True)
-    extent = Extent("--quick" in options)
-    load = os.getloadavg()[0]
-    rows = whole_program(build, output, extent) + bench_fields.rows(build / "bench/field-probe", extent.requests)
-    rows += bench_dashboard.dashboard(build / "bench/dashboard-bench", extent.settle)
-    rows += bench_media.sound_and_video(build, extent.recordings)
-    rows += pure_parts(build, extent)
-    text = table(rows)
-    (output / "table.txt").write_text(text + "\n")
-    print(text)
-    if load > 0.5:
-        print(f"\nThe machine was busy when this began (load {load:.1f}): the figures are worse than they could be.")
-    return 0
+def measured(chosen, themes):
+    """All themes; a run of its own, of which each part stands by itself."""
+    machine = bench_run.machine(OTHERS)
+    report = bench_table.Report(themes, chosen.output, machine)
+    bench = Bench(chosen.build, chosen.output, Extent(chosen.quick))
+    for theme in themes:
+        report.say(f"-- {theme.title}")
+        with report.step(*(row.name for row in theme.rows)):
+            theme.measure(bench, report)
+    if machine["busy"] > 5:
+        report.say(f"\nOthers kept the processors {machine['busy']:.0f} % busy when this began: the figures are worse "
+                   "than they could be.")
+    return machine, report.figures
+
+
+def main(arguments):
+    chosen = options(arguments)
+    themes = [theme for theme in THEMES if not chosen.only or theme.key in chosen.only]
+    whole = len(themes) == len(THEMES) and not chosen.quick
+    if not whole:
+        chosen.output /= "part"
+    chosen.output.mkdir(parents=True, exist_ok=True)
+    if chosen.redraw:
+        machine, figures = bench_table.kept_figures(chosen.output)
+    else:
+        machine, figures = measured(chosen, themes)
+    page = bench_document.write(Path("docs") if whole else chosen.output, themes, machine, figures)
+    failed = sum(bool(each.failure) for each in figures.values())
+    print(f"\n{page} is written." + (f" Rows that failed: {failed}." if failed else ""))
+    return 1 if failed else 0
 
 
 if __name__ == "__main__":
-    try:
-        sys.exit(main(*sys.argv[1:]))
-    except Fault as fault:
-        print(f"bench: {fault}", file=sys.stderr)
-        sys.exit(1)
+    sys.exit(main(sys.argv[1:]))

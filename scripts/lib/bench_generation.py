@@ -1,39 +1,37 @@
-"""Requests with pictures, replies, what is learnt, and the text of documents."""
+"""Requests with pictures, and replies."""
 
-import json
-import subprocess
+from bench_run import output_of, take_benchmarks
+from bench_table import Row, Theme
 
-import bench_documents
-from bench_table import Row, rate_row, row
-
-AIMS = {"recording of a sample, as its caller sees it": "20"}
-
-
-def pure_parts(build, extent):
-    done = subprocess.run([build / "bench/generation/generation-bench", "--benchmark_format=json",
-                           "--benchmark_min_time=0.05", f"--benchmark_repetitions={extent.repetitions}"],
-                          capture_output=True, text=True, check=True, stdin=subprocess.DEVNULL)
-    taken, units = {}, {}
-    for run in json.loads(done.stdout)["benchmarks"]:
-        if run["run_type"] == "iteration":
-            name, rate = run["run_name"].split("/iterations:")[0], run.get("bytes_per_second")
-            units[name] = "MB/s" if rate else run["time_unit"]
-            taken.setdefault(name, []).append(rate / 1e6 if rate else run["real_time"])
-    return [(rate_row if units[name] == "MB/s" else row)(name, units[name], values, AIMS.get(name, ""))
-            for name, values in taken.items()]
+BASE64 = "base64 of a 1 MB picture, alone"
+SENT, PEAK = "bytes sent with 24 frames of 300 KB", "peak memory of that request, frames included"
+MEASURED = [
+    Row(BASE64, "MB/s", "The floor: no request can be faster than the letters that its picture is written in.",
+        rate=True),
+    *(Row(f"request with a 1 MB picture, {protocol}", "MB/s", "The whole request, ready to be sent.", rate=True,
+          limit=f"{{{BASE64}}}") for protocol in ("Pollinations", "NVIDIA", "GLM", "Ollama")),
+    Row("reading a reply of 100 KB", "us"),
+    Row("isImageRequest, 20 characters", "us", "Whether a picture is asked for."),
+    Row("isImageRequest, 2 000 characters", "us"),
+    Row("flattenPromptTemplate, a full template", "us"),
+    Row("recording of a sample, as its caller sees it", "us", "What a request waits for learning.", aim=20),
+]
+ROWS = MEASURED + [
+    Row(SENT, "MB", "What a video of the largest size sends."),
+    Row(PEAK, "times", "Beside the bytes that it sends.", aim=2.5, limit="1.75: frames and request, each once")]
 
 
-def memory_of_a_request(build, extent):
-    ratios = []
-    for _ in range(extent.starts):
-        done = subprocess.run([build / "bench/generation/request-memory"], capture_output=True, text=True, check=True,
-                              stdin=subprocess.DEVNULL)
-        sent, grown = map(int, done.stdout.split())
-        ratios.append(grown / sent)
-    return [Row("bytes sent with 24 frames of 300 KB", "MB", sent / 1e6),
-            row("peak memory of that request, frames included", "times", ratios, "2.5")]
+def measure(bench, report):
+    take_benchmarks(report, bench.build / "bench/generation/generation-bench", bench.extent.repetitions,
+                    [row.name for row in MEASURED])
+    with report.step(SENT, PEAK):
+        ratios = []
+        for _ in range(bench.extent.starts):
+            sent, grown = map(int, output_of([bench.build / "bench/generation/request-memory"]).split())
+            ratios.append(grown / sent)
+        report.take(SENT, [sent / 1e6])
+        report.take(PEAK, ratios)
 
 
-def rows(build, extent):
-    return (pure_parts(build, extent) + memory_of_a_request(build, extent)
-            + bench_documents.readings(build / "src/tavrelon-document-reader", extent.starts))
+THEME = Theme("generation", "What goes to the model and comes back", "Computing alone, without a network.", ROWS,
+              measure)

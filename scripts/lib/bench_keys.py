@@ -3,11 +3,26 @@
 import select
 import subprocess
 
-from bench_table import Row, row
+from bench_table import Figures, Row, Theme, figures_of
 from waiting import Fault
 
 MICROSECONDS = 1e-3  # of a nanosecond figure
 PAUSE = 1000         # microseconds between two measured keys
+
+ALONE = "key to window, without Tavrelon"
+PASSED = "key to window, hotkey that passes (Escape)"
+VERDICT = "key verdict: what a passed hotkey costs more"
+ROWS = [
+    Row(ALONE, "us", "An ordinary key on its way from the keyboard to the window, with nobody in between."),
+    Row("key to window, no hotkey", "us", "The same key while Tavrelon runs: it only looks on.", limit=f"{{{ALONE}}}"),
+    Row(PASSED, "us", "A key that is a hotkey, but means nothing at the moment: it is held until Tavrelon has decided, "
+        "then let go to the window.", limit=f"{{{ALONE}}}"),
+    Row(VERDICT, "us", "What that decision adds to Escape, by the median and by the slowest of a hundred.", aim=1000,
+        aimed="p99", limit="one trip from the X server to the program and back"),
+    Row("keys lost, one at a time", "keys", "Of 2 000 ordinary keys and as many hotkeys.", aim=0),
+    Row("keys lost, in bursts", "keys", "Of 10 000 keys as fast as the X server takes them.", aim=0),
+    Row("keys out of order, in bursts", "keys", "Of the same.", aim=0),
+]
 
 
 class KeyProbe:
@@ -54,25 +69,23 @@ class KeyProbe:
         return [int(each) * MICROSECONDS for each in self.ask(f"measure {key} {count} {PAUSE}").split()]
 
 
-def without_the_program(probe, count):
-    return {key: probe.latencies(key, count) for key in ("x", "Escape")}
+def measure(bench, report):
+    count, flood = bench.extent.keys, bench.extent.flood
+    with report.step(*(row.name for row in ROWS)), bench.home() as home, bench.key_probe() as probe:
+        report.take(ALONE, probe.latencies("x", count))
+        before = figures_of(probe.latencies("Escape", count))
+        with bench.product(home, "keys", {"screenshotMode": "none"}) as tavrelon:
+            tavrelon.wait_until_live()
+            plain, passed = probe.latencies("x", count), probe.latencies("Escape", count)
+            report.take("key to window, no hotkey", plain)
+            report.take(PASSED, passed)
+            after = figures_of(passed)
+            report.keep(VERDICT, Figures(after.median - before.median, after.p99 - before.p99))
+            report.take("keys lost, one at a time", [2 * count - len(plain) - len(passed)])
+            received, misplaced = map(int, probe.ask(f"flood {flood}").split())
+            report.take("keys lost, in bursts", [flood - received])
+            report.take("keys out of order, in bursts", [misplaced])
 
 
-def with_the_program(probe, count, flood, before):
-    """`before` holds the same keys without the program; the differences of the quantiles are what it adds."""
-    plain, passed = probe.latencies("x", count), probe.latencies("Escape", count)
-    received, misplaced = map(int, probe.ask(f"flood {flood}").split())
-    return [
-        row("key to window, without Tavrelon", "us", before["x"]),
-        row("key to window, no hotkey", "us", plain),
-        row("key to window, hotkey that passes (Escape)", "us", passed),
-        added("key verdict: what a passed hotkey costs more", before["Escape"], passed, "p99 1000"),
-        Row(f"keys lost of {count}", "keys", 2 * count - len(plain) - len(passed), aim="0"),
-        Row(f"keys lost of {flood} in bursts", "keys", flood - received, aim="0"),
-        Row(f"keys out of order of {flood}", "keys", misplaced, aim="0"),
-    ]
-
-
-def added(name, before, after, aim):
-    first, second = row("", "us", before), row("", "us", after)
-    return Row(name, "us", second.median - first.median, second.p99 - first.p99, aim)
+THEME = Theme("keys", "Keys on their way", "Every key that anybody types may be a hotkey, so typing must not become "
+              "slower, and no key may be lost.", ROWS, measure)

@@ -6,14 +6,34 @@ import threading
 import time
 
 import screen
-from bench_table import row
-from waiting import wait_for
+from bench_table import Row, Theme
+from waiting import Fault, wait_for
 
 TYPED = "hello"
 # A Backspace for each character with its wait, the wait after the last, and the wait before the paste; milliseconds.
 PRESCRIBED = 10 * len(TYPED) + 50 + 20
 REST = 2.3    # seconds that the last request keeps the stage
 STROKE = 0.04  # seconds between two typed keys
+
+
+HOWS = ("text only", "with a picture")
+
+
+def outward_row(how):
+    return f"second press to the service, {how}"
+
+
+def inward_row(how):
+    return f"reply to paste, {how}"
+
+
+ROWS = [row for how in HOWS for row in (
+    Row(outward_row(how), "ms", "From the key that ends the request to its first byte at the model service: what the "
+        "program does before the waiting for the model begins.", aim=10,
+        limit="" if how == "text only" else "the window's picture is part of it"),
+    Row(inward_row(how), "ms", f"From the reply to the paste, beyond the {PRESCRIBED} ms that the program waits on "
+        "purpose while it takes back what was typed, because slow applications need it.", aim=10,
+        limit=f"the {PRESCRIBED} ms of waits are already taken off"))]
 
 
 class TimedService:
@@ -66,13 +86,24 @@ def one_request(probe, tavrelon, service):
     return (first - pressed) / 1e6, (pasted - last) / 1e6 - PRESCRIBED
 
 
-def requests(probe, tavrelon, service, times, how="text only"):
-    outward, inward = zip(*(one_request(probe, tavrelon, service) for _ in range(times)))
-    return [row(f"second press to the service, {how}", "ms", outward, "10"),
-            row(f"reply to paste beyond {PRESCRIBED} ms of waits, {how}", "ms", inward, "10")]
+def measure_how(bench, report, service, how, settings):
+    names = (outward_row(how), inward_row(how))
+    with report.step(*names), bench.home() as home, bench.key_probe() as probe, \
+            bench.product(home, how.replace(" ", "-"), settings, service.port) as tavrelon:
+        tavrelon.wait_until_live()
+        one_request(probe, tavrelon, service)
+        if service.pictured != (how == "with a picture"):
+            raise Fault("a picture is missing" if not service.pictured else "a picture came along")
+        for name, taken in zip(names, zip(*(one_request(probe, tavrelon, service)
+                                            for _ in range(bench.extent.requests)))):
+            report.take(name, taken)
 
 
-def pictured_requests(probe, tavrelon, service, times):
-    """Nothing where the desktop gives no pictures."""
-    one_request(probe, tavrelon, service)
-    return requests(probe, tavrelon, service, times, "with a picture") if service.pictured else []
+def measure(bench, report):
+    service = TimedService()
+    for how, settings in zip(HOWS, ({"screenshotMode": "none"}, {})):
+        measure_how(bench, report, service, how, settings)
+
+
+THEME = Theme("requests", "A request", "What Tavrelon adds to the time that the model takes, before and after it.",
+              ROWS, measure)

@@ -1,16 +1,44 @@
 """How quickly overlays and the prompt box come and go, and what they cost."""
 
-import subprocess
 import time
 
-import bench_process
+import bench_rest
 import screen
-from bench_table import Row, row
+from bench_run import output_of
+from bench_table import Row, Theme
 from waiting import Fault
 
 PROMPT = "shift+alt+super+p"
 OVERLAY = "880 470 200 80"  # where an overlay stands when no caret is known, on the 1920 by 1080 of scripts/bench
 REST = 0.4                  # seconds between two showings
+
+OVERLAY_SHOWN = "key press to overlay on the screen"
+OPENED = "key press to prompt box with the focus"
+CLOSED = "Escape to the focus back in the window"
+MEMORY = "memory, all views built and hidden (PSS)"
+OWN = "memory of its own, all views built and hidden"
+WAKE_UPS = "wake-ups a minute, all views hidden"
+FACES = ("listening", "voice", "video recording", "video processing", "auto-reply", "processing", "completed", "hidden")
+FRAME = "a display of 60 Hz adds up to 16.7 ms"
+
+
+def face_row(face):
+    return f"processor, face '{face}'"
+
+
+ROWS = [
+    Row(OVERLAY_SHOWN, "ms", "Until the pixels have changed.", aim=50, limit=FRAME),
+    Row(OPENED, "ms", "Until the next key goes into the box.", aim=100, limit=FRAME),
+    Row(CLOSED, "ms", "Until the next key goes into the window that had the focus before.", aim=20,
+        limit="the window manager decides it"),
+    Row(MEMORY, "MB", "The same measure as at rest, after everything was shown once.", aim=30,
+        limit=bench_rest.QML_ALONE, missed="what is not in the next row are pages of Qt's libraries, of which a part "
+        "is shared as soon as another Qt 6 program runs"),
+    Row(OWN, "MB"),
+    Row(WAKE_UPS, "", "Hidden views must not go on animating.", aim=0),
+    *(Row(face_row(face), "%", "Of one core, drawn without a graphics card." if face != "hidden" else
+          "Afterwards, with the overlay hidden.", aim=0 if face == "hidden" else 5) for face in FACES),
+]
 
 
 def taken(probe, command):
@@ -37,21 +65,26 @@ def prompt_box(probe):
     return opened, closed
 
 
-def views(probe, tavrelon, times, settle, idle):
-    shown = [overlay(probe, tavrelon) for _ in range(times)]
-    opened, closed = zip(*(prompt_box(probe) for _ in range(times)))
-    memory, woken = bench_process.idle(tavrelon.process.pid, settle, idle)
-    return [row("key press to overlay on the screen", "ms", shown, "50"),
-            row("key press to prompt box with the focus", "ms", opened, "100"),
-            row("Escape to the focus back in the window", "ms", closed, "20"),
-            Row("resident memory, all views built and hidden (PSS)", "MB", memory.median, aim="30"),
-            Row(f"{woken.name}, all views hidden", "", woken.median, aim="0")]
+def measure_views(bench, report):
+    times = bench.extent.requests
+    with report.step(OVERLAY_SHOWN, OPENED, CLOSED, MEMORY, OWN, WAKE_UPS), bench.home() as home, \
+            bench.key_probe() as probe, bench.product(home, "views", {"screenshotMode": "none"}) as tavrelon:
+        tavrelon.wait_until_live()
+        report.take(OVERLAY_SHOWN, [overlay(probe, tavrelon) for _ in range(times)])
+        opened, closed = zip(*(prompt_box(probe) for _ in range(times)))
+        report.take(OPENED, opened)
+        report.take(CLOSED, closed)
+        bench_rest.take(bench, report, tavrelon.process.pid, MEMORY, OWN, WAKE_UPS)
 
 
-def faces(executable, seconds):
-    """The share of a core that each face takes while it shows."""
-    done = subprocess.run([executable, str(seconds)], capture_output=True, text=True, check=True,
-                          stdin=subprocess.DEVNULL)
-    shares = (line.rsplit(" ", 1) for line in done.stdout.splitlines())
-    return [Row(f"processor, face '{name}'", "%", float(share), aim="0" if name == "hidden" else "5")
-            for name, share in shares]
+def measure(bench, report):
+    measure_views(bench, report)
+    with report.step(*map(face_row, FACES)):
+        for line in output_of([bench.build / "bench/face-cost", bench.extent.settle]).splitlines():
+            face, share = line.rsplit(" ", 1)
+            report.take(face_row(face), [float(share)])
+
+
+THEME = Theme("views", "What you see", "The overlay says at once that the hotkey was heard, the prompt box takes what "
+              "you type and gives the focus back. Afterwards they are hidden, not gone, and must cost nothing.", ROWS,
+              measure)
