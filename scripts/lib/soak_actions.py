@@ -4,7 +4,6 @@ import signal
 import time
 
 import screen
-from soak_desk import HOTKEY
 from waiting import Fault, wait_for
 
 WORDS = ["hello", "make it short", "why", "say thanks", "question", "a list of plans", "rewrite", "please answer"]
@@ -54,6 +53,7 @@ def failing_request(desk, dice, field):
     kept = f"kept {next(desk.counter)}"
     places = request_places(desk, dice)
     desk.service.answer_with(dice.choice(FAULTS))
+    desk.log.explain(r"\[Pollinations\]", "rocessing error: ", "Error processing: ")
     field.clear()
     desk.set_clipboard(kept)
     mark = desk.begin()
@@ -116,8 +116,7 @@ def prompt_box(desk, dice, field):
     answer = answer_for(desk, dice, field)
     desk.service.answer_with({"content": answer})
     field.clear()
-    time.sleep(max(0.0, desk.free_at - time.monotonic()))
-    desk.keyboard.press("Shift+Alt+Super+p")
+    desk.press_when_free("Shift+Alt+Super+p")
     wait_for("the focus in the prompt box", lambda: screen.run("xdotool", "getwindowfocus").stdout.strip() != field.window
              and screen.run("xdotool", "getactivewindow").stdout.strip() != field.window, 10)
     time.sleep(0.3)
@@ -136,7 +135,7 @@ def master_switch(desk, dice, field):
     desk.flip_switch()
     time.sleep(0.3)
     mark = desk.mark()
-    desk.keyboard.press(HOTKEY)
+    desk.keyboard.press(desk.hotkey)
     time.sleep(0.5)
     if "Starting text listening" in desk.tavrelon.written()[mark:]:
         raise Fault("a hotkey worked although they were switched off")
@@ -146,25 +145,6 @@ def master_switch(desk, dice, field):
     text_request(desk, dice, field)
 
 
-def other_hotkeys(desk, dice, field):
-    """Voice, dictation, video and the auto-reply, each begun and broken off."""
-    if field.is_terminal:  # to which an Escape with nothing to stop is a character
-        return text_request(desk, dice, field)
-    places = request_places(desk, dice)
-    desk.service.answer_with({"status": 500, "body": "{}"})
-    field.clear()
-    field.type(places)
-    time.sleep(max(0.0, desk.free_at - time.monotonic()))
-    for chord in dice.sample(["Control+Alt", "Control+Shift", "Shift+Alt+Super+g", "Shift+Alt+Super+a"], 2):
-        desk.keyboard.press(chord)
-        time.sleep(dice.choice([0.2, 0.6]))
-        desk.keyboard.press("Escape")
-        time.sleep(0.4)
-    time.sleep(2.0)
-    desk.rest()
-    field.expect(desk.typed(places))
-
-
 def hung_application(desk, dice, field):
     """An application that stands still costs a bounded wait, and its field nothing."""
     if field.is_terminal:
@@ -172,10 +152,10 @@ def hung_application(desk, dice, field):
     places = request_places(desk, dice)
     field.clear()
     field.type(places)
-    time.sleep(max(0.0, desk.free_at - time.monotonic()))
+    desk.wait_until_free()
     field.signal(signal.SIGSTOP)
     try:
-        desk.keyboard.press(HOTKEY)
+        desk.keyboard.press(desk.hotkey)
         time.sleep(dice.choice([0.3, 1.0]))
         desk.keyboard.press("Escape")
         time.sleep(0.5)
@@ -231,6 +211,6 @@ def expect_clipboard(desk, text):
 
 WEIGHTS = {
     text_request: 6, selection_request: 4, failing_request: 3, escape_while_listening: 2, escape_while_processing: 2,
-    picture_request: 2, prompt_box: 3, master_switch: 1, other_hotkeys: 2, hung_application: 1, killed_application: 1,
+    picture_request: 2, prompt_box: 3, master_switch: 1, hung_application: 1, killed_application: 1,
     change_layout: 2, change_surroundings: 2,
 }
