@@ -1,5 +1,6 @@
 """A person at the keyboard of the display: keys by their place, whatever the layout gives there."""
 
+import contextlib
 import ctypes
 import time
 
@@ -29,6 +30,14 @@ class Keyboard:
     def _key(self, place, down):
         self.xtst.XTestFakeKeyEvent(self.display, PLACES[place], down, 0)
         self.x11.XFlush(self.display)
+
+    @contextlib.contextmanager
+    def holding(self, key):
+        self._key(key, 1)
+        try:
+            yield
+        finally:
+            self._key(key, 0)
 
     def press(self, chord):
         """A chord such as "Control+Shift+z"; the last key is struck while the others are held."""

@@ -75,9 +75,8 @@ def warm_up(desk):
         take_step(desk, desk.fields[0], action, dice)
 
 
-def run(desk, health, minutes, seed):
+def run(desk, health, end, seed):
     """Gives how many steps were done. A fault names the step."""
-    end = time.monotonic() + 60 * minutes
     done = missed = 0
     for number, (action, index, dice) in enumerate(steps(seed, len(desk.fields)), 1):
         field = desk.fields[index]
@@ -107,9 +106,10 @@ def main(build, output, minutes, seed):
     with tempfile.TemporaryDirectory(prefix="tavrelon-soak.", ignore_cleanup_errors=True) as home, \
             Desk(Path(build), output, home) as desk:
         # A sanitizer keeps what is freed, so that memory says nothing there.
+        end = time.monotonic() + 60 * float(minutes)
         warm_up(desk)
         health = Health(desk.tavrelon.process.pid, Path(home), ["memory"] if Path(build).name != "release" else [])
-        done = run(desk, health, float(minutes), int(seed))
+        done = run(desk, health, end, int(seed))
         health.judge()
         print(f"{done} steps right; {health.summary()}")
     status = desk.tavrelon.process.returncode

@@ -85,9 +85,9 @@ def change_settings_meanwhile(desk, dice, field):
     mark = desk.begin()
     field.type(request_places(desk, dice))
     desk.commit(mark)
-    was = desk.settings()[name]
+    was = desk.settings().get(name)
     desk.dashboard.windows.trigger(label)
-    wait_for(f"{name} in the settings", lambda: desk.settings()[name] != was)
+    wait_for(f"{name} in the settings", lambda: desk.settings().get(name) != was)
     desk.wait_for_answer(answer)
     field.expect(answer)
     desk.dashboard.close()

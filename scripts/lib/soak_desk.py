@@ -1,5 +1,6 @@
 """The desktop of a soak run: the program, its model service, fields to write in, and what surrounds them."""
 
+import contextlib
 import itertools
 import json
 import re
@@ -9,6 +10,7 @@ import time
 from pathlib import Path
 
 import screen
+from clock import Clock
 from dashboard import Dashboard
 from keyboard import Keyboard
 from programs import Program, StandIn, Tavrelon
@@ -27,7 +29,7 @@ REST = 2.3  # seconds; after an answer or an error the next request waits until 
 
 class Desk:
     def __init__(self, build, output, home):
-        self.output, self.home = output, Path(home)
+        self.build, self.output, self.home = build, output, Path(home)
         self.editor_config = self.home / "editors"
         (self.editor_config / "featherpad").mkdir(parents=True)
         (self.editor_config / "featherpad" / "fp.conf").write_text("[text]\nappendEmptyLine=false\n")
@@ -35,22 +37,14 @@ class Desk:
         self.counter = itertools.count(1)
         self.layout, self.group = "us", 0
         self.hotkey = HOTKEY
-        self.surroundings = {}
-        self.sound = SoundServer(self.output / "sound.log")
-        install_recogniser(build, home, [DICTATED, ASKED])
-        self.service = StandIn(build / "tests/support/tavrelon-stand-in-service", self.output / "service.log")
-        # Pictures of the screen have tests of their own, and cost a busy machine most.
-        self.tavrelon = Tavrelon(build / "src/tavrelon", self.output / "tavrelon.log", self.home, self.service.port,
-                                 {"screenshotMode": "none", "enableImagePromptEnhancement": False,
-                                  "voiceDictationSilenceTimeoutSeconds": SILENCE, "voiceInputSilenceTimeoutSeconds": SILENCE},
-                                 {**self.sound.environment, **self.own_folders()})
-        self.log, self.dashboard = Log(self.tavrelon), Dashboard(self.tavrelon, self.keyboard)
         self.fields = [Field(kind, self) for kind in ("mousepad", "featherpad", "xterm")]
         self.free_at = time.monotonic()
+        self.running = contextlib.ExitStack()
+        self.surroundings = {}
 
     def __enter__(self):
         try:
-            self.tavrelon.wait_until_live()
+            self.start_programs()
             self.restart_tray()
             for field in self.fields:
                 field.open()
@@ -60,12 +54,29 @@ class Desk:
             raise
         return self
 
+    def start_programs(self):
+        self.sound = self.running.enter_context(SoundServer(self.output / "sound.log"))
+        install_recogniser(self.build, self.home, [DICTATED, ASKED])
+        self.service = self.running.enter_context(
+            StandIn(self.build / "tests/support/tavrelon-stand-in-service", self.output / "service.log"))
+        # A sanitizer and a clock that jumps both want to come first.
+        self.clock = Clock(self.home / "clock") if self.build.name == "release" else None
+        # Pictures of the screen have tests of their own, and cost a busy machine most.
+        settings = {"screenshotMode": "none", "enableImagePromptEnhancement": False,
+                    "voiceDictationSilenceTimeoutSeconds": SILENCE, "voiceInputSilenceTimeoutSeconds": SILENCE}
+        environment = {**self.sound.environment, **self.own_folders(), **(self.clock.environment if self.clock else {})}
+        self.tavrelon = self.running.enter_context(
+            Tavrelon(self.build / "src/tavrelon", self.output / "tavrelon.log", self.home, self.service.port, settings,
+                     environment))
+        self.log, self.dashboard = Log(self.tavrelon), Dashboard(self.tavrelon, self.keyboard)
+        self.tavrelon.wait_until_live()
+
     def __exit__(self, *_):
-        editors = [field.program for field in self.fields]
-        for program in (*editors, *self.surroundings.values(), self.tavrelon, self.sound, self.service):
+        for program in (*(field.program for field in self.fields), *self.surroundings.values()):
             if program:
                 program.process.send_signal(signal.SIGCONT)
                 program.stop()
+        self.running.close()
 
     def own_folders(self):
         """Folders in which nobody but the program leaves anything, so that what it forgets is seen."""

@@ -54,6 +54,7 @@ class SoundServer(Program):
         self.socket.unlink(missing_ok=True)
 
     def stop(self):
+        self.process.send_signal(signal.SIGCONT)
         self.listener.stop()
         super().stop()
         self.folder.cleanup()
