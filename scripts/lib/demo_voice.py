@@ -7,22 +7,13 @@ from pathlib import Path
 
 import screen
 from programs import Editor, StandIn, Tavrelon
-from sound import SoundServer
+from sound import SoundServer, install_recogniser
 from waiting import Fault, wait_for
 
 DICTATED = "hello my dear friend"
 ASKED = "tell me a long story"
 ANSWER = "Once upon a time there was a key that answered. 🗝️"
 SILENCE = 4  # seconds after which the program takes a sentence to be over
-
-
-def install_recogniser(build, home):
-    """As scripts/install-voice does it; this recogniser knows two sentences."""
-    folder = home / "data" / "Tavrelon" / "speech"
-    (folder / "zh-CN").mkdir(parents=True)
-    shutil.copy(build / "tests/support/libsphinx_vosk.so", folder / "libvosk.so")
-    (folder / "zh-CN" / "grammar.jsgf").write_text(
-        f"#JSGF V1.0;\ngrammar sentences;\npublic <sentence> = {DICTATED} | {ASKED};\n")
 
 
 def hold(*keys):
@@ -45,7 +36,7 @@ def play(name, kind, build, output, service, sound, settings, act, expected):
     path = output / f"voice-{kind}.txt"
     path.write_text("")
     with tempfile.TemporaryDirectory(prefix="tavrelon-demo.", ignore_cleanup_errors=True) as home:
-        install_recogniser(build, Path(home))
+        install_recogniser(build, home, [DICTATED, ASKED])
         settings = {"voiceDictationSilenceTimeoutSeconds": SILENCE, "voiceInputSilenceTimeoutSeconds": SILENCE, **settings}
         with Tavrelon(build / "src/tavrelon", output / f"voice-{kind}-tavrelon.log", home, service.port, settings,
                       sound.environment) as tavrelon:

@@ -1,5 +1,6 @@
 """A person at the keyboard of the display: keys by their place, whatever the layout gives there."""
 
+import contextlib
 import ctypes
 import time
 
@@ -7,6 +8,7 @@ PLACES = {name: code for names, first in (
     ("1234567890-=", 10), ("qwertyuiop[]", 24), ("asdfghjkl;'`", 38), ("\\zxcvbnm,./", 51)) for code, name in enumerate(names, first)}
 PLACES |= {"Escape": 9, "BackSpace": 22, "Tab": 23, "Return": 36, "Control": 37, "Shift": 50, "Alt": 64, "space": 65,
            " ": 65, "Home": 110, "Up": 111, "Left": 113, "Right": 114, "End": 115, "Down": 116, "Delete": 119, "Super": 133}
+PLACES |= {f"F{number}": 66 + number for number in range(1, 11)}
 USE_CORE_KEYBOARD = 0x100
 BETWEEN_KEYS = 0.02  # seconds, a very quick typist
 
@@ -28,6 +30,14 @@ class Keyboard:
     def _key(self, place, down):
         self.xtst.XTestFakeKeyEvent(self.display, PLACES[place], down, 0)
         self.x11.XFlush(self.display)
+
+    @contextlib.contextmanager
+    def holding(self, key):
+        self._key(key, 1)
+        try:
+            yield
+        finally:
+            self._key(key, 0)
 
     def press(self, chord):
         """A chord such as "Control+Shift+z"; the last key is struck while the others are held."""

@@ -4,12 +4,14 @@ import signal
 import time
 
 import screen
-from soak_desk import HOTKEY
+from clock import DAY, LAG
 from waiting import Fault, wait_for
 
 WORDS = ["hello", "make it short", "why", "say thanks", "question", "a list of plans", "rewrite", "please answer"]
 PIECES = ["Sure. ", "世界，", "👨‍👩‍👧", "é", "🇩🇪", "two  spaces ", "ß\\n\" ", "привет ", "100 % "]
 MULTILINE = ["\n", "tab\there "]
+UNANSWERED = "Failed to get .*, error: kAXErrorCannotComplete"  # by an application that hangs or is gone
+JUMPS = [0, 40, 4000, -1, -400]  # days away from the true time
 FAULTS = [{"status": 500, "body": "{}"}, {"status": 404, "body": "no such model"}, {"status": 200, "body": "not json"},
           {"fault": "reset"}, {"fault": "truncate", "content": "half"}, {"fault": "notHttp"}]
 
@@ -54,6 +56,7 @@ def failing_request(desk, dice, field):
     kept = f"kept {next(desk.counter)}"
     places = request_places(desk, dice)
     desk.service.answer_with(dice.choice(FAULTS))
+    desk.log.explain(r"\[Pollinations\]", "rocessing error: ", "Error processing: ")
     field.clear()
     desk.set_clipboard(kept)
     mark = desk.begin()
@@ -116,8 +119,7 @@ def prompt_box(desk, dice, field):
     answer = answer_for(desk, dice, field)
     desk.service.answer_with({"content": answer})
     field.clear()
-    time.sleep(max(0.0, desk.free_at - time.monotonic()))
-    desk.keyboard.press("Shift+Alt+Super+p")
+    desk.press_when_free("Shift+Alt+Super+p")
     wait_for("the focus in the prompt box", lambda: screen.run("xdotool", "getwindowfocus").stdout.strip() != field.window
              and screen.run("xdotool", "getactivewindow").stdout.strip() != field.window, 10)
     time.sleep(0.3)
@@ -136,7 +138,7 @@ def master_switch(desk, dice, field):
     desk.flip_switch()
     time.sleep(0.3)
     mark = desk.mark()
-    desk.keyboard.press(HOTKEY)
+    desk.keyboard.press(desk.hotkey)
     time.sleep(0.5)
     if "Starting text listening" in desk.tavrelon.written()[mark:]:
         raise Fault("a hotkey worked although they were switched off")
@@ -146,36 +148,18 @@ def master_switch(desk, dice, field):
     text_request(desk, dice, field)
 
 
-def other_hotkeys(desk, dice, field):
-    """Voice, dictation, video and the auto-reply, each begun and broken off."""
-    if field.is_terminal:  # to which an Escape with nothing to stop is a character
-        return text_request(desk, dice, field)
-    places = request_places(desk, dice)
-    desk.service.answer_with({"status": 500, "body": "{}"})
-    field.clear()
-    field.type(places)
-    time.sleep(max(0.0, desk.free_at - time.monotonic()))
-    for chord in dice.sample(["Control+Alt", "Control+Shift", "Shift+Alt+Super+g", "Shift+Alt+Super+a"], 2):
-        desk.keyboard.press(chord)
-        time.sleep(dice.choice([0.2, 0.6]))
-        desk.keyboard.press("Escape")
-        time.sleep(0.4)
-    time.sleep(2.0)
-    desk.rest()
-    field.expect(desk.typed(places))
-
-
 def hung_application(desk, dice, field):
     """An application that stands still costs a bounded wait, and its field nothing."""
     if field.is_terminal:
         return text_request(desk, dice, field)
     places = request_places(desk, dice)
+    desk.log.explain(UNANSWERED)
     field.clear()
     field.type(places)
-    time.sleep(max(0.0, desk.free_at - time.monotonic()))
+    desk.wait_until_free()
     field.signal(signal.SIGSTOP)
     try:
-        desk.keyboard.press(HOTKEY)
+        desk.keyboard.press(desk.hotkey)
         time.sleep(dice.choice([0.3, 1.0]))
         desk.keyboard.press("Escape")
         time.sleep(0.5)
@@ -192,6 +176,7 @@ def killed_application(desk, dice, field):
     """Its answer must land nowhere else."""
     others = [(other, other.text) for other in desk.fields if other is not field and not other.is_terminal]
     desk.service.answer_with({"content": "NOBODY ASKED", "delayMs": 1500})
+    desk.log.explain(UNANSWERED)
     field.clear()
     mark = desk.begin()
     field.type(request_places(desk, dice))
@@ -203,6 +188,26 @@ def killed_application(desk, dice, field):
     for other, text in others:
         other.focus()
         other.expect(text)
+
+
+def clock_jump(desk, dice, field):
+    """In the midst of a request, forth or back; nothing shows it but the date in the history."""
+    if not desk.clock:
+        return text_request(desk, dice, field)
+    answer = answer_for(desk, dice, field)
+    desk.service.answer_with({"content": answer, "delayMs": 1500})
+    field.clear()
+    mark = desk.begin()
+    field.type(request_places(desk, dice))
+    desk.clock.jump(dice.choice(JUMPS))
+    time.sleep(LAG)
+    desk.commit(mark)
+    desk.clock.jump(dice.choice(JUMPS))
+    desk.wait_for_answer(answer)
+    field.expect(answer)
+    away = desk.tavrelon.newest_date() - desk.clock.days * DAY - time.time()
+    if abs(away) > 60:
+        raise Fault(f"the date in the history is {away:.0f} s away from the clock of {desk.clock.days} days")
 
 
 def change_layout(desk, dice, field):
@@ -231,6 +236,6 @@ def expect_clipboard(desk, text):
 
 WEIGHTS = {
     text_request: 6, selection_request: 4, failing_request: 3, escape_while_listening: 2, escape_while_processing: 2,
-    picture_request: 2, prompt_box: 3, master_switch: 1, other_hotkeys: 2, hung_application: 1, killed_application: 1,
-    change_layout: 2, change_surroundings: 2,
+    picture_request: 2, prompt_box: 3, master_switch: 1, hung_application: 1, killed_application: 1,
+    change_layout: 2, change_surroundings: 2, clock_jump: 2,
 }

@@ -1,56 +1,89 @@
 """The desktop of a soak run: the program, its model service, fields to write in, and what surrounds them."""
 
+import contextlib
 import itertools
 import json
 import re
+import signal
 import subprocess
 import time
 from pathlib import Path
 
 import screen
+from clock import Clock
+from dashboard import Dashboard
 from keyboard import Keyboard
 from programs import Program, StandIn, Tavrelon
 from soak_fields import LAYOUTS, Field
+from soak_log import Log
+from sound import SoundServer, install_recogniser
 from waiting import Fault, wait_for
 
 HOTKEY = "Shift+Alt+Super+l"
+STORED_HOTKEY = {"keyCode": 37, "modifiersRaw": 0x1A0000}
+SILENCE = 3.0  # seconds after which a recording ends
+DICTATED, ASKED = "hello my dear friend", "tell me a long story"  # what the recogniser understands
 KEY_PASSED_ON = "A key was passed on"
 REST = 2.3  # seconds; after an answer or an error the next request waits until the last one has left the stage
-# Lines that no run may have. Views warn through the log.
-BAD_LINE = re.compile(r"^(\[UI\]|QObject|QSocketNotifier|QTimer|qt\.|qrc:|terminate called).*|^.*ASSERT.*", re.MULTILINE)
 
 
 class Desk:
     def __init__(self, build, output, home):
-        self.output, self.home = output, Path(home)
+        self.build, self.output, self.home = build, output, Path(home)
         self.editor_config = self.home / "editors"
         (self.editor_config / "featherpad").mkdir(parents=True)
         (self.editor_config / "featherpad" / "fp.conf").write_text("[text]\nappendEmptyLine=false\n")
         self.keyboard = Keyboard()
         self.counter = itertools.count(1)
         self.layout, self.group = "us", 0
-        self.surroundings = {}
-        self.service = StandIn(build / "tests/support/tavrelon-stand-in-service", self.output / "service.log")
-        # Pictures of the screen have tests of their own, and cost a busy machine most.
-        self.tavrelon = Tavrelon(build / "src/tavrelon", self.output / "tavrelon.log", self.home, self.service.port,
-                                 {"screenshotMode": "none", "enableImagePromptEnhancement": False})
+        self.hotkey = HOTKEY
         self.fields = [Field(kind, self) for kind in ("mousepad", "featherpad", "xterm")]
         self.free_at = time.monotonic()
+        self.running = contextlib.ExitStack()
+        self.surroundings = {}
 
     def __enter__(self):
-        self.tavrelon.wait_until_live()
-        self.restart_tray()
-        for field in self.fields:
-            field.open()
-        self.fields[0].focus()
-        self.warm_up()
+        try:
+            self.start_programs()
+            self.restart_tray()
+            for field in self.fields:
+                field.open()
+            self.fields[0].focus()
+        except BaseException:
+            self.__exit__()
+            raise
         return self
 
+    def start_programs(self):
+        self.sound = self.running.enter_context(SoundServer(self.output / "sound.log"))
+        install_recogniser(self.build, self.home, [DICTATED, ASKED])
+        self.service = self.running.enter_context(
+            StandIn(self.build / "tests/support/tavrelon-stand-in-service", self.output / "service.log"))
+        # A sanitizer and a clock that jumps both want to come first.
+        self.clock = Clock(self.home / "clock") if self.build.name == "release" else None
+        # Pictures of the screen have tests of their own, and cost a busy machine most.
+        settings = {"screenshotMode": "none", "enableImagePromptEnhancement": False,
+                    "voiceDictationSilenceTimeoutSeconds": SILENCE, "voiceInputSilenceTimeoutSeconds": SILENCE}
+        environment = {**self.sound.environment, **self.own_folders(), **(self.clock.environment if self.clock else {})}
+        self.tavrelon = self.running.enter_context(
+            Tavrelon(self.build / "src/tavrelon", self.output / "tavrelon.log", self.home, self.service.port, settings,
+                     environment))
+        self.log, self.dashboard = Log(self.tavrelon), Dashboard(self.tavrelon, self.keyboard)
+        self.tavrelon.wait_until_live()
+
     def __exit__(self, *_):
-        for program in (*(field.program for field in self.fields), *self.surroundings.values(), self.tavrelon, self.service):
+        for program in (*(field.program for field in self.fields), *self.surroundings.values()):
             if program:
-                program.process.send_signal(18)  # SIGCONT
+                program.process.send_signal(signal.SIGCONT)
                 program.stop()
+        self.running.close()
+
+    def own_folders(self):
+        """Folders in which nobody but the program leaves anything, so that what it forgets is seen."""
+        folders = {"XDG_RUNTIME_DIR": self.home / "runtime", "TMPDIR": self.home / "tmp"}
+        for folder in folders.values():
+            folder.mkdir(mode=0o700)
+        return {name: str(folder) for name, folder in folders.items()}
 
     # What the program does
 
@@ -60,16 +93,24 @@ class Desk:
     def wait_for_line(self, pattern, mark, seconds=20):
         return self.tavrelon.wait_for_line(pattern, mark, seconds)
 
-    def begin(self):
-        """The first press of the hotkey, once the last request has left the stage."""
+    def wait_until_free(self):
+        """Until the last request has left the stage."""
         time.sleep(max(0.0, self.free_at - time.monotonic()))
+
+    def press_when_free(self, chord):
+        """Presses a hotkey; gives the place in the log before it."""
+        self.wait_until_free()
         mark = self.mark()
-        self.keyboard.press(HOTKEY)
+        self.keyboard.press(chord)
+        return mark
+
+    def begin(self):
+        mark = self.press_when_free(self.hotkey)
         self.wait_for_hotkey("Starting text listening", mark)
         return mark
 
     def commit(self, mark):
-        self.keyboard.press(HOTKEY)
+        self.keyboard.press(self.hotkey)
         self.wait_for_hotkey("Committing text input", mark)
 
     def wait_for_hotkey(self, line, mark):
@@ -90,9 +131,11 @@ class Desk:
                 return
         raise Fault("the program takes no Escape")
 
+    def settings(self):
+        return json.loads((self.home / "config/Tavrelon/tavrelon.settings").read_text(encoding="utf-8"))
+
     def are_hotkeys_on(self):
-        settings = json.loads((self.home / "config/Tavrelon/tavrelon.settings").read_text(encoding="utf-8"))
-        return settings.get("hotkeysEnabled", True)
+        return self.settings().get("hotkeysEnabled", True)
 
     def flip_switch(self):
         """Presses the hotkey of the master switch, and sees that it did its work."""
@@ -110,16 +153,6 @@ class Desk:
                 pass
         raise Fault("the hotkeys cannot be switched on")
 
-    def warm_up(self):
-        """The first overlay costs more than all others, and on a busy machine more than the bound for a key."""
-        try:
-            self.begin()
-        except Fault:
-            pass
-        time.sleep(1.0)
-        self.escape()
-        self.rest()
-
     def rest(self):
         self.free_at = time.monotonic() + REST
 
@@ -130,6 +163,14 @@ class Desk:
     def wait_for_failure(self, mark):
         self.wait_for_line(r"(Processing error|Error processing).*: .+", mark, seconds=40)
         self.rest()
+
+    def expect_heard(self, text, with_picture=False):
+        """Sees that the model service was asked this, and with a picture where there must be one."""
+        asked = [message for message in self.service.user_messages() if message.startswith(text)]
+        if not asked:
+            raise Fault(f"the service heard {self.service.user_messages()!r} instead of {text!r}")
+        if with_picture and "image_url" not in json.dumps(self.service.control("requests")):
+            raise Fault("the service was shown no picture")
 
     # What surrounds it
 
@@ -170,6 +211,12 @@ class Desk:
         wait_for("the new window manager", ready.exists)
         time.sleep(0.3)
 
+    def restore_sound(self):
+        if self.sound.process.poll() is None:
+            self.sound.process.send_signal(signal.SIGCONT)
+        else:
+            self.sound.start()
+
     # What must always hold
 
     def check(self):
@@ -177,6 +224,12 @@ class Desk:
             raise Fault(f"the program ended with status {self.tavrelon.process.returncode}:\n{self.tavrelon.written()[-3000:]}")
         wait_for("no key held", lambda: not self.keyboard.held(), seconds=5)
         wait_for("no modifier held", lambda: not self.keyboard.modifiers(), seconds=5)
-        bad = BAD_LINE.search(self.tavrelon.written())
-        if bad:
-            raise Fault(f"the log has a line that it must not have: {bad.group(0)}")
+        wait_for("an end of the recordings", lambda: self.sound.recordings() == 0, seconds=10)
+        wait_for("an end of what works in the background", self.is_alone, seconds=10)
+
+    def is_alone(self):
+        """Whether no child and no thread of a recording is left."""
+        tasks = [task for task in Path(f"/proc/{self.tavrelon.process.pid}/task").iterdir()]
+        names = [(task / "comm").read_text(encoding="utf-8").strip() for task in tasks]
+        children = [(task / "children").read_text(encoding="utf-8") for task in tasks]
+        return not any(children) and not any(name.startswith(("audio input", "speech")) for name in names)
