@@ -1,8 +1,9 @@
-"""applications.py FOLDER [DOCUMENT]: the table of applications from the rows that the tests left in FOLDER.
+"""applications.py FOLDER [DOCUMENT | --progress]: the table of applications from what the tests left in FOLDER.
 
-Prints it, or writes it as the document.
+Prints it, writes it as the document, or prints how far the random requests have come.
 """
 
+import re
 import sys
 from pathlib import Path
 
@@ -63,18 +64,31 @@ def with_notes(rows):
 
 
 def requests_of(folder):
-    """How many random requests came out right in each application."""
+    """For each application how many random requests came out right, and of how many, in its longest run."""
     counts = {}
     for path in folder.glob("*.requests-*"):
-        name, count = path.name.split(".requests-")
-        counts[name] = max(counts.get(name, 0), int(count))
-    return counts
+        name, wanted = path.name.split(".requests-")
+        done = int(path.read_text(encoding="ascii") or 0)
+        counts[name] = max(counts.get(name, (0, 0)), (int(wanted), done))
+    return {name: (done, wanted) for name, (wanted, done) in counts.items()}
+
+
+def each_of(counts):
+    return ", ".join(f"{name} {counts[name][0]}" + (f" of {counts[name][1]}" if counts[name][0] < counts[name][1] else "")
+                     for name in NAMES if name in counts)
 
 
 def request_line(folder):
+    """What came of the random requests; the circumstances stand in a file beside the counts."""
     counts = requests_of(folder)
-    each = ", ".join(f"{name} {counts[name]}" for name in NAMES if name in counts)
-    return f"{sum(counts.values())} random requests, every field exactly right: {each}." if counts else ""
+    if not counts:
+        return ""
+    circumstances = folder / "requests.circumstances"
+    when = f" ({circumstances.read_text(encoding='utf-8').strip()})" if circumstances.exists() else ""
+    right = sum(done for done, _ in counts.values())
+    wanted = sum(wanted for _, wanted in counts.values())
+    verdict = "every field exactly right" if right == wanted else f"{right} of them exactly right before the first fault"
+    return f"{wanted} random requests{when}, {verdict}: {each_of(counts)}."
 
 
 def as_text(folder):
@@ -85,20 +99,26 @@ def as_text(folder):
     return "\n".join([*lines, request_line(folder)]).rstrip()
 
 
-def as_document(folder):
+def as_document(folder, former):
     table, reasons = with_notes(rows_of(folder))
     lines = ["| " + " | ".join(line) + " |" for line in [COLUMNS, ["---"] * len(COLUMNS), *table]]
     notes = [f"{number}. It {reason}." for number, reason in enumerate(reasons, 1)]
+    requests = request_line(folder)
+    if not requests and (found := re.search(r"^\d+ random requests.*$", former, re.MULTILINE)):
+        requests = found.group()  # of an earlier run
     return INTRODUCTION + "\n".join([*lines, "", "The reasons for each no:", "", *notes]) + "\n" + (
-        "\n" + request_line(folder) + "\n" if requests_of(folder) else "")
+        f"\n{requests}\n" if requests else "")
 
 
 def main(folder, document=None):
     folder = Path(folder)
     if not folder.is_dir():
         print("No application was looked at.")
+    elif document == "--progress":
+        print(each_of(requests_of(folder)) or "starting", flush=True)
     elif document:
-        Path(document).write_text(as_document(folder), encoding="utf-8")
+        former = Path(document).read_text(encoding="utf-8") if Path(document).exists() else ""
+        Path(document).write_text(as_document(folder, former), encoding="utf-8")
     else:
         print(as_text(folder))
 

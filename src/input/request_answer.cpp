@@ -1,6 +1,7 @@
 // The second half of the text request pipeline: the model's answer takes the request's place.
 #include "input/history_record.h"
 #include "input/request_settings.h"
+#include "input/request_text.h"
 #include "input/text_request_pipeline.h"
 
 namespace tavrelon::input {
@@ -35,6 +36,20 @@ std::optional<qint64> TextRequestPipeline::effectiveDeleteCount(const TextReques
         trigger == InputTrigger::floatingInput ||
         (trigger == InputTrigger::voice && request.transcriptInserted == TranscriptInserted::No);
     return neverReachedTheField ? 0 : request.finalDeleteCount;
+}
+
+async::Task<void> TextRequestPipeline::leaveComposition(TextRequest& request) {
+    // A half-composed word would take the Backspaces for itself. It stands in the fields of some programs and not in
+    // those of others, so what is to be removed is counted once it is gone; where that cannot be read it stays.
+    if (machine_.activeTrigger() != InputTrigger::text || !request.imeActive || !request.initial)
+        co_return;
+    if (!co_await services_.outputWriter.cancelComposition() || !machine_.isCurrentTask(request.id))
+        co_return;
+    const auto latest = services_.contextCapturer.fetchFocusedTextSnapshot();
+    if (!latest)
+        co_return;
+    const auto left = deriveRequestText(latest, std::nullopt, request.initial);
+    request.finalDeleteCount = left ? left->deleteCount.value_or(0) : 0;
 }
 
 async::Task<persistence::HistoryEntry> TextRequestPipeline::write(const TextRequest& request,

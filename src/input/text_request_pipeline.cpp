@@ -46,6 +46,9 @@ async::Task<void> TextRequestPipeline::answer(TextRequest& request) {
     auto retried = co_await askModel(request);
     if (!machine_.isCurrentTask(request.id))
         co_return;
+    co_await leaveComposition(request);
+    if (!machine_.isCurrentTask(request.id))
+        co_return;
     auto entry = co_await write(request, retried.result);
     if (!machine_.isCurrentTask(request.id))
         co_return;

@@ -37,6 +37,7 @@ class TextRequestPipeline {
     async::Task<RetriedResult> askModel(TextRequest& request);
     async::Task<generation::GenerationResult> generateOnce(const TextRequest& request, std::optional<QString> userStyle,
                                                            std::optional<QString> userVoice);
+    async::Task<void> leaveComposition(TextRequest& request);
     std::optional<qint64> effectiveDeleteCount(const TextRequest& request) const;
     async::Task<persistence::HistoryEntry> write(const TextRequest& request,
                                                  const generation::GenerationResult& result);

@@ -15,6 +15,7 @@ namespace {
 
 // What slow targets need between posted keys; measured, and not to be turned into polling.
 constexpr auto afterEscape = 50ms;
+constexpr int waitsPerEscape = 6, escapeWaits = 3 * waitsPerEscape;  // for an input method on a slow machine
 constexpr auto afterBackspace = 10ms;
 constexpr auto afterLastBackspace = 50ms;
 constexpr auto beforePaste = 20ms;
@@ -72,6 +73,19 @@ async::Task<void> OutputWriter::replaceSelection(QString text) {
     if (element && accessibility.setAttribute(*element, AXAttribute::SelectedText, text) == platform::AXError::Success)
         co_return;
     co_await pasteText(std::move(text));
+}
+
+async::Task<bool> OutputWriter::cancelComposition() {
+    auto& poster = platform_.keyPoster;
+    const bool wasOpen = poster.isCompositionOpen();
+    const platform::ModifiersAside aside(poster);
+    for (int wait = 0; wait < escapeWaits && poster.isCompositionOpen(); ++wait) {
+        // Some go back one step with each Escape. Again only after a while: the program might get it instead.
+        if (wait % waitsPerEscape == 0)
+            pressPlain(keys::keyEscape);
+        co_await async::pause(platform_.mainLoop, afterEscape);
+    }
+    co_return wasOpen;
 }
 
 async::Task<void> OutputWriter::deleteBackward(qint64 count) {

@@ -48,6 +48,10 @@ class OutputWriter {
     /// Puts `text` on the pasteboard, where it stays, and presses the paste shortcut.
     async::Task<void> pasteText(QString text);
 
+    /// Gives up the word that an input method shows half composed, which would take the keys of a write for itself.
+    /// Whether there was one.
+    async::Task<bool> cancelComposition();
+
     /// Removes `count` characters before the caret, one key at a time.
     async::Task<void> deleteBackward(qint64 count);
 

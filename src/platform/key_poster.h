@@ -14,6 +14,10 @@ class KeyPoster {
     /// desktop's shortcut modifier. A key that no layout has is skipped silently. No key is left down.
     virtual void press(keys::VirtualKey key, keys::Modifiers flags) = 0;
 
+    /// Whether an input method shows a word that is half composed; it would take posted keys for itself. False where
+    /// that cannot be told.
+    virtual bool isCompositionOpen() = 0;
+
     /// Between these two, modifiers that the user still holds do not reach the target with the posted keys. Calls nest;
     /// the last one gives back what is still held. Use `ModifiersAside`.
     virtual void putModifiersAside() = 0;

@@ -10,6 +10,7 @@ TEST_P(KeyPosterContract, KeysArriveInOrderWithTheirFlags) {
     bench->poster().press(keys::keyBackspace, keys::noModifiers);
     bench->poster().press(keys::keyV, keys::commandFlag | keys::shiftFlag);
     bench->poster().press(5000, keys::noModifiers);  // on no keyboard
+    EXPECT_FALSE(bench->poster().isCompositionOpen()) << "no input method runs";
     EXPECT_THAT(bench->received(), ElementsAre(Key{keys::keyA, keys::controlFlag}, Key{keys::keyBackspace, {}},
                                                Key{keys::keyV, keys::controlFlag | keys::shiftFlag}));
 }

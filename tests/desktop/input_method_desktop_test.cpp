@@ -65,10 +65,12 @@ class InputMethod : public PinyinDesk, public RealDesk, public ::testing::Test {
     QTemporaryDir folder;
     std::unique_ptr<RunningProgram> editor;
 
-    void SetUp() override {
-        editor = std::make_unique<RunningProgram>(
-            QStringLiteral("mousepad"), QStringList{writeFile(folder, QStringLiteral("field.txt"), QString())});
-        ASSERT_TRUE(eventually([&] { return value() == QString() && inputSource.isInputMethodActive(); }))
+    void SetUp() override { open(QString()); }
+    void open(const QString& text) {
+        editor.reset();
+        editor = std::make_unique<RunningProgram>(QStringLiteral("mousepad"),
+                                                  QStringList{writeFile(folder, QStringLiteral("field.txt"), text)});
+        ASSERT_TRUE(eventually([&] { return value() == text && inputSource.isInputMethodActive(); }))
             << "pinyin is not switched on in the editor's field";
     }
 
@@ -119,6 +121,9 @@ TEST_F(InputMethod, OnlyWhatIsCommittedIsTheRequest) {
     toggle();
     ASSERT_TRUE(asked());
     EXPECT_EQ(generator.requests.front().input.toStdString(), "你好");
+    EXPECT_TRUE(eventually([&] { return value() == QStringLiteral("ANSWER"); })) << value()->toStdString();
+    type({n, i, place::space});
+    EXPECT_TRUE(eventually([&] { return value() == QStringLiteral("ANSWER你"); })) << value()->toStdString();
 }
 
 TEST_F(InputMethod, LettersThatAreNeverCommittedAreTheRequest) {
@@ -129,6 +134,18 @@ TEST_F(InputMethod, LettersThatAreNeverCommittedAreTheRequest) {
     ASSERT_TRUE(asked());
     EXPECT_EQ(generator.requests.front().input.toStdString(), "wo");
     EXPECT_TRUE(eventually([&] { return value() == QStringLiteral("ANSWER"); })) << value()->toStdString();
+}
+
+TEST_F(InputMethod, LettersThatAreNeverCommittedCostTheFieldNothing) {
+    constexpr place::Code end = 115;
+    open(QStringLiteral("stays "));
+    type({end});
+    toggle();
+    ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::listening; }));
+    type({place::w, o});
+    toggle();
+    ASSERT_TRUE(asked());
+    EXPECT_TRUE(eventually([&] { return value() == QStringLiteral("stays ANSWER"); })) << value()->toStdString();
 }
 
 TEST_F(InputMethod, EscapeInTheMiddleOfAWordIsTheInputMethodsWhenNothingIsOpen) {

@@ -1,12 +1,11 @@
 // Many random requests in one editor; every field must come out exactly right.
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <random>
 
 #include "desktop/main_job_session.h"
+#include "desktop/tools.h"
 #include "support/qt_gtest.h"
 #include "text/characters.h"
 
@@ -62,15 +61,20 @@ class Texts {
     bool onlyKeys_;
 };
 
-/// Leaves the count where the table of applications is made.
-void keepCount(int requests) {
+/// Tells where the table of applications is made how many of the requests came out right so far.
+void keepCount(int done, int requests) {
     const auto folder = qEnvironmentVariable("TAVRELON_TABLE_FOLDER");
     if (folder.isEmpty())
         return;
-    QDir().mkpath(folder);
-    QFile file(folder +
-               QStringLiteral("/%1.requests-%2").arg(qEnvironmentVariable("TAVRELON_TEST_EDITOR")).arg(requests));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    const auto name = QStringLiteral("/%1.requests-%2").arg(qEnvironmentVariable("TAVRELON_TEST_EDITOR"));
+    writeWhole(folder + name.arg(requests), QByteArray::number(done) + '\n');
+}
+
+/// Another one asks for other texts.
+unsigned seed() {
+    bool given = false;
+    const auto number = qEnvironmentVariable("TAVRELON_TEST_SEED").toUInt(&given);
+    return given ? number : 20261124U;
 }
 
 }  // namespace
@@ -82,7 +86,8 @@ TEST(MainJobRepeat, EveryFieldIsExactlyRight) {
     XTestKeyboard keyboard;
     RunningEditor editor(editorNamed(qgetenv("TAVRELON_TEST_EDITOR")), keyboard, QString());
     RunningTavrelon tavrelon(service);
-    Texts texts(20261124, editor);
+    Texts texts(seed(), editor);
+    keepCount(0, rounds);
     for (int round = 1; round <= rounds; ++round) {
         const auto before = QStringLiteral("<") + texts.around();
         const auto after = editor.isTerminal() ? QString() : texts.around() + QStringLiteral(">");
@@ -107,8 +112,8 @@ TEST(MainJobRepeat, EveryFieldIsExactlyRight) {
                                                     << qPrintable(tavrelon.log());
         while (std::chrono::milliseconds(sinceAnswer.elapsed()) < untilIdle)
             letPass(20ms);
+        keepCount(round, rounds);
     }
-    keepCount(rounds);
 }
 
 }  // namespace tavrelon::testing

@@ -43,13 +43,14 @@ std::optional<Key> keyFor(QChar character) {
     return std::nullopt;
 }
 
-/// A page with one text area, whose title tells what it holds once it has the focus.
+/// A page with one text area, whose title tells what it holds once it has the focus. Browsers cut long titles, so only
+/// what a title would lose or what ends the text in it is encoded.
 QByteArray pageWith(const QString& text) {
     return "<!DOCTYPE html><meta charset=utf-8><title>loading</title>"
            "<textarea id=t rows=12 cols=60 aria-label=field>" +
            text.toHtmlEscaped().toUtf8() +
            "</textarea><script>const t=document.getElementById('t');"
-           "const tell=()=>{document.title='field.txt:'+encodeURIComponent(t.value)+';'};"
+           "const tell=()=>{document.title='field.txt:'+t.value.replace(/[\\s%;]/g,encodeURIComponent)+';'};"
            "t.addEventListener('focus',tell);t.addEventListener('input',tell);window.addEventListener('focus',"
            "()=>t.focus());setTimeout(()=>t.focus(),300);</script>";
 }
@@ -160,7 +161,7 @@ bool RunningEditor::isTerminal() const {
 }
 
 bool RunningEditor::isKnownByKeysOnly() const {
-    return isTerminal() || kind_ == Kind::Chromium || kind_ == Kind::Firefox;
+    return isTerminal() || kind_ == Kind::Chromium;
 }
 
 void RunningEditor::signal(int number) const {
@@ -172,8 +173,10 @@ QString RunningEditor::shown() {
         case Shown::InItsTitle: {
             const auto title = frontmostTitle();
             const auto from = title.indexOf(u':') + 1;
-            return QString::fromUtf8(
-                QByteArray::fromPercentEncoding(title.mid(from, title.indexOf(u';') - from).toLatin1()));
+            const auto behind = title.indexOf(u';', from);
+            if (behind < 0)  // another window's, or cut off, which nobody is to take for the text
+                return QStringLiteral("the title: ") + title;
+            return QString::fromUtf8(QByteArray::fromPercentEncoding(title.mid(from, behind - from).toUtf8()));
         }
         case Shown::ByCopying:
             keyboard_.strikeWith({place::leftControl}, place::a);

@@ -68,6 +68,27 @@ TEST_F(TextRequestTest, ASelectionThatAccessibilityCannotReplaceIsPastedOver) {
     EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("ANSWER")) << "the answer stays on the clipboard";
 }
 
+TEST_F(TextRequestTest, AHalfComposedWordIsGivenUpAndNotCountedWhereverItStands) {
+    for (const auto& shown : {QString(), QStringLiteral("wo")}) {
+        const auto committed = QStringLiteral("你好");
+        desk.inputSource.active = desk.keyPoster.compositionOpen = true;
+        desk.editor.open(QStringLiteral("before "));
+        desk.editor.select(7);
+        desk.keyPoster.onPress = [&, typical = desk.keyPoster.onPress](const auto& stroke) {
+            if (!stroke.is(keys::keyEscape, keys::noModifiers) || !desk.keyPoster.compositionOpen)
+                return typical(stroke);
+            desk.keyPoster.compositionOpen = false;
+            desk.editor.open(QStringLiteral("before ") + committed);
+            desk.editor.select(9);
+        };
+        desk.request(committed + shown);
+        finish();
+        EXPECT_EQ(desk.editor.text(), QStringLiteral("before ANSWER")) << "shown: " << shown.toStdString();
+        EXPECT_EQ(desk.keyPoster.count(keys::keyEscape, keys::noModifiers), 1);
+        desk.keyPoster.clear();
+    }
+}
+
 TEST_F(TextRequestTest, EmptyInputEndsWithoutAMessage) {
     desk.change([](auto& settings) { settings.enableLocalLearning = false; });
     desk.editor.open(QString());

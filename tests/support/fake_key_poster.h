@@ -25,6 +25,7 @@ class FakeKeyPoster : public platform::KeyPoster {
     explicit FakeKeyPoster(async::MainLoop& loop) : loop_(loop) {}
 
     void press(keys::VirtualKey key, keys::Modifiers flags) override;
+    bool isCompositionOpen() override { return compositionOpen; }
     void putModifiersAside() override { ++asideDepth_; }
     void giveModifiersBack() override;
 
@@ -32,6 +33,8 @@ class FakeKeyPoster : public platform::KeyPoster {
     int count(keys::VirtualKey key, keys::Modifiers flags) const;
     int asideDepth() const { return asideDepth_; }
     void clear() { strokes_.clear(); }
+
+    bool compositionOpen = false;
 
     /// Runs inside each `press`, after it was kept: what the focused application makes of the key.
     std::function<void(const Stroke&)> onPress;

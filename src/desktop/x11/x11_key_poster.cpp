@@ -2,6 +2,7 @@
 
 #include <ranges>
 
+#include "desktop/x11/x11_composition.h"
 #include "desktop/x11/x11_keyboard_notices.h"
 
 namespace tavrelon::desktop {
@@ -48,6 +49,10 @@ void X11KeyPoster::press(keys::VirtualKey key, keys::Modifiers flags) {
         return;
     if (const auto code = keyboard->codeToPress(chord->key, keyboardGroup(xtest_->connection())))
         stroke(*code, modifierKeys(*keyboard, chord->flags));
+}
+
+bool X11KeyPoster::isCompositionOpen() {
+    return showsComposition(xtest_->connection().get(), xtest_->connection().root());
 }
 
 void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys) {

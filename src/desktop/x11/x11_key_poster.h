@@ -20,6 +20,7 @@ class X11KeyPoster : public platform::KeyPoster {
         std::unique_ptr<ShortcutTranslator> shortcuts = nullptr);
 
     void press(keys::VirtualKey key, keys::Modifiers flags) override;
+    bool isCompositionOpen() override;
     void putModifiersAside() override;
     void giveModifiersBack() override;
 
