@@ -47,6 +47,10 @@ class ContextCapturer {
     /// A picture by `screenshotMode`, as JPEG; absent without the right to capture. Throws what the platform reports.
     async::Task<std::optional<QByteArray>> captureScreenshot();
 
+    /// Says that a screenshot of what is now in front will be wanted, so that it takes no time then. For as long as the
+    /// result lives, which the platform must outlive; safe inside the key callback.
+    std::shared_ptr<void> expectScreenshot();
+
     /// The first window of the frontmost application, or the first display where it has none on screen. Throws what the
     /// platform reports.
     async::Task<std::optional<platform::Image>> captureFocusedWindowImage();

@@ -30,6 +30,12 @@ async::Task<std::optional<QByteArray>> ContextCapturer::captureScreenshot() {
     co_return co_await encodeJPEG(*std::move(image));
 }
 
+std::shared_ptr<void> ContextCapturer::expectScreenshot() {
+    if (screenshotMode != ScreenshotMode::focusedWindow || !platform_.screenCapture.preflightAccess())
+        return nullptr;
+    return platform_.screenCapture.expectCapture();
+}
+
 async::Task<std::optional<Image>> ContextCapturer::captureFocusedWindowImage() {
     const auto content = valueOrThrow(co_await platform_.screenCapture.shareableContent());
     const auto application = platform_.workspace.frontmostApplication();

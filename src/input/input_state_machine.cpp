@@ -86,6 +86,7 @@ void InputStateMachine::cancelInput() {
             break;
     }
     initialTextSnapshot.reset();
+    expectedScreenshot.reset();
     clearTypedInput();
     schedule([this] {
         currentState_ = Case::idle;
@@ -114,11 +115,15 @@ void InputStateMachine::resetToIdle() {
     });
     voice_->stopSilenceTimer();
     initialTextSnapshot.reset();
+    expectedScreenshot.reset();
     clearTypedInput();
     dropFramesLater();
 }
 
 void InputStateMachine::enterInputState(const InputState& state, InputTrigger trigger) {
+    // Before the state shows on the screen, perhaps over the very window that the picture is to be of.
+    if (trigger != InputTrigger::voiceDictation)
+        expectedScreenshot = services_.contextCapturer.expectScreenshot();
     currentState_ = state;
     currentTranscript_ = QString();
     activeTrigger_ = trigger;

@@ -90,6 +90,8 @@ class InputStateMachine {
 
     /// The focused text when the input began; taken once by the flow that uses it.
     std::optional<capture::AccessibilityTextSnapshot> initialTextSnapshot;
+    /// Held from the input's beginning until its picture is taken.
+    std::shared_ptr<void> expectedScreenshot;
     void clearTypedInput() { typedInputBuffer_.clear(); }
     void setCurrentTranscript(const QString& transcript) { currentTranscript_ = transcript; }
 

@@ -22,6 +22,7 @@ async::Task<TextRequestPipeline::Next> TextRequestPipeline::findText(TextRequest
         co_await services_.contextCapturer.captureContext(request.requestText, capture::ScreenshotWish::Include);
     if (!machine_.isCurrentTask(request.id))
         co_return Next::End;
+    machine_.expectedScreenshot.reset();
     believeSelection(request);
     testForComposition(request);
     co_return co_await settleText(request);

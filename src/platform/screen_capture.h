@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <expected>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -53,6 +54,10 @@ class ScreenCapture {
     /// The window by itself, even where others cover it, as far as the platform can.
     virtual async::Task<std::expected<Image, CaptureError>> captureWindow(ShareableWindow window) = 0;
     virtual async::Task<std::expected<Image, CaptureError>> captureDisplay(ShareableDisplay display) = 0;
+
+    /// Says that the window that is now in front will be captured, so that its picture is ready at once even if
+    /// something covers it by then. For as long as the result lives, which this object must outlive; returns at once.
+    virtual std::shared_ptr<void> expectCapture() = 0;
 };
 
 }  // namespace tavrelon::platform

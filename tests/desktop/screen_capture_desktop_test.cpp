@@ -30,6 +30,17 @@ class Painter {
         sync();
     }
 
+    /// Paints what nobody paints again.
+    void fillOnce(xcb_window_t window, std::uint32_t colour) {
+        const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
+        xcb_change_window_attributes(connection_, window, XCB_CW_BACK_PIXMAP, &none);
+        const auto context = xcb_generate_id(connection_);
+        xcb_create_gc(connection_, context, window, XCB_GC_FOREGROUND, &colour);
+        const xcb_rectangle_t all{0, 0, 3000, 3000};
+        xcb_poly_fill_rectangle(connection_, window, context, 1, &all);
+        sync();
+    }
+
     /// Lays a window of this colour over the whole screen, above all others.
     void coverScreen(std::uint32_t colour) {
         cover_ = xcb_generate_id(connection_);
@@ -145,6 +156,18 @@ TEST_F(ScreenPictures, AWindowIsShownWithItsFrameAndWithoutWhatCoversIt) {
     const auto display = displayPicture();
     EXPECT_EQ(countOf(display, red), 0) << "the screen stays as it is";
     EXPECT_GT(countOf(display, blue), display.width * display.height - 32 * 32) << "all but the pointer";
+}
+
+TEST_F(ScreenPictures, AnExpectedPictureIsNotLostWhenSomethingCoversTheWindow) {
+    painter.fillOnce(target.window(), red);
+    auto expectation = capture->expectCapture();
+    content();  // behind it on the capturing thread
+    painter.coverScreen(blue);
+    EXPECT_EQ(countOf(windowPicture(), red), targetPixels);
+    EXPECT_EQ(countOf(windowPicture(), blue), 0);
+
+    expectation.reset();
+    EXPECT_EQ(countOf(windowPicture(), red), 0) << "nothing keeps what was there";
 }
 
 TEST_F(ScreenPictures, AWindowHalfOffTheScreenIsShownWhole) {

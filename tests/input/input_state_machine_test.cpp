@@ -72,6 +72,25 @@ TEST_F(InputStateMachineTest, ACancelDuringTheWriteStopsAtTheNextKey) {
     EXPECT_TRUE(desk.history.entries().empty());
 }
 
+TEST_F(InputStateMachineTest, APictureIsExpectedFromTheFirstPressUntilItIsTaken) {
+    const auto isExpected = [this] { return desk.screenCapture.expectation.use_count() > 1; };
+    desk.generator.delay = 5s;
+    desk.toggle();
+    EXPECT_TRUE(isExpected());
+    desk.type(QStringLiteral("question"));
+    desk.toggle();
+    desk.loop.advance(1s);
+    ASSERT_EQ(desk.generator.requests.size(), 1U);
+    EXPECT_FALSE(isExpected());
+    desk.loop.runToEnd();
+
+    desk.toggle();
+    EXPECT_TRUE(isExpected());
+    desk.press(desk.hotkeys.cancelHotkey);
+    desk.loop.runUntilIdle();
+    EXPECT_FALSE(isExpected());
+}
+
 TEST_F(InputStateMachineTest, CancelKeepsTheLastErrorAndResetClearsIt) {
     desk.generator.script = {tavrelon::testing::FakeGenerator::Failure{QStringLiteral("a")},
                              tavrelon::testing::FakeGenerator::Failure{QStringLiteral("b")},

@@ -15,7 +15,8 @@ class FakeScreenCapture : public platform::ScreenCapture {
     bool permitted = false;
     std::vector<std::pair<platform::ShareableWindow, platform::Image>> windows;
     std::vector<std::pair<platform::ShareableDisplay, platform::Image>> displays;
-    std::optional<platform::CaptureError> contentError;  ///< what is there cannot be told
+    std::shared_ptr<void> expectation = std::make_shared<int>();  ///< shared with those who expect a capture
+    std::optional<platform::CaptureError> contentError;           ///< what is there cannot be told
 
     /// Adds a window or display with a picture of its size, all in one colour.
     platform::ShareableWindow addWindow(std::optional<QString> bundleIdentifier, int width, int height, char colour);
@@ -25,6 +26,7 @@ class FakeScreenCapture : public platform::ScreenCapture {
     async::Task<Outcome<platform::ShareableContent>> shareableContent() override;
     async::Task<Outcome<platform::Image>> captureWindow(platform::ShareableWindow window) override;
     async::Task<Outcome<platform::Image>> captureDisplay(platform::ShareableDisplay display) override;
+    std::shared_ptr<void> expectCapture() override { return expectation; }
 
  private:
     quint64 lastIdentifier_ = 0;

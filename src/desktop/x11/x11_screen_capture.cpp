@@ -73,9 +73,18 @@ void X11ScreenCapture::run() {
         const auto job = std::move(jobs_.front());
         jobs_.pop_front();
         lock.unlock();
+        discardEvents();
         job();
         lock.lock();
     }
+}
+
+void X11ScreenCapture::enqueue(std::function<void()> job) {
+    {
+        const std::lock_guard lock(mutex_);
+        jobs_.push_back(std::move(job));
+    }
+    changed_.notify_all();
 }
 
 template <typename T>
@@ -83,14 +92,10 @@ async::Task<T> X11ScreenCapture::onThread(std::function<T()> work) {
     // The thread skips the work once this is gone, which a cancellation sees to.
     co_return co_await async::fromCallback<T>(loop_, [this, &work](auto resolver) {
         auto wanted = std::make_shared<bool>(true);
-        const std::lock_guard lock(mutex_);
-        jobs_.push_back([this, resolver, work, stillWanted = std::weak_ptr(wanted)]() mutable {
-            if (stillWanted.expired())
-                return;
-            discardEvents();
-            resolver.resolve(work());
+        enqueue([resolver, work, stillWanted = std::weak_ptr(wanted)]() mutable {
+            if (!stillWanted.expired())
+                resolver.resolve(work());
         });
-        changed_.notify_all();
         return wanted;
     });
 }
@@ -108,6 +113,19 @@ async::Task<X11ScreenCapture::Picture> X11ScreenCapture::captureWindow(Shareable
 async::Task<X11ScreenCapture::Picture> X11ScreenCapture::captureDisplay(ShareableDisplay display) {
     co_return co_await onThread<Picture>(
         [this, index = static_cast<std::size_t>(display.identifier)] { return takeDisplay(index); });
+}
+
+std::shared_ptr<void> X11ScreenCapture::expectCapture() {
+    const auto application = workspace_.frontmostApplication();
+    if (!application)
+        return nullptr;
+    auto apart = std::make_shared<std::shared_ptr<void>>();  // of the capturing thread
+    enqueue([this, apart, window = static_cast<xcb_window_t>(application->windowIdentifier)] {
+        const auto deadline = deadlineFromNow();
+        if (const auto frame = geometry_.frameOf(window, deadline); frame && frame->isViewable)
+            *apart = windows_.drawApart(*frame, deadline);
+    });
+    return {this, [apart](X11ScreenCapture* self) { self->enqueue([apart] { apart->reset(); }); }};
 }
 
 X11ScreenCapture::Content X11ScreenCapture::findContent(const std::vector<platform::RunningApplication>& applications) {

@@ -32,6 +32,7 @@ class X11ScreenCapture : public platform::ScreenCapture {
         platform::ShareableWindow window) override;
     async::Task<std::expected<platform::Image, platform::CaptureError>> captureDisplay(
         platform::ShareableDisplay display) override;
+    std::shared_ptr<void> expectCapture() override;
 
  private:
     using Content = std::expected<platform::ShareableContent, platform::CaptureError>;
@@ -42,6 +43,7 @@ class X11ScreenCapture : public platform::ScreenCapture {
 
     template <typename T>
     async::Task<T> onThread(std::function<T()> work);
+    void enqueue(std::function<void()> job);
     void run();
 
     // On the capturing thread.

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <memory>
+
 #include "desktop/x11/x11_screen_pixels.h"
 
 namespace tavrelon::desktop {
 
 /// Fetches what a window shows, whatever lies over it. Where a compositing manager runs, the window is drawn apart
-/// anyway; else it is for the moment of the picture, if something covers it. Without the Composite extension what
-/// covers it is in the picture.
+/// anyway; else it is for the moment of the picture, if something covers it, or before, if asked. Without the Composite
+/// extension what covers it is in the picture.
 class WindowPixels {
  public:
     /// The referents must outlive this object.
@@ -17,15 +19,18 @@ class WindowPixels {
 
     std::expected<platform::Image, platform::CaptureError> fetch(const WindowFrame& frame, XDeadline deadline);
 
+    /// Has the window drawn apart for as long as the result lives, if it is not already.
+    std::shared_ptr<void> drawApart(const WindowFrame& frame, XDeadline deadline);
+
  private:
-    std::optional<platform::Image> fetchNamed(const WindowFrame& frame, XDeadline deadline);
-    std::optional<platform::Image> fetchUncovered(const WindowFrame& frame, XDeadline deadline);
+    std::optional<platform::Image> fetchApart(const WindowFrame& frame, XDeadline deadline);
 
     xcb_connection_t* connection_;
     xcb_window_t root_;
     ScreenGeometry& geometry_;
     ScreenPixels& pixels_;
     bool canUncover_ = false;
+    XDeadline drawnAt_;  ///< when what was covered is there
 };
 
 }  // namespace tavrelon::desktop
