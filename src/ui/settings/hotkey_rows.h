@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "hotkeys/hotkey_manager.h"
+#include "persistence/app_settings.h"
 #include "ui/dashboard/page_model.h"
 
 namespace tavrelon::ui {
@@ -11,51 +11,55 @@ namespace tavrelon::ui {
 struct HotkeyRow {
     PageText title;
     PageText subtitle;
-    keys::HotkeyConfig persistence::AppSettings::* key;
-    bool persistence::AppSettings::* isEnabled;
-    keys::HotkeyConfig hotkeys::HotkeyManager::* managerKey;
-    bool hotkeys::HotkeyManager::* managerIsEnabled;
+    keys::HotkeyConfig keys::HotkeySet::* key;  ///< in the settings as in the manager
+    bool keys::HotkeySet::* isEnabled;
     double persistence::AppSettings::* silenceTimeout = nullptr;  ///< of the voice hotkeys
 
     /// Only voice hotkeys may consist of modifiers alone.
     bool allowModifiersOnly() const { return silenceTimeout != nullptr; }
 };
 
-#define TAVRELON_HOTKEY_FIELDS(name) &Settings::name, &Settings::name##Enabled, &Manager::name, &Manager::name##Enabled
-
 /// From the top of the page to its bottom.
 inline constexpr auto hotkeyRows = [] {
     using Settings = persistence::AppSettings;
-    using Manager = hotkeys::HotkeyManager;
+    using Set = keys::HotkeySet;
     return std::array<HotkeyRow, 8>{{
         {{u"", u"Text Input", u"文本输入"},
          {u"", u"Toggle to listen/send", u"切换监听/发送"},
-         TAVRELON_HOTKEY_FIELDS(toggleHotkey)},
+         &Set::toggleHotkey,
+         &Set::toggleHotkeyEnabled},
         {{u"", u"Floating Input", u"悬浮输入框"},
          {u"", u"Show on-screen prompt box", u"显示屏幕输入框"},
-         TAVRELON_HOTKEY_FIELDS(floatingInputHotkey)},
+         &Set::floatingInputHotkey,
+         &Set::floatingInputHotkeyEnabled},
         {{u"", u"Hotkeys Toggle", u"快捷键开关"},
          {u"", u"Enable/disable all hotkeys", u"启用/禁用所有快捷键"},
-         TAVRELON_HOTKEY_FIELDS(toggleAllHotkeysHotkey)},
+         &Set::toggleAllHotkeysHotkey,
+         &Set::toggleAllHotkeysHotkeyEnabled},
         {{u"", u"Video Capture (fixing)", u"视频录制（fixing）"},
          {u"", u"Record window video", u"录制窗口视频"},
-         TAVRELON_HOTKEY_FIELDS(videoHotkey)},
+         &Set::videoHotkey,
+         &Set::videoHotkeyEnabled},
         {{u"", u"Voice Input", u"语音输入"},
          {u"", u"Press to start/stop", u"按下开始/结束"},
-         TAVRELON_HOTKEY_FIELDS(voiceHotkey),
+         &Set::voiceHotkey,
+         &Set::voiceHotkeyEnabled,
          &Settings::voiceInputSilenceTimeoutSeconds},
         {{u"", u"Voice Dictation", u"语音听写"},
          {u"", u"Insert speech (no AI)", u"插入语音（无AI）"},
-         TAVRELON_HOTKEY_FIELDS(voiceDictationHotkey),
+         &Set::voiceDictationHotkey,
+         &Set::voiceDictationHotkeyEnabled,
          &Settings::voiceDictationSilenceTimeoutSeconds},
         {{u"", u"Auto Reply", u"自动回复"},
          {u"", u"Generate reply instantly", u"即时生成回复"},
-         TAVRELON_HOTKEY_FIELDS(autoReplyHotkey)},
-        {{u"", u"Interrupt", u"中断"}, {u"", u"Stop AI reply", u"停止 AI 回复"}, TAVRELON_HOTKEY_FIELDS(cancelHotkey)},
+         &Set::autoReplyHotkey,
+         &Set::autoReplyHotkeyEnabled},
+        {{u"", u"Interrupt", u"中断"},
+         {u"", u"Stop AI reply", u"停止 AI 回复"},
+         &Set::cancelHotkey,
+         &Set::cancelHotkeyEnabled},
     }};
 }();
-
-#undef TAVRELON_HOTKEY_FIELDS
 
 /// The rest of the page.
 inline constexpr std::array<PageText, 10> hotkeysPageTexts{{

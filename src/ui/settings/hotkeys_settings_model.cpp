@@ -77,7 +77,7 @@ void HotkeysSettingsModel::setEnabled(int row, bool enabled) {
     if (!fields)
         return;
     store([&](AppSettings& settings) { settings.*fields->isEnabled = enabled; });
-    services_.manager.*fields->managerIsEnabled = enabled;
+    services_.manager.*fields->isEnabled = enabled;
     services_.manager.refreshTap();
 }
 
@@ -101,24 +101,17 @@ void HotkeysSettingsModel::setHotkeysEnabled(bool enabled) {
 void HotkeysSettingsModel::restoreDefaults() {
     const auto& defaults = persistence::defaultSettings();
     store([&](AppSettings& settings) {
-        for (const auto& row : hotkeyRows) {
-            settings.*row.key = defaults.*row.key;
-            settings.*row.isEnabled = defaults.*row.isEnabled;
+        static_cast<keys::HotkeySet&>(settings) = defaults;
+        for (const auto& row : hotkeyRows)
             if (row.silenceTimeout)
                 settings.*row.silenceTimeout = defaults.*row.silenceTimeout;
-        }
-        settings.hotkeysEnabled = defaults.hotkeysEnabled;
     });
     applyToManager();
     services_.showStatus(defaults.hotkeysEnabled);
 }
 
 void HotkeysSettingsModel::applyToManager() {
-    for (const auto& row : hotkeyRows) {
-        services_.manager.*row.managerKey = settings().*row.key;
-        services_.manager.*row.managerIsEnabled = settings().*row.isEnabled;
-    }
-    services_.manager.hotkeysEnabled = settings().hotkeysEnabled;
+    static_cast<keys::HotkeySet&>(services_.manager) = settings();
     services_.manager.clearLatches();
     services_.manager.refreshTap();
 }
@@ -174,7 +167,7 @@ bool HotkeysSettingsModel::handle(const KeyEvent& event) {
 void HotkeysSettingsModel::record(int row, const HotkeyConfig& hotkey) {
     const auto* fields = rowAt(row);
     store([&](AppSettings& settings) { settings.*fields->key = hotkey; });
-    services_.manager.*fields->managerKey = hotkey;
+    services_.manager.*fields->key = hotkey;
     services_.manager.refreshTap();
     auto rows = recording_;
     std::erase(rows, row);
