@@ -17,13 +17,13 @@ where fewer were taken). **aim** is what was set before anything was measured, i
 
 
 def machine_lines(machine):
-    lines = [f"- {machine['processor']}, {machine['cores']} cores; {machine['system']}, kernel {machine['kernel']}; an X "
-             "server in memory, 1920 by 1080, without a graphics card.",
+    lines = [f"- {machine['processor']}, {machine['cores']} cores; {machine['system']}, kernel {machine['kernel']}; "
+             "an X server in memory, 1920 by 1080, without a graphics card.",
              f"- {machine['date']}, commit {machine['commit']}.",
              f"- Installed beside it: {', '.join(machine['versions'])}."]
     if machine["busy"] > 5:
-        lines.append(f"- **Others kept the processors {machine['busy']:.0f} % busy when the run began: these figures are "
-                     "worse than they could be.**")
+        lines.append(f"- **Others kept the processors {machine['busy']:.0f} % busy when the run began: these figures "
+                     "are worse than they could be.**")
     return "\n".join(lines)
 
 
