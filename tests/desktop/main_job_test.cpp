@@ -78,6 +78,21 @@ TEST_P(MainJobTest, HeldModifiersNeitherDisturbTheWriteNorStick) {
     EXPECT_EQ(editor.saved(QStringLiteral("before 你好 answer x")), QStringLiteral("before 你好 answer x"));
 }
 
+TEST_P(MainJobTest, AModelThatFailsLeavesTheFieldAlone) {
+    RunningEditor editor(GetParam(), keyboard, QString());
+    RunningTavrelon tavrelon(service);
+    StandInAnswer failure;
+    failure.status = 500;
+    failure.body = "broken";
+    service.ledger().setDefault(failure);
+    request(tavrelon, editor, QStringLiteral("question"));
+    EXPECT_TRUE(eventually(
+        [&] { return tavrelon.log().contains(QStringLiteral("[StateMachine] Processing error: Generation failed: ")); },
+        60s))
+        << qPrintable(tavrelon.log());
+    EXPECT_EQ(editor.saved(QStringLiteral("question")), QStringLiteral("question"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Editors, MainJobTest,
                          ::testing::Values(RunningEditor::Kind::Mousepad, RunningEditor::Kind::Featherpad),
                          [](const auto& info) {
