@@ -20,22 +20,7 @@
 #include "async/task_scope.h"
 #include "capture/context_capturer.h"
 #include "capture/cursor_locator.h"
-#include "desktop/atspi/atspi_accessibility.h"
-#include "desktop/audio/pulse_audio_input.h"
-#include "desktop/audio/vosk_speech.h"
-#include "desktop/documents/document_process_reader.h"
-#include "desktop/linux/dbus_input_source.h"
-#include "desktop/linux/directory_defaults_store.h"
-#include "desktop/linux/posix_file_system.h"
-#include "desktop/linux/thread_serial_queue.h"
-#include "desktop/qt/qt_http_session.h"
-#include "desktop/qt/qt_image_codec.h"
-#include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_event_tap.h"
-#include "desktop/x11/x11_key_poster.h"
-#include "desktop/x11/x11_pasteboard.h"
-#include "desktop/x11/x11_screen_capture.h"
-#include "desktop/x11/x11_workspace.h"
+#include "desktop_adapters.h"
 #include "jpeg_alone.h"
 #include "output/output_writer.h"
 
@@ -83,7 +68,7 @@ void require(bool condition, const std::string& otherwise) {
 }
 
 /// The product's parts on this display.
-class Desk {
+class Desk : public bench::DesktopAdapters<NoLog> {
  public:
     std::optional<QString> value() {
         nextTurn();
@@ -103,7 +88,7 @@ class Desk {
     template <typename T>
     T finish(async::Task<T> task) {
         std::optional<T> result;
-        async::TaskScope scope(loop_);
+        async::TaskScope scope(loop);
         scope.spawn(keep(std::move(task), result));
         require(eventually([&] { return result.has_value(); }), "a task does not end");
         return *std::move(result);
@@ -111,16 +96,16 @@ class Desk {
     void finish(async::Task<void> task) { finish(done(std::move(task))); }
 
     void empty() {
-        keyPoster_->press(keys::keyA, keys::commandFlag);
+        poster->press(keys::keyA, keys::commandFlag);
         letPass(50ms);
-        keyPoster_->press(keys::keyBackspace, keys::noModifiers);
+        poster->press(keys::keyBackspace, keys::noModifiers);
         require(eventually([this] { return value() == QString(); }), "the field does not become empty");
         letPass(100ms);
     }
     void pasteBarely(const QString& text) {
-        pasteboard_->clearContents();
-        pasteboard_->setString(text);
-        keyPoster_->press(keys::keyV, keys::commandFlag);
+        pasteboard->clearContents();
+        pasteboard->setString(text);
+        poster->press(keys::keyV, keys::commandFlag);
     }
 
  private:
@@ -133,33 +118,10 @@ class Desk {
         co_return true;
     }
 
-    NoLog log_;
-    desktop::QtMainLoop loop_;
-    std::shared_ptr<desktop::PostedKeys> posted_ = std::make_shared<desktop::PostedKeys>();
-    std::unique_ptr<desktop::X11Workspace> workspace_ = desktop::X11Workspace::create().value();
-    std::unique_ptr<desktop::X11Pasteboard> pasteboard_ = desktop::X11Pasteboard::create(loop_, log_).value();
-    std::unique_ptr<desktop::X11KeyPoster> keyPoster_ = desktop::X11KeyPoster::open(loop_, posted_).value();
-    std::unique_ptr<desktop::X11ScreenCapture> screenCapture_ =
-        desktop::X11ScreenCapture::create(loop_, log_, *workspace_).value();
-    desktop::AtspiAccessibility accessibility_{*workspace_, loop_, log_};
-    desktop::X11EventTap eventTap_{loop_, log_, posted_};
-    desktop::DBusInputSource inputSource_{loop_};
-    desktop::QtImageCodec imageCodec_{loop_};
-    desktop::QtHttpSession httpSession_{loop_};
-    desktop::PosixFileSystem fileSystem_;
-    desktop::ThreadSerialQueues serialQueues_;
-    desktop::DocumentProcessReader documentReader_{loop_, QString()};
-    desktop::PulseAudioInput audioInput_{loop_, log_};
-    desktop::VoskSpeech speech_{loop_, log_, QString()};
-    desktop::DirectoryDefaultsStore defaultsStore_{fileSystem_, log_, QString()};
-    platform::Platform platform_{loop_,       log_,          accessibility_,  eventTap_,   *keyPoster_,  *pasteboard_,
-                                 *workspace_, inputSource_,  *screenCapture_, imageCodec_, httpSession_, defaultsStore_,
-                                 fileSystem_, serialQueues_, documentReader_, audioInput_, speech_,      QString()};
-
  public:
-    capture::ContextCapturer capturer{platform_};
-    capture::CursorLocator locator{accessibility_};
-    output::OutputWriter writer{platform_};
+    capture::ContextCapturer capturer{platform};
+    capture::CursorLocator locator{accessibility};
+    output::OutputWriter writer{platform};
 };
 
 void measureSnapshots(Desk& desk, int count) {

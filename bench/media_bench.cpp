@@ -8,21 +8,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "desktop/atspi/atspi_accessibility.h"
-#include "desktop/audio/pulse_audio_input.h"
-#include "desktop/documents/document_process_reader.h"
-#include "desktop/linux/dbus_input_source.h"
-#include "desktop/linux/directory_defaults_store.h"
-#include "desktop/linux/posix_file_system.h"
-#include "desktop/linux/thread_serial_queue.h"
-#include "desktop/qt/qt_http_session.h"
-#include "desktop/qt/qt_image_codec.h"
-#include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_event_tap.h"
-#include "desktop/x11/x11_key_poster.h"
-#include "desktop/x11/x11_pasteboard.h"
-#include "desktop/x11/x11_screen_capture.h"
-#include "desktop/x11/x11_workspace.h"
+#include "desktop_adapters.h"
 #include "media/speech_recognizer.h"
 #include "media/window_video_recorder.h"
 #include "support/private_sound_server.h"
@@ -38,64 +24,8 @@ class NoLog : public platform::Log {
     void line(const QString& text) override { std::fprintf(stderr, "%s\n", qUtf8Printable(text)); }
 };
 
-/// Takes the sound and understands nothing.
-class NoEngine : public platform::Speech {
- public:
-    std::atomic<std::size_t> samples = 0;
-
-    bool isAvailable(const QString&) override { return true; }
-    platform::AuthorizationStatus authorizationStatus() override { return platform::AuthorizationStatus::Authorized; }
-    void requestAuthorization(AuthorizationHandler) override {}
-    bool supportsOnDeviceRecognition(const QString&) override { return true; }
-    std::shared_ptr<platform::SpeechRequest> createRequest(const platform::SpeechRequestOptions&) override {
-        return std::make_shared<Request>(samples);
-    }
-    std::unique_ptr<platform::SpeechTask> startTask(std::shared_ptr<platform::SpeechRequest>, ResultHandler) override {
-        return std::make_unique<Task>();
-    }
-
- private:
-    class Request : public platform::SpeechRequest {
-     public:
-        explicit Request(std::atomic<std::size_t>& samples) : samples_(samples) {}
-        void append(std::span<const std::int16_t> sound) override { samples_ += sound.size(); }
-        void endAudio() override {}
-
-     private:
-        std::atomic<std::size_t>& samples_;
-    };
-    class Task : public platform::SpeechTask {
-     public:
-        void cancel() override {}
-        void finish() override {}
-    };
-};
-
-/// The adapters of this desktop.
-struct Desktop {
-    QTemporaryDir folder;
-    desktop::QtMainLoop loop;
-    NoLog log;
-    NoEngine speech;
-    std::shared_ptr<desktop::PostedKeys> posted = std::make_shared<desktop::PostedKeys>();
-    std::unique_ptr<desktop::X11Workspace> workspace = desktop::X11Workspace::create().value();
-    std::unique_ptr<desktop::X11Pasteboard> pasteboard = desktop::X11Pasteboard::create(loop, log).value();
-    std::unique_ptr<desktop::X11KeyPoster> poster = desktop::X11KeyPoster::open(loop, posted).value();
-    std::unique_ptr<desktop::X11ScreenCapture> screen =
-        desktop::X11ScreenCapture::create(loop, log, *workspace).value();
-    desktop::AtspiAccessibility accessibility{*workspace, loop, log};
-    desktop::X11EventTap tap{loop, log, posted};
-    desktop::DBusInputSource inputSource{loop};
-    desktop::QtImageCodec codec{loop};
-    desktop::QtHttpSession http{loop};
-    desktop::PosixFileSystem files;
-    desktop::DirectoryDefaultsStore defaults{files, log, folder.path()};
-    desktop::ThreadSerialQueues queues;
-    desktop::DocumentProcessReader documents{loop, QString()};
-    desktop::PulseAudioInput audioInput{loop, log};
-    platform::Platform platform{loop,       log,         accessibility, tap,        *poster, *pasteboard,
-                                *workspace, inputSource, *screen,       codec,      http,    defaults,
-                                files,      queues,      documents,     audioInput, speech,  folder.path()};
+struct Desktop : DesktopAdapters<NoLog> {
+    using DesktopAdapters::DesktopAdapters;
 
     void pass(std::chrono::milliseconds time) {
         QEventLoop wait;
@@ -203,7 +133,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "media-bench: say sound or video, and how many times\n");
         return 64;
     }
-    tavrelon::bench::Desktop desktop;
+    const QTemporaryDir folder;
+    tavrelon::bench::Desktop desktop(folder.path());
     const int times = std::max(1, std::atoi(argv[2]));
     if (std::string_view(argv[1]) == "sound")
         tavrelon::bench::measureSound(desktop, times);

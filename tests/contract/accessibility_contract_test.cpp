@@ -1,6 +1,10 @@
+// What accessibility tells of a field and does to it, on the fake and in editors.
 #include <gtest/gtest.h>
 
-#include "contract/accessibility_contract.h"
+#include <memory>
+
+#include "desktop/accessibility_session.h"
+#include "support/fake_accessibility.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::testing {
@@ -13,29 +17,91 @@ using platform::AXError;
 using platform::AXValue;
 using text::Utf16Range;
 
+/// A field that has the focus, and the accessibility that is to see it: the fake's or an editor's on this desktop.
+class ContractField {
+ public:
+    virtual ~ContractField() = default;
+
+    virtual platform::Accessibility& accessibility() = 0;
+    virtual qint64 process() const = 0;
+
+    /// Gives the field a text and a selection within it, at character boundaries.
+    virtual void arrange(const QString& value, text::Utf16Range selection) = 0;
+};
+
+class FakeField : public ContractField {
+ public:
+    FakeField() { fake_.windowTitle = QStringLiteral("a title"); }
+    platform::Accessibility& accessibility() override { return fake_; }
+    qint64 process() const override { return *fake_.frontmostProcess; }
+    void arrange(const QString& value, Utf16Range selection) override { fake_.focus(value, selection); }
+
+ private:
+    FakeAccessibility fake_;
+};
+
+class EditorField : public ContractField {
+ public:
+    explicit EditorField(const QString& editor)
+        : program_(editor, {writeFile(folder_, QStringLiteral("field.txt"), QStringLiteral("at first"))}) {
+        const auto found = session_.waitForFocusIn(program_.process());
+        EXPECT_TRUE(found) << "the editor's field never got the focus";
+        field_ = found.value_or(AXElement{});
+    }
+
+    platform::Accessibility& accessibility() override { return session_.accessibility; }
+    qint64 process() const override { return program_.process(); }
+
+    void arrange(const QString& value, Utf16Range selection) override {
+        bus_.call(field_, "org.a11y.atspi.EditableText", "SetTextContents", {value});
+        QStringList keys{QStringLiteral("ctrl+Home")};
+        const auto press = [&](const QString& key, Utf16Range over) {
+            for (auto n = text::characterCount(value.mid(over.location, over.length)); n > 0; --n)
+                keys.push_back(key);
+        };
+        press(QStringLiteral("Right"), {0, selection.location});
+        press(QStringLiteral("shift+Right"), selection);
+        pressKeys(keys);
+        EXPECT_TRUE(eventually([&] {
+            return session_.read(field_, AXAttribute::SelectedTextRange) == AXValue(selection) &&
+                   session_.read(field_, AXAttribute::Value) == AXValue(value);
+        })) << "the editor did not take the text";
+    }
+
+ private:
+    QTemporaryDir folder_;
+    AccessibilitySession session_;
+    AccessibilityBus bus_;
+    RunningProgram program_;
+    AXElement field_;
+};
+
 class AccessibilityContract : public ::testing::TestWithParam<const char*> {
  public:
     std::unique_ptr<ContractField> current;
 
     void SetUp() override {
         const std::string name = GetParam();
-        current = name == "fake" ? makeFakeField() : makeEditorField(QString::fromStdString(name));
+        if (name == "fake")
+            current = std::make_unique<FakeField>();
+        else
+            current = std::make_unique<EditorField>(QString::fromStdString(name));
     }
     platform::Accessibility& accessibility() const { return current->accessibility(); }
 
     void arrange(const QString& value, Utf16Range selection) const {
         current->arrange(value, selection);
-        current->nextTurn();
+        nextTurn();
     }
     AXElement field() const {
-        current->nextTurn();
+        nextTurn();
         const auto found =
             accessibility().copyAttribute(platform::axSystemWideElement(), AXAttribute::FocusedUIElement);
         EXPECT_TRUE(found);
         return found ? std::get<AXElement>(*found) : AXElement{};
     }
     auto read(const AXElement& element, AXAttribute attribute) const {
-        current->nextTurn();
+        nextTurn();
         return accessibility().copyAttribute(element, attribute);
     }
 };

@@ -6,12 +6,12 @@
 #include <csignal>
 
 #include "desktop/audio/pulse_audio_input.h"
-#include "support/eventually.h"
 #include "support/fake_audio_input.h"
 #include "support/private_sound_server.h"
 #include "support/qt_gtest.h"
 #include "support/recording_log.h"
 #include "support/virtual_main_loop.h"
+#include "support/waiting.h"
 
 namespace tavrelon::testing {
 

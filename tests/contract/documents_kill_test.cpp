@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QDirIterator>
 #include <QTemporaryDir>
 #include <array>
 #include <chrono>
@@ -101,6 +102,15 @@ void expectWhole(const Keepers& keepers, unsigned kill) {
         ASSERT_EQ(entry.inputText, entry.outputText);
 }
 
+/// The documents, and what killed writes have left beside them.
+int countFiles(const QString& folder) {
+    int count = 0;
+    for (QDirIterator file(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); file.hasNext();
+         file.next())
+        ++count;
+    return count;
+}
+
 qsizetype storedSamples(const QString& folder) {
     const auto state =
         desktop::PosixFileSystem().read(folder + QStringLiteral("/data/adaptive_prompt_state.json")).value();
@@ -114,11 +124,13 @@ qsizetype storedSamples(const QString& folder) {
 
 TEST(DocumentsKill, AKillAtAnyMomentLeavesEachDocumentWhole) {
     constexpr unsigned kills = 200;
+    constexpr int documents = 3;
     const QTemporaryDir directory;
     std::mt19937 random(11);
     std::uniform_int_distribution<int> microseconds(0, 12'000);
     std::set<QString> seen;
     qsizetype samples = 0;
+    bool interrupted = false;
     {
         Keepers first(directory.path());
         first.save(0);
@@ -131,6 +143,9 @@ TEST(DocumentsKill, AKillAtAnyMomentLeavesEachDocumentWhole) {
         int status = 0;
         ASSERT_EQ(::waitpid(program, &status, 0), program);
         ASSERT_TRUE(WIFSIGNALED(status)) << "the program ended by itself";
+        const auto files = countFiles(directory.path());
+        ASSERT_LE(files, 2 * documents) << "what killed writes leave behind must not pile up";
+        interrupted |= files > documents;
         const auto left = storedSamples(directory.path());
         ASSERT_GE(left, samples) << "samples were lost at kill " << i;
         samples = left;
@@ -142,6 +157,10 @@ TEST(DocumentsKill, AKillAtAnyMomentLeavesEachDocumentWhole) {
     }
     EXPECT_GT(seen.size(), 10U) << "the programs hardly saved";
     EXPECT_GT(samples, 20);
+    EXPECT_TRUE(interrupted) << "no kill came in the midst of a write";
+    Keepers(directory.path()).save(0);
+    // Both threads may have left a file behind in one folder, and a lone write takes up one.
+    EXPECT_LE(countFiles(directory.path()), documents + 1);
 }
 
 }  // namespace tavrelon

@@ -90,23 +90,16 @@ TYPED_TEST(HttpSessionContract, EveryStatusIsAnAnswerWithItsBody) {
     EXPECT_EQ(this->driver.requestCount(), 10U);
 }
 
-TYPED_TEST(HttpSessionContract, SilencePastTheRequestTimeOutIsAnError) {
-    this->driver.willAnswer(200, "late", 10s);
-    auto request = this->post("{}");
-    request.requestTimeout = 150ms;
-    const auto answer = this->send(request);
-    ASSERT_FALSE(answer);
-    EXPECT_EQ(answer.error().code, Code::TimedOut);
-    EXPECT_FALSE(answer.error().description.isEmpty());
-}
-
-TYPED_TEST(HttpSessionContract, TheResourceTimeOutBoundsTheWholeExchange) {
-    this->driver.willAnswer(200, "late", 10s);
-    auto request = this->post("{}");
-    request.resourceTimeout = 150ms;
-    const auto answer = this->send(request);
-    ASSERT_FALSE(answer);
-    EXPECT_EQ(answer.error().code, Code::TimedOut);
+TYPED_TEST(HttpSessionContract, SilencePastEitherTimeOutIsAnError) {
+    for (const auto limit : {&platform::HttpRequest::requestTimeout, &platform::HttpRequest::resourceTimeout}) {
+        this->driver.willAnswer(200, "late", 10s);
+        auto request = this->post("{}");
+        request.*limit = 150ms;
+        const auto answer = this->send(request);
+        ASSERT_FALSE(answer);
+        EXPECT_EQ(answer.error().code, Code::TimedOut);
+        EXPECT_FALSE(answer.error().description.isEmpty());
+    }
 }
 
 TYPED_TEST(HttpSessionContract, AnAddressThatIsNotHttpIsRefusedWithoutTraffic) {

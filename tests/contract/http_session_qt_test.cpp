@@ -1,12 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <QHostAddress>
-#include <QSslKey>
-#include <QSslServer>
-#include <QTcpServer>
-
 #include "contract/http_session_qt_driver.h"
-#include "contract/http_session_tls_material.h"
 #include "desktop/qt/http_redirect.h"
 #include "support/qt_gtest.h"
 
@@ -68,33 +62,6 @@ TEST_F(QtHttpSessionTest, BrokenAnswersAreErrorsThatTellNothingOfTheAddress) {
     EXPECT_EQ(lost.error().description, u"The network connection was lost."_s);
 }
 
-TEST_F(QtHttpSessionTest, AServerThatIsNotThereIsNamedByItsHost) {
-    QTcpServer closed;
-    ASSERT_TRUE(closed.listen(QHostAddress::LocalHost));
-    const auto port = closed.serverPort();
-    closed.close();
-    const auto outcome = send({.url = QUrl(u"http://127.0.0.1:%1/a?key=secret"_s.arg(port))});
-    ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error().description, u"Could not connect to 127.0.0.1."_s);
-}
-
-TEST_F(QtHttpSessionTest, ACertificateThatNobodyVouchesForIsRefused) {
-    QSslConfiguration configuration;
-    configuration.setLocalCertificate(QSslCertificate(selfSignedCertificate));
-    configuration.setPrivateKey(QSslKey(QByteArray(selfSignedKey), QSsl::Ec));
-    QSslServer server;
-    server.setSslConfiguration(configuration);
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    auto keyed = request();
-    keyed.url = QUrl(u"https://127.0.0.1:%1/chat?key=secret"_s.arg(server.serverPort()));
-    const auto outcome = send(keyed);
-    ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error().code, Code::Transport);
-    EXPECT_TRUE(outcome.error().description.startsWith(u"A secure connection to 127.0.0.1 could not be made: "_s))
-        << outcome.error().description.toStdString();
-    EXPECT_TRUE(outcome.error().description.contains(u"self-signed"_s)) << outcome.error().description.toStdString();
-}
-
 TEST_F(QtHttpSessionTest, CompressedAnswersArriveUnpacked) {
     StandInAnswer zipped;
     zipped.headers = {{"Content-Encoding", "gzip"}};
@@ -153,15 +120,6 @@ TEST_F(QtHttpSessionTest, RedirectsKeepTheKeyOnlyWithinTheOrigin) {
     EXPECT_EQ(far[0].method, "POST");
     EXPECT_EQ(far[0].header("Authorization"), "");
     EXPECT_EQ(far[0].body, "{}");
-}
-
-TEST_F(QtHttpSessionTest, RedirectsEndAfterTen) {
-    driver.service.ledger().setDefault(redirect(302, u"/again"_s));
-    const auto outcome = send(request());
-    ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error().code, Code::Transport);
-    EXPECT_EQ(driver.requestCount(), 11U);
-    EXPECT_EQ(driver.service.ledger().requests().at(1).method, "GET");
 }
 
 TEST(HttpRedirectTest, DecidesWhatGoesWhere) {

@@ -46,39 +46,6 @@ TEST_F(AccessibilityEditors, TheFocusIsFollowedFromEditorToEditorToATerminalThat
     EXPECT_EQ(session.focused(), std::unexpected(AXError::NoValue));
 }
 
-/// Puts the caret behind `before` characters of the text and selects the next `selected` ones, with keys.
-void selectWithKeys(int before, int selected) {
-    QStringList keys{QStringLiteral("ctrl+Home")};
-    for (int i = 0; i < before; ++i)
-        keys.push_back(QStringLiteral("Right"));
-    for (int i = 0; i < selected; ++i)
-        keys.push_back(QStringLiteral("shift+Right"));
-    pressKeys(keys);
-}
-
-TEST_F(AccessibilityEditors, AnEmojiIsSelectedReplacedAndComesBackByUndo) {
-    const auto original = QStringLiteral("ab😀cd");
-    for (const auto& editor : {mousepad, featherpad}) {
-        SCOPED_TRACE(editor.toStdString());
-        AccessibilitySession session;
-        const QStringList options = editor == featherpad ? QStringList{standalone} : QStringList();
-        const RunningProgram program(editor, options + QStringList{file(editor, original)});
-        const auto field = session.waitForFocusIn(program.process());
-        ASSERT_TRUE(field);
-        selectWithKeys(2, 2);
-        ASSERT_TRUE(eventually(
-            [&] { return session.read(*field, AXAttribute::SelectedTextRange) == AXValue(text::Utf16Range{2, 3}); }));
-        EXPECT_EQ(session.read(*field, AXAttribute::SelectedText), AXValue(QStringLiteral("😀c")));
-
-        EXPECT_EQ(session.accessibility.setAttribute(*field, AXAttribute::SelectedText, QStringLiteral("X😀Y")),
-                  AXError::Success);
-        EXPECT_EQ(session.read(*field, AXAttribute::Value), AXValue(QStringLiteral("abX😀Yd")));
-        EXPECT_EQ(session.read(*field, AXAttribute::SelectedTextRange), AXValue(text::Utf16Range{6, 0}));
-        pressKeys({QStringLiteral("ctrl+z"), QStringLiteral("ctrl+z")});
-        EXPECT_TRUE(eventually([&] { return session.read(*field, AXAttribute::Value) == AXValue(original); }));
-    }
-}
-
 TEST_F(AccessibilityEditors, AFieldThatHadTheFocusBeforeTheStartIsFound) {
     for (const auto& editor : {mousepad, featherpad}) {
         SCOPED_TRACE(editor.toStdString());

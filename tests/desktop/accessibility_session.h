@@ -2,7 +2,6 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <chrono>
 #include <functional>
@@ -10,20 +9,16 @@
 
 #include "desktop/atspi/atspi_accessibility.h"
 #include "desktop/qt/qt_main_loop.h"
-#include "desktop/waiting.h"
-#include "platform/workspace.h"
+#include "desktop/tools.h"
+#include "desktop/x11/x11_workspace.h"
 #include "support/recording_log.h"
-
-struct xcb_connection_t;
+#include "support/waiting.h"
 
 namespace tavrelon::testing {
 
 /// What the window manager says is in front; or, once `pretend` is set, an application that has no window.
 class WindowManagerWorkspace : public platform::Workspace {
  public:
-    WindowManagerWorkspace();
-    ~WindowManagerWorkspace() override;
-
     std::optional<qint64> pretend;  ///< the process to name as frontmost
 
     std::optional<platform::RunningApplication> frontmostApplication() override;
@@ -35,10 +30,7 @@ class WindowManagerWorkspace : public platform::Workspace {
     bool openUrl(const QUrl&) override { return false; }
 
  private:
-    QByteArray property(quint32 window, const char* name) const;
-    quint32 activeWindow() const;
-
-    xcb_connection_t* connection_;
+    std::unique_ptr<desktop::X11Workspace> real_ = desktop::X11Workspace::create().value();
 };
 
 /// Ends the turn of the main loop.
@@ -46,22 +38,6 @@ void nextTurn();
 
 /// How long `work` took.
 std::chrono::milliseconds timeOf(const std::function<void()>& work);
-
-/// Runs a program to its end, as xdotool.
-void runTool(const QString& program, const QStringList& arguments);
-void pressKeys(const QStringList& keys);
-
-/// A program with a window, ended as a window manager's user would end it.
-class RunningProgram {
- public:
-    RunningProgram(const QString& program, const QStringList& arguments);
-    ~RunningProgram();
-    qint64 process() const { return process_.processId(); }
-    void signal(int number) const;
-
- private:
-    QProcess process_;
-};
 
 /// A connection of the test's own to the accessibility bus, to arrange what the adapter is to find.
 class AccessibilityBus {

@@ -1,15 +1,12 @@
-// dashboard_gallery FOLDER: opens every page of the dashboard in both languages, as it is at first and as it is with
-// something in it, and writes a picture of each.
 #include "desktop/dashboard_gallery.h"
 
-#include <QApplication>
-
 #include "desktop/dashboard_gallery_pages.h"
+#include "desktop/gallery.h"
 #include "ui/settings/hotkeys_settings_model.h"
 
-using namespace tavrelon;
+namespace tavrelon::testing {
+
 using namespace std::chrono_literals;
-using tavrelon::testing::DashboardGallery;
 using ui::DashboardTab;
 
 namespace {
@@ -64,12 +61,7 @@ void picturePermissions(DashboardGallery& gallery) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    qputenv("QT_QUICK_BACKEND", "software");
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    const QDir folder(QString::fromLocal8Bit(argc > 1 ? argv[1] : "."));
-    folder.mkpath(QStringLiteral("."));
+void pictureDashboard(const QDir& folder) {
     DashboardGallery gallery(folder);
     pictureGeneral(gallery);
     pictureHotkeys(gallery);
@@ -78,5 +70,6 @@ int main(int argc, char** argv) {
     pictureHistory(gallery);
     picturePermissions(gallery);
     pictureShell(gallery);
-    return 0;
 }
+
+}  // namespace tavrelon::testing

@@ -1,10 +1,8 @@
 // The pages of the dashboard of the program itself: what is set up there is used at once.
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
-
 #include "desktop/dashboard_session.h"
+#include "desktop/tools.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::testing {
@@ -36,13 +34,12 @@ class DashboardPagesTest : public ::testing::Test {
     StandInService service;
     XTestKeyboard keyboard;
 
-    static bool xdotool(const QStringList& arguments) { return QProcess::execute(u"xdotool"_s, arguments) == 0; }
     static void type(const QString& text) {
         xdotool({u"type"_s, u"--delay"_s, u"15"_s, text});
         letKeysArrive();
     }
     static bool isInSight(const QString& title) {
-        return xdotool({u"search"_s, u"--onlyvisible"_s, u"--name"_s, title});
+        return !xdotool({u"search"_s, u"--onlyvisible"_s, u"--name"_s, title}).isEmpty();
     }
     void selectAll() { keyboard.strikeWith({place::leftControl}, place::a); }
     bool asksFor(const QString& path) {
@@ -67,10 +64,7 @@ class DashboardPagesTest : public ::testing::Test {
 };
 
 TEST_F(DashboardPagesTest, AProfileIsLearnedFromADocumentThatTheUserChooses) {
-    QFile file(QDir::homePath() + u"/letters.pdf"_s);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(pdf(QByteArray("The weather in Somerset is fine. ").repeated(8)));
-    file.close();
+    writeWhole(QDir::homePath() + u"/letters.pdf"_s, pdf(QByteArray("The weather in Somerset is fine. ").repeated(8)));
     StandInAnswer answer;
     answer.content = uR"({"system_prompt": "I am Ada.", "language_style": "Dry."})"_s;
     service.ledger().setDefault(answer);

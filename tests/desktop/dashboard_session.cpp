@@ -1,7 +1,9 @@
 #include "desktop/dashboard_session.h"
 
-#include <QDBusReply>
 #include <stdexcept>
+
+#include "desktop/tools.h"
+#include "support/accessibility_bus_address.h"
 
 namespace tavrelon::testing {
 
@@ -9,10 +11,7 @@ using namespace std::chrono_literals;
 namespace atspi = desktop::atspi;
 
 DashboardWindow::DashboardWindow() : bus_(QStringLiteral("dashboard-test")) {
-    const QDBusReply<QString> address = QDBusConnection::sessionBus().call(
-        QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-                                       QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress")));
-    QDBusConnection::connectToBus(address.value(), bus_);
+    QDBusConnection::connectToBus(accessibilityBusAddress(), bus_);
     if (!eventually([this] { return program().has_value(); }))
         throw std::runtime_error("the dashboard is not on the accessibility bus");
 }
@@ -87,10 +86,8 @@ void DashboardWindow::press(const QString& name, const QString& role) {
     if (!eventually([&] { return (element = find(name, role)).has_value(); }))
         throw std::runtime_error("nothing to press is called " + name.toStdString());
     const auto centre = frameOf(element->object).center();
-    QProcess tool;
-    tool.start(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QString::number(centre.x()),
-                                           QString::number(centre.y()), QStringLiteral("click"), QStringLiteral("1")});
-    tool.waitForFinished();
+    xdotool({QStringLiteral("mousemove"), QString::number(centre.x()), QString::number(centre.y()),
+             QStringLiteral("click"), QStringLiteral("1")});
     letKeysArrive();
 }
 

@@ -4,12 +4,10 @@
 #include <sysexits.h>
 #include <unistd.h>
 
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
 #include <csignal>
 
 #include "desktop/main_job_session.h"
+#include "desktop/tools.h"
 #include "support/qt_gtest.h"
 #include "text/json.h"
 
@@ -18,11 +16,6 @@ namespace tavrelon::testing {
 using namespace std::chrono_literals;
 
 namespace {
-
-QByteArray contentOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// The command that runs another in a name space where file systems can be mounted.
 QStringList withMounts() {
@@ -40,12 +33,10 @@ class EnvironmentTest : public ::testing::Test {
         environment.remove(QStringLiteral("XDG_CONFIG_HOME"));
         environment.remove(QStringLiteral("XDG_DATA_HOME"));
         environment.insert(QStringLiteral("HOME"), home.path());
-        QDir().mkpath(home.filePath(QStringLiteral(".config/Tavrelon")));
-        QFile file(settingsPath());
         const text::Json settings{{"enableCustomPollinations", true},
                                   {"pollinationsBaseURL", service.url().toStdString()},
                                   {"pollinationsVisionModel", "test-model"}};
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text::compactJson(settings)) > 0);
+        writeWhole(settingsPath(), text::compactJson(settings));
     }
     ~EnvironmentTest() override { EXPECT_TRUE(end(first)) << "it does not end when asked"; }
 
@@ -61,9 +52,9 @@ class EnvironmentTest : public ::testing::Test {
         process.start(program, command);
     }
     bool listens(const QString& log = QStringLiteral("log")) {
-        return eventually([&] { return contentOf(home.filePath(log)).contains("[Hotkey] Listening"); });
+        return eventually([&] { return contentsOf(home.filePath(log)).contains("[Hotkey] Listening"); });
     }
-    QByteArray log() const { return contentOf(home.filePath(QStringLiteral("log"))); }
+    QByteArray log() const { return contentsOf(home.filePath(QStringLiteral("log"))); }
 
     /// Runs the program to its end and gives its exit status, or -1 when it does not end in good order and time.
     int run(const QStringList& arguments = {}) {
@@ -124,17 +115,14 @@ TEST_F(EnvironmentTest, WithoutAnXServerItSaysSoAndEnds) {
 }
 
 TEST_F(EnvironmentTest, AnXServerThatGoesAwayTakesItAlong) {
-    QProcess server;
-    server.start(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1")});
-    ASSERT_TRUE(eventually([&] { return server.waitForReadyRead(10) || server.bytesAvailable() > 0; }));
-    environment.insert(QStringLiteral("DISPLAY"), u':' + QString::fromLatin1(server.readAll().trimmed()));
+    BareServer server;
+    environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(server.display()));
     // The X library ends the process where it stands, so that nothing is given back.
     environment.insert(QStringLiteral("ASAN_OPTIONS"),
                        environment.value(QStringLiteral("ASAN_OPTIONS")) + QStringLiteral(":detect_leaks=0"));
     start(first, QStringLiteral("log"));
     ASSERT_TRUE(listens()) << log().data();
     server.kill();
-    server.waitForFinished();
     ASSERT_TRUE(first.waitForFinished(10000)) << log().data();
     EXPECT_EQ(first.exitStatus(), QProcess::NormalExit) << log().data();
     EXPECT_TRUE(log().contains("X")) << log().data();
@@ -165,7 +153,7 @@ TEST_F(EnvironmentTest, ASecondProcessCallsTheFirstAndEnds) {
 }
 
 TEST_F(EnvironmentTest, AHomeThatTakesNoFilesCostsOnlyTheMemory) {
-    const auto before = contentOf(settingsPath());
+    const auto before = contentsOf(settingsPath());
     for (const auto& mount :
          {QStringLiteral("mount -o bind,ro \"$HOME\" \"$HOME\" 2>/dev/null || "
                          "{ mount -o bind \"$HOME\" \"$HOME\" && mount -o remount,bind,ro \"$HOME\"; }"),
@@ -181,7 +169,7 @@ TEST_F(EnvironmentTest, AHomeThatTakesNoFilesCostsOnlyTheMemory) {
         expectARequestToWork();
         EXPECT_TRUE(eventually([&] { return log().contains("Failed to save history: "); })) << log().data();
         const auto there = QStringLiteral("/proc/%1/root").arg(first.processId()) + settingsPath();
-        EXPECT_EQ(contentOf(there).trimmed(), before);
+        EXPECT_EQ(contentsOf(there).trimmed(), before);
         EXPECT_TRUE(end(first));
     }
 }
@@ -198,7 +186,7 @@ TEST_F(EnvironmentTest, WithoutASessionBusAndWithAStrangeLocaleItWorksThroughThe
     EXPECT_TRUE(eventually([&] { return log().contains("[Accessibility] No accessibility bus"); })) << log().data();
     expectARequestToWork();
     EXPECT_TRUE(eventually([&] {
-        return contentOf(home.filePath(QStringLiteral(".local/share/Tavrelon/history.json"))).contains("greet");
+        return contentsOf(home.filePath(QStringLiteral(".local/share/Tavrelon/history.json"))).contains("greet");
     }));
 }
 

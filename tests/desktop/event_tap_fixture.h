@@ -6,6 +6,7 @@
 #include "desktop/x11/x11_event_tap.h"
 #include "support/key_window.h"
 #include "support/recording_log.h"
+#include "support/waiting.h"
 
 namespace tavrelon::testing {
 
@@ -41,7 +42,7 @@ class EventTapOnDesktop : public ::testing::Test {
         const auto before = std::ranges::count(window.presses(), place::f12);
         const auto seenBefore = countSeen(111);
         keyboard.strike(place::f12);
-        return spinUntil(
+        return eventually(
             [&] { return std::ranges::count(window.presses(), place::f12) > before && countSeen(111) > seenBefore; });
     }
 

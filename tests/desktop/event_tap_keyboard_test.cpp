@@ -136,13 +136,6 @@ TEST_F(X11KeyObserverTest, ModifiersOfAllKeyboardsAddUpAndMissedReleasesAreForgo
     EXPECT_EQ(key(place::x, KeyAction::Press, {}, 2)->event.modifierFlags, noModifiers);
 }
 
-TEST_F(X11KeyObserverTest, HotkeysAreKnownWhateverTheLocks) {
-    const KeyState locked{.base = shiftMask | mod1 | mod4, .locked = lockMask | mod2};
-    EXPECT_TRUE(key(place::l, KeyAction::Press, locked)->isHotkey);
-    EXPECT_TRUE(key(place::grave, KeyAction::Press, {.locked = lockMask})->isHotkey);
-    EXPECT_FALSE(key(place::grave, KeyAction::Press, {.base = shiftMask})->isHotkey);
-}
-
 TEST_F(X11KeyObserverTest, AltGrMakesAnotherKeyOfAHotkeysKey) {
     use("de");
     const auto key = this->key(place::grave, KeyAction::Press, {.base = mod5});

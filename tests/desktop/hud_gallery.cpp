@@ -1,23 +1,21 @@
-// hud_gallery FOLDER: shows every face, the prompt box and the status HUD on the running desktop, over a light and a
-// dark page, and writes a picture of each.
-#include <QApplication>
-#include <QDir>
-#include <QEventLoop>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QScreen>
-#include <QTimer>
 #include <QWidget>
 
+#include "desktop/gallery.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_panels.h"
 #include "desktop/qt/qt_screens.h"
 #include "desktop/x11/x11_panel_surroundings.h"
+#include "support/waiting.h"
 #include "ui/floating/floating_input_model.h"
 #include "ui/hud/hotkey_status_hud_model.h"
 #include "ui/hud/input_hud_model.h"
 
-using namespace tavrelon;
+namespace tavrelon::testing {
+
 using namespace std::chrono_literals;
 using input::InputState;
 using input::InputTrigger;
@@ -48,13 +46,7 @@ class Gallery {
     explicit Gallery(QDir folder) : folder_(std::move(folder)) {
         page_.setGeometry(QGuiApplication::primaryScreen()->geometry());
         page_.show();
-        wait(300ms);
-    }
-
-    void wait(std::chrono::milliseconds length) {
-        QEventLoop turns;
-        QTimer::singleShot(length, &turns, [&] { turns.quit(); });
-        turns.exec();
+        letPass(300ms);
     }
 
     void picture(
@@ -71,7 +63,7 @@ class Gallery {
             else
                 panel->orderFront();
             whenShown();
-            wait(700ms);
+            letPass(700ms);
             append(both, grab(origin, panel->frameSize()));
             panel->orderOut();
         }
@@ -141,12 +133,7 @@ void pictureFaces(Gallery& gallery) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    qputenv("QT_QUICK_BACKEND", "software");
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    const QDir folder(QString::fromLocal8Bit(argc > 1 ? argv[1] : "."));
-    folder.mkpath(QStringLiteral("."));
+void pictureOverlays(const QDir& folder) {
     Gallery gallery(folder);
     pictureFaces(gallery);
     for (const bool enabled : {true, false}) {
@@ -163,5 +150,6 @@ int main(int argc, char** argv) {
                         platform::PanelKind::PromptBox, QStringLiteral("floating/FloatingInputView"), {420, 74}, model,
                         [&] { model.setText(typed); });
     }
-    return 0;
 }
+
+}  // namespace tavrelon::testing

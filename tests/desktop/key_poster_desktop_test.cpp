@@ -53,7 +53,7 @@ TEST_F(KeyPosterOnDesktop, HeldModifiersDoNotReachPostedKeysAndComeBack) {
         poster->press(keys::keyEscape, keys::noModifiers);
     }
     keyboard.strike(place::x);  // the user still holds all three
-    ASSERT_TRUE(spinUntil([&] { return window.got(place::x); }));
+    ASSERT_TRUE(eventually([&] { return window.got(place::x); }));
     EXPECT_EQ(window.stateOf(place::backspace), 0);
     EXPECT_EQ(window.stateOf(place::v), control);
     EXPECT_EQ(window.stateOf(place::escape), 0);
@@ -61,7 +61,7 @@ TEST_F(KeyPosterOnDesktop, HeldModifiersDoNotReachPostedKeysAndComeBack) {
 
     for (const auto code : {place::leftShift, place::leftAlt, place::leftSuper})
         keyboard.release(code);
-    EXPECT_TRUE(spinUntil([&] { return keyboard.downOnPostingDevice().empty(); }));
+    EXPECT_TRUE(eventually([&] { return keyboard.downOnPostingDevice().empty(); }));
     EXPECT_THAT(keyboard.down(), IsEmpty());
     poster->press(keys::keyV, keys::commandFlag);
     ASSERT_TRUE(settle());
@@ -82,7 +82,7 @@ TEST_F(KeyPosterOnDesktop, OnlyWhatIsStillHeldComesBack) {
     keyboard.strike(place::x);
     keyboard.release(place::leftAlt);
     keyboard.release(place::leftControl);
-    ASSERT_TRUE(spinUntil([&] { return keyboard.downOnPostingDevice().empty(); }));
+    ASSERT_TRUE(eventually([&] { return keyboard.downOnPostingDevice().empty(); }));
     ASSERT_TRUE(settle());
     EXPECT_EQ(window.stateOf(place::backspace), 0);
     EXPECT_EQ(window.stateOf(place::x), control | 8);
@@ -93,11 +93,11 @@ TEST_F(KeyPosterOnDesktop, APressOnItsOwnPutsModifiersAsideForItself) {
     keyboard.press(place::leftControl);
     keyboard.press(place::v);  // the very key that is posted is down, too
     poster->press(keys::keyV, keys::commandFlag | keys::shiftFlag);
-    EXPECT_TRUE(spinUntil([&] { return window.stateOf(place::v) == (control | 1); }));
+    EXPECT_TRUE(eventually([&] { return window.stateOf(place::v) == (control | 1); }));
     keyboard.release(place::v);
     keyboard.strike(place::x);
     keyboard.release(place::leftControl);
-    ASSERT_TRUE(spinUntil([&] { return keyboard.downOnPostingDevice().empty(); }));
+    ASSERT_TRUE(eventually([&] { return keyboard.downOnPostingDevice().empty(); }));
     ASSERT_TRUE(settle());
     EXPECT_EQ(window.stateOf(place::x), control);
 }
@@ -114,7 +114,7 @@ TEST_F(KeyPosterOnDesktop, LettingGoAtAnyMomentLeavesNothingStuck) {
         for (int stroke = 0; stroke < 3; ++stroke)
             poster->press(keys::keyV, keys::commandFlag);
         user.join();
-        ASSERT_TRUE(spinUntil([&] { return keyboard.down().empty() && keyboard.downOnPostingDevice().empty(); }))
+        ASSERT_TRUE(eventually([&] { return keyboard.down().empty() && keyboard.downOnPostingDevice().empty(); }))
             << round;
     }
     ASSERT_TRUE(settle());

@@ -1,8 +1,8 @@
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include "capture/clipboard_selection.h"
 #include "desktop/pasteboard_session.h"
+#include "desktop/tools.h"
 #include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_workspace.h"
 
@@ -18,30 +18,19 @@ const QString mixedText = QStringLiteral("Grüße 你好 👋");
 class PasteboardEditors : public PasteboardSession, public ::testing::WithParamInterface<const char*> {
  public:
     QTemporaryDir folder;
-    QProcess editor;
+    std::optional<RunningProgram> editor;
     std::unique_ptr<desktop::X11Workspace> workspace = desktop::X11Workspace::create().value();
 
     void SetUp() override {
         const auto path = folder.filePath(QStringLiteral("text.txt"));
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("typed before");
-        file.close();
-        editor.setStandardErrorFile(QProcess::nullDevice());
-        editor.start(QString::fromLatin1(GetParam()), {path});
+        writeWhole(path, "typed before");
+        editor.emplace(QString::fromLatin1(GetParam()), QStringList{path});
         ASSERT_TRUE(runQtUntil([&] {
             const auto front = workspace->frontmostApplication();
-            return front && front->processIdentifier == editor.processId();
+            return front && front->processIdentifier == editor->process();
         }));
     }
-    void TearDown() override {
-        editor.terminate();  // a crash would bring up a dialog at the next start
-        if (!editor.waitForFinished(2000)) {
-            editor.kill();
-            editor.waitForFinished();
-        }
-    }
-    static void press(const QString& keys) { run(QStringLiteral("xdotool"), {QStringLiteral("key"), keys}); }
+    static void press(const QString& keys) { pressKeys({keys}); }
 
     /// Presses select-all and copy until the editor has copied what is expected: it may still be drawing its window.
     bool copiesAll(const QString& expected) {
@@ -77,10 +66,7 @@ TEST_P(PasteboardEditors, CopyAndPasteAndGiveBack) {
 }
 
 TEST_P(PasteboardEditors, TheClipboardSurvivesALookAtTheSelectionBesideAManager) {
-    QProcess manager;  // takes part in every change, as users of such programs have it
-    manager.setStandardErrorFile(QProcess::nullDevice());
-    manager.setStandardOutputFile(QProcess::nullDevice());
-    manager.start(QStringLiteral("copyq"), {});
+    const RunningProgram manager(QStringLiteral("copyq"), {});  // takes part in every change
     const auto isUp = [] { return run(QStringLiteral("copyq"), {QStringLiteral("count")}).exitCode == 0; };
     ASSERT_TRUE(runQtUntil(isUp));
     ASSERT_TRUE(copiesAll(QStringLiteral("typed before")));
@@ -99,7 +85,6 @@ TEST_P(PasteboardEditors, TheClipboardSurvivesALookAtTheSelectionBesideAManager)
     EXPECT_EQ(string(), QStringLiteral("kept"));
 
     run(QStringLiteral("copyq"), {QStringLiteral("exit")});
-    manager.waitForFinished(5000);
 }
 
 INSTANTIATE_TEST_SUITE_P(Real, PasteboardEditors, ::testing::Values("mousepad", "featherpad"),

@@ -1,8 +1,8 @@
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QTimer>
 
 #include "desktop/pasteboard_session.h"
+#include "desktop/tools.h"
 
 namespace tavrelon::testing {
 
@@ -171,8 +171,7 @@ TEST_F(PasteboardReading, ReadingsThatAreUnderWayFailWithThePasteboard) {
 
 TEST_F(PasteboardReading, AServerThatIsHeldCostsTheBoundOfEachCall) {
     ClipboardPeer holder;
-    xcb_grab_server(holder.xcb());
-    std::free(xcb_get_input_focus_reply(holder.xcb(), xcb_get_input_focus(holder.xcb()), nullptr));
+    holder.holdServer();
     QElapsedTimer clock;
     clock.start();
     const auto before = pasteboard->changeCount();
@@ -184,25 +183,20 @@ TEST_F(PasteboardReading, AServerThatIsHeldCostsTheBoundOfEachCall) {
     EXPECT_EQ(string(), mixedText);
 
     ClipboardPeer another;
-    xcb_grab_server(another.xcb());
-    std::free(xcb_get_input_focus_reply(another.xcb(), xcb_get_input_focus(another.xcb()), nullptr));
+    another.holdServer();
     clock.restart();
     pasteboard.reset();
     EXPECT_LT(clock.elapsed(), 6000);
 }
 
 TEST(PasteboardWithoutServer, ThatEndsFailsEveryCallAndNothingElse) {
-    QProcess server;
-    server.start(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
-                                          QStringLiteral("-nolisten"), QStringLiteral("tcp")});
-    ASSERT_TRUE(server.waitForReadyRead(10'000));
+    BareServer server;
     desktop::QtMainLoop loop;
     RecordingLog log;
-    auto pasteboard = desktop::X11Pasteboard::create(loop, log, ":" + server.readAllStandardOutput().trimmed()).value();
+    auto pasteboard = desktop::X11Pasteboard::create(loop, log, server.display()).value();
     pasteboard->setString(mixedText);
     ASSERT_TRUE(log.lines().isEmpty());
-    server.terminate();
-    ASSERT_TRUE(server.waitForFinished());
+    server.kill();
 
     EXPECT_EQ(runTaskOnQt(loop, pasteboard->items()), std::unexpected(PasteboardError::Failed));
     EXPECT_EQ(runTaskOnQt(loop, pasteboard->string()), std::nullopt);

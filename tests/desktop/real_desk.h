@@ -1,30 +1,12 @@
 #pragma once
 
-#include "desktop/atspi/atspi_accessibility.h"
-#include "desktop/linux/dbus_input_source.h"
-#include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_event_tap.h"
-#include "desktop/x11/x11_key_poster.h"
-#include "desktop/x11/x11_pasteboard.h"
-#include "desktop/x11/x11_terminal_shortcuts.h"
-#include "desktop/x11/x11_workspace.h"
+#include "desktop/typing_adapters.h"
 #include "support/input_desk.h"
 
 namespace tavrelon::testing {
 
 /// This desktop's adapters for all that has to do with typing; files, the network and pictures are faked.
-struct DesktopAdapters {
-    desktop::QtMainLoop loop;
-    RecordingLog log;
-    std::unique_ptr<desktop::X11Workspace> workspace = desktop::X11Workspace::create().value();
-    std::unique_ptr<desktop::X11Pasteboard> pasteboard = desktop::X11Pasteboard::create(loop, log).value();
-    std::shared_ptr<desktop::PostedKeys> posted = std::make_shared<desktop::PostedKeys>();
-    std::unique_ptr<desktop::X11KeyPoster> poster =
-        desktop::X11KeyPoster::open(loop, posted, desktop::X11TerminalShortcuts::create(loop, log, *pasteboard).value())
-            .value();
-    desktop::AtspiAccessibility accessibility{*workspace, loop, log};
-    desktop::X11EventTap tap{loop, log, posted};
-    desktop::DBusInputSource inputSource{loop, std::chrono::seconds(5)};  // on however busy a machine
+struct DesktopAdapters : TypingAdapters<RecordingLog> {
     FakeScreenCapture screenCapture;
     FakeImageCodec imageCodec;
     FakeHttpSession httpSession{loop};

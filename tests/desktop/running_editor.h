@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "desktop/waiting.h"
+#include "support/waiting.h"
 #include "support/xtest_keyboard.h"
 
 namespace tavrelon::testing {

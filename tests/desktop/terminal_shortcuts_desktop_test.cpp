@@ -1,9 +1,8 @@
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include "capture/clipboard_selection.h"
 #include "desktop/pasteboard_session.h"
+#include "desktop/tools.h"
 #include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_terminal_shortcuts.h"
 #include "desktop/x11/x11_workspace.h"
@@ -36,7 +35,7 @@ class Terminals : public PasteboardSession, public ::testing::WithParamInterface
  public:
     QTemporaryDir folder;
     QString typedPath = folder.filePath(QStringLiteral("typed"));
-    QProcess terminal;
+    std::optional<RunningProgram> terminal;
     std::unique_ptr<desktop::X11Workspace> workspace = desktop::X11Workspace::create().value();
     std::unique_ptr<desktop::X11KeyPoster> poster =
         desktop::X11KeyPoster::open(loop, std::make_shared<desktop::PostedKeys>(),
@@ -44,37 +43,23 @@ class Terminals : public PasteboardSession, public ::testing::WithParamInterface
             .value();
 
     void open(const QString& firstOutput) {
-        QFile script(folder.filePath(QStringLiteral("program")));
-        ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-        script.write("#!/bin/sh\nprintf '" + firstOutput.toUtf8() + "\\n'\nstty -icanon\nexec cat >'" +
-                     typedPath.toUtf8() + "'\n");
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        script.close();
-        QStringList arguments{QStringLiteral("-e"), script.fileName()};
+        const auto script = folder.filePath(QStringLiteral("program"));
+        writeProgram(
+            script, "printf '" + firstOutput.toUtf8() + "\\n'\nstty -icanon\nexec cat >'" + typedPath.toUtf8() + "'\n");
+        QStringList arguments{QStringLiteral("-e"), script};
         if (isLx())
             arguments.push_front(QStringLiteral("--no-remote"));
-        terminal.setStandardErrorFile(QProcess::nullDevice());
-        terminal.start(QString::fromLatin1(GetParam()), arguments);
+        terminal.emplace(QString::fromLatin1(GetParam()), arguments);
         ASSERT_TRUE(runQtUntil([&] {
             const auto front = workspace->frontmostApplication();
-            return front && front->processIdentifier == terminal.processId() && QFile::exists(typedPath);
+            return front && front->processIdentifier == terminal->process() && QFile::exists(typedPath);
         }));
         // A terminal that has just opened reads its program's output, and takes keys, in its own time.
         runQtUntil([] { return false; }, 1s);
     }
-    void TearDown() override {
-        terminal.terminate();
-        if (!terminal.waitForFinished(2000)) {
-            terminal.kill();
-            terminal.waitForFinished();
-        }
-    }
     static bool isLx() { return std::string_view(GetParam()) == "lxterminal"; }
 
-    QByteArray typed() const {
-        QFile file(typedPath);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray typed() const { return contentsOf(typedPath); }
     void paste(const QString& text) {
         pasteboard->clearContents();
         pasteboard->setString(text);
@@ -89,13 +74,6 @@ class Terminals : public PasteboardSession, public ::testing::WithParamInterface
         return runTaskOnQt(loop, selection.read(capture::SelectAll::Allowed));
     }
 };
-
-TEST_P(Terminals, WhatIsPastedIsTyped) {
-    open(QStringLiteral("ready"));
-    const auto text = QStringLiteral("Grüße 你好 ") + QString(3000, u'x');
-    paste(text);
-    EXPECT_TRUE(gets(text.toUtf8())) << typed().toStdString();
-}
 
 TEST_P(Terminals, LineBreaksComeInBracketsWhereTheProgramAsksForThem) {
     open(QStringLiteral("\\033[?2004h"));

@@ -4,16 +4,11 @@
 #include <QImage>
 
 #include "app/app_state.h"
-#include "desktop/atspi/atspi_accessibility.h"
 #include "desktop/main_job_session.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
-#include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_event_tap.h"
-#include "desktop/x11/x11_key_poster.h"
-#include "desktop/x11/x11_pasteboard.h"
+#include "desktop/typing_adapters.h"
 #include "desktop/x11/x11_screen_capture.h"
-#include "desktop/x11/x11_workspace.h"
 #include "support/qt_gtest.h"
 #include "support/run_task_on_qt.h"
 #include "support/test_desktop.h"
@@ -45,20 +40,12 @@ std::vector<QImage> picturesIn(const ReceivedRequest& request) {
 }  // namespace
 
 /// The services of the program on the real desktop, with an address table of the test's own.
-class VideoDesktopTest : public ::testing::Test {
+class VideoDesktopTest : public TypingAdapters<RecordingLog>, public ::testing::Test {
  public:
     StandInService service;
     TestDesktop fakes;  // for what the video has nothing to do with
-    desktop::QtMainLoop loop;
-    RecordingLog log;
-    std::unique_ptr<desktop::X11Workspace> workspace = desktop::X11Workspace::create().value();
-    std::unique_ptr<desktop::X11Pasteboard> pasteboard = desktop::X11Pasteboard::create(loop, log).value();
-    std::shared_ptr<desktop::PostedKeys> posted = std::make_shared<desktop::PostedKeys>();
-    std::unique_ptr<desktop::X11KeyPoster> poster = desktop::X11KeyPoster::open(loop, posted).value();
     std::unique_ptr<desktop::X11ScreenCapture> screen =
         desktop::X11ScreenCapture::create(loop, log, *workspace).value();
-    desktop::AtspiAccessibility accessibility{*workspace, loop, log};
-    desktop::X11EventTap tap{loop, log, posted};
     desktop::QtImageCodec codec{loop};
     desktop::QtHttpSession http{loop};
     FakeSerialQueues queues{loop};
@@ -70,7 +57,7 @@ class VideoDesktopTest : public ::testing::Test {
                                 *poster,
                                 *pasteboard,
                                 *workspace,
-                                fakes.inputSource,
+                                inputSource,
                                 *screen,
                                 codec,
                                 http,
@@ -91,26 +78,21 @@ class VideoDesktopTest : public ::testing::Test {
     bool becomes(input::InputState::Case state) {
         return runQtUntil([&] { return app.inputStateMachine().currentState() == state; });
     }
-    void pass(std::chrono::milliseconds time) {
-        bool over = false;
-        const auto timer = loop.after(time, [&over] { over = true; });
-        runQtUntil([&over] { return over; });
-    }
 };
 
 TEST_F(VideoDesktopTest, TheServiceSeesTheWindowChangeAndItsDescriptionTakesThePlaceOfTheQuestion) {
     RunningEditor editor(RunningEditor::Kind::Mousepad, keyboard, QString());
     app.hotkeyManager().startListening();
-    pass(500ms);
+    letPass(500ms);
     StandInAnswer answer;
     answer.content = QStringLiteral("LETTERS APPEAR");
     service.ledger().script({answer});
     pressVideoHotkey();
     ASSERT_TRUE(becomes(input::InputState::Case::recordingVideo));
-    pass(700ms);
+    letPass(700ms);
     for (const auto& word : {QStringLiteral("what "), QStringLiteral("happens "), QStringLiteral("here")}) {
         editor.type(word);
-        pass(600ms);
+        letPass(600ms);
     }
     pressVideoHotkey();
     ASSERT_TRUE(runQtUntil([&] { return !app.historyManager().entries().empty(); }))
@@ -126,25 +108,6 @@ TEST_F(VideoDesktopTest, TheServiceSeesTheWindowChangeAndItsDescriptionTakesTheP
     EXPECT_EQ(pictures.back().size(), QSize(content->windows.front().width, content->windows.front().height));
     EXPECT_TRUE(becomes(input::InputState::Case::idle));
     EXPECT_EQ(editor.saved(QStringLiteral("LETTERS APPEAR")), QStringLiteral("LETTERS APPEAR"));
-}
-
-TEST_F(VideoDesktopTest, AWindowThatClosesWhileItIsFilmedIsNoHarm) {
-    StandInAnswer answer;
-    answer.content = QStringLiteral("IT CLOSED");
-    service.ledger().script({answer});
-    auto editor = std::make_unique<RunningEditor>(RunningEditor::Kind::Mousepad, keyboard, QString());
-    app.hotkeyManager().startListening();
-    pass(500ms);
-    pressVideoHotkey();
-    ASSERT_TRUE(becomes(input::InputState::Case::recordingVideo));
-    pass(700ms);
-    editor.reset();
-    pass(1200ms);
-    pressVideoHotkey();
-    ASSERT_TRUE(runQtUntil([&] { return !service.ledger().requests().empty(); }))
-        << qPrintable(log.lines().join(u'\n'));
-    EXPECT_GE(picturesIn(service.ledger().requests().front()).size(), 2U);
-    EXPECT_TRUE(becomes(input::InputState::Case::idle));
 }
 
 }  // namespace tavrelon::testing

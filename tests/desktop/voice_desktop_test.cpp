@@ -81,41 +81,4 @@ TEST_F(VoiceDesktopTest, WithoutARecogniserTheUserIsTold) {
     EXPECT_TRUE(tavrelon.log().contains(QStringLiteral("[Speech] No recogniser: looked for the library in ")));
 }
 
-/// The reply to what is on the screen needs no microphone.
-class AutoReplyDesktopTest : public ::testing::Test {
- public:
-    StandInService service;
-    XTestKeyboard keyboard;
-
-    QString reply(RunningTavrelon& tavrelon, const QString& content) {
-        StandInAnswer answer;
-        answer.content = content;
-        service.ledger().reset();
-        service.ledger().script({answer});
-        const int before = tavrelon.historyCount();
-        letKeysArrive();
-        keyboard.strikeWith({place::leftShift, place::leftAlt, place::leftSuper}, place::a);
-        EXPECT_TRUE(eventually([&] { return tavrelon.historyCount() == before + 1; })) << qPrintable(tavrelon.log());
-        const auto requests = service.ledger().requests();
-        return requests.empty() ? QString() : QString::fromUtf8(requests.front().body);
-    }
-};
-
-TEST_F(AutoReplyDesktopTest, TheSelectionIsAnsweredOrElseTheScreen) {
-    RunningEditor editor(RunningEditor::Kind::Mousepad, keyboard, QStringLiteral("see you at 8?"));
-    RunningTavrelon tavrelon(service);
-    constexpr place::Code end = 115;
-    keyboard.strikeWith({place::leftControl}, end);
-    const auto toScreen = reply(tavrelon, QStringLiteral(" FINE"));
-    EXPECT_TRUE(toScreen.contains(QStringLiteral("请根据当前上下文直接输出一条合适的回复正文，不要加前缀或解释。")));
-    EXPECT_TRUE(toScreen.contains(QStringLiteral("data:image/jpeg;base64,"))) << "the picture goes along";
-    EXPECT_EQ(editor.saved(QStringLiteral("see you at 8? FINE")), QStringLiteral("see you at 8? FINE"));
-    keyboard.strikeWith({place::leftControl}, place::a);
-    const auto toSelection = reply(tavrelon, QStringLiteral("AT NINE"));
-    EXPECT_TRUE(toSelection.contains(QStringLiteral("请直接输出回复正文，不要加前缀或解释：\\nsee you at 8? FINE")))
-        << qPrintable(toSelection.left(2000));
-    EXPECT_EQ(editor.saved(QStringLiteral("AT NINE")), QStringLiteral("AT NINE"));
-    EXPECT_EQ(tavrelon.terminate(), 0) << qPrintable(tavrelon.log());
-}
-
 }  // namespace tavrelon::testing

@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
+#include "desktop/tools.h"
 #include "desktop/x11/x11_workspace.h"
 #include "support/qt_gtest.h"
 #include "support/run_task_on_qt.h"
@@ -37,28 +35,6 @@ class Workspace : public ::testing::Test {
     }
 };
 
-/// A real program with a window, ended with this object.
-class Program {
- public:
-    Program(const QString& program, const QStringList& arguments) {
-        process_.setStandardOutputFile(QProcess::nullDevice());
-        process_.setStandardErrorFile(QProcess::nullDevice());
-        process_.start(program, arguments);
-        process_.waitForStarted();
-    }
-    ~Program() {
-        process_.terminate();
-        if (!process_.waitForFinished(3000)) {
-            process_.kill();
-            process_.waitForFinished();
-        }
-    }
-    qint64 number() const { return process_.processId(); }
-
- private:
-    QProcess process_;
-};
-
 TEST_F(Workspace, RealProgramsAreNamedByTheirEntries) {
     struct Expected {
         const char* program;
@@ -68,16 +44,15 @@ TEST_F(Workspace, RealProgramsAreNamedByTheirEntries) {
     };
     QTemporaryDir folder;
     const auto path = folder.filePath(QStringLiteral("notes.txt"));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
+    writeWhole(path, {});
     for (const auto& [program, identifier, name, titlePart] :
          {Expected{"mousepad", "org.xfce.mousepad", "Mousepad", "notes.txt"},
           Expected{"featherpad", "featherpad", "FeatherPad", "notes.txt"},
           Expected{"xterm", "debian-xterm", "XTerm", ""}}) {
         const bool isEditor = *titlePart != '\0';
-        const Program running(QString::fromLatin1(program), isEditor ? QStringList{path} : QStringList{});
-        ASSERT_TRUE(inFront([&](const auto& front) { return front.processIdentifier == running.number(); })) << program;
+        const RunningProgram running(QString::fromLatin1(program), isEditor ? QStringList{path} : QStringList{});
+        ASSERT_TRUE(inFront([&](const auto& front) { return front.processIdentifier == running.process(); }))
+            << program;
         const auto front = workspace->frontmostApplication();
         ASSERT_TRUE(front);
         EXPECT_EQ(front->bundleIdentifier, QString::fromLatin1(identifier));
@@ -142,26 +117,10 @@ TEST_F(Workspace, AWindowThatIsDestroyedBetweenTwoRequestsIsNoError) {
     EXPECT_TRUE(runQtUntil([&] { return !workspace->frontmostApplication(); }));
 }
 
-TEST_F(Workspace, AQuestionTakesFewMilliseconds) {
-    const TestWindow window(own(QStringLiteral("measured")));
-    ASSERT_TRUE(titleInFront(QStringLiteral("measured")));
-    QElapsedTimer clock;
-    clock.start();
-    for (int i = 0; i < 200; ++i)
-        ASSERT_TRUE(workspace->frontmostApplication());
-    EXPECT_LT(clock.elapsed() / 200, 20);
-}
-
 TEST_F(Workspace, WithoutAWindowManagerTheInputFocusDecides) {
-    // A second server, on which nobody manages windows.
-    QProcess server;
-    server.start(QStringLiteral("Xvfb"),
-                 {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-                  QStringLiteral("640x480x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
-    ASSERT_TRUE(server.waitForReadyRead(10'000));
-    const auto display = ":" + server.readAllStandardOutput().trimmed();
+    const BareServer server;
     const auto oldDisplay = qgetenv("DISPLAY");
-    qputenv("DISPLAY", display);
+    qputenv("DISPLAY", server.display());
     {
         TestWindow window(own(QStringLiteral("unmanaged")));
         const auto bare = desktop::X11Workspace::create().value();
@@ -173,14 +132,11 @@ TEST_F(Workspace, WithoutAWindowManagerTheInputFocusDecides) {
         EXPECT_FALSE(front && bare->activate(*front)) << "there is nobody to ask";
     }
     qputenv("DISPLAY", oldDisplay);
-    server.terminate();
-    server.waitForFinished();
 }
 
 TEST_F(Workspace, AServerThatIsHeldCostsTheBound) {
     ClipboardPeer holder;
-    xcb_grab_server(holder.xcb());
-    std::free(xcb_get_input_focus_reply(holder.xcb(), xcb_get_input_focus(holder.xcb()), nullptr));
+    holder.holdServer();
     QElapsedTimer clock;
     clock.start();
     EXPECT_EQ(workspace->frontmostApplication(), std::nullopt);
@@ -193,19 +149,14 @@ TEST_F(Workspace, AServerThatIsHeldCostsTheBound) {
 TEST_F(Workspace, AnAddressGoesToTheDesktopsOpenerAsOneArgument) {
     QTemporaryDir folder;
     const auto record = folder.filePath(QStringLiteral("record"));
-    QFile opener(folder.filePath(QStringLiteral("xdg-open")));
-    ASSERT_TRUE(opener.open(QIODevice::WriteOnly));
-    opener.write("#!/bin/sh\nprintf '%s|%s' \"$#\" \"$1\" > '" + record.toUtf8() + ".new' && mv '" + record.toUtf8() +
-                 ".new' '" + record.toUtf8() + "'\n");
-    opener.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    opener.close();
+    writeProgram(folder.filePath(QStringLiteral("xdg-open")), "printf '%s|%s' \"$#\" \"$1\" > '" + record.toUtf8() +
+                                                                  ".new' && mv '" + record.toUtf8() + ".new' '" +
+                                                                  record.toUtf8() + "'\n");
     const auto oldPath = qgetenv("PATH");
     qputenv("PATH", folder.path().toUtf8() + ":" + oldPath);
     EXPECT_TRUE(workspace->openUrl(QUrl(QStringLiteral("https://example.org/a?b=$(touch x);c d&é"))));
     EXPECT_TRUE(runQtUntil([&] { return QFile::exists(record); }));
-    QFile written(record);
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    EXPECT_EQ(written.readAll(), "1|https://example.org/a?b=$(touch%20x);c%20d&%C3%A9");
+    EXPECT_EQ(contentsOf(record), "1|https://example.org/a?b=$(touch%20x);c%20d&%C3%A9");
     EXPECT_FALSE(workspace->openUrl(QUrl(QStringLiteral("--help"))));
     qputenv("PATH", "/nonexistent");
     EXPECT_FALSE(workspace->openUrl(QUrl(QStringLiteral("https://example.org"))));

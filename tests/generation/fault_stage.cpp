@@ -11,8 +11,8 @@
 #include <fstream>
 
 #include "async/task_scope.h"
-#include "contract/http_session_tls_material.h"
 #include "desktop/qt/qt_image_codec.h"
+#include "generation/fault_certificate.h"
 #include "output/output_writer.h"
 
 namespace tavrelon::testing {
@@ -23,12 +23,6 @@ using Place = FaultSubject::Place;
 using Told = FaultSubject::Told;
 
 namespace {
-
-constexpr auto secret = "secret-"_L1;
-
-std::optional<QString> keyOf(QLatin1StringView service) {
-    return secret + service;
-}
 
 /// What a request ended in. The slot outlives the task.
 struct Ending {
@@ -45,44 +39,8 @@ async::Task<void> keepEnding(async::Task<generation::GenerationResult> task, End
     }
 }
 
-generation::GenerationRequest requestFor(Place place) {
-    const bool draws = place == Place::ImageGet || place == Place::GLMImages || place == Place::Download;
-    generation::GenerationRequest request{.input = draws ? u"draw a cat"_s : u"hello"_s};
-    if (place == Place::OllamaCloud || place == Place::OllamaLocal) {
-        request.context.emplace();
-        request.context->screenshotData = QByteArray("\xff\xd8");
-    }
-    return request;
-}
-
-void configure(generation::PollinationsService& gateway, Place place, const QString& address, bool alone) {
-    using enum generation::PollinationsModel;
-    if (place == Place::CustomGateway) {
-        gateway.pollinationsCustomEnabled = true;
-        gateway.pollinationsBaseURLOverride = address;
-        gateway.pollinationsVisionModelOverride = u"own-model"_s;
-        gateway.pollinationsApiKey = keyOf("custom"_L1);
-    }
-    gateway.ollamaEnabled = place == Place::OllamaCloud || place == Place::OllamaLocal;
-    gateway.ollamaMode = place == Place::OllamaLocal ? generation::OllamaMode::local : generation::OllamaMode::cloud;
-    gateway.ollamaCloudModel = gateway.ollamaLocalModel = u"llava"_s;
-    gateway.ollamaCloudApiKey = gateway.ollamaLocalApiKey = keyOf("ollama"_L1);
-    gateway.ollamaLocalEndpoint = address;
-    if (place == Place::GatewayChat)
-        gateway.textModels = {openai, glmVisionFlash};
-    else if (place == Place::GLMChat)
-        gateway.textModels = {glmVisionFlash};
-    if (alone)
-        gateway.textModels.resize(1);
-}
-
-const FaultSubject* subjectOf(const QString& path) {
-    const auto found = std::ranges::find_if(faultSubjects(), [&](const auto& one) { return path.contains(one.path); });
-    return found == faultSubjects().end() ? nullptr : &*found;
-}
-
 QString nameOf(const QString& path) {
-    const auto* subject = subjectOf(path);
+    const auto* subject = faultSubjectOf(path);
     return subject ? subject->title : path;
 }
 
@@ -139,46 +97,6 @@ QString shown(QString text) {
 }
 
 }  // namespace
-
-const std::vector<FaultSubject>& faultSubjects() {
-    using enum AnswerShape;
-    static const std::vector<FaultSubject> subjects{
-        {Place::NvidiaChat, u"NVIDIA chat"_s, u"/nvidia"_s, u"/nvidia"_s, "nvidia", ChatCompletion,
-         u"Pollinations chat"_s, Told::ToTheUserWhenAlone},
-        {Place::GatewayChat, u"Pollinations chat"_s, u"/gateway"_s, u"/gateway/v1"_s, "gateway", ChatCompletion,
-         u"GLM chat"_s, Told::ToTheUserWhenAlone},
-        {Place::GLMChat, u"GLM chat"_s, u"/glm"_s, u"/glm/chat"_s, "glm", GLMChat, {}, Told::ToTheUser},
-        {Place::CustomGateway, u"Custom gateway chat"_s, u"/custom"_s, u"/custom"_s, "custom", ChatCompletion,
-         u"NVIDIA chat"_s, Told::InTheLog, u"[Pollinations] Custom Pollinations model failed: "_s},
-        {Place::OllamaCloud,
-         u"Ollama cloud chat"_s,
-         u"/ollama/api/chat"_s,
-         u"/ollama"_s,
-         "ollama",
-         OllamaChat,
-         {},
-         Told::ToTheUser},
-        {Place::OllamaLocal,
-         u"Ollama local chat"_s,
-         u"/local/api/chat"_s,
-         u"/local"_s,
-         "ollama",
-         OllamaChat,
-         {},
-         Told::ToTheUser},
-        {Place::ImageGet, u"Pollinations image"_s, u"/gateway"_s, u"/gateway/image/"_s, "gateway", Picture,
-         u"GLM images"_s, Told::InTheLog, u"[Pollinations] Image generation failed with Pollinations: "_s},
-        {Place::GLMImages, u"GLM images"_s, u"/glm"_s, u"/glm/images"_s, "glm", GLMImages, {}, Told::ToTheUser},
-        {Place::Download,
-         u"Image download"_s,
-         u"/files/cat.png"_s,
-         u"/files"_s,
-         "gateway",
-         Download,
-         {},
-         Told::ToTheUser}};
-    return subjects;
-}
 
 struct FaultStage::Run {
     Ending ending;
@@ -297,15 +215,16 @@ FaultStage::Run FaultStage::request(const FaultSubject& subject, const Fault& fa
                                                  .cloneApiBaseURL = {},
                                                  .builtInPollinationsKey = {},
                                                  .builtInGLMKey = {},
-                                                 .builtInNvidiaApiKey = secret + "nvidia"_L1};
+                                                 .builtInNvidiaApiKey = secretPrefix + "nvidia"_L1};
     Run run;
     RecordingLog log;
     desktop::QtHttpSession network(clock_);
     CountingSession session(network);
-    generation::PollinationsService gateway(
-        clock_, session, log, endpoints,
-        {.defaultPollinationsApiKey = keyOf("gateway"_L1), .glmApiKey = keyOf("glm"_L1), .nvidiaApiKey = {}});
-    configure(gateway, subject.place, address, alone);
+    generation::PollinationsService gateway(clock_, session, log, endpoints,
+                                            {.defaultPollinationsApiKey = secretKeyOf("gateway"_L1),
+                                             .glmApiKey = secretKeyOf("glm"_L1),
+                                             .nvidiaApiKey = {}});
+    configureFor(subject.place, gateway, address, alone);
     const scenes::SceneRouter router;
     generation::TavrelonAIService assistant(gateway, router, log);
     const auto began = clock_.now();
@@ -332,11 +251,11 @@ QString FaultStage::keysAstray(const Run& run) const {
     }
     for (const auto& request : service_.ledger().requests()) {
         const auto key = request.header("Authorization");
-        const auto subject = subjectOf(request.path);
+        const auto subject = faultSubjectOf(request.path);
         if (!key.isEmpty() && (!subject || key != "Bearer secret-" + subject->key))
             return "a key went to "_L1 + request.path;
     }
-    if ((run.ending.error + run.log.join(u'\n')).contains(secret))
+    if ((run.ending.error + run.log.join(u'\n')).contains(secretPrefix))
         return u"a key can be read"_s;
     return {};
 }

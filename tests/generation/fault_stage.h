@@ -5,42 +5,11 @@
 #include <QTimer>
 
 #include "desktop/qt/qt_http_session.h"
-#include "generation/ai_service.h"
-#include "generation/fault_catalogue.h"
+#include "generation/fault_subjects.h"
 #include "support/recording_log.h"
 #include "support/virtual_main_loop.h"
 
 namespace tavrelon::testing {
-
-/// One of the calls that can go wrong, and the request that leads to it.
-struct FaultSubject {
-    enum class Place : std::uint8_t {
-        NvidiaChat,
-        GatewayChat,
-        GLMChat,
-        CustomGateway,
-        OllamaCloud,
-        OllamaLocal,
-        ImageGet,
-        GLMImages,
-        Download
-    };
-    /// Where the failure of the call comes to light.
-    enum class Told : std::uint8_t { ToTheUser, ToTheUserWhenAlone, InTheLog };
-
-    Place place;
-    QString title;
-    QString base;  ///< the path in the address that is configured
-    QString path;  ///< a part of the call's path that no other call has
-    QByteArray key;
-    AnswerShape shape;
-    QString next;  ///< what is asked after a failure; empty when the failure is the end
-    Told told;
-    QString logged{};  ///< the head of the line in the log, for what is told only there
-};
-
-/// All of them.
-const std::vector<FaultSubject>& faultSubjects();
 
 /// What came of one request that met one fault.
 struct FaultOutcome {

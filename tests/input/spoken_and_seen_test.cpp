@@ -142,6 +142,7 @@ TEST_F(SpokenTest, AutoReplyAnswersTheSelectionOrTheContext) {
     reply();
     EXPECT_EQ(desk.generator.requests.back().input,
               QStringLiteral("请根据当前上下文直接输出一条合适的回复正文，不要加前缀或解释。"));
+    EXPECT_EQ(desk.generator.requests.back().context->screenshotData, "jpeg 100x50 w 0.7") << "the picture goes along";
     EXPECT_EQ(desk.history.entries().front().inputText, QString());
     EXPECT_EQ(desk.editor.text(), QStringLiteral("see you at 8?ANSWER"));
     EXPECT_EQ(desk.keyPoster.count(keys::keyBackspace, keys::noModifiers), 0);

@@ -34,17 +34,7 @@ void ClipboardManager::run() {
         const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(*event);
         save();
         peer_.put(request.requestor, request.property, QStringLiteral("NULL"), 32, {});
-        union {
-            xcb_selection_notify_event_t event;
-            char wire[32];
-        } notify{};
-        notify.event.response_type = XCB_SELECTION_NOTIFY;
-        notify.event.requestor = request.requestor;
-        notify.event.selection = request.selection;
-        notify.event.target = request.target;
-        notify.event.property = request.property;
-        xcb_send_event(peer_.xcb(), 0, request.requestor, 0, notify.wire);
-        xcb_flush(peer_.xcb());
+        peer_.notify(request, request.property);
     }
 }
 

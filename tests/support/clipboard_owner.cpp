@@ -26,19 +26,12 @@ void ClipboardOwner::run() {
         const auto event = peer_.nextEvent(std::chrono::milliseconds(20));
         if (!event)
             continue;
-        switch (event->response_type & 0x7f) {
-            case XCB_SELECTION_REQUEST:
-                ++requests_;
-                answer(reinterpret_cast<const xcb_selection_request_event_t&>(*event));
-                break;
-            case XCB_SELECTION_CLEAR:
-                lost_ = true;
-                break;
-            case XCB_PROPERTY_NOTIFY:
-                sendIncrement(reinterpret_cast<const xcb_property_notify_event_t&>(*event));
-                break;
-            default:
-                break;
+        const auto type = event->response_type & 0x7f;
+        if (type == XCB_SELECTION_REQUEST) {
+            ++requests_;
+            answer(reinterpret_cast<const xcb_selection_request_event_t&>(*event));
+        } else if (type == XCB_PROPERTY_NOTIFY) {
+            sendIncrement(reinterpret_cast<const xcb_property_notify_event_t&>(*event));
         }
     }
 }
@@ -47,18 +40,7 @@ void ClipboardOwner::answer(const xcb_selection_request_event_t& request) {
     if (manners_.answers == ClipboardManners::Answers::Never || manners_.silent.contains(peer_.nameOf(request.target)))
         return;
     std::this_thread::sleep_for(manners_.delay);
-    union {
-        xcb_selection_notify_event_t event;
-        char wire[32];
-    } notify{};
-    notify.event.response_type = XCB_SELECTION_NOTIFY;
-    notify.event.time = request.time;
-    notify.event.requestor = request.requestor;
-    notify.event.selection = request.selection;
-    notify.event.target = request.target;
-    notify.event.property = convert(request) ? request.property : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-    xcb_send_event(peer_.xcb(), 0, request.requestor, 0, notify.wire);
-    xcb_flush(peer_.xcb());
+    peer_.notify(request, convert(request) ? request.property : static_cast<xcb_atom_t>(XCB_ATOM_NONE));
 }
 
 bool ClipboardOwner::convert(const xcb_selection_request_event_t& request) {

@@ -32,7 +32,6 @@ class ClipboardOwner {
     explicit ClipboardOwner(std::vector<ClipboardData> data, ClipboardManners manners = {});
     ~ClipboardOwner();
 
-    bool hasLost() const { return lost_; }
     /// How many requests came in.
     int requestCount() const { return requests_; }
 
@@ -46,7 +45,6 @@ class ClipboardOwner {
     ClipboardManners manners_;
     ClipboardPeer peer_;
     std::atomic<bool> stop_ = false;
-    std::atomic<bool> lost_ = false;
     std::atomic<int> requests_ = 0;
 
     // The transfer in increments that is under way, one at a time.

@@ -74,6 +74,26 @@ void ClipboardPeer::put(xcb_window_t window, xcb_atom_t property, const QString&
     xcb_flush(connection_);
 }
 
+void ClipboardPeer::notify(const xcb_selection_request_event_t& request, xcb_atom_t property) {
+    union {
+        xcb_selection_notify_event_t event;
+        char wire[32];
+    } notice{};
+    notice.event.response_type = XCB_SELECTION_NOTIFY;
+    notice.event.time = request.time;
+    notice.event.requestor = request.requestor;
+    notice.event.selection = request.selection;
+    notice.event.target = request.target;
+    notice.event.property = property;
+    xcb_send_event(connection_, 0, request.requestor, 0, notice.wire);
+    xcb_flush(connection_);
+}
+
+void ClipboardPeer::holdServer() {
+    xcb_grab_server(connection_);
+    std::free(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+}
+
 void ClipboardPeer::disconnect() {
     if (auto* connection = std::exchange(connection_, nullptr))
         xcb_disconnect(connection);

@@ -50,6 +50,12 @@ class ClipboardPeer {
     Property takeProperty(xcb_atom_t property);
     void put(xcb_window_t window, xcb_atom_t property, const QString& type, int format, const QByteArray& bytes);
 
+    /// Tells whoever asked where the answer is, or that there is none.
+    void notify(const xcb_selection_request_event_t& request, xcb_atom_t property);
+
+    /// Keeps the server from answering anybody else until this peer disconnects.
+    void holdServer();
+
     /// Ends the connection as a crash would.
     void disconnect();
 

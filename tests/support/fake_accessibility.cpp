@@ -36,22 +36,6 @@ int FakeAccessibility::callCount(Kind kind, AXAttribute attribute) const {
         calls_, [&](const Call& call) { return call.element.kind == kind && call.attribute == attribute; }));
 }
 
-std::vector<QString> FakeAccessibility::textsSet() const {
-    std::vector<QString> texts;
-    for (const auto& call : calls_)
-        if (call.operation == Call::Operation::Set && call.attribute == AXAttribute::SelectedText)
-            texts.push_back(*call.value);
-    return texts;
-}
-
-void FakeAccessibility::record(Call call) {
-    calls_.push_back(std::move(call));
-    if (!beforeCall)
-        return;
-    const Call made = calls_.back();  // the hook may clear the log
-    beforeCall(made);
-}
-
 std::optional<FakeAccessibility::Result> FakeAccessibility::scripted(const AXElement& element,
                                                                      AXAttribute attribute) const {
     const auto found = scripts_.find({element.kind, attribute});
@@ -61,7 +45,7 @@ std::optional<FakeAccessibility::Result> FakeAccessibility::scripted(const AXEle
 }
 
 FakeAccessibility::Result FakeAccessibility::copyAttribute(const AXElement& element, AXAttribute attribute) {
-    record({Call::Operation::Copy, element, attribute, {}, {}});
+    calls_.push_back({Call::Operation::Copy, element, attribute, {}});
     if (auto result = scripted(element, attribute))
         return *result;
     switch (element.kind) {
@@ -132,7 +116,7 @@ FakeAccessibility::Result FakeAccessibility::ofField(const AXElement& element, A
 
 FakeAccessibility::Result FakeAccessibility::copyParameterizedAttribute(const AXElement& element, AXAttribute attribute,
                                                                         Utf16Range range) {
-    record({Call::Operation::CopyParameterized, element, attribute, range, {}});
+    calls_.push_back({Call::Operation::CopyParameterized, element, attribute, range});
     if (auto result = scripted(element, attribute))
         return *result;
     const bool isKnown =
@@ -150,7 +134,7 @@ FakeAccessibility::Result FakeAccessibility::copyParameterizedAttribute(const AX
 
 FakeAccessibility::AXError FakeAccessibility::setAttribute(const AXElement& element, AXAttribute attribute,
                                                            const QString& value) {
-    record({Call::Operation::Set, element, attribute, {}, value});
+    calls_.push_back({Call::Operation::Set, element, attribute, {}});
     if (element.kind != Kind::Object || attribute != AXAttribute::SelectedText)
         return AXError::AttributeUnsupported;
     if (!field || element != fieldElement())

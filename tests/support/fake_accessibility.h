@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <optional>
 #include <vector>
@@ -25,7 +24,6 @@ class FakeAccessibility : public platform::Accessibility {
         AXElement element;
         AXAttribute attribute{};
         std::optional<text::Utf16Range> range;  ///< of CopyParameterized
-        std::optional<QString> value;           ///< of Set
         bool operator==(const Call&) const = default;
     };
 
@@ -42,7 +40,6 @@ class FakeAccessibility : public platform::Accessibility {
     std::optional<platform::AXRect> caretBounds;       ///< absent: the field does not tell where its text is
     std::optional<platform::AXRect> fieldFrame;        ///< absent: nor where it is itself
     AXError setSelectedTextResult = AXError::Success;  ///< any other refuses the text and leaves the field alone
-    std::function<void(const Call&)> beforeCall;       ///< runs first in every call, and may change everything here
 
     /// The element that `field` is.
     AXElement fieldElement() const;
@@ -58,7 +55,6 @@ class FakeAccessibility : public platform::Accessibility {
 
     const std::vector<Call>& calls() const { return calls_; }
     int callCount(Kind kind, AXAttribute attribute) const;
-    std::vector<QString> textsSet() const;  ///< every text that was to replace the selection, refused ones too
     void clearCalls() { calls_.clear(); }
 
     bool isProcessTrusted() const override { return trusted; }
@@ -68,7 +64,6 @@ class FakeAccessibility : public platform::Accessibility {
     AXError setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) override;
 
  private:
-    void record(Call call);
     std::optional<Result> scripted(const AXElement& element, AXAttribute attribute) const;
     Result ofSystem(AXAttribute attribute) const;
     Result ofApplication(qint64 process, AXAttribute attribute) const;

@@ -3,7 +3,7 @@
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
-#include <QDBusReply>
+#include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <algorithm>
 #include <array>
@@ -18,6 +18,22 @@ const auto menuPath = QStringLiteral("/org/a11y/atspi/accessible/menu");
 const auto menuItemPath = QStringLiteral("/org/a11y/atspi/accessible/menu_item");
 const auto hiddenPath = QStringLiteral("/org/a11y/atspi/accessible/hidden");
 const auto hiddenFieldPath = QStringLiteral("/org/a11y/atspi/accessible/hidden_field");
+
+/// The elements, and the numbers by which the bus knows what they are.
+constexpr uint application = 75, frame = 23, menuBar = 34, menuItem = 35, panel = 39, password = 40, textField = 61;
+struct Element {
+    QString path;
+    QString parent;
+    uint role;
+};
+const std::array<Element, 8> elements{{{rootPath, {}, application},
+                                       {framePath, rootPath, frame},
+                                       {menuPath, framePath, menuBar},
+                                       {menuItemPath, menuPath, menuItem},
+                                       {hiddenPath, framePath, panel},
+                                       {hiddenFieldPath, hiddenPath, textField},
+                                       {QLatin1String(FakeAccessibleApp::firstField), framePath, textField},
+                                       {QLatin1String(FakeAccessibleApp::secondField), framePath, textField}}};
 
 constexpr uint active = 1U << 1;
 constexpr uint focused = 1U << 12;
@@ -121,18 +137,19 @@ std::optional<QVariantList> FakeAccessibleApp::element(const QString& path, cons
         return QVariantList{interfacesOf(path)};
     if (member == QLatin1String("GetChildren")) {
         QList<Reference> children;
-        for (const auto& child : childrenOf(path))
-            children.push_back({bus_.baseService(), QDBusObjectPath(child)});
+        for (const auto& child : elements)
+            if (child.parent == path)
+                children.push_back({bus_.baseService(), QDBusObjectPath(child.path)});
         return QVariantList{QVariant::fromValue(children)};
     }
     if (member == QLatin1String("Get"))
-        return property(path, message);
+        return property(message);
     if (message.interface() == QLatin1String("org.a11y.atspi.EditableText"))
         return edit(message);
     return textOf(message);
 }
 
-std::optional<QVariantList> FakeAccessibleApp::property(const QString&, const QDBusMessage& message) const {
+std::optional<QVariantList> FakeAccessibleApp::property(const QDBusMessage& message) const {
     const auto name = message.arguments().value(1).toString();
     if (name == QLatin1String("ToolkitName"))
         return QVariantList{QVariant::fromValue(QDBusVariant(toolkit_))};
@@ -228,18 +245,6 @@ void FakeAccessibleApp::say(const QString& path, int gained) {
     bus_.send(signal);
 }
 
-QStringList FakeAccessibleApp::childrenOf(const QString& path) const {
-    if (path == rootPath)
-        return {framePath};
-    if (path == framePath)
-        return {menuPath, hiddenPath, QLatin1String(firstField), QLatin1String(secondField)};
-    if (path == menuPath)
-        return {menuItemPath};
-    if (path == hiddenPath)
-        return {hiddenFieldPath};
-    return {};
-}
-
 QList<uint> FakeAccessibleApp::statesOf(const QString& path) const {
     uint states = showing;
     if (path == framePath && active_)
@@ -254,24 +259,10 @@ QList<uint> FakeAccessibleApp::statesOf(const QString& path) const {
 }
 
 uint FakeAccessibleApp::roleOf(const QString& path) const {
-    constexpr uint application = 75;
-    constexpr uint frame = 23;
-    constexpr uint menuBar = 34;
-    constexpr uint menuItem = 35;
-    constexpr uint panel = 39;
-    constexpr uint password = 40;
-    constexpr uint text = 61;
-    const uint field = manners_ == Manners::Password ? password : text;
-    const std::array<std::pair<QString, uint>, 8> roles{{{rootPath, application},
-                                                         {framePath, frame},
-                                                         {menuPath, menuBar},
-                                                         {menuItemPath, menuItem},
-                                                         {hiddenPath, panel},
-                                                         {hiddenFieldPath, field},
-                                                         {QLatin1String(firstField), field},
-                                                         {QLatin1String(secondField), field}}};
-    const auto* found = std::ranges::find(roles, path, &std::pair<QString, uint>::first);
-    return found == roles.end() ? 0 : found->second;
+    const auto* found = std::ranges::find(elements, path, &Element::path);
+    if (found == elements.end())
+        return 0;
+    return found->role == textField && manners_ == Manners::Password ? password : found->role;
 }
 
 QStringList FakeAccessibleApp::interfacesOf(const QString& path) const {

@@ -49,8 +49,7 @@ class FakeAccessibleApp : public QDBusVirtualObject {
     std::optional<QVariantList> element(const QString& path, const QDBusMessage& message);
     std::optional<QVariantList> textOf(const QDBusMessage& message);
     std::optional<QVariantList> edit(const QDBusMessage& message);
-    std::optional<QVariantList> property(const QString& path, const QDBusMessage& message) const;
-    QStringList childrenOf(const QString& path) const;
+    std::optional<QVariantList> property(const QDBusMessage& message) const;
     QList<uint> statesOf(const QString& path) const;
     uint roleOf(const QString& path) const;
     QStringList interfacesOf(const QString& path) const;

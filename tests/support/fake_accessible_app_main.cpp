@@ -1,6 +1,6 @@
 #include <QCoreApplication>
-#include <QDBusReply>
 
+#include "support/accessibility_bus_address.h"
 #include "support/fake_accessible_app.h"
 
 int main(int argc, char** argv) {
@@ -11,10 +11,7 @@ int main(int argc, char** argv) {
         return 2;
     FakeAccessibleApp app(static_cast<Manners>(arguments.at(1).toInt()), arguments.at(2), arguments.at(3),
                           arguments.at(4).toInt(), arguments.at(5).toInt());
-    const QDBusReply<QString> address = QDBusConnection::sessionBus().call(
-        QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-                                       QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress")));
-    if (!app.join(QDBusConnection::connectToBus(address.value(), QStringLiteral("accessibility"))))
+    if (!app.join(QDBusConnection::connectToBus(accessibilityBusAddress(), QStringLiteral("accessibility"))))
         return 1;
     return QCoreApplication::exec();
 }

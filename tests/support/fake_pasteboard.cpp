@@ -10,24 +10,10 @@ using platform::PasteboardError;
 using platform::PasteboardItem;
 
 async::Task<FakePasteboard::Read> FakePasteboard::read() {
-    if (source_ == Source::Ours)
+    if (source_ == Source::Ours || owner_ == Owner::Answers)
         co_return contents_;
-    // The request goes to the owner of this moment; what others put there meanwhile does not change its answer.
-    const auto asked = contents_;
-    const auto error = error_;
-    if (owner_ == Owner::Hangs) {
-        co_await async::pause(loop_, bound);
-        co_return std::unexpected(PasteboardError::TimedOut);
-    }
-    if (delay_ > bound) {
-        co_await async::pause(loop_, bound);
-        co_return std::unexpected(PasteboardError::TimedOut);
-    }
-    if (delay_ > std::chrono::nanoseconds::zero())
-        co_await async::pause(loop_, delay_);
-    if (error)
-        co_return std::unexpected(*error);
-    co_return asked;
+    co_await async::pause(loop_, bound);
+    co_return std::unexpected(PasteboardError::TimedOut);
 }
 
 async::Task<std::expected<std::vector<PasteboardItem>, PasteboardError>> FakePasteboard::items() {
@@ -64,11 +50,6 @@ void FakePasteboard::copyElsewhere(const QString& text) {
 
 void FakePasteboard::copyElsewhere(std::vector<PasteboardItem> items) {
     replace(std::move(items), Source::Elsewhere);
-}
-
-void FakePasteboard::copyShortcut() {
-    if (copyReaction_)
-        copyReaction_(*this);
 }
 
 void FakePasteboard::replace(std::vector<PasteboardItem> items, Source source) {

@@ -2,7 +2,6 @@
 
 #include <QStringList>
 #include <chrono>
-#include <functional>
 
 #include "async/main_loop.h"
 #include "platform/pasteboard.h"
@@ -11,8 +10,8 @@ namespace tavrelon::testing {
 
 /// A pasteboard in memory. Until a test says otherwise it is empty and every owner answers at once.
 ///
-/// What the code under test put there itself is read at once; delays, hanging and errors concern what another
-/// application put there, as on a real desktop. Main thread.
+/// What the code under test put there itself is read at once; only what another application put there can hang, as on a
+/// real desktop. Main thread.
 class FakePasteboard : public platform::Pasteboard {
  public:
     enum class Owner { Answers, Hangs };
@@ -30,17 +29,9 @@ class FakePasteboard : public platform::Pasteboard {
     void copyElsewhere(const QString& text);
     void copyElsewhere(std::vector<platform::PasteboardItem> items);
 
-    /// How the other application behaves when it is read: it answers after a delay, or never (a read then ends after
-    /// `bound`), or `items` fails with an error and `string` finds nothing.
-    void setReadDelay(std::chrono::nanoseconds delay) { delay_ = delay; }
+    /// How the other application behaves when it is read. If it never answers a read ends after `bound`.
     void setOwner(Owner owner) { owner_ = owner; }
-    void setReadError(std::optional<platform::PasteboardError> error) { error_ = error; }
     static constexpr std::chrono::seconds bound{1};
-
-    /// What the focused application does when the copy shortcut reaches it. A test connects `copyShortcut` to its key
-    /// poster; without a reaction nothing happens.
-    void onCopyShortcut(std::function<void(FakePasteboard&)> reaction) { copyReaction_ = std::move(reaction); }
-    void copyShortcut();
 
     /// A look that neither waits nor is journalled.
     const std::vector<platform::PasteboardItem>& contents() const { return contents_; }
@@ -65,10 +56,7 @@ class FakePasteboard : public platform::Pasteboard {
     std::vector<platform::PasteboardItem> contents_;
     Source source_ = Source::Ours;
     std::int64_t changeCount_ = 1;
-    std::chrono::nanoseconds delay_{0};
     Owner owner_ = Owner::Answers;
-    std::optional<platform::PasteboardError> error_;
-    std::function<void(FakePasteboard&)> copyReaction_;
     QStringList journal_;
 };
 

@@ -25,7 +25,6 @@ class FakeSpeech : public platform::Speech {
 
     bool available = true;
     bool canMakeRequests = true;
-    bool onDevice = true;
     platform::AuthorizationStatus status = platform::AuthorizationStatus::Authorized;
     AuthorizationHandler asked;              ///< the question that the user has yet to answer
     platform::SpeechRequestOptions options;  ///< of the newest request
@@ -40,7 +39,7 @@ class FakeSpeech : public platform::Speech {
     bool isAvailable(const QString& locale) override { return available && locale == QStringLiteral("zh-CN"); }
     platform::AuthorizationStatus authorizationStatus() override { return status; }
     void requestAuthorization(AuthorizationHandler completion) override { asked = std::move(completion); }
-    bool supportsOnDeviceRecognition(const QString&) override { return onDevice; }
+    bool supportsOnDeviceRecognition(const QString&) override { return true; }
     std::shared_ptr<platform::SpeechRequest> createRequest(const platform::SpeechRequestOptions& wanted) override {
         options = wanted;
         request = canMakeRequests ? std::make_shared<Request>() : nullptr;

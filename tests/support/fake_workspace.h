@@ -32,10 +32,6 @@ class FakeWorkspace : public platform::Workspace {
     /// Ends the application with all its windows.
     void terminate(const platform::RunningApplication& application);
 
-    /// Whether the window manager can be asked, and whether there is a program that opens addresses.
-    void setActivationPossible(bool possible) { activationPossible_ = possible; }
-    void setUrlsOpen(bool open) { urlsOpen_ = open; }
-
     /// Whether the window in front has the keys too, or waits for them.
     void setKeyboardFollows(bool follows) { keyboardFollows_ = follows; }
 
@@ -52,8 +48,6 @@ class FakeWorkspace : public platform::Workspace {
 
     std::vector<Window> windows_;
     std::optional<std::size_t> frontmost_;
-    bool activationPossible_ = true;
-    bool urlsOpen_ = true;
     bool keyboardFollows_ = true;
     std::vector<platform::RunningApplication> activated_;
     std::vector<QUrl> openedUrls_;

@@ -1,12 +1,11 @@
 #include "support/key_window.h"
 
-#include <QCoreApplication>
 #include <algorithm>
 #include <array>
 #include <stdexcept>
-#include <thread>
 
 #include "desktop/x11/x11_connection.h"
+#include "support/waiting.h"
 
 namespace tavrelon::testing {
 
@@ -28,11 +27,11 @@ KeyWindow::~KeyWindow() {
 void KeyWindow::focus() {
     // Asked for again now and then: a window manager that is just starting forgets what it was asked for.
     int round = 0;
-    const bool focused = spinUntil(
+    const bool focused = eventually(
         [&] {
-            if (round % 100 == 0)
+            if (round % 50 == 0)
                 xcb_map_window(connection_, window_);
-            if (round++ % 10 == 0)
+            if (round++ % 5 == 0)
                 xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window_, XCB_CURRENT_TIME);
             const XPointer<xcb_get_input_focus_reply_t> focus(
                 xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
@@ -79,8 +78,8 @@ const std::vector<KeyWindow::Stroke>& KeyWindow::strokes() {
 }
 
 std::vector<place::Code> KeyWindow::presses() {
-    constexpr std::array modifiers{place::leftControl, place::leftShift, place::leftAlt, place::leftSuper,
-                                   place::capsLock,    place::numLock,   place::altGr};
+    constexpr std::array modifiers{place::leftControl, place::leftShift, place::leftAlt,
+                                   place::leftSuper,   place::capsLock,  place::numLock};
     std::vector<place::Code> codes;
     for (const auto& stroke : strokes())
         if (stroke.isPress && std::ranges::find(modifiers, stroke.code) == modifiers.end())
@@ -103,18 +102,6 @@ int KeyWindow::stateOf(place::Code code) {
         if (stroke.isPress && stroke.code == code)
             state = static_cast<int>(stroke.state);
     return state;
-}
-
-bool spinUntil(const std::function<bool()>& condition, std::chrono::seconds limit) {
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
 }
 
 }  // namespace tavrelon::testing

@@ -2,8 +2,6 @@
 
 #include <xcb/xcb.h>
 
-#include <chrono>
-#include <functional>
 #include <vector>
 
 #include "support/xtest_keyboard.h"
@@ -56,8 +54,5 @@ class KeyWindow {
     xcb_window_t window_ = 0;
     std::vector<Stroke> strokes_;
 };
-
-/// Runs the event loop of the test's thread until a condition holds; false if it does not within the limit.
-bool spinUntil(const std::function<bool()>& condition, std::chrono::seconds limit = std::chrono::seconds(10));
 
 }  // namespace tavrelon::testing

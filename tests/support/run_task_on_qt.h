@@ -1,26 +1,19 @@
 #pragma once
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <functional>
 #include <optional>
 #include <stdexcept>
 
 #include "async/task_scope.h"
 #include "support/run_task.h"
+#include "support/waiting.h"
 
 namespace tavrelon::testing {
 
 /// Runs the Qt event loop until something is true. False when it is not within the limit.
 inline bool runQtUntil(const std::function<bool()>& isTrue,
                        std::chrono::milliseconds limit = std::chrono::seconds(20)) {
-    const QDeadlineTimer deadline(limit);
-    while (!isTrue()) {
-        if (deadline.hasExpired())
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
-    return true;
+    return eventually(isTrue, limit);
 }
 
 /// Runs a task to its end on the Qt event loop and gives its result, or rethrows its error.

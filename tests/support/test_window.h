@@ -14,7 +14,6 @@ struct TestWindowProperties {
     std::optional<QString> windowClass{};  ///< the instance is the same in lower case
     std::optional<QString> title{};
     std::optional<QString> oldTitleOnly{};  ///< in Latin-1, without a modern title
-    std::optional<QString> applicationId{};
 };
 
 /// A visible window of a client of its own, for the window manager to put in front; it is destroyed with this object.

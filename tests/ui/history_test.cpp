@@ -1,13 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
-#include <QTemporaryDir>
 
-#include "support/memory_file_system.h"
 #include "support/qt_gtest.h"
-#include "support/test_desktop.h"
 #include "text/pieces.h"
-#include "ui/history/history_model.h"
+#include "ui/history_desk.h"
 
 namespace tavrelon::ui {
 
@@ -15,14 +12,8 @@ using namespace Qt::StringLiterals;
 using persistence::HistoryEntry;
 using Kind = HistoryPieceRow::Kind;
 
-class HistoryTest : public ::testing::Test {
+class HistoryTest : public ::testing::Test, public tavrelon::testing::HistoryDesk {
  public:
-    QTemporaryDir folder;
-    tavrelon::testing::TestDesktop desktop;
-    persistence::StorageManager storage{desktop.defaultsStore, desktop.fileSystem, desktop.log, desktop.loop,
-                                        u"/data/Tavrelon"_s};
-    persistence::HistoryManager history{desktop.fileSystem, desktop.log, folder.path(), 20};
-    HistoryModel page{storage, history, QLocale(u"en_US"_s)};
     int age = 0;
 
     /// Adds an entry that is a minute younger than the one before.

@@ -6,26 +6,18 @@
 #include <QImage>
 #include <QQuickItem>
 #include <QQuickView>
-#include <QTemporaryDir>
 
 #include "desktop/qt/qt_view_engine.h"
 #include "support/qt_gtest.h"
 #include "support/run_task_on_qt.h"
-#include "support/test_desktop.h"
-#include "ui/history/history_model.h"
+#include "ui/history_desk.h"
 
 namespace tavrelon::ui {
 
 using namespace Qt::StringLiterals;
 
-class HistoryViewTest : public ::testing::Test {
+class HistoryViewTest : public ::testing::Test, public tavrelon::testing::HistoryDesk {
  public:
-    QTemporaryDir folder;
-    tavrelon::testing::TestDesktop desktop;
-    persistence::StorageManager storage{desktop.defaultsStore, desktop.fileSystem, desktop.log, desktop.loop,
-                                        u"/data/Tavrelon"_s};
-    persistence::HistoryManager history{desktop.fileSystem, desktop.log, folder.path(), 20};
-    HistoryModel page{storage, history, QLocale(u"en_US"_s)};
     std::unique_ptr<QQmlEngine> engine = desktop::makeViewEngine(desktop.log);
     QQuickView view{engine.get(), nullptr};
 

@@ -72,15 +72,4 @@ TEST_F(HotkeyStatusHUDTest, ItStandsOnTheScreenWithTheMouse) {
     EXPECT_EQ(panel().origin, QPointF(-130, -160));
 }
 
-TEST(HotkeyStatusHUDModelTest, EachShowingRaisesTheTrigger) {
-    HotkeyStatusHUDModel model;
-    model.show(false);
-    EXPECT_EQ(model.text(), QStringLiteral("Hotkeys Disabled"));
-    EXPECT_EQ(model.symbol(), QStringLiteral("keyboard"));
-    model.show(true);
-    EXPECT_EQ(model.text(), QStringLiteral("Hotkeys Enabled"));
-    EXPECT_EQ(model.symbol(), QStringLiteral("keyboard.fill"));
-    EXPECT_EQ(model.trigger(), 2);
-}
-
 }  // namespace tavrelon::ui

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QDir>
+
+namespace tavrelon::testing {
+
+/// Shows every face, the prompt box and the status HUD on the running desktop, over a light and a dark page, and writes
+/// a picture of each.
+void pictureOverlays(const QDir& folder);
+
+/// Opens every page of the dashboard in both languages, as it is at first and as it is with something in it, and writes
+/// a picture of each.
+void pictureDashboard(const QDir& folder);
+
+}  // namespace tavrelon::testing

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusReply>
+
+namespace tavrelon::testing {
+
+/// Where the accessibility bus of this session is. Starts it when it is not there yet.
+inline QString accessibilityBusAddress() {
+    const QDBusReply<QString> address = QDBusConnection::sessionBus().call(
+        QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
+                                       QStringLiteral("org.a11y.Bus"), QStringLiteral("GetAddress")));
+    return address.value();
+}
+
+}  // namespace tavrelon::testing

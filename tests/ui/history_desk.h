@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QTemporaryDir>
+
+#include "support/test_desktop.h"
+#include "ui/history/history_model.h"
+
+namespace tavrelon::testing {
+
+/// The history and its page over fakes, with a real folder for its pictures.
+struct HistoryDesk {
+    QTemporaryDir folder;
+    TestDesktop desktop;
+    persistence::StorageManager storage{desktop.defaultsStore, desktop.fileSystem, desktop.log, desktop.loop,
+                                        desktop.platform.applicationSupport};
+    persistence::HistoryManager history{desktop.fileSystem, desktop.log, folder.path(), 20};
+    ui::HistoryModel page{storage, history, QLocale(QStringLiteral("en_US"))};
+};
+
+}  // namespace tavrelon::testing
