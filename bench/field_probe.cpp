@@ -4,7 +4,7 @@
 //   field-probe caret COUNT         the caret's place
 //   field-probe hung PROCESS        the first read of a stopped application, and the next ones
 //   field-probe write TEXT-LENGTH   a text into the field, until the field holds it
-//   field-probe picture COUNT       the window as JPEG, and the encoding of the same pixels alone
+//   field-probe picture COUNT       the window as JPEG; fetching its pixels alone and encoding them alone
 #include <signal.h>
 
 #include <QApplication>
@@ -231,9 +231,15 @@ void measurePictures(Desk& desk, int count) {
             "no picture");
     image->pixels.detach();  // into memory of this process alone
     image->memory.reset();
+    const auto connection = desktop::X11Connection::open().value();
+    desktop::ScreenPixels pixels(connection->get());
+    const desktop::ScreenArea area{0, 0, image->width, image->height};
+    const auto fetch = [&] { return pixels.fetch(connection->root(), area, Clock::now() + 2s).has_value(); };
+    require(fetch(), "no pixels");  // the first time, memory is made for them
     for (int i = 0; i < count; ++i) {
         report("window to JPEG",
                timeOf([&] { require(desk.finish(desk.capturer.captureScreenshot()).has_value(), "no picture"); }));
+        report("fetching alone", timeOf(fetch));
         report("encoding alone", timeOf([&] { bench::encodeJpegAlone(*image, 70); }));
     }
 }
