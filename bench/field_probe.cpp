@@ -4,7 +4,7 @@
 //   field-probe caret COUNT         the caret's place
 //   field-probe hung PROCESS        the first read of a stopped application, and the next ones
 //   field-probe write accessibility|request|paste|typing TEXT-LENGTH COUNT   a text into the field, until it is there
-//   field-probe picture COUNT       the window as JPEG, and the encoding of the same pixels alone
+//   field-probe picture COUNT       the window as JPEG; fetching its pixels alone and encoding them alone
 #include <signal.h>
 
 #include <QApplication>
@@ -88,9 +88,14 @@ class Desk : public bench::DesktopAdapters<NoLog> {
     template <typename T>
     T finish(async::Task<T> task) {
         std::optional<T> result;
+        QEventLoop wait;
         async::TaskScope scope(loop);
-        scope.spawn(keep(std::move(task), result));
-        require(eventually([&] { return result.has_value(); }), "a task does not end");
+        scope.spawn(keep(std::move(task), result, wait));
+        if (!result) {
+            QTimer::singleShot(20s, &wait, &QEventLoop::quit);
+            wait.exec();
+        }
+        require(result.has_value(), "a task does not end");
         return *std::move(result);
     }
     void finish(async::Task<void> task) { finish(done(std::move(task))); }
@@ -110,8 +115,9 @@ class Desk : public bench::DesktopAdapters<NoLog> {
 
  private:
     template <typename T>
-    static async::Task<void> keep(async::Task<T> task, std::optional<T>& result) {
+    static async::Task<void> keep(async::Task<T> task, std::optional<T>& result, QEventLoop& wait) {
         result = co_await std::move(task);
+        wait.quit();
     }
     static async::Task<bool> done(async::Task<void> task) {
         co_await std::move(task);
@@ -208,9 +214,17 @@ void measurePictures(Desk& desk, int count) {
     std::optional<platform::Image> image;
     require(eventually([&] { return (image = desk.finish(desk.capturer.captureFocusedWindowImage())).has_value(); }),
             "no picture");
+    image->pixels.detach();  // into memory of this process alone
+    image->memory.reset();
+    const auto connection = desktop::X11Connection::open().value();
+    desktop::ScreenPixels pixels(connection->get());
+    const desktop::ScreenArea area{0, 0, image->width, image->height};
+    const auto fetch = [&] { return pixels.fetch(connection->root(), area, Clock::now() + 2s).has_value(); };
+    require(fetch(), "no pixels");  // the first time, memory is made for them
     for (int i = 0; i < count; ++i) {
         report("window to JPEG",
                timeOf([&] { require(desk.finish(desk.capturer.captureScreenshot()).has_value(), "no picture"); }));
+        report("fetching alone", timeOf(fetch));
         report("encoding alone", timeOf([&] { bench::encodeJpegAlone(*image, 70); }));
     }
 }

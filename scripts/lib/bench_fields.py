@@ -30,8 +30,9 @@ WAYS = {
     PASTE: Way("paste", "The text on the clipboard and one Control+V, nothing else: the floor of every paste."),
     TYPING: Way("typing", "Key by key, 1 ms apart, as scripts often do it.", "{length} ms of waits between the keys"),
 }
-WHOLE, ALONE, RATIO = ("window of 1920 by 1080 to JPEG", "window of 1920 by 1080, encoding alone",
-                       "window of 1920 by 1080 to JPEG, beside the encoding alone")
+WHOLE, FETCHED, ALONE, RATIO = (
+    "window of 1920 by 1080 to JPEG", "window of 1920 by 1080, its pixels from the X server alone",
+    "window of 1920 by 1080, encoding alone", "window of 1920 by 1080 to JPEG, beside the encoding alone")
 
 
 def read_row(length, kind):
@@ -60,6 +61,7 @@ def writing_rows(kind):
 
 ROWS = [row for kind in EDITORS for row in reading_rows(kind) + writing_rows(kind)] + [
     Row(WHOLE, "ms", "The picture that goes along with a request.", limit=f"{{{ALONE}}}: libjpeg-turbo alone"),
+    Row(FETCHED, "ms", "The copy that the X server makes, through shared memory."),
     Row(ALONE, "ms", "libjpeg-turbo on the same pixels."),
     Row(RATIO, "times", "", aim=1.3, limit="1, if the pixels came for nothing",
         missed="beside the encoding, 8 MB of pixels are fetched from the X server and the pointer is drawn in")]
@@ -105,12 +107,13 @@ def writing(bench, report, folder, kind):
 
 
 def pictures(bench, report, folder):
-    with report.step(WHOLE, ALONE, RATIO), editor_with("mousepad", 20_000, folder) as editor:
+    with report.step(WHOLE, FETCHED, ALONE, RATIO), editor_with("mousepad", 20_000, folder) as editor:
         screen.press("F11")
         wait_for("the whole screen", lambda: "1920x1080" in screen.run("xdotool", "getwindowgeometry",
                                                                        editor.window).stdout)
         taken = measured(bench, "picture", bench.extent.requests)
         whole, alone = taken["window to JPEG"], taken["encoding alone"]
+        report.take(FETCHED, taken["fetching alone"])
         report.take(ALONE, alone)
         report.take(WHOLE, whole)
         report.take(RATIO, [one / other for one, other in zip(whole, alone)])

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <memory>
 
 namespace tavrelon::platform {
 
@@ -10,7 +11,11 @@ struct Image {
     int width = 0;
     int height = 0;
     QByteArray pixels;
-    bool operator==(const Image&) const = default;
+    std::shared_ptr<const void> memory{};  ///< where the pixels are, if not in the array's own
+
+    bool operator==(const Image& other) const {
+        return width == other.width && height == other.height && pixels == other.pixels;
+    }
 };
 
 }  // namespace tavrelon::platform

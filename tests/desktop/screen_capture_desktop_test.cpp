@@ -170,6 +170,26 @@ TEST_F(ScreenPictures, AnExpectedPictureIsNotLostWhenSomethingCoversTheWindow) {
     EXPECT_EQ(countOf(windowPicture(), red), 0) << "nothing keeps what was there";
 }
 
+TEST_F(ScreenPictures, PixelsComeThroughMemoryThatIsUsedAgainOnceNobodyHasThePicture) {
+    const auto connection = desktop::X11Connection::open().value();
+    desktop::ScreenGeometry geometry(connection->get(), connection->root());
+    desktop::ScreenPixels pixels(connection->get());
+    desktop::WindowPixels windows(connection->get(), connection->root(), geometry, pixels);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto frame = geometry.frameOf(target.window(), deadline).value();
+    const auto fetch = [&] { return windows.fetch(frame, deadline).value(); };
+
+    const auto kept = fetch().image();
+    ASSERT_TRUE(pixels.sharesMemory());
+    painter.fill(target.window(), green);
+    auto second = std::optional(fetch());
+    EXPECT_EQ(countOf(second->image(), green), targetPixels);
+    const auto* const place = second->pixels.get();
+    second.reset();
+    EXPECT_EQ(fetch().pixels.get(), place);
+    EXPECT_EQ(countOf(kept, red), targetPixels) << "stays as it was";
+}
+
 TEST_F(ScreenPictures, AWindowHalfOffTheScreenIsShownWhole) {
     moveTo(-150, 150);
     ASSERT_LT(painter.onScreen(target.window()).x, -100);

@@ -1,9 +1,10 @@
 #include "desktop/qt/qt_image_codec.h"
 
+#include <turbojpeg.h>
+
 #include <QBuffer>
 #include <QImage>
 #include <QImageReader>
-#include <QImageWriter>
 #include <algorithm>
 #include <cmath>
 #include <variant>
@@ -21,41 +22,44 @@ QByteArray encoded(const QImage& picture, const char* format) {
     return picture.save(&buffer, format) ? bytes : QByteArray();
 }
 
-/// Shares the bytes, which must outlive the result.
-QImage view(const platform::Image& image) {
-    const qsizetype rowBytes = qsizetype{image.width} * 4;
-    if (image.width <= 0 || image.height <= 0 || image.pixels.size() != rowBytes * image.height)
-        return {};
-    return {reinterpret_cast<const uchar*>(image.pixels.constData()), image.width, image.height, rowBytes,
-            QImage::Format_RGB32};
+bool isPicture(const platform::Image& image) {
+    return image.width > 0 && image.height > 0 && image.pixels.size() == qsizetype{4} * image.width * image.height;
+}
+
+const uchar* pixelsOf(const platform::Image& image) {
+    return reinterpret_cast<const uchar*>(image.pixels.constData());
 }
 
 std::optional<QByteArray> encodeJpeg(const platform::Image& image, double quality) {
-    const auto picture = view(image);
-    if (picture.isNull())
+    if (!isPicture(image))
         return std::nullopt;
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, "jpeg");
-    writer.setQuality(static_cast<int>(std::lround(std::clamp(quality, 0.0, 1.0) * 100)));
-    if (!writer.write(picture))
+    // Not by Qt, which first makes rows of another order.
+    const std::unique_ptr<void, decltype(&tjDestroy)> compressor(tjInitCompress(), tjDestroy);
+    uchar* written = nullptr;
+    unsigned long size = 0;
+    const auto percent = static_cast<int>(std::lround(std::clamp(quality, 0.01, 1.0) * 100));
+    const int failed = tjCompress2(compressor.get(), pixelsOf(image), image.width, 0, image.height, TJPF_BGRX, &written,
+                                   &size, TJSAMP_420, percent, TJFLAG_ACCURATEDCT);
+    const std::unique_ptr<uchar, decltype(&tjFree)> owner(written, tjFree);
+    if (failed)
         return std::nullopt;
-    return bytes;
+    return QByteArray(reinterpret_cast<const char*>(written), static_cast<qsizetype>(size));
 }
 
 std::optional<platform::Image> scale(const platform::Image& image, int width, int height) {
-    const auto picture = view(image);
-    if (picture.isNull() || width <= 0 || height <= 0)
+    if (!isPicture(image) || width <= 0 || height <= 0)
         return std::nullopt;
+    const QImage picture(pixelsOf(image), image.width, image.height, QImage::Format_RGB32);
     // The smooth transformation averages all pixels that fall into one, so small text stays legible.
-    const auto result = picture.scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                            .convertToFormat(QImage::Format_RGB32);
-    if (result.isNull())
+    const auto result =
+        std::make_shared<const QImage>(picture.scaled(width, height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                                           .convertToFormat(QImage::Format_RGB32));
+    if (result->isNull())
         return std::nullopt;
     // Rows of four-byte pixels have no gaps.
-    return platform::Image{width, height,
-                           QByteArray(reinterpret_cast<const char*>(result.constBits()), result.sizeInBytes())};
+    return platform::Image{
+        width, height,
+        QByteArray::fromRawData(reinterpret_cast<const char*>(result->constBits()), result->sizeInBytes()), result};
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 namespace tavrelon::desktop {
 
 using platform::CaptureError;
-using platform::Image;
 using platform::ShareableContent;
 using platform::ShareableDisplay;
 using platform::ShareableWindow;
@@ -65,9 +64,15 @@ X11ScreenCapture::~X11ScreenCapture() {
 }
 
 void X11ScreenCapture::run() {
+    const auto isWanted = [this] { return stop_ || !jobs_.empty(); };
     std::unique_lock lock(mutex_);
     for (;;) {
-        changed_.wait(lock, [this] { return stop_ || !jobs_.empty(); });
+        if (pixels_.sharesMemory() && !changed_.wait_for(lock, idleLife, isWanted)) {
+            lock.unlock();
+            pixels_.endSharing();
+            lock.lock();
+        }
+        changed_.wait(lock, isWanted);
         if (stop_)
             return;
         const auto job = std::move(jobs_.front());
@@ -154,10 +159,7 @@ X11ScreenCapture::Picture X11ScreenCapture::takeWindow(xcb_window_t window) {
     const auto frame = geometry_.frameOf(window, deadline);
     if (!frame || !frame->isViewable)
         return std::unexpected(error("The window is no longer on the screen."));
-    auto image = windows_.fetch(*frame, deadline);
-    if (image)
-        addCursor(*image, frame->area.x, frame->area.y, deadline);
-    return image;
+    return withCursor(windows_.fetch(*frame, deadline), frame->area.x, frame->area.y, deadline);
 }
 
 X11ScreenCapture::Picture X11ScreenCapture::takeDisplay(std::size_t index) {
@@ -166,17 +168,16 @@ X11ScreenCapture::Picture X11ScreenCapture::takeDisplay(std::size_t index) {
     if (index >= monitors.size())
         return std::unexpected(error("The display is no longer there."));
     const auto& area = monitors[index];
-    auto image = pixels_.fetch(connection_->root(), area.intersected(geometry_.screen(deadline)), deadline);
-    if (image)
-        addCursor(*image, area.x, area.y, deadline);
-    return image;
+    const auto shown = area.intersected(geometry_.screen(deadline));
+    return withCursor(pixels_.fetch(connection_->root(), shown, deadline), area.x, area.y, deadline);
 }
 
-void X11ScreenCapture::addCursor(Image& image, int x, int y, XDeadline deadline) {
-    if (!hasCursor_)
-        return;
-    if (const auto cursor = cursorNow(connection_->get(), deadline))
-        drawCursor(image, *cursor, x, y);
+X11ScreenCapture::Picture X11ScreenCapture::withCursor(const FetchOutcome& fetched, int x, int y, XDeadline deadline) {
+    if (!fetched)
+        return std::unexpected(fetched.error());
+    if (const auto cursor = hasCursor_ ? cursorNow(connection_->get(), deadline) : std::nullopt)
+        drawCursor(*fetched, *cursor, x, y);
+    return fetched->image();
 }
 
 void X11ScreenCapture::discardEvents() {

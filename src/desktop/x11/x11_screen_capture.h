@@ -20,6 +20,8 @@ class X11ScreenCapture : public platform::ScreenCapture {
  public:
     /// For all that one call needs of the X server.
     static constexpr std::chrono::milliseconds limit{2000};
+    /// How long memory waits for the next picture.
+    static constexpr std::chrono::seconds idleLife{3};
 
     /// The referents must outlive this object. The error is a sentence for the log.
     static std::expected<std::unique_ptr<X11ScreenCapture>, QString> create(async::MainLoop& loop, platform::Log& log,
@@ -50,7 +52,7 @@ class X11ScreenCapture : public platform::ScreenCapture {
     Content findContent(const std::vector<platform::RunningApplication>& applications);
     Picture takeWindow(xcb_window_t window);
     Picture takeDisplay(std::size_t index);
-    void addCursor(platform::Image& image, int x, int y, XDeadline deadline);
+    Picture withCursor(const FetchOutcome& fetched, int x, int y, XDeadline deadline);
     void discardEvents();
 
     async::MainLoop& loop_;

@@ -32,19 +32,18 @@ std::optional<CursorPicture> cursorNow(xcb_connection_t* connection, XDeadline d
                          .pixels = {first, first + count}};
 }
 
-void drawCursor(platform::Image& image, const CursorPicture& cursor, int imageX, int imageY) {
-    const auto shown = cursor.area.intersected({imageX, imageY, image.width, image.height});
+void drawCursor(const FetchedPicture& picture, const CursorPicture& cursor, int pictureX, int pictureY) {
+    const auto shown = cursor.area.intersected({pictureX, pictureY, picture.width, picture.height});
     if (shown.isEmpty())
         return;
-    auto* const pixels = reinterpret_cast<unsigned char*>(image.pixels.data());
     for (int y = shown.y; y < shown.y + shown.height; ++y)
         for (int x = shown.x; x < shown.x + shown.width; ++x) {
             const auto from =
                 static_cast<std::size_t>(y - cursor.area.y) * static_cast<std::size_t>(cursor.area.width) +
                 static_cast<std::size_t>(x - cursor.area.x);
-            const auto to = static_cast<std::size_t>(y - imageY) * static_cast<std::size_t>(image.width) +
-                            static_cast<std::size_t>(x - imageX);
-            blend(pixels + 4 * to, cursor.pixels[from]);
+            const auto to = static_cast<std::size_t>(y - pictureY) * static_cast<std::size_t>(picture.width) +
+                            static_cast<std::size_t>(x - pictureX);
+            blend(picture.pixels.get() + 4 * to, cursor.pixels[from]);
         }
 }
 

@@ -2,8 +2,7 @@
 
 #include <vector>
 
-#include "desktop/x11/x11_screen_geometry.h"
-#include "platform/image.h"
+#include "desktop/x11/x11_screen_pixels.h"
 
 namespace tavrelon::desktop {
 
@@ -17,6 +16,6 @@ struct CursorPicture {
 std::optional<CursorPicture> cursorNow(xcb_connection_t* connection, XDeadline deadline);
 
 /// Draws the pointer on a picture whose first pixel is at this place of the screen.
-void drawCursor(platform::Image& image, const CursorPicture& cursor, int imageX, int imageY);
+void drawCursor(const FetchedPicture& picture, const CursorPicture& cursor, int pictureX, int pictureY);
 
 }  // namespace tavrelon::desktop

@@ -76,10 +76,17 @@ ScreenArea ScreenGeometry::screen(XDeadline deadline) {
 }
 
 std::optional<ScreenGeometry::Placed> ScreenGeometry::placeOf(xcb_window_t window, XDeadline deadline) {
-    const auto askedGeometry = xcb_get_geometry(connection_, window).sequence;
-    const auto askedAttributes = xcb_get_window_attributes(connection_, window).sequence;
-    const auto geometry = awaitXReply<xcb_get_geometry_reply_t>(connection_, askedGeometry, deadline);
-    const auto attributes = awaitXReply<xcb_get_window_attributes_reply_t>(connection_, askedAttributes, deadline);
+    return takePlace(askPlace(window), deadline);
+}
+
+ScreenGeometry::PlaceQuestion ScreenGeometry::askPlace(xcb_window_t window) {
+    return {.geometry = xcb_get_geometry(connection_, window).sequence,
+            .attributes = xcb_get_window_attributes(connection_, window).sequence};
+}
+
+std::optional<ScreenGeometry::Placed> ScreenGeometry::takePlace(PlaceQuestion asked, XDeadline deadline) {
+    const auto geometry = awaitXReply<xcb_get_geometry_reply_t>(connection_, asked.geometry, deadline);
+    const auto attributes = awaitXReply<xcb_get_window_attributes_reply_t>(connection_, asked.attributes, deadline);
     if (!geometry || !attributes)
         return std::nullopt;
     const int border = geometry->border_width;
@@ -138,10 +145,14 @@ bool ScreenGeometry::isCovered(const WindowFrame& frame, XDeadline deadline) {
     const auto own = std::ranges::find(windows, frame.topLevel);
     if (own == windows.end())
         return true;
-    return std::any_of(own + 1, windows.end(), [&](xcb_window_t above) {
-        const auto placed = placeOf(above, deadline);
-        return placed && placed->isViewable && !placed->area.intersected(frame.area).isEmpty();
-    });
+    // All at once: a desktop has dozens of them, most of which are not shown.
+    std::vector<PlaceQuestion> asked;
+    std::transform(own + 1, windows.end(), std::back_inserter(asked),
+                   [this](xcb_window_t above) { return askPlace(above); });
+    return std::ranges::count_if(asked, [&](const PlaceQuestion& question) {
+               const auto placed = takePlace(question, deadline);
+               return placed && placed->isViewable && !placed->area.intersected(frame.area).isEmpty();
+           }) > 0;
 }
 
 }  // namespace tavrelon::desktop

@@ -52,6 +52,13 @@ class ScreenGeometry {
         bool isViewable = false;
     };
 
+    struct PlaceQuestion {
+        unsigned int geometry = 0;
+        unsigned int attributes = 0;
+    };
+
+    PlaceQuestion askPlace(xcb_window_t window);
+    std::optional<Placed> takePlace(PlaceQuestion asked, XDeadline deadline);
     std::optional<Placed> placeOf(xcb_window_t window, XDeadline deadline);
     std::vector<xcb_window_t> topLevels(XDeadline deadline);
 

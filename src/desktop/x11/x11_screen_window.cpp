@@ -6,9 +6,6 @@
 
 namespace tavrelon::desktop {
 
-using platform::CaptureError;
-using platform::Image;
-
 namespace {
 
 /// How long an application may take to draw what was covered before.
@@ -55,27 +52,27 @@ WindowPixels::WindowPixels(xcb_connection_t* connection, xcb_window_t root, Scre
     canUncover_ = version && (version->major_version > 0 || version->minor_version >= 2);
 }
 
-std::expected<Image, CaptureError> WindowPixels::fetch(const WindowFrame& frame, XDeadline deadline) {
+FetchOutcome WindowPixels::fetch(const WindowFrame& frame, XDeadline deadline) {
     if (canUncover_) {
-        if (auto image = fetchApart(frame, deadline))
-            return *std::move(image);
+        if (auto picture = fetchApart(frame, deadline))
+            return *std::move(picture);
         if (geometry_.isCovered(frame, deadline)) {
             const auto apart = drawApart(frame, deadline);
-            if (auto image = fetchApart(frame, deadline))
-                return *std::move(image);
+            if (auto picture = fetchApart(frame, deadline))
+                return *std::move(picture);
         }
     }
     return pixels_.fetch(root_, frame.area.intersected(geometry_.screen(deadline)), deadline);
 }
 
-std::optional<Image> WindowPixels::fetchApart(const WindowFrame& frame, XDeadline deadline) {
+std::optional<FetchedPicture> WindowPixels::fetchApart(const WindowFrame& frame, XDeadline deadline) {
     const WindowPixmap pixmap(connection_, frame.topLevel, deadline);
     if (pixmap.area().isEmpty())
         return std::nullopt;
     std::this_thread::sleep_until(drawnAt_);
     const ScreenArea wanted{frame.insetX, frame.insetY, frame.area.width, frame.area.height};
-    auto image = pixels_.fetch(pixmap.identifier(), wanted.intersected(pixmap.area()), deadline);
-    return image ? std::optional(*std::move(image)) : std::nullopt;
+    auto picture = pixels_.fetch(pixmap.identifier(), wanted.intersected(pixmap.area()), deadline);
+    return picture ? std::optional(*std::move(picture)) : std::nullopt;
 }
 
 std::shared_ptr<void> WindowPixels::drawApart(const WindowFrame& frame, XDeadline deadline) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "desktop/x11/x11_screen_pixels.h"
 
 namespace tavrelon::desktop {
@@ -17,13 +15,13 @@ class WindowPixels {
     /// Whether windows can be taken by themselves.
     bool canUncover() const { return canUncover_; }
 
-    std::expected<platform::Image, platform::CaptureError> fetch(const WindowFrame& frame, XDeadline deadline);
+    FetchOutcome fetch(const WindowFrame& frame, XDeadline deadline);
 
     /// Has the window drawn apart for as long as the result lives, if it is not already.
     std::shared_ptr<void> drawApart(const WindowFrame& frame, XDeadline deadline);
 
  private:
-    std::optional<platform::Image> fetchApart(const WindowFrame& frame, XDeadline deadline);
+    std::optional<FetchedPicture> fetchApart(const WindowFrame& frame, XDeadline deadline);
 
     xcb_connection_t* connection_;
     xcb_window_t root_;
