@@ -10,6 +10,7 @@ namespace {
 TEST_P(WorkspaceContract, WithoutAWindowNothingIsInFront) {
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(workspace.frontmostWindowTitle(), std::nullopt);
+    EXPECT_EQ(workspace.frontmostWindowPlace(), std::nullopt);
     EXPECT_FALSE(workspace.isOwnApplicationActive());
 }
 
@@ -18,6 +19,8 @@ TEST_P(WorkspaceContract, TheFocusedWindowNamesItsApplication) {
     EXPECT_EQ(other.bundleIdentifier, QStringLiteral("Unheard-of"));
     EXPECT_EQ(other.localizedName, QStringLiteral("Unheard-of"));
     EXPECT_NE(other.windowIdentifier, 0U);
+    const auto place = workspace.frontmostWindowPlace();
+    EXPECT_TRUE(place && place->width > 0 && place->height > 0 && place->shadow == platform::WindowPlace::Shadow());
     EXPECT_FALSE(workspace.isOwnApplicationActive());
 
     const auto own = open(Process::Ours, QStringLiteral("Tavrelon"), QStringLiteral("Dashboard"));
