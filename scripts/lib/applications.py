@@ -32,7 +32,8 @@ written here.
 - **selection request**: a selected word, hotkey, hotkey; the model got the word and the answer replaced it (in a
   terminal it is typed at the prompt). Where accessibility gives no selection, the copy shortcut does.
 - **by accessibility**, **by paste**: the answer to a selection request, and to a typed one, was written in this way.
-- **caret**: the overlay is told where the caret is, and follows it to the right and to the next line.
+- **caret**: the overlay is told where the caret is, and follows it to the right and to the next line;
+  a click at that place finds the caret again (but in a terminal, where a click moves none).
 - **undo**: how often to undo until the selection request never happened.
 
 """

@@ -15,6 +15,19 @@ struct RunningApplication {
     bool operator==(const RunningApplication&) const = default;
 };
 
+/// A window's own area on the screen, in pixels from the upper left corner, without what the window manager puts around
+/// it.
+struct WindowPlace {
+    /// Widths of what the window draws around itself beyond its visible edge.
+    struct Shadow {
+        int left = 0, right = 0, top = 0, bottom = 0;
+        bool operator==(const Shadow&) const = default;
+    };
+    int x = 0, y = 0, width = 0, height = 0;  ///< with the shadow
+    Shadow shadow;
+    bool operator==(const WindowPlace&) const = default;
+};
+
 /// The applications of the session. Main thread; answers within a few milliseconds whatever the applications do.
 class Workspace {
  public:
@@ -25,6 +38,9 @@ class Workspace {
 
     /// The title of the window that has the focus.
     virtual std::optional<QString> frontmostWindowTitle() = 0;
+
+    /// Where the window lies that has the focus.
+    virtual std::optional<WindowPlace> frontmostWindowPlace() = 0;
 
     /// Whether one of our own windows has the focus.
     virtual bool isOwnApplicationActive() = 0;

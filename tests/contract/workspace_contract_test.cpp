@@ -121,6 +121,7 @@ class WorkspaceContract : public ::testing::TestWithParam<bool> {
 TEST_P(WorkspaceContract, WithoutAWindowNothingIsInFront) {
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(workspace.frontmostWindowTitle(), std::nullopt);
+    EXPECT_EQ(workspace.frontmostWindowPlace(), std::nullopt);
     EXPECT_FALSE(workspace.isOwnApplicationActive());
 }
 
@@ -129,6 +130,8 @@ TEST_P(WorkspaceContract, TheFocusedWindowNamesItsApplication) {
     EXPECT_EQ(other.bundleIdentifier, QStringLiteral("Unheard-of"));
     EXPECT_EQ(other.localizedName, QStringLiteral("Unheard-of"));
     EXPECT_NE(other.windowIdentifier, 0U);
+    const auto place = workspace.frontmostWindowPlace();
+    EXPECT_TRUE(place && place->width > 0 && place->height > 0 && place->shadow == platform::WindowPlace::Shadow());
     EXPECT_FALSE(workspace.isOwnApplicationActive());
 
     const auto own = open(Process::Ours, QStringLiteral("Tavrelon"), QStringLiteral("Dashboard"));

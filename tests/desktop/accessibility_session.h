@@ -23,6 +23,7 @@ class WindowManagerWorkspace : public platform::Workspace {
 
     std::optional<platform::RunningApplication> frontmostApplication() override;
     std::optional<QString> frontmostWindowTitle() override;
+    std::optional<platform::WindowPlace> frontmostWindowPlace() override { return std::nullopt; }
     bool isOwnApplicationActive() override { return false; }
     bool isTerminated(const platform::RunningApplication&) override { return false; }
     bool activate(const platform::RunningApplication&) override { return false; }

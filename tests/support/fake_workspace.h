@@ -14,6 +14,9 @@ class FakeWorkspace : public platform::Workspace {
 
     std::optional<platform::RunningApplication> frontmostApplication() override;
     std::optional<QString> frontmostWindowTitle() override;
+    std::optional<platform::WindowPlace> frontmostWindowPlace() override {
+        return frontmost_ ? std::optional(windowPlace) : std::nullopt;
+    }
     bool isOwnApplicationActive() override;
     bool isTerminated(const platform::RunningApplication& application) override;
     bool activate(const platform::RunningApplication& application) override;
@@ -34,6 +37,9 @@ class FakeWorkspace : public platform::Workspace {
 
     /// Whether the window in front has the keys too, or waits for them.
     void setKeyboardFollows(bool follows) { keyboardFollows_ = follows; }
+
+    /// Of whichever window is in front.
+    platform::WindowPlace windowPlace{.x = 100, .y = 80, .width = 800, .height = 600, .shadow = {}};
 
     /// The applications that were activated and the addresses that were opened, in order.
     const std::vector<platform::RunningApplication>& activated() const { return activated_; }

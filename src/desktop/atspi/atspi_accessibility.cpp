@@ -197,7 +197,7 @@ AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const 
 
 AtspiAccessibility::Result AtspiAccessibility::frameOf(const ObjectReference& field, AXAttribute attribute) {
     atspi::AtspiCalls calls(tracker_, turn().allowance);
-    const auto frame = atspi::FieldPlaces(calls, directory_).frameOf(field);
+    const auto frame = atspi::FieldPlaces(calls, directory_, workspace_).frameOf(field);
     return atspi::mapped(frame, [attribute](const platform::AXRect& rectangle) -> platform::AXValue {
         if (attribute == AXAttribute::Position)
             return rectangle.origin;
@@ -210,8 +210,8 @@ AtspiAccessibility::Result AtspiAccessibility::boundsOf(const ObjectReference& f
     if (!read)
         return std::unexpected(read.error());
     atspi::AtspiCalls calls(tracker_, turn().allowance);
-    const auto bounds =
-        atspi::FieldPlaces(calls, directory_).boundsOf(field, read->contents.value, read->inContents(range));
+    const auto bounds = atspi::FieldPlaces(calls, directory_, workspace_)
+                            .boundsOf(field, read->contents.value, read->inContents(range));
     return atspi::mapped(bounds, [](const platform::AXRect& rectangle) -> platform::AXValue { return rectangle; });
 }
 

@@ -5,25 +5,34 @@
 namespace tavrelon::desktop::atspi {
 
 using platform::AXError;
+using platform::AXPoint;
 using platform::AXRect;
 
 namespace {
 
-constexpr quint32 screenCoordinates = 0;
+constexpr quint32 screenCoordinates = 0, windowCoordinates = 1;
+constexpr double widestBorder = 32;
+constexpr double roundings = 2;
 constexpr double caretWidth = 1;
 
-QDBusMessage characterCall(const ObjectReference& field, qint64 offset) {
+QDBusMessage characterCall(const ObjectReference& field, qint64 offset, quint32 coordinates) {
     return methodCall(field, textInterface, "GetCharacterExtents",
-                      {QVariant::fromValue(static_cast<qint32>(offset)), screenCoordinates});
+                      {QVariant::fromValue(static_cast<qint32>(offset)), coordinates});
 }
 
-QDBusMessage frameCall(const ObjectReference& field) {
-    return methodCall(field, componentInterface, "GetExtents", {screenCoordinates});
+QDBusMessage frameCall(const ObjectReference& element, quint32 coordinates) {
+    return methodCall(element, componentInterface, "GetExtents", {coordinates});
 }
 
-std::optional<AXRect> taken(const AtspiCalls::Reply& reply) {
+AXRect moved(AXRect rectangle, AXPoint origin) {
+    rectangle.origin.x += origin.x;
+    rectangle.origin.y += origin.y;
+    return rectangle;
+}
+
+std::optional<AXRect> taken(const AtspiCalls::Reply& reply, AXPoint origin) {
     const auto rectangle = chain(reply, rectangleOf);
-    return rectangle ? std::optional(*rectangle) : std::nullopt;
+    return rectangle ? std::optional(moved(*rectangle, origin)) : std::nullopt;
 }
 
 bool contains(const AXRect& frame, const AXRect& part) {
@@ -77,13 +86,73 @@ std::optional<AXRect> believableBounds(const ReportedPlaces& reported, bool isCa
     return bounds;
 }
 
-std::expected<AXRect, AXError> FieldPlaces::frameOf(const ObjectReference& field) {
-    const auto toolkit = directory_.toolkitOf(field.busName, calls_);
-    if (!toolkit)
-        return std::unexpected(toolkit.error());
-    if (toolkit->places == Places::InWindowOnly)
+std::optional<AXPoint> originOfWindow(const platform::WindowPlace& place, const std::vector<AXRect>& frames) {
+    using Shadow = platform::WindowPlace::Shadow;
+    const auto& shadow = place.shadow;
+    for (const auto& frame : frames) {
+        const double aroundX = place.width - frame.size.width;
+        const double aroundY = place.height - frame.size.height;
+        if (frame.origin != AXPoint{0, 0})
+            continue;
+        if (aroundX == shadow.left + shadow.right && aroundY == shadow.top + shadow.bottom)
+            return AXPoint{static_cast<double>(place.x + shadow.left), static_cast<double>(place.y + shadow.top)};
+        if (shadow == Shadow() && aroundX == aroundY && aroundX >= 0 && aroundX <= 2 * widestBorder)
+            return AXPoint{place.x + aroundX / 2, place.y + aroundY / 2};
+    }
+    return std::nullopt;
+}
+
+bool knowsPlaceOfWindow(const platform::WindowPlace& place, const std::vector<AXRect>& frames) {
+    const auto& shadow = place.shadow;
+    const double left = place.x + shadow.left + roundings, top = place.y + shadow.top + roundings;
+    const double right = place.x + place.width - shadow.right - roundings;
+    const double bottom = place.y + place.height - shadow.bottom - roundings;
+    return frames.empty() || std::ranges::any_of(frames, [&](const AXRect& frame) {
+               return frame.origin.x <= left && frame.origin.x + frame.size.width >= right && frame.origin.y <= top &&
+                      frame.origin.y + frame.size.height >= bottom;
+           });
+}
+
+std::expected<std::vector<AXRect>, AXError> FieldPlaces::windowsOf(const QString& busName, quint32 coordinates) {
+    const ObjectReference application{busName, QLatin1String(rootPath)};
+    const auto windows = chain(calls_.send(methodCall(application, accessibleInterface, "GetChildren")), objectsOf);
+    if (!windows)
+        return std::unexpected(windows.error());
+    std::vector<QDBusMessage> questions;
+    for (const auto& window : *windows)
+        questions.push_back(frameCall(window, coordinates));
+    std::vector<AXRect> frames;
+    for (const auto& reply : calls_.send(questions))
+        if (const auto frame = taken(reply, {0, 0}); frame && !frame->isEmpty())
+            frames.push_back(*frame);
+    return frames;
+}
+
+std::expected<FieldPlaces::Coordinates, AXError> FieldPlaces::coordinatesOf(const QString& busName,
+                                                                            const Toolkit& toolkit) {
+    const bool onScreen = toolkit.places == Places::OnScreen;
+    const auto kind = onScreen ? screenCoordinates : windowCoordinates;
+    const auto windows = windowsOf(busName, kind);
+    if (!windows)
+        return std::unexpected(windows.error());
+    const auto place = workspace_.frontmostWindowPlace();
+    std::optional<AXPoint> origin;
+    if (!onScreen)
+        origin = place ? originOfWindow(*place, *windows) : std::nullopt;
+    else if (!place || knowsPlaceOfWindow(*place, *windows))
+        origin = AXPoint{0, 0};
+    if (!origin)
         return std::unexpected(AXError::AttributeUnsupported);
-    return chain(calls_.send(frameCall(field)), rectangleOf);
+    return Coordinates{kind, *origin};
+}
+
+std::expected<AXRect, AXError> FieldPlaces::frameOf(const ObjectReference& field) {
+    const auto coordinates = chain(directory_.toolkitOf(field.busName, calls_),
+                                   [&](const Toolkit& toolkit) { return coordinatesOf(field.busName, toolkit); });
+    if (!coordinates)
+        return std::unexpected(coordinates.error());
+    return mapped(chain(calls_.send(frameCall(field, coordinates->kind)), rectangleOf),
+                  [&](const AXRect& frame) { return moved(frame, coordinates->origin); });
 }
 
 std::expected<AXRect, AXError> FieldPlaces::boundsOf(const ObjectReference& field, const QString& value,
@@ -91,26 +160,28 @@ std::expected<AXRect, AXError> FieldPlaces::boundsOf(const ObjectReference& fiel
     const auto toolkit = directory_.toolkitOf(field.busName, calls_);
     if (!toolkit)
         return std::unexpected(toolkit.error());
-    if (toolkit->places == Places::InWindowOnly)
-        return std::unexpected(AXError::ParameterizedAttributeUnsupported);
+    const auto coordinates = coordinatesOf(field.busName, *toolkit);
+    if (!coordinates)
+        return std::unexpected(coordinates.error());
+    const auto [kind, origin] = *coordinates;
     const auto places = placesOf(value, range);
     const auto offset = [&](qint64 utf16) { return toApplicationOffset(value, utf16, toolkit->offsets); };
     const bool isCaret = places.start == places.end;
-    const auto textCall =
-        isCaret ? characterCall(field, offset(places.start))
-                : methodCall(field, textInterface, "GetRangeExtents",
-                             {QVariant::fromValue(static_cast<qint32>(offset(places.start))),
-                              QVariant::fromValue(static_cast<qint32>(offset(places.end))), screenCoordinates});
-    const auto replies = calls_.send({frameCall(field), textCall, characterCall(field, offset(places.before)),
-                                      characterCall(field, 0), characterCall(field, offset(places.lineBegins))});
+    const auto textCall = isCaret ? characterCall(field, offset(places.start), kind)
+                                  : methodCall(field, textInterface, "GetRangeExtents",
+                                               {QVariant::fromValue(static_cast<qint32>(offset(places.start))),
+                                                QVariant::fromValue(static_cast<qint32>(offset(places.end))), kind});
+    const auto replies =
+        calls_.send({frameCall(field, kind), textCall, characterCall(field, offset(places.before), kind),
+                     characterCall(field, 0, kind), characterCall(field, offset(places.lineBegins), kind)});
     if (!replies[0])
         return std::unexpected(replies[0].error());
     const bool hasNeighbour = places.start > places.lineBegins;
-    const ReportedPlaces reported{.frame = taken(replies[0]),
-                                  .text = taken(replies[1]),
-                                  .before = hasNeighbour ? taken(replies[2]) : std::nullopt,
-                                  .first = taken(replies[3]),
-                                  .linesBefore = taken(replies[4])};
+    const ReportedPlaces reported{.frame = taken(replies[0], origin),
+                                  .text = taken(replies[1], origin),
+                                  .before = hasNeighbour ? taken(replies[2], origin) : std::nullopt,
+                                  .first = taken(replies[3], origin),
+                                  .linesBefore = taken(replies[4], origin)};
     const auto bounds = believableBounds(reported, isCaret, places.lineBegins > 0);
     if (!bounds)
         return std::unexpected(AXError::NoValue);

@@ -46,14 +46,16 @@ bool X11WindowQueries::prepare(int screenNumber) {
     for (; screens.rem > 1 && screenNumber > 0; --screenNumber)
         xcb_screen_next(&screens);
     root_ = screens.data->root;
-    constexpr std::array<std::string_view, 9> names{
+    constexpr std::array<std::string_view, 10> names{
         "_NET_ACTIVE_WINDOW", "_NET_SUPPORTED", "_NET_SUPPORTING_WM_CHECK",
         "_NET_WM_PID",        "_NET_WM_NAME",   "_GTK_APPLICATION_ID",
-        "UTF8_STRING",        "WM_STATE",       "_NET_CLIENT_LIST_STACKING"};
-    std::array<xcb_atom_t*, 9> places{&atoms_.activeWindow,      &atoms_.supported,   &atoms_.supportingWindow,
-                                      &atoms_.processIdentifier, &atoms_.name,        &atoms_.applicationId,
-                                      &atoms_.utf8String,        &atoms_.windowState, &atoms_.clientsByStacking};
-    std::array<unsigned int, 9> asked{};
+        "UTF8_STRING",        "WM_STATE",       "_NET_CLIENT_LIST_STACKING",
+        "_GTK_FRAME_EXTENTS"};
+    std::array<xcb_atom_t*, 10> places{&atoms_.activeWindow,      &atoms_.supported,   &atoms_.supportingWindow,
+                                       &atoms_.processIdentifier, &atoms_.name,        &atoms_.applicationId,
+                                       &atoms_.utf8String,        &atoms_.windowState, &atoms_.clientsByStacking,
+                                       &atoms_.ownShadow};
+    std::array<unsigned int, 10> asked{};
     for (std::size_t i = 0; i < names.size(); ++i)
         asked[i] =
             xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(names[i].size()), names[i].data()).sequence;
@@ -168,6 +170,25 @@ std::optional<QString> X11WindowQueries::title(xcb_window_t window) {
     const auto askedOldName = ask(window, XCB_ATOM_WM_NAME);
     const auto name = take(askedName, deadline);
     return decodeTitle(name, take(askedOldName, deadline));
+}
+
+std::optional<platform::WindowPlace> X11WindowQueries::place(xcb_window_t window) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    const auto askedGeometry = xcb_get_geometry(connection_, window).sequence;
+    const auto askedOrigin = xcb_translate_coordinates(connection_, window, root_, 0, 0).sequence;
+    const auto askedShadow = ask(window, atoms_.ownShadow);
+    const auto geometry = await<xcb_get_geometry_reply_t>(askedGeometry, deadline);
+    const auto origin = await<xcb_translate_coordinates_reply_t>(askedOrigin, deadline);
+    const auto shadow = take(askedShadow, deadline).numbers();
+    if (!geometry || !origin)
+        return std::nullopt;
+    platform::WindowPlace place{
+        .x = origin->dst_x, .y = origin->dst_y, .width = geometry->width, .height = geometry->height, .shadow = {}};
+    constexpr std::uint32_t unbelievable = 1000;
+    if (shadow.size() == 4 && std::ranges::all_of(shadow, [](std::uint32_t width) { return width < unbelievable; }))
+        place.shadow = {static_cast<int>(shadow[0]), static_cast<int>(shadow[1]), static_cast<int>(shadow[2]),
+                        static_cast<int>(shadow[3])};
+    return place;
 }
 
 std::optional<QString> X11WindowQueries::decodeTitle(const Property& modern, const Property& old) const {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "desktop/x11/x11_reply_wait.h"
+#include "platform/workspace.h"
 
 namespace tavrelon::desktop {
 
@@ -51,6 +52,8 @@ class X11WindowQueries {
     X11WindowProperties properties(xcb_window_t window);
     std::optional<QString> title(xcb_window_t window);
 
+    std::optional<platform::WindowPlace> place(xcb_window_t window);
+
     /// Whether the primary selection is owned by the client that made this window.
     bool ownsPrimarySelection(xcb_window_t window);
 
@@ -74,7 +77,7 @@ class X11WindowQueries {
     using Deadline = XDeadline;
     struct Atoms {
         xcb_atom_t activeWindow, supported, supportingWindow, processIdentifier, name, applicationId, utf8String,
-            windowState, clientsByStacking;
+            windowState, clientsByStacking, ownShadow;
     };
     struct Property {
         xcb_atom_t type = XCB_ATOM_NONE;

@@ -73,6 +73,11 @@ std::optional<QString> X11Workspace::frontmostWindowTitle() {
     return window == XCB_NONE ? std::nullopt : windows_->title(window);
 }
 
+std::optional<platform::WindowPlace> X11Workspace::frontmostWindowPlace() {
+    const auto window = windows_->activeWindow();
+    return window == XCB_NONE ? std::nullopt : windows_->place(window);
+}
+
 bool X11Workspace::isOwnApplicationActive() {
     const auto window = windows_->activeWindow();
     return window != XCB_NONE && trustedProcess(windows_->properties(window)) == ::getpid();

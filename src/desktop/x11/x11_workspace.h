@@ -16,6 +16,7 @@ class X11Workspace : public platform::Workspace {
 
     std::optional<platform::RunningApplication> frontmostApplication() override;
     std::optional<QString> frontmostWindowTitle() override;
+    std::optional<platform::WindowPlace> frontmostWindowPlace() override;
     bool isOwnApplicationActive() override;
     bool isTerminated(const platform::RunningApplication& application) override;
     bool activate(const platform::RunningApplication& application) override;
