@@ -11,9 +11,6 @@ import screen
 from waiting import Fault, wait_for
 
 
-REFERENCE_DATE = 978307200  # 2001-01-01 in seconds of the epoch, from which the history counts
-
-
 class Program:
     """A child process whose output goes to a file. It ends with the `with` block."""
 
@@ -110,19 +107,11 @@ class Tavrelon(Program):
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)
 
     def newest_answer(self):
-        entry = self.newest_entry()
-        return entry["outputText"] if entry else None
-
-    def newest_date(self):
-        """Seconds of the epoch."""
-        return self.newest_entry()["timestamp"] + REFERENCE_DATE
-
-    def newest_entry(self):
         try:
             entries = json.loads(self.history.read_text(encoding="utf-8"))
         except (OSError, ValueError):
             return None
-        return entries[0] if entries else None
+        return entries[0]["outputText"] if entries else None
 
 
 EDITORS = {

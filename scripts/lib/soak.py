@@ -12,7 +12,7 @@ import soak_actions
 import soak_dashboard
 import soak_voice
 from soak_desk import HOTKEY, REST, STORED_HOTKEY, Desk
-from soak_health import Health
+from soak_health import MEGABYTE, Health
 from waiting import Fault
 
 
@@ -89,7 +89,8 @@ def run(desk, health, end, seed):
             raise Fault(f"step {number}, {action.__name__} in {field.kind}: {fault}\n    {last_lines}") from None
         health.take()
         done, missed = done + came_to_its_end, missed + (not came_to_its_end)
-        print(f"{number:4}  {time.monotonic() - began:5.1f} s  {action.__name__:24} {field.kind:11}{desk.layout}"
+        print(f"{number:4}  {time.monotonic() - began:5.1f} s  {action.__name__:24} {field.kind:11}{desk.layout:7}"
+              f"{health.samples[-1].memory // MEGABYTE:4} MB"
               f"{'' if came_to_its_end else '   (the machine was too busy for a key)'}", flush=True)
         if time.monotonic() > end:
             break

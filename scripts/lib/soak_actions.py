@@ -4,14 +4,12 @@ import signal
 import time
 
 import screen
-from clock import DAY, LAG
 from waiting import Fault, wait_for
 
 WORDS = ["hello", "make it short", "why", "say thanks", "question", "a list of plans", "rewrite", "please answer"]
 PIECES = ["Sure. ", "世界，", "👨‍👩‍👧", "é", "🇩🇪", "two  spaces ", "ß\\n\" ", "привет ", "100 % "]
 MULTILINE = ["\n", "tab\there "]
 UNANSWERED = "Failed to get .*, error: kAXErrorCannotComplete"  # by an application that hangs or is gone
-JUMPS = [0, 40, 4000, -1, -400]  # days away from the true time
 FAULTS = [{"status": 500, "body": "{}"}, {"status": 404, "body": "no such model"}, {"status": 200, "body": "not json"},
           {"fault": "reset"}, {"fault": "truncate", "content": "half"}, {"fault": "notHttp"}]
 
@@ -190,26 +188,6 @@ def killed_application(desk, dice, field):
         other.expect(text)
 
 
-def clock_jump(desk, dice, field):
-    """In the midst of a request, forth or back; nothing shows it but the date in the history."""
-    if not desk.clock:
-        return text_request(desk, dice, field)
-    answer = answer_for(desk, dice, field)
-    desk.service.answer_with({"content": answer, "delayMs": 1500})
-    field.clear()
-    mark = desk.begin()
-    field.type(request_places(desk, dice))
-    desk.clock.jump(dice.choice(JUMPS))
-    time.sleep(LAG)
-    desk.commit(mark)
-    desk.clock.jump(dice.choice(JUMPS))
-    desk.wait_for_answer(answer)
-    field.expect(answer)
-    away = desk.tavrelon.newest_date() - desk.clock.days * DAY - time.time()
-    if abs(away) > 60:
-        raise Fault(f"the date in the history is {away:.0f} s away from the clock of {desk.clock.days} days")
-
-
 def change_layout(desk, dice, field):
     desk.set_layout(*dice.choice([("us", 0), ("de", 0), ("us,ru", 0), ("us,ru", 1)]))
     text_request(desk, dice, field)
@@ -237,5 +215,5 @@ def expect_clipboard(desk, text):
 WEIGHTS = {
     text_request: 6, selection_request: 4, failing_request: 3, escape_while_listening: 2, escape_while_processing: 2,
     picture_request: 2, prompt_box: 3, master_switch: 1, hung_application: 1, killed_application: 1,
-    change_layout: 2, change_surroundings: 2, clock_jump: 2,
+    change_layout: 2, change_surroundings: 2,
 }

@@ -10,7 +10,6 @@ import time
 from pathlib import Path
 
 import screen
-from clock import Clock
 from dashboard import Dashboard
 from keyboard import Keyboard
 from programs import Program, StandIn, Tavrelon
@@ -59,12 +58,10 @@ class Desk:
         install_recogniser(self.build, self.home, [DICTATED, ASKED])
         self.service = self.running.enter_context(
             StandIn(self.build / "tests/support/tavrelon-stand-in-service", self.output / "service.log"))
-        # A sanitizer and a clock that jumps both want to come first.
-        self.clock = Clock(self.home / "clock") if self.build.name == "release" else None
         # Pictures of the screen have tests of their own, and cost a busy machine most.
         settings = {"screenshotMode": "none", "enableImagePromptEnhancement": False,
                     "voiceDictationSilenceTimeoutSeconds": SILENCE, "voiceInputSilenceTimeoutSeconds": SILENCE}
-        environment = {**self.sound.environment, **self.own_folders(), **(self.clock.environment if self.clock else {})}
+        environment = {**self.sound.environment, **self.own_folders()}
         self.tavrelon = self.running.enter_context(
             Tavrelon(self.build / "src/tavrelon", self.output / "tavrelon.log", self.home, self.service.port, settings,
                      environment))

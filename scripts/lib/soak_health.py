@@ -10,14 +10,14 @@ from waiting import Fault
 
 MEGABYTE = 1024
 # What may come on top of the first steps: caches of fonts and pictures, and what happens to be open at the moment.
-ALLOWANCE = {"memory": 12 * MEGABYTE, "threads": 3, "descriptors": 8, "files": 30}
+ALLOWANCE = {"memory": 8 * MEGABYTE, "threads": 3, "descriptors": 8, "files": 30}
 KINDS_THAT_STAY = {"", ".json", ".jpg", ".settings"}
 FEWEST = 12  # samples; fewer tell nothing
 
 
 @dataclass
 class Sample:
-    memory: int  # kB, the program's share
+    memory: int  # kB of its own; its share of libraries depends on who else is running
     threads: int
     descriptors: int
     files: int
@@ -31,7 +31,7 @@ class Health:
 
     def take(self):
         proc = Path(f"/proc/{self.pid}")
-        memory = int(re.search(r"^Pss:\s+(\d+)", (proc / "smaps_rollup").read_text(), re.MULTILINE).group(1))
+        memory = int(re.search(r"^Anonymous:\s+(\d+)", (proc / "smaps_rollup").read_text(), re.MULTILINE).group(1))
         files = sum(len(names) for folder in ("config", "data") for _, _, names in os.walk(self.home / folder))
         self.samples.append(Sample(memory, len(os.listdir(proc / "task")), len(os.listdir(proc / "fd")), files))
 
