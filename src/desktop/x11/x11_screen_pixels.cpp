@@ -4,7 +4,6 @@
 #include <sys/shm.h>
 #include <xcb/shm.h>
 
-#include <algorithm>
 
 namespace tavrelon::desktop {
 

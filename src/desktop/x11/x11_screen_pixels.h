@@ -20,8 +20,6 @@ class ScreenPixels {
     std::expected<platform::Image, platform::CaptureError> fetch(xcb_drawable_t drawable, const ScreenArea& area,
                                                                  XDeadline deadline);
 
-    bool sharesMemory() const { return segment_ != XCB_NONE; }
-
  private:
     bool share(std::size_t bytes, XDeadline deadline);
     void endSharing();
