@@ -4,7 +4,6 @@
 #include <sys/shm.h>
 #include <xcb/shm.h>
 
-
 namespace tavrelon::desktop {
 
 using platform::CaptureError;
