@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <array>
 #include <cstdint>
 
 namespace tavrelon::generation {
@@ -32,12 +31,10 @@ ChatProtocol chatProtocol(PollinationsModel model);
 
 /// Which model goes first when an image is sent.
 enum class VisionModelPreference : std::uint8_t { speed, quality };
-inline constexpr std::array allVisionModelPreferences{VisionModelPreference::speed, VisionModelPreference::quality};
 QString rawValue(VisionModelPreference preference);
 
 /// Where the user's Ollama server is.
 enum class OllamaMode : std::uint8_t { cloud, local };
-inline constexpr std::array allOllamaModes{OllamaMode::cloud, OllamaMode::local};
 QString rawValue(OllamaMode mode);
 
 }  // namespace tavrelon::generation

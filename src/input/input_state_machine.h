@@ -40,8 +40,6 @@ class InputStateMachine {
     std::optional<InputTrigger> activeTrigger() const { return activeTrigger_.value(); }
     QBindable<InputState> bindableCurrentState() { return &currentState_; }
     QBindable<QString> bindableCurrentTranscript() { return &currentTranscript_; }
-    QBindable<std::optional<QString>> bindableLastError() { return &lastError_; }
-    QBindable<std::optional<InputTrigger>> bindableActiveTrigger() { return &activeTrigger_; }
     const QString& typedInputBuffer() const { return typedInputBuffer_; }
 
     // What hotkeys and the prompt box call.

@@ -110,8 +110,19 @@ down and those after it answer. "after" is the time that a silent service costs.
 
 }  // namespace tavrelon::testing
 
+namespace {
+
+/// What Qt complains of is a fault of ours, and the user would find it in the log.
+void failOnComplaint(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type != QtDebugMsg && type != QtInfoMsg)
+        ADD_FAILURE() << "Qt complains: " << text.toStdString();
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
+    qInstallMessageHandler(failOnComplaint);
     ::testing::InitGoogleTest(&argc, argv);
     if (argc == 3 && std::string_view(argv[1]) == "--write-table")
         tavrelon::testing::fileToWrite = QString::fromLocal8Bit(argv[2]);

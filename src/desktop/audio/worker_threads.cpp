@@ -2,7 +2,6 @@
 
 #include <pthread.h>
 
-#include <algorithm>
 #include <chrono>
 
 namespace tavrelon::desktop {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QStringView>
 #include <array>
 
 #include "platform/document_reader.h"

@@ -39,7 +39,7 @@ void boundThisProcess() {
     ::signal(SIGXFSZ, SIG_IGN);  // a library that would write a cache shall merely fail to
     limit(RLIMIT_FSIZE, 0);
     limit(RLIMIT_CPU, 20);  // seconds
-#if !__has_feature(address_sanitizer)
+#if !__has_feature(address_sanitizer) && !__has_feature(thread_sanitizer)
     constexpr rlim_t gibibyte = rlim_t{1} << 30;  // of addresses, libraries included
     limit(RLIMIT_AS, gibibyte);
 #endif

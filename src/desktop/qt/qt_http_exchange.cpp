@@ -1,5 +1,6 @@
 #include "desktop/qt/qt_http_exchange.h"
 
+#include <QCoreApplication>
 #include <QNetworkAccessManager>
 #include <QSslError>
 
@@ -122,6 +123,8 @@ void QtHttpExchange::dropReply() {
     reply_.clear();
     reply->disconnect(this);
     reply->abort();
+    // Qt's network thread may have sent word of an error already, and an aborted reply takes that for a fault of Qt's.
+    QCoreApplication::removePostedEvents(reply, QEvent::MetaCall);
     reply->deleteLater();
 }
 
