@@ -86,7 +86,11 @@ int RunningTavrelon::terminate() {
     if (!process_.waitForFinished(20000))
         process_.kill();
     process_.waitForFinished(5000);
-    return process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    const int status = process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    if (status != 0)
+        qWarning("the program ended with %d:\n%s", status,
+                 qUtf8Printable(log().last(std::min<qsizetype>(log().size(), 6000))));
+    return status;
 }
 
 }  // namespace tavrelon::testing
