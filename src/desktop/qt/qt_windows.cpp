@@ -39,7 +39,9 @@ class QtWindow : public QObject, public platform::Window {
         giveTexturesBack(*view_);
         view_.reset();
         engine_.reset();
-        loop_.post([] { giveMemoryBack(); });
+        // What the view leaves to be deleted later would never be when the program's loop has ended.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        malloc_trim(0);  // what the views took lies in many small holes, which the allocator keeps unless told
     }
 
     void makeKeyAndOrderFront() override {
@@ -67,12 +69,6 @@ class QtWindow : public QObject, public platform::Window {
         QRect frame(QPoint(), view_->size());
         frame.moveCenter(screen->availableGeometry().center());
         view_->setPosition(frame.topLeft());
-    }
-
-    /// What the views took lies in many small holes: the allocator gives it back only when told to.
-    static void giveMemoryBack() {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        malloc_trim(0);
     }
 
     async::MainLoop& loop_;
