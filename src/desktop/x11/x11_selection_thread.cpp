@@ -237,6 +237,10 @@ void SelectionThread::advanceReadings() {
 
 void SelectionThread::beginReading() {
     catchUp();
+    if (connection_->isBroken()) {  // what we owned is nobody's any more
+        endReading(std::unexpected(PasteboardError::Failed));
+        return;
+    }
     if (server_.owns()) {
         const auto& content = server_.content();
         endReading(SelectionFindings{.item = content.item(), .forms = {}, .text = content.text()});
