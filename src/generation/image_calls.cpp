@@ -20,7 +20,7 @@ async::Task<QByteArray> PollinationsService::generateImageWithPollinations(QStri
         pollinationsCustomEnabled && pollinationsImageModelOverride && !pollinationsImageModelOverride->isEmpty();
     const auto url = image_wire::pollinationsUrl(pollinationsBaseURL(), prompt,
                                                  own ? *pollinationsImageModelOverride : identifier(imageModel));
-    log_.line("[Pollinations] Generating image: "_L1 + url.toString(QUrl::FullyEncoded));
+    log_.line("[Pollinations] Generating image: "_L1 + url.toString(QUrl::FullyEncoded | QUrl::RemoveUserInfo));
     auto request = imageGet(url, std::chrono::seconds(120));
     chat_wire::authorize(request, effectivePollinationsApiKey());
     auto image = image_wire::readPollinationsImage(co_await exchange(std::move(request)));

@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include "text/characters.h"
+#include "text/json_size.h"
 #include "text/tolerant_json.h"
 
 namespace tavrelon::generation {
@@ -38,7 +39,7 @@ std::optional<QString> extractToolPrompt(const Json& value) {
     if (!value.is_string())
         return std::nullopt;
     const auto& written = value.get_ref<const std::string&>();
-    const auto object = Json::parse(written, nullptr, false);
+    const auto object = text::isOpenableJson(written) ? Json::parse(written, nullptr, false) : Json();
     return object.is_object() ? promptOfObject(object) : text::trimmedOrAbsent(text::stringFrom(value));
 }
 

@@ -113,6 +113,9 @@ void InputStateMachine::resetToIdle() {
         lastError_ = std::nullopt;
         activeTrigger_ = std::nullopt;
     });
+    // A recording may have begun in the pause of a flow that is only now at its end.
+    if (currentState() == Case::listeningVoice)
+        voice_->cancel();
     voice_->stopSilenceTimer();
     initialTextSnapshot.reset();
     expectedScreenshot.reset();

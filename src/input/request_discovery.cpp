@@ -1,4 +1,5 @@
 // The first half of the text request pipeline: what did the user ask for?
+#include "async/waits.h"
 #include "input/text_difference.h"
 #include "input/text_request_pipeline.h"
 
@@ -41,8 +42,11 @@ async::Task<bool> TextRequestPipeline::readInput(TextRequest& request) {
     // The one case in which Copy is pressed in the user's application: nothing could be read, and the keys alone are
     // not enough.
     if (typed && !request.current && (text::isBlank(request.inputBuffer) || request.imeActive))
+        // To its end even when the request is cancelled: a copy under way would replace what is to be put back.
         request.clipboardSelection =
-            co_await services_.contextCapturer.selectionViaClipboard(capture::SelectAll::Allowed);
+            co_await async::shielded(services_.contextCapturer.selectionViaClipboard(capture::SelectAll::Allowed));
+    if (!machine_.isCurrentTask(request.id))
+        co_return false;
     request.requestText = chooseRequestText(request);
     co_return true;
 }
@@ -57,9 +61,14 @@ QString TextRequestPipeline::chooseRequestText(const TextRequest& request) {
                     .arg(text::characterCount(request.inputBuffer)));
         return request.inputBuffer;
     }
-    if (typed || request.transcriptInserted == TranscriptInserted::Yes)
-        return deriveInputText(request.initial, request.current).value_or(request.inputBuffer);
-    return request.inputBuffer;
+    if (!typed && request.transcriptInserted == TranscriptInserted::No)
+        return request.inputBuffer;
+    // A reading that failed or came too early shows no difference. Taking the whole field for the request would then
+    // delete all before the caret, although the keys or the transcript tell what was asked.
+    const bool foundInField = deriveRequestText(request.current, std::nullopt, request.initial).has_value();
+    if (!foundInField && !request.imeActive && !text::isBlank(request.inputBuffer))
+        return request.inputBuffer;
+    return deriveInputText(request.initial, request.current).value_or(request.inputBuffer);
 }
 
 void TextRequestPipeline::believeSelection(TextRequest& request) {

@@ -40,7 +40,9 @@ async::Task<void> VideoFlow::processVideoInput(QString text, std::vector<QByteAr
     const auto initial = machine_.initialTextSnapshot;
     const auto current = services_.contextCapturer.fetchFocusedTextSnapshot();
     machine_.initialTextSnapshot.reset();
-    const auto requestText = deriveInputText(initial, current).value_or(text);
+    // Not the whole field when nothing was typed: what stood there before would be deleted for the description.
+    const auto typed = deriveRequestText(current, std::nullopt, initial);
+    const auto requestText = typed ? typed->text : text;
     try {
         co_await describe(requestText, frames, id);
     } catch (const async::CancellationError&) {

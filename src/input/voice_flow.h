@@ -8,7 +8,7 @@
 namespace tavrelon::input {
 
 /// The two spoken inputs. Voice input writes the transcript into the field and treats it as a text request; dictation
-/// only writes it. Both record in `ListeningVoice` and end by their hotkey or by silence. Main thread.
+/// only writes it. Both record in `listeningVoice` and end by their hotkey or by silence. Main thread.
 class VoiceFlow {
  public:
     VoiceFlow(InputStateMachine& machine, const InputServices& services) : machine_(machine), services_(services) {}

@@ -52,6 +52,8 @@ async::Task<bool> VoiceFlow::tryInsertTranscript(QString text, QUuid id) {
     try {
         co_await insertTranscript(std::move(text), id);
         co_return true;
+    } catch (const async::CancellationError&) {
+        throw;
     } catch (const std::exception& error) {
         log(QStringLiteral("[StateMachine] Failed to insert voice transcript: ") + text::localizedDescription(error));
     }

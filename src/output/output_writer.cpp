@@ -65,8 +65,13 @@ async::Task<void> OutputWriter::replaceSelection(QString text) {
     if (!accessibility.isProcessTrusted())
         throw OutputWriterError(OutputWriterError::Code::permissionDenied);
     const auto application = platform_.workspace.frontmostApplication();
-    if (!application)
-        throw OutputWriterError(OutputWriterError::Code::noFrontmostApp);
+    if (!application) {
+        // A window that does not tell its process, as over a network, takes a paste all the same.
+        if (!platform_.workspace.frontmostWindowTitle())
+            throw OutputWriterError(OutputWriterError::Code::noFrontmostApp);
+        co_await pasteText(std::move(text));
+        co_return;
+    }
     const auto focused = accessibility.copyAttribute(platform::axApplicationElement(application->processIdentifier),
                                                      AXAttribute::FocusedUIElement);
     const auto* element = focused ? std::get_if<AXElement>(&*focused) : nullptr;

@@ -42,8 +42,6 @@ class HistoryManager {
     /// Where an entry's `outputImagePath` lies.
     QString resolvedImagePath(const QString& outputImagePath) const;
 
-    const QString& storageDirectory() const { return storageDirectory_; }
-
  private:
     void load();
     void save();

@@ -126,6 +126,22 @@ TEST_F(SpokenTest, ATranscriptThatWasInsertedStaysWhenTheAnswerIsCancelled) {
     EXPECT_EQ(desk.editor.text(), QStringLiteral("hello"));
 }
 
+TEST_F(SpokenTest, ARecordingThatTheLastFlowsEndTakesAwayLeavesNoMicrophoneOpen) {
+    desk.machine->handleVoiceDictationHotkey();
+    pass();
+    hear("one");
+    desk.machine->handleVoiceDictationHotkey();
+    desk.loop.advance(1s);
+    ASSERT_EQ(desk.state(), Case::completed);
+    desk.machine->handleVoiceDictationHotkey();
+    pass();
+    ASSERT_EQ(desk.state(), Case::listeningVoice);
+    ASSERT_TRUE(desk.audioInput.running);
+    desk.loop.runToEnd();
+    EXPECT_EQ(desk.state(), Case::idle);
+    EXPECT_FALSE(desk.audioInput.running);
+}
+
 TEST_F(SpokenTest, ATimeoutOfZeroKeepsTheRecordingOpen) {
     desk.change([](auto& settings) { settings.voiceInputSilenceTimeoutSeconds = 0; });
     desk.machine->handleVoiceHotkey();
@@ -167,6 +183,16 @@ TEST_F(SpokenTest, VideoFramesAreDescribedInPlaceOfTheTypedPrompt) {
     EXPECT_EQ(desk.generator.requests.front().input, QStringLiteral("what moves?"));
     EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
     EXPECT_EQ(desk.history.entries().front().intent, QStringLiteral("video"));
+}
+
+TEST_F(SpokenTest, AVideoWithNothingTypedLeavesTheFieldsTextAlone) {
+    desk.editor.open(QStringLiteral("before "));
+    desk.machine->startVideoInput();
+    pass();
+    desk.machine->stopVideoInput();
+    desk.loop.runToEnd();
+    EXPECT_EQ(desk.generator.requests.front().input, QStringLiteral("Describe the video."));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("before ANSWER"));
 }
 
 TEST_F(SpokenTest, VideoWithoutRightOrFramesIsAnError) {

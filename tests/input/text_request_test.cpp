@@ -112,6 +112,31 @@ TEST_F(TextRequestTest, AnOpaqueFieldIsAnsweredFromTheKeys) {
     EXPECT_EQ(desk.editor.text(), QStringLiteral("before ANSWER"));
 }
 
+TEST_F(TextRequestTest, AFieldThatIsSeenAtOneEndOnlyKeepsWhatStoodInIt) {
+    desk.editor.open(QStringLiteral("kept "), SimulatedEditor::Visibility::Opaque);
+    desk.toggle();
+    desk.editor.open(QStringLiteral("kept "));  // the user clicks into it only now
+    desk.type(QStringLiteral("hello"));
+    desk.toggle();
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("hello"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("kept ANSWER"));
+}
+
+TEST_F(TextRequestTest, EscapeAmidTheCopyOfASlowApplicationStillGivesTheClipboardBack) {
+    desk.editor.open(QString(), SimulatedEditor::Visibility::Opaque);
+    desk.pasteboard.copyElsewhere(QStringLiteral("precious"));
+    desk.toggle();
+    desk.toggle();
+    desk.loop.advance(30ms);
+    ASSERT_EQ(desk.state(), Case::processing);
+    desk.machine->cancelInput();
+    desk.pasteboard.copyElsewhere(QStringLiteral("selected"));  // the copy comes after the cancellation
+    finish();
+    EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("precious"));
+    EXPECT_TRUE(desk.generator.requests.empty());
+}
+
 TEST_F(TextRequestTest, AnOpaqueFieldWithoutKeysIsReadThroughTheClipboardWhichSurvives) {
     desk.editor.open(QStringLiteral("fix this please"), SimulatedEditor::Visibility::Opaque);
     desk.editor.select(4, 4);

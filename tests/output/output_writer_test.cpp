@@ -81,6 +81,10 @@ TEST_F(OutputWriterTest, ReplacingASelectionNeedsARightAndAnApplication) {
         }
         return std::optional<OutputWriterError::Code>();
     };
+    desk.editor.open(QString());
+    desk.workspace.tellsProcess = false;
+    EXPECT_EQ(code(), std::nullopt);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("new")) << "a window in front takes a paste";
     desk.workspace.focusNothing();
     EXPECT_EQ(code(), OutputWriterError::Code::noFrontmostApp);
     desk.accessibility.trusted = false;

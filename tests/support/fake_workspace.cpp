@@ -7,7 +7,7 @@ namespace tavrelon::testing {
 using platform::RunningApplication;
 
 std::optional<RunningApplication> FakeWorkspace::frontmostApplication() {
-    if (!frontmost_)
+    if (!frontmost_ || !tellsProcess)
         return std::nullopt;
     return windows_[*frontmost_].application;
 }

@@ -38,6 +38,8 @@ class FakeWorkspace : public platform::Workspace {
     /// Whether the window in front has the keys too, or waits for them.
     void setKeyboardFollows(bool follows) { keyboardFollows_ = follows; }
 
+    bool tellsProcess = true;  ///< otherwise there is a window in front, but no application
+
     /// Of whichever window is in front.
     platform::WindowPlace windowPlace{.x = 100, .y = 80, .width = 800, .height = 600, .shadow = {}};
 

@@ -4,6 +4,7 @@
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QQuickItem>
 #include <QQuickView>
 #include <QScreen>
 
@@ -36,6 +37,8 @@ class QtWindow : public QObject, public platform::Window {
     }
 
     ~QtWindow() override {
+        if (auto* root = view_->rootObject())
+            root->forceActiveFocus();  // a field that is being typed in hands its text on
         giveTexturesBack(*view_);
         view_.reset();
         engine_.reset();

@@ -21,6 +21,7 @@ Rectangle {
         property real grabbedAt
         anchors { fill: parent; margins: -4 }
         hoverEnabled: true
+        preventStealing: true  // by the drag that moves the window
         onPressed: mouse => grabbedAt = mapToItem(indicator.parent, 0, mouse.y).y - indicator.y
         onPositionChanged: mouse => {
             if (!pressed)

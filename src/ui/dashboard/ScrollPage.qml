@@ -11,7 +11,8 @@ Item {
     default property alias content: column.data
 
     function reveal(item) {
-        if (!item || !page.visible)
+        // A text follows its own caret.
+        if (!item || !page.visible || item instanceof TextEdit)
             return;
         let ancestor = item;
         while (ancestor && ancestor !== column)
@@ -66,29 +67,5 @@ Item {
             spacing: Look.gap
         }
     }
-    Rectangle {
-        id: indicator
-        readonly property real span: flick.height - 12
-        visible: flick.contentHeight > flick.height
-        anchors { right: parent.right; rightMargin: 5 }
-        y: 6 + span * flick.visibleArea.yPosition
-        width: 6
-        height: Math.max(30, span * flick.visibleArea.heightRatio)
-        radius: 3
-        color: Look.white(grip.containsMouse || grip.pressed ? 0.5 : 0.28)
-
-        MouseArea {
-            id: grip
-            property real grabbedAt
-            anchors { fill: parent; margins: -4 }
-            hoverEnabled: true
-            onPressed: mouse => grabbedAt = mapToItem(page, 0, mouse.y).y - indicator.y
-            onPositionChanged: mouse => {
-                if (!pressed)
-                    return;
-                const share = (mapToItem(page, 0, mouse.y).y - grabbedAt - 6) / indicator.span;
-                flick.contentY = Math.max(0, Math.min(share * flick.contentHeight, flick.contentHeight - flick.height));
-            }
-        }
-    }
+    ScrollIndicator { flickable: flick }
 }

@@ -10,6 +10,8 @@ Row {
     property var badges: []
 
     spacing: 8
+    Accessible.role: Accessible.StaticText
+    Accessible.name: [time].concat(badges.map(badge => badge.text)).join(", ")
 
     Text {
         anchors.verticalCenter: parent.verticalCenter

@@ -33,7 +33,7 @@ Item {
             boundsBehavior: Flickable.StopAtBounds
             model: page.model.groups
             Accessible.role: Accessible.List
-            Accessible.name: page.texts.search
+            Accessible.name: page.texts.applications
             delegate: HistoryAppRow {
                 x: 10
                 width: list.width - 20

@@ -7,8 +7,9 @@
 /// Every text of the history page. The page is in Chinese whatever the language of the interface.
 namespace tavrelon::ui {
 
-inline constexpr std::array<PageText, 4> historyTexts{{
+inline constexpr std::array<PageText, 5> historyTexts{{
     {u"search", u"搜索...", u"搜索..."},
+    {u"applications", u"应用列表", u"应用列表"},
     {u"clearAll", u"清除所有历史记录", u"清除所有历史记录"},
     {u"noHistory", u"暂无历史记录", u"暂无历史记录"},
     {u"chooseApplication", u"选择一个应用查看对话", u"选择一个应用查看对话"},

@@ -38,6 +38,7 @@ FocusScope {
     z: 900
     Keys.onEscapePressed: closed()
     Keys.onTabPressed: closed()
+    Keys.onBacktabPressed: closed()
     Keys.onReturnPressed: if (list.currentIndex >= 0) chosen(models.names[list.currentIndex]); else closed()
     Keys.onEnterPressed: if (list.currentIndex >= 0) chosen(models.names[list.currentIndex]); else closed()
     Keys.onPressed: event => {

@@ -124,6 +124,7 @@ async::Task<void> CloneSettingsModel::pickFile() {
 }
 
 void CloneSettingsModel::clear() {
+    clearMessages();
     store([](persistence::AppSettings& changed) {
         changed.cloneLanguageStyle.clear();
         changed.cloneSystemPrompt.clear();
