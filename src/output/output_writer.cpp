@@ -119,8 +119,8 @@ async::Task<void> OutputWriter::pressPaste() {
 }
 
 async::Task<QString> OutputWriter::writeImage(QByteArray data, std::optional<QString> caption, AutoPaste autoPaste) {
+    auto item = co_await platform_.imageCodec.pasteboardItem(std::move(data));
     platform_.pasteboard.clearContents();
-    auto item = platform_.imageCodec.pasteboardItem(data);
     if (!item) {
         if (caption)
             co_return *caption;

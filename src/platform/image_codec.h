@@ -9,13 +9,13 @@
 
 namespace tavrelon::platform {
 
-/// Decodes, encodes and scales pictures. Main thread; what returns a task works on another one.
+/// Decodes, encodes and scales pictures. Main thread; the work is done on another one.
 class ImageCodec {
  public:
     virtual ~ImageCodec() = default;
 
     /// The picture in the forms that applications paste, the best first; absent when the bytes are no picture.
-    virtual std::optional<PasteboardItem> pasteboardItem(const QByteArray& image) = 0;
+    virtual async::Task<std::optional<PasteboardItem>> pasteboardItem(QByteArray image) = 0;
 
     /// The picture as JPEG; `quality` goes from 0 to 1. Absent when it cannot be encoded.
     virtual async::Task<std::optional<QByteArray>> jpegRepresentation(Image image, double quality) = 0;

@@ -97,6 +97,10 @@ TEST(RtfText, BytesAreReadInTheCodePageOfTheirFont) {
     EXPECT_EQ(rtf("{\\rtf1\\ansi\\ansicpg936 \\'81A\\'81\\'5c}"), u"丄乗"_s)
         << "the second byte of a character may be a letter";
     EXPECT_EQ(rtf("{\\rtf1\\mac \\'8e}"), u"é"_s);
+    EXPECT_EQ(rtf("{\\rtf1\\ansi\\ansicpg1255 \\'f9\\'ec\\'e5\\'ed{\\b \\'f9}}"), u"שלוםש"_s)
+        << "a letter may wait for its vowel";
+    EXPECT_EQ(rtf("{\\rtf1\\ansi\\ansicpg1258 Vi\\'ea\\'f2t na}"),
+              u"Việt na"_s.normalized(QString::NormalizationForm_C));
     EXPECT_EQ(rtf("{\\rtf1\\ansicpg77777 \\'e9}"), u"é"_s);
     EXPECT_EQ(rtf("{\\rtf1\\ansicpg936 \\'c4}"), u"\uFFFD"_s) << "half a character";
 }

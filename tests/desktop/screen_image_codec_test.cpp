@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QImage>
 
 #include "desktop/qt/qt_image_codec.h"
@@ -64,6 +65,27 @@ TEST_F(ImageCodec, ScalingAveragesWhatFallsTogether) {
     const auto* const below = reinterpret_cast<const unsigned char*>(half->pixels.constData()) + 4 * (40 * 100 + 50);
     for (int channel = 0; channel < 3; ++channel)
         EXPECT_NEAR(below[channel], 128, 12);
+}
+
+TEST_F(ImageCodec, APictureIsOfferedAsPngAndBmpAndAPngAsItCame) {
+    QImage picture(3, 2, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    const auto bytesAs = [&picture](const char* format) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        picture.save(&buffer, format);
+        return bytes;
+    };
+    const auto item = [this](const QByteArray& bytes) { return runTaskOnQt(loop, codec.pasteboardItem(bytes)); };
+    picture.setText(QStringLiteral("Comment"), QStringLiteral("which a new encoding would leave out or move"));
+    const auto png = bytesAs("PNG");
+    EXPECT_EQ(item(png)->dataByType.front().second, png);
+    const auto fromJpeg = item(bytesAs("JPEG"));
+    ASSERT_EQ(fromJpeg->dataByType.size(), 2U);
+    EXPECT_EQ(fromJpeg->dataByType.front().first, QStringLiteral("image/png"));
+    EXPECT_GT(QImage::fromData(fromJpeg->dataByType.front().second, "PNG").pixelColor(1, 1).red(), 245);
+    EXPECT_FALSE(item("no picture"));
 }
 
 TEST_F(ImageCodec, WhatIsNoPictureIsAbsent) {

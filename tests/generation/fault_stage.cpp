@@ -56,8 +56,7 @@ QString lineAfter(const QStringList& lines, const QString& head) {
 QString described(const generation::GenerationResult& result) {
     if (!result.imageData)
         return "the answer: "_L1 + result.text.value_or(QString());
-    VirtualMainLoop loop;
-    if (desktop::QtImageCodec(loop).pasteboardItem(*result.imageData))
+    if (desktop::pasteboardItemOf(*result.imageData))
         return u"the picture"_s;
     return output::OutputWriterError(output::OutputWriterError::Code::invalidImageData).localizedDescription();
 }

@@ -11,10 +11,10 @@ class FakeImageCodec : public platform::ImageCodec {
  public:
     bool canEncode = true;
 
-    std::optional<platform::PasteboardItem> pasteboardItem(const QByteArray& image) override {
+    async::Task<std::optional<platform::PasteboardItem>> pasteboardItem(QByteArray image) override {
         if (!image.startsWith("picture"))
-            return std::nullopt;
-        return platform::PasteboardItem{{{QStringLiteral("image/png"), image}}};
+            co_return std::nullopt;
+        co_return platform::PasteboardItem{{{QStringLiteral("image/png"), image}}};
     }
 
     async::Task<std::optional<QByteArray>> jpegRepresentation(platform::Image image, double quality) override {

@@ -233,7 +233,8 @@ bool PulseConversation::record(int bufferSize, std::shared_ptr<platform::AudioTa
     if (stopped_ || over_)
         return false;
     wish_ = Wish{bufferSize, std::move(tap)};
-    pa_mainloop_wakeup(loop_);
+    if (loop_)  // else the thread has yet to begin, and will look at the wish before it waits
+        pa_mainloop_wakeup(loop_);
     return true;
 }
 

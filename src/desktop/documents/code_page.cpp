@@ -25,27 +25,36 @@ class Converter {
     QString decode(QByteArrayView bytes);
 
  private:
+    /// Appends what one call gives, at most a block. Returns the error that stopped it, 0 for none.
+    int step(char** input, std::size_t* left, QString& text);
+
     iconv_t handle_;
 };
 
 QString Converter::decode(QByteArrayView bytes) {
     QString text;
-    std::array<char16_t, 4096> block{};
     auto* input = const_cast<char*>(bytes.data());  // iconv only reads there
     auto left = static_cast<std::size_t>(bytes.size());
     while (left > 0) {
-        auto* output = reinterpret_cast<char*>(block.data());
-        std::size_t space = sizeof(block);
-        const bool stopped = ::iconv(handle_, &input, &left, &output, &space) == static_cast<std::size_t>(-1);
-        const int reason = stopped ? errno : 0;
-        text.append(QStringView(block.data(), static_cast<qsizetype>((sizeof(block) - space) / sizeof(char16_t))));
+        const int reason = step(&input, &left, text);
         if (reason != EILSEQ && reason != EINVAL)
             continue;
         text.append(QChar::ReplacementCharacter);
         ++input;
         --left;
     }
+    step(nullptr, nullptr, text);  // a letter that a mark might have followed is held back until then
     return text;
+}
+
+int Converter::step(char** input, std::size_t* left, QString& text) {
+    std::array<char16_t, 4096> block{};
+    auto* output = reinterpret_cast<char*>(block.data());
+    std::size_t space = sizeof(block);
+    const bool stopped = ::iconv(handle_, input, left, &output, &space) == static_cast<std::size_t>(-1);
+    const int reason = stopped ? errno : 0;
+    text.append(QStringView(block.data(), static_cast<qsizetype>((sizeof(block) - space) / sizeof(char16_t))));
+    return reason;
 }
 
 }  // namespace

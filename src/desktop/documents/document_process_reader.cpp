@@ -30,31 +30,36 @@ class Reading {
 
     Reading(const QString& program, const QStringList& arguments, const QByteArray& input, Done done)
         : done_(std::move(done)) {
-        QObject::connect(&process_, &QProcess::readyReadStandardOutput, &process_, [this] { collect(); });
-        QObject::connect(&process_, &QProcess::errorOccurred, &process_, [this](QProcess::ProcessError error) {
-            if (error == QProcess::FailedToStart)
-                finish(unsupported());
-        });
-        QObject::connect(&process_, &QProcess::finished, &process_,
+        QObject::connect(process_.get(), &QProcess::readyReadStandardOutput, process_.get(), [this] { collect(); });
+        QObject::connect(process_.get(), &QProcess::errorOccurred, process_.get(),
+                         [this](QProcess::ProcessError error) {
+                             if (error == QProcess::FailedToStart)
+                                 finish(unsupported());
+                         });
+        QObject::connect(process_.get(), &QProcess::finished, process_.get(),
                          [this](int code, QProcess::ExitStatus status) { ended(code, status); });
-        process_.setStandardErrorFile(QProcess::nullDevice());
-        process_.start(program, arguments);
-        process_.write(input);
-        process_.closeWriteChannel();
+        process_->setStandardErrorFile(QProcess::nullDevice());
+        process_->start(program, arguments);
+        process_->write(input);
+        process_->closeWriteChannel();
     }
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
     ~Reading() {
-        process_.disconnect();
-        process_.kill();
-        process_.waitForFinished();
+        process_->disconnect();
+        process_->kill();
+        // One that waits for a dead network drive ends when that answers, and until then nobody waits for it.
+        if (process_->state() != QProcess::NotRunning && !process_->waitForFinished(100)) {
+            auto* const left = process_.release();
+            QObject::connect(left, &QProcess::finished, left, &QObject::deleteLater);
+        }
     }
 
  private:
     void collect() {
-        output_ += process_.readAllStandardOutput();
+        output_ += process_->readAllStandardOutput();
         if (output_.size() > outputCap) {
-            process_.kill();
+            process_->kill();
             finish(unsupported());
         }
     }
@@ -79,7 +84,7 @@ class Reading {
             done(std::move(text));
     }
 
-    QProcess process_;
+    std::unique_ptr<QProcess> process_ = std::make_unique<QProcess>();
     QByteArray output_;
     Done done_;
 };

@@ -4,9 +4,10 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusVariant>
-#include <QProcess>
 #include <QStandardPaths>
 #include <array>
+
+#include "desktop/linux/process_launcher.h"
 
 namespace tavrelon::desktop {
 
@@ -53,7 +54,7 @@ bool openSettingsPane(SettingsPane pane) {
     const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':', Qt::SkipEmptyParts);
     const auto command = settingsCommand(
         pane, desktops, [](const QString& program) { return !QStandardPaths::findExecutable(program).isEmpty(); });
-    return command && QProcess::startDetached(command->first(), command->mid(1));
+    return command && startProgram(command->first(), command->mid(1));
 }
 
 void switchAccessibilityOn() {

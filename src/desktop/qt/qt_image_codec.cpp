@@ -64,12 +64,36 @@ std::optional<platform::Image> scale(const platform::Image& image, int width, in
 
 }  // namespace
 
+std::optional<platform::PasteboardItem> pasteboardItemOf(const QByteArray& image) {
+    QBuffer buffer;
+    buffer.setData(image);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);  // QImageReader's own allocation limit is the bound that the header names
+    reader.setAutoTransform(true);
+    const bool isPng = reader.format() == "png" && reader.transformation() == QImageIOHandler::TransformationNone;
+    const auto picture = reader.read();
+    if (picture.isNull())
+        return std::nullopt;
+    platform::PasteboardItem item;
+    for (const QByteArrayView format : {"png", "bmp"})
+        if (auto bytes = isPng && format == "png" ? image : encoded(picture, format.data()); !bytes.isEmpty())
+            item.dataByType.emplace_back(QStringLiteral("image/") + QLatin1StringView(format), std::move(bytes));
+    if (item.dataByType.empty())
+        return std::nullopt;
+    return item;
+}
+
 template <typename T>
 async::Task<T> QtImageCodec::inBackground(std::function<T()> work) {
     co_return co_await async::fromCallback<T>(loop_, [this, &work](auto resolver) {
         threads_.start([resolver, work]() mutable { resolver.resolve(work()); });
         return std::monostate();
     });
+}
+
+async::Task<std::optional<platform::PasteboardItem>> QtImageCodec::pasteboardItem(QByteArray image) {
+    co_return co_await inBackground<std::optional<platform::PasteboardItem>>(
+        [image = std::move(image)] { return pasteboardItemOf(image); });
 }
 
 async::Task<std::optional<QByteArray>> QtImageCodec::jpegRepresentation(platform::Image image, double quality) {
@@ -80,24 +104,6 @@ async::Task<std::optional<QByteArray>> QtImageCodec::jpegRepresentation(platform
 async::Task<std::optional<platform::Image>> QtImageCodec::scaled(platform::Image image, int width, int height) {
     co_return co_await inBackground<std::optional<platform::Image>>(
         [image = std::move(image), width, height] { return scale(image, width, height); });
-}
-
-std::optional<platform::PasteboardItem> QtImageCodec::pasteboardItem(const QByteArray& image) {
-    QBuffer buffer;
-    buffer.setData(image);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);  // QImageReader's own allocation limit is the bound that the header names
-    reader.setAutoTransform(true);
-    const auto picture = reader.read();
-    if (picture.isNull())
-        return std::nullopt;
-    platform::PasteboardItem item;
-    for (const char* format : {"png", "bmp"})
-        if (auto bytes = encoded(picture, format); !bytes.isEmpty())
-            item.dataByType.emplace_back(QStringLiteral("image/") + QLatin1StringView(format), std::move(bytes));
-    if (item.dataByType.empty())
-        return std::nullopt;
-    return item;
 }
 
 }  // namespace tavrelon::desktop

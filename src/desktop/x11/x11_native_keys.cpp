@@ -12,6 +12,9 @@ std::expected<std::unique_ptr<X11NativeKeys>, QString> X11NativeKeys::create() {
 }
 
 void X11NativeKeys::refresh() {
+    // The server tells every client of a changed keyboard; nobody else reads here.
+    while (const XPointer<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
+    }
     if (auto keyboard = X11Keyboard::fromServer(*connection_))
         keyboard_ = std::move(keyboard);
 }

@@ -13,8 +13,7 @@ const QString plain = QStringLiteral("text/plain");
 const QString latin1String = QStringLiteral("STRING");
 const QString anyText = QStringLiteral("TEXT");
 
-/// Latin-1 with the two control characters that the inter-client conventions allow, and the carriage return that
-/// every toolkit lets pass.
+/// Control characters pass, although the inter-client conventions allow two of them only: every toolkit lets them.
 bool fitsLatin1(const QString& text) {
     return std::ranges::all_of(text, [](QChar character) { return character.unicode() <= 0xff; });
 }

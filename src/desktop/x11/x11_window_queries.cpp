@@ -231,6 +231,7 @@ void X11WindowQueries::setInputFocus(xcb_window_t window) {
 }
 
 bool X11WindowQueries::isComposited() {
+    discardEvents();
     const auto deadline = std::chrono::steady_clock::now() + limit;
     const auto name = QByteArray("_NET_WM_CM_S") + QByteArray::number(screenNumber_);
     const auto named =
@@ -266,7 +267,7 @@ bool X11WindowQueries::requestActivation(xcb_window_t window) {
 }
 
 void X11WindowQueries::discardEvents() {
-    // We select no events; only errors of requests without an answer can arrive here.
+    // Errors of requests without an answer, and the news of a changed keyboard that every client gets unasked.
     while (auto* event = xcb_poll_for_event(connection_))
         std::free(event);
 }
