@@ -32,7 +32,7 @@ class Extent:
     def __init__(self, quick):
         self.keys, self.flood = (200, 1000) if quick else (2000, 10_000)
         self.starts, self.requests = (3, 2) if quick else (20, 12)
-        self.settle, self.idle = (3, 10) if quick else (10, 60)
+        self.settle, self.rest, self.idle = (3, 3, 10) if quick else (10, 40, 60)
         self.repetitions = 5 if quick else 40
         self.recordings = 2 if quick else 10
 

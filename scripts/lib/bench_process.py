@@ -52,7 +52,8 @@ ROWS = [
     *(Row(own_row(who), "MB", "What the program has written itself and shares with nobody, whatever else runs.")
       for who in WHO),
     Row(wake_ups_row("Tavrelon"), "", "How often any of its threads runs after a wait, in a minute without keys or "
-        "clicks. Each costs battery.", aim=0),
+        "clicks. The minute begins 40 seconds after the start: until then Qt ends threads of its own. Each costs "
+        "battery.", aim=0),
     *(Row(wake_ups_row(who), "") for who in PEERS),
 ]
 

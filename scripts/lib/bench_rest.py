@@ -32,7 +32,7 @@ def megabytes(pid, kind):
 
 def take(bench, report, pid, memory, own, wake_ups):
     """Looks at a program that nobody asks for anything, for the rows of these names."""
-    time.sleep(bench.extent.settle)
+    time.sleep(bench.extent.rest)
     woken = wake_ups_a_minute(pid, bench.extent.idle)
     report.take(memory, [megabytes(pid, "Pss")])
     report.take(own, [megabytes(pid, "Private_Dirty")])

@@ -1,5 +1,4 @@
 import QtQuick
-import "qrc:/tavrelon/ui/theme"
 
 /// A ring that breathes between two scales, and between two opacities where they differ.
 Rectangle {
@@ -19,7 +18,8 @@ Rectangle {
     radius: diameter / 2
     color: "transparent"
     border.width: 1
-    border.color: Theme.faded(tint, faintest + (strongest - faintest) * breath)
+    border.color: tint
+    opacity: faintest + (strongest - faintest) * breath  // not the colour, for which its corners were made anew
     scale: smallest + (largest - smallest) * breath
 
     SequentialAnimation on breath {

@@ -7,9 +7,10 @@ Rectangle {
 
     property color tint
     property int delay
+    property real grown: 6
 
     width: 3
-    height: 6
+    height: Math.round(grown * 2) / 2  // finer steps cost drawing that nobody sees
     radius: 1.5
     color: Theme.faded(tint, 0.9)
 
@@ -18,8 +19,8 @@ Rectangle {
         PauseAnimation { duration: bar.delay }
         SequentialAnimation {
             loops: Animation.Infinite
-            NumberAnimation { target: bar; property: "height"; from: 6; to: 16; duration: 550; easing.type: Easing.InOutQuad }
-            NumberAnimation { target: bar; property: "height"; from: 16; to: 6; duration: 550; easing.type: Easing.InOutQuad }
+            NumberAnimation { target: bar; property: "grown"; from: 6; to: 16; duration: 550; easing.type: Easing.InOutQuad }
+            NumberAnimation { target: bar; property: "grown"; from: 16; to: 6; duration: 550; easing.type: Easing.InOutQuad }
         }
     }
 }
