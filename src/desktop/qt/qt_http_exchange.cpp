@@ -35,6 +35,12 @@ QNetworkRequest networkRequest(const platform::HttpRequest& request) {
     return network;
 }
 
+/// Now and then Qt takes an answer for whole whose connection was reset amid its body. Where the body was compressed
+/// Qt drops its length, and nothing can be told.
+bool brokeOff(const QNetworkReply& reply, qint64 received) {
+    return received < reply.header(QNetworkRequest::ContentLengthHeader).toLongLong();
+}
+
 }  // namespace
 
 QtHttpExchange::QtHttpExchange(QNetworkAccessManager& manager, async::MainLoop& loop, platform::HttpRequest request,
@@ -99,6 +105,8 @@ void QtHttpExchange::readAnswer() {
         return finish(std::unexpected(httpError(error, request_.url, tlsFault_)));
     if (isRedirect(status) && reply_->hasRawHeader("Location"))
         return follow(status);
+    if (brokeOff(*reply_, body_.size()))
+        return finish(std::unexpected(httpError(QNetworkReply::RemoteHostClosedError, request_.url, tlsFault_)));
     const auto pairs = reply_->rawHeaderPairs();
     finish(platform::HttpResponse{
         .status = status, .headers = {pairs.begin(), pairs.end()}, .body = std::move(body_), .url = request_.url});
