@@ -23,28 +23,30 @@ persistence::HistoryEntry entry() {
             .outputText = QStringLiteral("Here is a friendlier paragraph, with thanks to all. ").repeated(190)};
 }
 
-/// One more entry in a full history, written to the disk of the temporary folder and flushed.
-void addToHistory(benchmark::State& state) {
-    const QTemporaryDir folder;
+struct FullHistory {
+    QTemporaryDir folder;
     desktop::PosixFileSystem files;
     NoLog log;
-    persistence::HistoryManager history(files, log, folder.path(), fullHistory);
-    for (int index = 0; index < fullHistory; ++index)
-        history.addEntry(entry());
+    persistence::HistoryManager history{files, log, folder.path(), fullHistory};
+
+    FullHistory() {
+        for (int index = 0; index < fullHistory; ++index)
+            history.addEntry(entry());
+    }
+};
+
+/// One more entry in a full history, written to the disk of the temporary folder and flushed.
+void addToHistory(benchmark::State& state) {
+    FullHistory full;
     for (auto _ : state)
-        history.addEntry(entry());
+        full.history.addEntry(entry());
 }
 BENCHMARK(addToHistory)->Name("history add at 20 entries of 10 KB, on disk")->Unit(benchmark::kMicrosecond);
 
 void styleProfile(benchmark::State& state) {
-    const QTemporaryDir folder;
-    desktop::PosixFileSystem files;
-    NoLog log;
-    persistence::HistoryManager history(files, log, folder.path(), fullHistory);
-    for (int index = 0; index < fullHistory; ++index)
-        history.addEntry(entry());
+    FullHistory full;
     for (auto _ : state)
-        benchmark::DoNotOptimize(history.userStyleProfile(fullHistory));
+        benchmark::DoNotOptimize(full.history.userStyleProfile(fullHistory));
 }
 BENCHMARK(styleProfile)->Name("style profile over 20 entries of 10 KB")->Unit(benchmark::kMicrosecond);
 

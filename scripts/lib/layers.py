@@ -23,6 +23,7 @@ ADAPTERS = ["desktop/audio", "desktop/linux", "desktop/documents", "desktop/qt",
 # Neighbours on one floor that may be used in this one direction, with the reason.
 NEIGHBOURS = {
     ("keys", "text"): "hotkey records are written as JSON",
+    ("desktop/atspi", "desktop/linux"): "a bus that may hang is tried before the library connects to it",
     ("desktop/documents", "desktop/linux"): "the document process reads files with the same care as the program",
     ("desktop/x11", "desktop/linux"): "the process behind a window and its desktop entry are found in /proc and on disk",
 }

@@ -19,24 +19,16 @@ void AutoReplyFlow::startAutoReply() {
     if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
         return;
     machine_.enterProcessingLater(InputTrigger::autoReply);
-    machine_.beginProcessingTask([this](QUuid id) { return processAutoReply(id); });
+    machine_.beginProcessingTask(QStringLiteral("Error processing auto reply: "),
+                                 [this](QUuid id) { return processAutoReply(id); });
 }
 
 async::Task<void> AutoReplyFlow::processAutoReply(QUuid id) {
     if (!machine_.isCurrentTask(id))
         co_return;
     const auto context = co_await services_.contextCapturer.captureContext(QString(), capture::ScreenshotWish::Include);
-    if (!machine_.isCurrentTask(id))
-        co_return;
-    try {
+    if (machine_.isCurrentTask(id))
         co_await reply(id, context);
-    } catch (const async::CancellationError&) {
-        machine_.resetIfOwned(id);
-    } catch (const std::exception& error) {
-        const auto description = text::localizedDescription(error);
-        services_.platform.log.line(QStringLiteral("Error processing auto reply: ") + description);
-        machine_.failLater(id, description);
-    }
 }
 
 async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedContext& context) {

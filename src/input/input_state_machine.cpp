@@ -34,9 +34,10 @@ void InputStateMachine::commitTextInput() {
         return;
     auto snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
     setStateLater(Case::processing);
-    beginProcessingTask([this, snapshot = std::move(snapshot), buffer = typedInputBuffer_](TaskID id) {
-        return textRequests_->processTextRequest(buffer, snapshot, id, TranscriptInserted::No);
-    });
+    beginProcessingTask(TextRequestPipeline::failureLog,
+                        [this, snapshot = std::move(snapshot), buffer = typedInputBuffer_](TaskID id) {
+                            return textRequests_->processTextRequest(buffer, snapshot, id, TranscriptInserted::No);
+                        });
 }
 
 void InputStateMachine::submitFloatingInput(const QString& text) {
@@ -46,7 +47,7 @@ void InputStateMachine::submitFloatingInput(const QString& text) {
     clearTypedInput();
     enterProcessingLater(InputTrigger::floatingInput);
     schedule([this, text] {
-        beginProcessingTask([this, text](TaskID id) {
+        beginProcessingTask(TextRequestPipeline::failureLog, [this, text](TaskID id) {
             return textRequests_->processTextRequest(text, std::nullopt, id, TranscriptInserted::No);
         });
     });
@@ -147,19 +148,22 @@ void InputStateMachine::failInput(const QString& message) {
     });
 }
 
-void InputStateMachine::beginProcessingTask(std::function<async::Task<void>(TaskID)> operation) {
+void InputStateMachine::beginProcessingTask(QString failureLog, std::function<async::Task<void>(TaskID)> operation) {
     if (processingTask_)
         processingTask_->cancel();
     const auto id = TaskID::createUuid();
     processingTaskID_ = id;
-    processingTask_ = tasks_.spawn(runProcessingTask(std::move(operation), id));
+    processingTask_ = tasks_.spawn(runProcessingTask(std::move(failureLog), std::move(operation), id));
 }
 
-async::Task<void> InputStateMachine::runProcessingTask(std::function<async::Task<void>(TaskID)> operation, TaskID id) {
+async::Task<void> InputStateMachine::runProcessingTask(QString failureLog,
+                                                       std::function<async::Task<void>(TaskID)> operation, TaskID id) {
     try {
         co_await operation(id);
-    } catch (const async::CancellationError&) {  // the flow was stopped outside of its own handler
+    } catch (const async::CancellationError&) {
         resetIfOwned(id);
+    } catch (const std::exception& error) {
+        fail(id, failureLog, error);
     }
     // A turn later: blocks that the flow has just scheduled still ask whether it owns the input.
     schedule([this, id] { finishProcessingTask(id); });
@@ -190,7 +194,9 @@ async::Task<void> InputStateMachine::complete(TaskID id, std::chrono::millisecon
     resetIfOwned(id);
 }
 
-void InputStateMachine::failLater(const TaskID& id, const QString& message) {
+void InputStateMachine::fail(const TaskID& id, const QString& logPrefix, const std::exception& error) {
+    const auto message = text::localizedDescription(error);
+    services_.platform.log.line(logPrefix + message);
     schedule([this, id, message] {
         if (!ownsInput(id))
             return;

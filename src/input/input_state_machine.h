@@ -65,7 +65,10 @@ class InputStateMachine {
     bool isNewInputPossible() const { return currentState().acceptsNewInput(); }
     void enterInputState(const InputState& state, InputTrigger trigger);
     bool ensureAIEnabled();
-    void beginProcessingTask(std::function<async::Task<void>(TaskID)> operation);
+
+    /// Runs `operation` as the one processing task; what it throws ends the input: a cancellation quietly, anything
+    /// else as a failure whose line in the log begins with `failureLog`.
+    void beginProcessingTask(QString failureLog, std::function<async::Task<void>(TaskID)> operation);
 
     /// Whether `id` is the running task and was not asked to stop.
     bool isCurrentTask(const TaskID& id) const;
@@ -76,7 +79,9 @@ class InputStateMachine {
 
     /// The end of a flow: `completed`, a pause, and back to idle, each only while `id` still owns the input.
     async::Task<void> complete(TaskID id, std::chrono::milliseconds pauseLength);
-    void failLater(const TaskID& id, const QString& message);
+
+    /// Logs the error behind the prefix and shows it, if `id` still owns the input by then.
+    void fail(const TaskID& id, const QString& logPrefix, const std::exception& error);
 
     /// Shows a failure that belongs to no task.
     void failInput(const QString& message);
@@ -96,7 +101,8 @@ class InputStateMachine {
     TextRequestPipeline& textRequests() { return *textRequests_; }
 
  private:
-    async::Task<void> runProcessingTask(std::function<async::Task<void>(TaskID)> operation, TaskID id);
+    async::Task<void> runProcessingTask(QString failureLog, std::function<async::Task<void>(TaskID)> operation,
+                                        TaskID id);
     void finishProcessingTask(const TaskID& id);
     void dropFramesLater();
     async::Task<void> dropFrames();

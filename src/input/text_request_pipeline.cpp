@@ -27,17 +27,13 @@ async::Task<void> TextRequestPipeline::processTextRequest(QString inputBuffer,
         co_return;
     try {
         co_await answer(request);
-    } catch (const async::CancellationError&) {
-        machine_.resetIfOwned(id);
     } catch (const ProcessingError& error) {
-        if (error.code() == ProcessingError::Code::emptyInput) {
-            log(QStringLiteral("[StateMachine] Empty input; stopping without error UI"));
-            machine_.resetIfOwned(id);
-        } else {
-            fail(id, QStringLiteral("[StateMachine] Processing error: "), error);
+        if (error.code() != ProcessingError::Code::emptyInput) {
+            machine_.fail(id, QStringLiteral("[StateMachine] Processing error: "), error);
+            co_return;
         }
-    } catch (const std::exception& error) {
-        fail(id, QStringLiteral("[StateMachine] Error processing: "), error);
+        log(QStringLiteral("[StateMachine] Empty input; stopping without error UI"));
+        machine_.resetIfOwned(id);
     }
 }
 
@@ -66,12 +62,6 @@ void TextRequestPipeline::record(const TextRequest& request, persistence::Histor
 void TextRequestPipeline::endEmpty(const QUuid& id) {
     log(QStringLiteral("[StateMachine] Empty input detected, skipping processing"));
     machine_.resetIfOwned(id);
-}
-
-void TextRequestPipeline::fail(const QUuid& id, const QString& logPrefix, const std::exception& error) {
-    const auto description = text::localizedDescription(error);
-    log(logPrefix + description);
-    machine_.failLater(id, description);
 }
 
 }  // namespace tavrelon::input

@@ -17,6 +17,8 @@ namespace tavrelon::input {
 /// Until the answer is there the field is not touched; a failure after that leaves what was done by then.
 class TextRequestPipeline {
  public:
+    static inline const auto failureLog = QStringLiteral("[StateMachine] Error processing: ");
+
     TextRequestPipeline(InputStateMachine& machine, const InputServices& services);
 
     async::Task<void> processTextRequest(QString inputBuffer, std::optional<AccessibilityTextSnapshot> focusedSnapshot,
@@ -46,7 +48,6 @@ class TextRequestPipeline {
     void record(const TextRequest& request, persistence::HistoryEntry entry);
 
     void endEmpty(const QUuid& id);
-    void fail(const QUuid& id, const QString& logPrefix, const std::exception& error);
     void log(const QString& line) { services_.platform.log.line(line); }
 
     InputStateMachine& machine_;

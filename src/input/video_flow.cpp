@@ -26,7 +26,8 @@ void VideoFlow::stopVideoInput() {
     if (machine_.currentState() != InputState::Case::recordingVideo || machine_.activeTrigger() != InputTrigger::video)
         return;
     machine_.setStateLater(InputState::Case::processing);
-    machine_.beginProcessingTask([this](QUuid id) { return process(id); });
+    machine_.beginProcessingTask(QStringLiteral("Error processing video input: "),
+                                 [this](QUuid id) { return process(id); });
 }
 
 async::Task<void> VideoFlow::process(QUuid id) {
@@ -43,15 +44,7 @@ async::Task<void> VideoFlow::processVideoInput(QString text, std::vector<QByteAr
     // Not the whole field when nothing was typed: what stood there before would be deleted for the description.
     const auto typed = deriveRequestText(current, std::nullopt, initial);
     const auto requestText = typed ? typed->text : text;
-    try {
-        co_await describe(requestText, frames, id);
-    } catch (const async::CancellationError&) {
-        machine_.resetIfOwned(id);
-    } catch (const std::exception& error) {
-        const auto description = text::localizedDescription(error);
-        services_.platform.log.line(QStringLiteral("Error processing video input: ") + description);
-        machine_.failLater(id, description);
-    }
+    co_await describe(requestText, frames, id);
 }
 
 async::Task<void> VideoFlow::describe(const QString& requestText, const std::vector<QByteArray>& frames,

@@ -1,6 +1,8 @@
 // Recording: how the two spoken inputs start and end.
 #include "input/voice_flow.h"
 
+#include "input/text_request_pipeline.h"
+
 namespace tavrelon::input {
 
 using Case = InputState::Case;
@@ -65,9 +67,12 @@ void VoiceFlow::stop(InputTrigger kind) {
     if (speechRecognizer_)
         speechRecognizer_->stopRecording();
     machine_.setStateLater(Case::processing);
-    machine_.beginProcessingTask([this, kind](QUuid id) {
-        return kind == InputTrigger::voice ? processVoiceInput(id) : processVoiceDictation(id);
-    });
+    if (kind == InputTrigger::voice)
+        machine_.beginProcessingTask(TextRequestPipeline::failureLog,
+                                     [this](QUuid id) { return processVoiceInput(id); });
+    else
+        machine_.beginProcessingTask(QStringLiteral("Error processing voice dictation: "),
+                                     [this](QUuid id) { return processVoiceDictation(id); });
 }
 
 void VoiceFlow::cancel() {

@@ -91,17 +91,7 @@ async::Task<void> VoiceFlow::processVoiceDictation(QUuid id) {
 async::Task<void> VoiceFlow::insertVoiceDictation(QString transcript, QUuid id) {
     if (!machine_.isCurrentTask(id))
         co_return;
-    try {
-        co_await insertTranscript(std::move(transcript), id);
-    } catch (const async::CancellationError&) {
-        machine_.resetIfOwned(id);
-        co_return;
-    } catch (const std::exception& error) {
-        const auto description = text::localizedDescription(error);
-        log(QStringLiteral("Error processing voice dictation: ") + description);
-        machine_.failLater(id, description);
-        co_return;
-    }
+    co_await insertTranscript(std::move(transcript), id);
     if (machine_.isCurrentTask(id))
         co_await machine_.complete(id, 1s);
 }

@@ -14,12 +14,8 @@ text::Json toJson(const LearnerState& state) {
 }
 
 LearnerState learnerStateFrom(const text::Json& json) {
-    const auto& samples = text::required(json, "pendingInputs");
-    if (!samples.is_array())
-        throw text::JsonError(
-            QStringLiteral("Expected an array but found %1 instead.").arg(QLatin1StringView(samples.type_name())));
     LearnerState state;
-    for (const auto& sample : samples)
+    for (const auto& sample : text::arrayFrom(text::required(json, "pendingInputs")))
         state.pendingInputs.push_back(text::stringFrom(sample));
     if (const auto* date = text::find(json, "lastUpdatedAt"))
         state.lastUpdatedAt = text::dateFrom(*date);

@@ -55,11 +55,8 @@ HistoryEntry historyEntryFrom(const text::Json& json) {
 }
 
 std::vector<HistoryEntry> historyEntriesFrom(const text::Json& json) {
-    if (!json.is_array())
-        throw text::JsonError(
-            QStringLiteral("Expected an array but found %1 instead.").arg(QLatin1StringView(json.type_name())));
     std::vector<HistoryEntry> entries;
-    for (const auto& entry : json)
+    for (const auto& entry : text::arrayFrom(json))
         entries.push_back(historyEntryFrom(entry));
     return entries;
 }

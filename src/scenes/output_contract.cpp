@@ -36,11 +36,8 @@ text::Json toJson(const QStringList& texts) {
 }
 
 QStringList stringListFrom(const text::Json& json) {
-    if (!json.is_array())
-        throw text::JsonError(
-            QStringLiteral("Expected an array but found %1 instead.").arg(QLatin1StringView(json.type_name())));
     QStringList texts;
-    for (const auto& each : json)
+    for (const auto& each : text::arrayFrom(json))
         texts.push_back(text::stringFrom(each));
     return texts;
 }

@@ -28,11 +28,8 @@ text::Json payloadJson(const StructuredContent& payload) {
 }
 
 StructuredContent structuredFrom(const text::Json& json) {
-    if (!json.is_object())
-        throw text::JsonError(
-            QStringLiteral("Expected an object but found %1 instead.").arg(QLatin1StringView(json.type_name())));
     StructuredContent content;
-    for (const auto& [key, value] : json.items())
+    for (const auto& [key, value] : text::objectFrom(json).items())
         content[QString::fromStdString(key)] = text::stringFrom(value);
     return content;
 }
@@ -60,14 +57,12 @@ text::Json toJson(const ResultContent& content) {
 }
 
 ResultContent resultContentFrom(const text::Json& json) {
-    if (!json.is_object())
-        throw text::JsonError(
-            QStringLiteral("Expected an object but found %1 instead.").arg(QLatin1StringView(json.type_name())));
-    const auto isPresent = [&](const char* key) { return json.contains(key); };
+    const auto& object = text::objectFrom(json);
+    const auto isPresent = [&](const char* key) { return object.contains(key); };
     if (std::ranges::count_if(contentKeys, isPresent) != 1)
         throw text::JsonError(QStringLiteral("Invalid number of keys found, expected one."));
     const auto* key = *std::ranges::find_if(contentKeys, isPresent);
-    const auto& payload = text::required(json[key], payloadKey);
+    const auto& payload = text::required(object[key], payloadKey);
     if (key == contentKeys[0])
         return text::stringFrom(payload);
     if (key == contentKeys[1])

@@ -39,11 +39,8 @@ SceneConfig sceneConfigFrom(const text::Json& json) {
 }
 
 std::vector<SceneConfig> sceneListFrom(const text::Json& json) {
-    if (!json.is_array())
-        throw text::JsonError(
-            QStringLiteral("Expected an array but found %1 instead.").arg(QLatin1StringView(json.type_name())));
     std::vector<SceneConfig> scenes;
-    for (const auto& scene : json)
+    for (const auto& scene : text::arrayFrom(json))
         scenes.push_back(sceneConfigFrom(scene));
     return scenes;
 }

@@ -67,19 +67,27 @@ qint64 integerFrom(const Json& json) {
     throwTypeMismatch(json, "an integer");
 }
 
-const Json& required(const Json& json, const char* key) {
+const Json& arrayFrom(const Json& json) {
+    if (!json.is_array())
+        throwTypeMismatch(json, "an array");
+    return json;
+}
+
+const Json& objectFrom(const Json& json) {
     if (!json.is_object())
         throwTypeMismatch(json, "an object");
-    const auto found = json.find(key);
+    return json;
+}
+
+const Json& required(const Json& json, const char* key) {
+    const auto found = objectFrom(json).find(key);
     if (found == json.end())
         throw JsonError(QStringLiteral("No value found for the key \"%1\".").arg(QLatin1StringView(key)));
     return *found;
 }
 
 const Json* find(const Json& json, const char* key) {
-    if (!json.is_object())
-        throwTypeMismatch(json, "an object");
-    const auto found = json.find(key);
+    const auto found = objectFrom(json).find(key);
     return found == json.end() || found->is_null() ? nullptr : &*found;
 }
 

@@ -43,6 +43,10 @@ bool boolFrom(const Json& json);
 double doubleFrom(const Json& json);
 qint64 integerFrom(const Json& json);
 
+/// The value itself. Throws `JsonError` when it is of another type.
+const Json& arrayFrom(const Json& json);
+const Json& objectFrom(const Json& json);
+
 /// The value under `key` of an object. Throws `JsonError` when `json` is no object or lacks the key.
 const Json& required(const Json& json, const char* key);
 

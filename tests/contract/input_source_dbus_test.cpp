@@ -1,4 +1,9 @@
+#include <QDBusConnection>
+#include <QLocalServer>
+#include <QTemporaryDir>
+
 #include "contract/input_source_contract.h"
+#include "desktop/linux/bus_answer.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/input_method_decoding.h"
 #include "desktop/qt/qt_main_loop.h"
@@ -62,6 +67,44 @@ TEST(InputSourceOnTheBus, AHungFrameworkCostsABoundedWaitAndIsHeardAgain) {
     EXPECT_TRUE(world.answers(true));
     world.endFramework();
     EXPECT_TRUE(world.answers(false));
+}
+
+TEST(InputSourceOnTheBus, AnIBusThatTakesConnectionsAndSaysNothingHoldsNobodyUp) {
+    const QTemporaryDir folder;
+    QLocalServer daemon;
+    ASSERT_TRUE(daemon.listen(folder.filePath(QStringLiteral("ibus"))));
+    qputenv("IBUS_ADDRESS", "unix:path=" + daemon.fullServerName().toUtf8());
+    desktop::QtMainLoop loop;
+    desktop::DBusInputSource source(loop);
+    // Once its own limit is over, it is in the midst of its attempt.
+    EXPECT_FALSE(source.isInputMethodActive());
+    const auto before = std::chrono::steady_clock::now();
+    const auto name = QStringLiteral("the rest of the program");
+    EXPECT_TRUE(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name).isConnected());
+    QDBusConnection::disconnectFromBus(name);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 5s) << "the library waits without a bound";
+}
+
+TEST(BusAnswers, OnlyAServerThatSpeaksCounts) {
+    const QTemporaryDir folder;
+    QLocalServer silent;
+    silent.setListenBacklogSize(1);  // further clients do not even get a connection
+    ASSERT_TRUE(silent.listen(folder.filePath(QStringLiteral("a%20socket"))));
+    const auto silentAddress = QStringLiteral("unix:guid=00,path=") + folder.filePath(QStringLiteral("a%2520socket"));
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        const auto before = std::chrono::steady_clock::now();
+        EXPECT_FALSE(desktop::busAnswers(silentAddress, 50ms));
+        EXPECT_LT(std::chrono::steady_clock::now() - before, 2s);
+    }
+    EXPECT_TRUE(silent.waitForNewConnection()) << "the address was understood";
+
+    const auto missing = QStringLiteral("unix:path=") + folder.filePath(QStringLiteral("missing"));
+    const auto session = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    EXPECT_TRUE(desktop::busAnswers(session, 5s));
+    EXPECT_TRUE(desktop::busAnswers(missing + QLatin1Char(';') + session, 5s));
+    for (const auto& address : {missing, QString(), QStringLiteral(";"), QStringLiteral("unix:abstract=tavrelon-none")})
+        EXPECT_FALSE(desktop::busAnswers(address, 5s)) << address.toStdString();
+    EXPECT_TRUE(desktop::busAnswers(QStringLiteral("tcp:host=localhost,port=9"), 50ms)) << "is not tried";
 }
 
 TEST(InputSourceOnTheBus, IsAskedOnceInATurn) {

@@ -46,6 +46,28 @@ TEST(AccessibilityBusLoss, ASilentBusIsBoundedAndAStopToo) {
     ::kill(daemon, SIGCONT);
 }
 
+TEST(AccessibilityBusLoss, ABusThatHangsWhileItIsConnectedToHoldsNobodyUp) {
+    const auto daemon = busDaemon();
+    ASSERT_GT(daemon, 1);
+    ::kill(daemon, SIGSTOP);
+    AccessibilitySession session;
+    session.workspace.pretend = 1;
+    EXPECT_TRUE(eventually([&] {
+        nextTurn();
+        return session.focused() == std::unexpected(AXError::APIDisabled);
+    }));
+    const auto name = QStringLiteral("the rest of the program");
+    EXPECT_LT(
+        timeOf([&] { EXPECT_TRUE(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name).isConnected()); }),
+        5000ms);
+    QDBusConnection::disconnectFromBus(name);
+    ::kill(daemon, SIGCONT);
+    EXPECT_TRUE(eventually([&] {
+        nextTurn();
+        return session.focused() == std::unexpected(AXError::NoValue);
+    })) << "it tries again by itself";
+}
+
 TEST(AccessibilityBusLoss, ABusThatEndedIsConnectedToAgain) {
     AccessibilitySession session;
     session.workspace.pretend = 1;

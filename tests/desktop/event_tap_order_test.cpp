@@ -116,7 +116,7 @@ class TapDeliveryTest : public ::testing::Test {
     testing::VirtualMainLoop loop;
     std::vector<int> handled;
     std::function<void()> inside;
-    std::shared_ptr<X11TapWake> wake = std::make_shared<X11TapWake>();
+    std::shared_ptr<X11ThreadWake> wake = std::make_shared<X11ThreadWake>();
     std::shared_ptr<TapDelivery> delivery =
         std::make_shared<TapDelivery>(loop, [this](const KeyEvent& event) { return handle(event); }, wake);
 };

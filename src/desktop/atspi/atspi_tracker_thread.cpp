@@ -6,6 +6,8 @@
 #include <QUuid>
 #include <vector>
 
+#include "desktop/linux/bus_answer.h"
+
 namespace tavrelon::desktop::atspi {
 
 using namespace std::chrono_literals;
@@ -13,6 +15,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto launcherTimeout = 10s;  // the launcher may have to be started first
+constexpr auto busTimeout = 1s;
 
 /// How long the first probe of a hung application may take and the later ones at most. The first is short since an
 /// application that is only just starting may lose a question for good; the later ones are longer so that few pile up
@@ -107,6 +110,8 @@ void TrackerThread::call(const QDBusConnection& connection, const QDBusMessage& 
 }
 
 void TrackerThread::connectTo(const QString& address) {
+    if (!busAnswers(address, busTimeout))
+        return failed(QStringLiteral("the bus does not answer"));
     auto connection = QDBusConnection::connectToBus(address, busName_);
     if (!connection.isConnected())
         return failed(connection.lastError().message());

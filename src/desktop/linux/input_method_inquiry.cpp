@@ -7,6 +7,7 @@
 #include <QStandardPaths>
 #include <QSysInfo>
 
+#include "desktop/linux/bus_answer.h"
 #include "desktop/linux/input_method_decoding.h"
 
 namespace tavrelon::desktop {
@@ -107,7 +108,8 @@ bool InputMethodInquiry::connectToIBus() {
         return true;
     QDBusConnection::disconnectFromBus(name);
     ibusAddress_ = address;
-    return !address.isEmpty() && QDBusConnection::connectToBus(address, name).isConnected();
+    return !address.isEmpty() && busAnswers(address, std::chrono::milliseconds(answerLimitMs)) &&
+           QDBusConnection::connectToBus(address, name).isConnected();
 }
 
 }  // namespace tavrelon::desktop

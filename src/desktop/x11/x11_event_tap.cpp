@@ -16,7 +16,9 @@ std::expected<void, platform::TapError> X11EventTap::start(Handler handler) {
     auto connection = X11Connection::open();
     if (!connection)
         return std::unexpected(platform::TapError{connection.error()});
-    auto wake = std::make_shared<X11TapWake>();
+    auto wake = std::make_shared<X11ThreadWake>();
+    if (!wake->isOpen())
+        return std::unexpected(platform::TapError{QStringLiteral("no file descriptors left")});
     auto delivery = std::make_shared<TapDelivery>(loop_, std::move(handler), wake);
     auto session = X11TapSession::open(loop_, **connection, delivery, posted_, log_);
     if (!session)

@@ -4,14 +4,14 @@
 
 #include "async/main_loop.h"
 #include "desktop/x11/x11_event_tap_offer.h"
-#include "desktop/x11/x11_event_tap_wake.h"
+#include "desktop/x11/x11_thread_wake.h"
 
 namespace tavrelon::desktop {
 
 /// The way from the tap's thread to the handler on the main thread. Keys arrive in the order in which they were sent.
 class TapDelivery : public std::enable_shared_from_this<TapDelivery> {
  public:
-    TapDelivery(async::MainLoop& loop, platform::EventTap::Handler handler, std::shared_ptr<X11TapWake> wake)
+    TapDelivery(async::MainLoop& loop, platform::EventTap::Handler handler, std::shared_ptr<X11ThreadWake> wake)
         : loop_(loop), handler_(std::move(handler)), wake_(std::move(wake)) {}
 
     /// Sends a key that goes its way whatever the verdict. Any thread.
@@ -26,7 +26,7 @@ class TapDelivery : public std::enable_shared_from_this<TapDelivery> {
  private:
     async::MainLoop& loop_;
     platform::EventTap::Handler handler_;
-    std::shared_ptr<X11TapWake> wake_;
+    std::shared_ptr<X11ThreadWake> wake_;
     bool open_ = true;
 };
 

@@ -8,7 +8,7 @@
 namespace tavrelon::desktop {
 
 X11TapThread::X11TapThread(async::MainLoop& loop, platform::Log& log, std::unique_ptr<X11Connection> connection,
-                           std::unique_ptr<X11TapSession> session, std::shared_ptr<X11TapWake> wake)
+                           std::unique_ptr<X11TapSession> session, std::shared_ptr<X11ThreadWake> wake)
     : loop_(loop),
       log_(log),
       connection_(std::move(connection)),

@@ -12,7 +12,7 @@ namespace tavrelon::desktop {
 class X11TapThread {
  public:
     X11TapThread(async::MainLoop& loop, platform::Log& log, std::unique_ptr<X11Connection> connection,
-                 std::unique_ptr<X11TapSession> session, std::shared_ptr<X11TapWake> wake);
+                 std::unique_ptr<X11TapSession> session, std::shared_ptr<X11ThreadWake> wake);
     X11TapThread(const X11TapThread&) = delete;
     X11TapThread& operator=(const X11TapThread&) = delete;
 
@@ -32,7 +32,7 @@ class X11TapThread {
     platform::Log& log_;
     std::unique_ptr<X11Connection> connection_;
     std::unique_ptr<X11TapSession> session_;  ///< of the thread
-    std::shared_ptr<X11TapWake> wake_;
+    std::shared_ptr<X11ThreadWake> wake_;
 
     std::mutex mutex_;  // guards the fields below
     std::condition_variable changed_;

@@ -1,9 +1,7 @@
 #include "desktop/x11/x11_selection_thread.h"
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -25,17 +23,17 @@ std::expected<std::unique_ptr<SelectionThread>, QString> SelectionThread::start(
     auto connection = SelectionConnection::open(displayName, selection);
     if (!connection)
         return std::unexpected(connection.error());
-    const int wakeUp = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (wakeUp < 0)
+    auto wake = std::make_unique<X11ThreadWake>();
+    if (!wake->isOpen())
         return std::unexpected(QStringLiteral("The clipboard is not available: no file descriptors left"));
-    return std::unique_ptr<SelectionThread>(new SelectionThread(std::move(*connection), limits, wakeUp));
+    return std::unique_ptr<SelectionThread>(new SelectionThread(std::move(*connection), limits, std::move(wake)));
 }
 
 SelectionThread::SelectionThread(std::unique_ptr<SelectionConnection> connection, const SelectionReadLimits& limits,
-                                 int wakeUp)
+                                 std::unique_ptr<X11ThreadWake> wake)
     : connection_(std::move(connection)),
       limits_(limits),
-      wakeUp_(wakeUp),
+      wake_(std::move(wake)),
       socket_(xcb_get_file_descriptor(connection_->xcb())),
       server_(*connection_) {
     thread_ = std::thread([this] { run(); });
@@ -50,7 +48,6 @@ SelectionThread::~SelectionThread() {
     if (ended_.get_future().wait_for(callLimit) != std::future_status::ready)
         ::shutdown(socket_, SHUT_RDWR);
     thread_.join();
-    ::close(wakeUp_);
 }
 
 void SelectionThread::enqueue(std::move_only_function<void()> command) {
@@ -58,7 +55,7 @@ void SelectionThread::enqueue(std::move_only_function<void()> command) {
         const std::lock_guard lock(mutex_);
         commands_.push_back(std::move(command));
     }
-    ::eventfd_write(wakeUp_, 1);
+    wake_->signal();
 }
 
 template <typename T>
@@ -306,11 +303,10 @@ void SelectionThread::waitForWork() {
             return;
     }
     std::array<pollfd, 2> sources{
-        {{.fd = wakeUp_, .events = POLLIN, .revents = 0},
+        {{.fd = wake_->descriptor(), .events = POLLIN, .revents = 0},
          {.fd = xcb_get_file_descriptor(connection_->xcb()), .events = POLLIN, .revents = 0}}};
     ::poll(sources.data(), broken ? 1 : 2, broken ? -1 : pollTimeout());
-    eventfd_t drained = 0;
-    ::eventfd_read(wakeUp_, &drained);
+    wake_->clear();
 }
 
 void SelectionThread::failEverything() {

@@ -8,6 +8,7 @@
 
 #include "desktop/x11/x11_selection_reader.h"
 #include "desktop/x11/x11_selection_server.h"
+#include "desktop/x11/x11_thread_wake.h"
 
 namespace tavrelon::desktop {
 
@@ -54,7 +55,8 @@ class SelectionThread {
         SelectionClock::time_point until;
     };
 
-    SelectionThread(std::unique_ptr<SelectionConnection> connection, const SelectionReadLimits& limits, int wakeUp);
+    SelectionThread(std::unique_ptr<SelectionConnection> connection, const SelectionReadLimits& limits,
+                    std::unique_ptr<X11ThreadWake> wake);
 
     void enqueue(std::move_only_function<void()> command);
     template <typename T>
@@ -78,7 +80,7 @@ class SelectionThread {
 
     std::unique_ptr<SelectionConnection> connection_;
     SelectionReadLimits limits_;
-    int wakeUp_;
+    std::unique_ptr<X11ThreadWake> wake_;
     int socket_;
     std::atomic<std::int64_t> changeCount_ = 1;
     std::atomic<std::uint64_t> nextReading_ = 1;

@@ -3,8 +3,8 @@
 #include <mutex>
 #include <thread>
 
-#include "desktop/x11/x11_event_tap_wake.h"
 #include "desktop/x11/x11_keyboard_devices.h"
+#include "desktop/x11/x11_thread_wake.h"
 #include "desktop/x11/x11_xtest.h"
 
 namespace tavrelon::desktop {
@@ -45,7 +45,7 @@ class X11HeldModifiers {
     KeySet restored_;
     bool stop_ = false;
 
-    X11TapWake wake_;
+    X11ThreadWake wake_;
     std::thread thread_;
 };
 
