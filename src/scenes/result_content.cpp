@@ -29,7 +29,7 @@ text::Json payloadJson(const StructuredContent& payload) {
 
 StructuredContent structuredFrom(const text::Json& json) {
     StructuredContent content;
-    for (const auto& [key, value] : text::objectFrom(json).items())
+    for (const auto& [key, value] : text::objectFrom(json))
         content[QString::fromStdString(key)] = text::stringFrom(value);
     return content;
 }
@@ -58,11 +58,11 @@ text::Json toJson(const ResultContent& content) {
 
 ResultContent resultContentFrom(const text::Json& json) {
     const auto& object = text::objectFrom(json);
-    const auto isPresent = [&](const char* key) { return object.contains(key); };
+    const auto isPresent = [&](const char* key) { return object.find(key) != object.end(); };
     if (std::ranges::count_if(contentKeys, isPresent) != 1)
         throw text::JsonError(QStringLiteral("Invalid number of keys found, expected one."));
     const auto* key = *std::ranges::find_if(contentKeys, isPresent);
-    const auto& payload = text::required(object[key], payloadKey);
+    const auto& payload = text::required(text::required(json, key), payloadKey);
     if (key == contentKeys[0])
         return text::stringFrom(payload);
     if (key == contentKeys[1])

@@ -67,28 +67,30 @@ qint64 integerFrom(const Json& json) {
     throwTypeMismatch(json, "an integer");
 }
 
-const Json& arrayFrom(const Json& json) {
+const Json::array_t& arrayFrom(const Json& json) {
     if (!json.is_array())
         throwTypeMismatch(json, "an array");
-    return json;
+    return json.get_ref<const Json::array_t&>();
 }
 
-const Json& objectFrom(const Json& json) {
+const Json::object_t& objectFrom(const Json& json) {
     if (!json.is_object())
         throwTypeMismatch(json, "an object");
-    return json;
+    return json.get_ref<const Json::object_t&>();
 }
 
 const Json& required(const Json& json, const char* key) {
-    const auto found = objectFrom(json).find(key);
-    if (found == json.end())
+    const auto& object = objectFrom(json);
+    const auto found = object.find(key);
+    if (found == object.end())
         throw JsonError(QStringLiteral("No value found for the key \"%1\".").arg(QLatin1StringView(key)));
-    return *found;
+    return found->second;
 }
 
 const Json* find(const Json& json, const char* key) {
-    const auto found = objectFrom(json).find(key);
-    return found == json.end() || found->is_null() ? nullptr : &*found;
+    const auto& object = objectFrom(json);
+    const auto found = object.find(key);
+    return found == object.end() || found->second.is_null() ? nullptr : &found->second;
 }
 
 std::optional<QString> optionalString(const Json& json, const char* key) {

@@ -43,9 +43,9 @@ bool boolFrom(const Json& json);
 double doubleFrom(const Json& json);
 qint64 integerFrom(const Json& json);
 
-/// The value itself. Throws `JsonError` when it is of another type.
-const Json& arrayFrom(const Json& json);
-const Json& objectFrom(const Json& json);
+/// What the value holds, as long as it lives. Throws `JsonError` when it is of another type.
+const Json::array_t& arrayFrom(const Json& json);
+const Json::object_t& objectFrom(const Json& json);
 
 /// The value under `key` of an object. Throws `JsonError` when `json` is no object or lacks the key.
 const Json& required(const Json& json, const char* key);
