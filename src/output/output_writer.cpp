@@ -20,6 +20,10 @@ constexpr auto afterBackspace = 10ms;
 constexpr auto afterLastBackspace = 50ms;
 constexpr auto beforePaste = 20ms;
 
+// How often a field whose application did not answer is looked at again before the answer is pasted after all.
+constexpr int stalledLooks = 20;
+constexpr auto betweenLooks = 100ms;
+
 QString describe(OutputWriterError::Code code, const QString& detail) {
     switch (code) {
         case OutputWriterError::Code::writeFailed:
@@ -32,6 +36,10 @@ QString describe(OutputWriterError::Code code, const QString& detail) {
             return QStringLiteral("Invalid image data");
     }
     std::abort();
+}
+
+OutputWriterError clipboardRefused() {
+    return OutputWriterError(OutputWriterError::Code::writeFailed, QStringLiteral("the clipboard could not be taken"));
 }
 
 }  // namespace
@@ -75,9 +83,25 @@ async::Task<void> OutputWriter::replaceSelection(QString text) {
     const auto focused = accessibility.copyAttribute(platform::axApplicationElement(application->processIdentifier),
                                                      AXAttribute::FocusedUIElement);
     const auto* element = focused ? std::get_if<AXElement>(&*focused) : nullptr;
-    if (element && accessibility.setAttribute(*element, AXAttribute::SelectedText, text) == platform::AXError::Success)
+    if (element && co_await wasReplaced(*element, text))
         co_return;
     co_await pasteText(std::move(text));
+}
+
+async::Task<bool> OutputWriter::wasReplaced(AXElement field, QString text) {
+    auto& accessibility = platform_.accessibility;
+    const auto outcome = accessibility.setAttribute(field, AXAttribute::SelectedText, text);
+    if (outcome != platform::AXError::CannotComplete)
+        co_return outcome == platform::AXError::Success;
+    // An application that stalls does what it was told when it goes on, and with a paste the text would stand twice.
+    for (int look = 0; look < stalledLooks; ++look) {
+        co_await async::pause(platform_.mainLoop, betweenLooks);
+        if (const auto value = accessibility.copyAttribute(field, AXAttribute::Value)) {
+            const auto* now = std::get_if<QString>(&*value);
+            co_return now && now->contains(text);
+        }
+    }
+    co_return false;
 }
 
 async::Task<bool> OutputWriter::cancelComposition() {
@@ -107,7 +131,8 @@ async::Task<void> OutputWriter::deleteBackward(qint64 count) {
 async::Task<void> OutputWriter::pasteText(QString text) {
     // What was on the pasteboard is not asked for: a paste does not give it back, and its owner may be slow.
     platform_.pasteboard.clearContents();
-    platform_.pasteboard.setString(text);
+    if (!platform_.pasteboard.setString(text))
+        throw clipboardRefused();
     co_await pressPaste();
 }
 
@@ -128,7 +153,8 @@ async::Task<QString> OutputWriter::writeImage(QByteArray data, std::optional<QSt
     }
     std::vector<platform::PasteboardItem> items;
     items.push_back(*std::move(item));
-    platform_.pasteboard.writeItems(std::move(items));
+    if (!platform_.pasteboard.writeItems(std::move(items)))
+        throw clipboardRefused();
     if (autoPaste == AutoPaste::Yes)
         co_await pressPaste();
     co_return caption.value_or(QStringLiteral("图片已复制到剪贴板"));

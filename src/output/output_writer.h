@@ -37,7 +37,8 @@ class OutputWriter {
     std::chrono::milliseconds postPasteDelay{100};
 
     /// Writes `text`. `deleteCharCount`, else `fallbackDeleteCount`, is how many characters `deleteChars` removes; a
-    /// negative count is a programming fault. Throws `OutputWriterError` or `async::CancellationError`.
+    /// negative count is a programming fault. Throws `OutputWriterError` or `async::CancellationError`; when the
+    /// pasteboard cannot be taken nothing is pasted.
     async::Task<void> writeText(QString text, scenes::ReplacementStrategy::Method method,
                                 std::optional<qint64> deleteCharCount, qint64 fallbackDeleteCount);
 
@@ -57,6 +58,7 @@ class OutputWriter {
 
  private:
     async::Task<void> replaceSelection(QString text);
+    async::Task<bool> wasReplaced(platform::AXElement field, QString text);
     async::Task<void> pressPaste();
     void pressPlain(keys::VirtualKey key) { platform_.keyPoster.press(key, keys::noModifiers); }
 

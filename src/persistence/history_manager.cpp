@@ -33,30 +33,37 @@ void HistoryManager::load() {
         entries_ = historyEntriesFrom(text::parseJson(*document));
     } catch (const text::JsonError& error) {
         failed(error.localizedDescription());
+        // The next save replaces what a person may still be able to mend.
+        static_cast<void>(fileSystem_.write(brokenPath(), *document));
     }
 }
 
-void HistoryManager::save() {
+bool HistoryManager::save() {
     const auto written = fileSystem_.write(storagePath(), text::compactJson(toJson(entries_)));
     if (!written)
         log_.line(QStringLiteral("Failed to save history: ") + written.error().description);
+    return written.has_value();
 }
 
 void HistoryManager::addEntry(HistoryEntry entry) {
     entries_.insert(entries_.begin(), std::move(entry));
     if (std::ssize(entries_) > maxEntries_) {
         const auto firstDropped = entries_.begin() + maxEntries_;
-        const std::vector<HistoryEntry> dropped(firstDropped, entries_.end());
+        dropped_.insert(dropped_.end(), firstDropped, entries_.end());
         entries_.erase(firstDropped, entries_.end());
-        removeImages(dropped);
     }
-    save();
+    if (save())
+        removeImages(std::exchange(dropped_, {}));
     notice_.announce();
 }
 
 void HistoryManager::clearHistory() {
     removeImages(std::exchange(entries_, {}));
-    save();
+    removeImages(std::exchange(dropped_, {}));
+    // Whoever clears the history does not want it back at the next start, and a removal needs no room on the disk.
+    if (!save())
+        static_cast<void>(fileSystem_.remove(storagePath()));
+    static_cast<void>(fileSystem_.remove(brokenPath()));
     notice_.announce();
 }
 
@@ -86,6 +93,10 @@ QString HistoryManager::resolvedImagePath(const QString& outputImagePath) const 
 
 QString HistoryManager::storagePath() const {
     return storageDirectory_ + QStringLiteral("/history.json");
+}
+
+QString HistoryManager::brokenPath() const {
+    return storagePath() + QStringLiteral(".broken");
 }
 
 QString HistoryManager::imagesDirectory() const {

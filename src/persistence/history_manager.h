@@ -20,6 +20,7 @@ class HistoryManager {
 
     /// Newest first. The reference stays good; the entries move with each change.
     const std::vector<HistoryEntry>& entries() const { return entries_; }
+    std::vector<HistoryEntry> dropped_;  ///< since the last save; the stored history still names their pictures
 
     /// Calls `handler` after each change of the entries, until the subscription is dropped.
     template <typename Handler>
@@ -44,9 +45,10 @@ class HistoryManager {
 
  private:
     void load();
-    void save();
+    bool save();
     void removeImages(const std::vector<HistoryEntry>& dropped);
     QString storagePath() const;
+    QString brokenPath() const;
     QString imagesDirectory() const;
 
     platform::FileSystem& fileSystem_;

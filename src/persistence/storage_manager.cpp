@@ -28,13 +28,15 @@ StorageManager::StorageManager(platform::DefaultsStore& userDefaults, platform::
     scenes_ = storedScenes();
 }
 
-AppSettings StorageManager::storedSettings() const {
+AppSettings StorageManager::storedSettings() {
     const auto document = userDefaults_.data(defaults_keys::settings);
     if (!document)
         return defaultSettings();
     try {
         return appSettingsFrom(text::parseJson(*document));
     } catch (const text::JsonError&) {
+        // The next change replaces what a person may still be able to mend.
+        userDefaults_.setData(defaults_keys::settings + QStringLiteral(".broken"), *document);
         return defaultSettings();
     }
 }

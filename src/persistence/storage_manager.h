@@ -64,7 +64,7 @@ class StorageManager {
     const QString& applicationSupport() const { return applicationSupport_; }
 
  private:
-    AppSettings storedSettings() const;
+    AppSettings storedSettings();
     std::vector<scenes::SceneConfig> storedScenes() const;
 
     platform::DefaultsStore& userDefaults_;

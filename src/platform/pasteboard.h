@@ -41,10 +41,13 @@ class Pasteboard {
     virtual async::Task<std::optional<QString>> string() = 0;
 
     virtual void clearContents() = 0;
-    virtual void setString(const QString& text) = 0;
 
-    /// Puts the items there, each with all its types. A platform that knows one item only offers the first.
-    virtual void writeItems(std::vector<PasteboardItem> items) = 0;
+    /// Puts the text there. False when the pasteboard could not be taken; what is on it then is another's.
+    virtual bool setString(const QString& text) = 0;
+
+    /// Puts the items there, each with all its types, under the same rule. A platform that knows one item only offers
+    /// the first.
+    virtual bool writeItems(std::vector<PasteboardItem> items) = 0;
 };
 
 }  // namespace tavrelon::platform

@@ -13,6 +13,7 @@
 #include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_status_item.h"
 #include "program/dashboard.h"
+#include "program/silent_buses.h"
 #include "program/start.h"
 
 namespace {
@@ -41,11 +42,12 @@ int main(int argc, char** argv) {
     if (!start)
         return start.error();
     prepareViews();
+    desktop::StandardOutputLog log;
+    program::avoidSilentBuses(log);
     desktop::TerminationSignals::block();
     const QApplication application(argc, argv);
     const desktop::TerminationSignals signals([] { QCoreApplication::quit(); });
 
-    desktop::StandardOutputLog log;
     desktop::QtMainLoop loop;
     const auto posted = std::make_shared<desktop::PostedKeys>();
     auto essentials = program::openDesktop(loop, log, posted);

@@ -1,8 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "contract/http_session_qt_driver.h"
 #include "desktop/qt/http_redirect.h"
+#include "desktop/qt/proxy_inquiry.h"
 #include "support/qt_gtest.h"
+#include "support/run_task_on_qt.h"
 
 namespace tavrelon::testing {
 
@@ -149,6 +153,32 @@ TEST(HttpRedirectTest, DecidesWhatGoesWhere) {
         EXPECT_EQ(moved->body, "b");
     }
     EXPECT_EQ(desktop::redirected(keyed, 308, "https://a.example:443/x")->headers.size(), 2U);
+}
+
+TEST(ProxyInquiry, AServersProxyIsFoundWithinABoundAndNeverForThisMachine) {
+    desktop::QtMainLoop loop;
+    std::promise<void> ends;
+    const auto atTheEnd = ends.get_future().share();
+    std::atomic<int> questions = 0;
+    desktop::ProxyInquiry inquiry(loop, [&questions, atTheEnd](const QUrl& url) {
+        ++questions;
+        if (url.host() == "hangs.example"_L1)
+            atTheEnd.wait();
+        return QNetworkProxy(QNetworkProxy::HttpProxy, u"proxy."_s + url.host(), 3128);
+    });
+    const auto proxyFor = [&](const char* address) {
+        return runTaskOnQt(loop, inquiry.proxyFor(QUrl(QLatin1StringView(address)))).hostName();
+    };
+    EXPECT_EQ(proxyFor("https://service.example/v1"), u"proxy.service.example"_s);
+    for (const auto* here : {"http://localhost:11434", "http://127.0.0.1:8080/v1", "http://[::1]/"})
+        EXPECT_EQ(proxyFor(here), QString());
+    EXPECT_EQ(questions, 1);
+
+    const auto before = std::chrono::steady_clock::now();
+    EXPECT_EQ(proxyFor("https://hangs.example/"), QString());
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 10s);
+    EXPECT_EQ(proxyFor("https://service.example/v1"), u"proxy.service.example"_s) << "one that hangs holds nobody up";
+    ends.set_value();
 }
 
 }  // namespace tavrelon::testing

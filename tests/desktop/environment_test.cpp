@@ -4,6 +4,7 @@
 #include <sysexits.h>
 #include <unistd.h>
 
+#include <QLocalServer>
 #include <csignal>
 
 #include "desktop/main_job_session.h"
@@ -188,6 +189,20 @@ TEST_F(EnvironmentTest, WithoutASessionBusAndWithAStrangeLocaleItWorksThroughThe
     EXPECT_TRUE(eventually([&] {
         return contentsOf(home.filePath(QStringLiteral(".local/share/Tavrelon/history.json"))).contains("greet");
     }));
+}
+
+TEST_F(EnvironmentTest, WithBusesThatHangItStartsAndWorksThroughTheClipboard) {
+    QLocalServer silent;  // nobody runs its loop while the program starts
+    ASSERT_TRUE(silent.listen(home.filePath(QStringLiteral("bus"))));
+    const auto address = QStringLiteral("unix:path=") + silent.fullServerName();
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
+    environment.insert(QStringLiteral("IBUS_ADDRESS"), address);
+    environment.insert(QStringLiteral("QT_IM_MODULE"), QStringLiteral("ibus"));
+    start(first, QStringLiteral("log"));
+    ASSERT_TRUE(listens()) << log().data();
+    EXPECT_TRUE(log().contains("[Start] The session bus does not answer")) << log().data();
+    EXPECT_TRUE(log().contains("[Start] IBus does not answer")) << log().data();
+    expectARequestToWork();
 }
 
 }  // namespace tavrelon::testing

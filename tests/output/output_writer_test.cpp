@@ -92,6 +92,38 @@ TEST_F(OutputWriterTest, ReplacingASelectionNeedsARightAndAnApplication) {
     EXPECT_NO_THROW(write(Method::deleteChars, 1));
 }
 
+TEST_F(OutputWriterTest, AnApplicationThatStallsAmidAReplacementGetsNoPasteOnTop) {
+    using platform::AXAttribute;
+    using Kind = platform::AXElement::Kind;
+    auto& accessibility = desk.accessibility;
+    desk.editor.open(QStringLiteral("old"));
+    desk.editor.select(0, 3);
+    accessibility.setSelectedTextResult = platform::AXError::CannotComplete;
+    accessibility.fail(Kind::Object, AXAttribute::Value, platform::AXError::CannotComplete);
+    const auto wakesUp = desk.loop.after(1s, [&] {
+        accessibility.answer(Kind::Object, AXAttribute::Value, platform::AXValue(QStringLiteral("a new text")));
+    });
+    EXPECT_LE(write(Method::replaceSelection, std::nullopt), 1200ms);
+    EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 0) << "the application did it after all";
+
+    accessibility.answer(Kind::Object, AXAttribute::Value, platform::AXValue(QStringLiteral("old")));
+    EXPECT_LE(write(Method::replaceSelection, std::nullopt), 300ms);
+    EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1) << "it was not told, or did not obey";
+
+    accessibility.fail(Kind::Object, AXAttribute::Value, platform::AXError::CannotComplete);
+    EXPECT_LE(write(Method::replaceSelection, std::nullopt), 2500ms);
+    EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 2) << "it stays silent";
+}
+
+TEST_F(OutputWriterTest, NothingIsPastedFromAClipboardThatAnotherHolds) {
+    desk.pasteboard.copyElsewhere(QStringLiteral("a password"));
+    desk.pasteboard.refusesOurs = true;
+    desk.editor.open(QString());
+    EXPECT_THROW(write(Method::deleteChars, 0), OutputWriterError);
+    EXPECT_THROW(runTask(desk.loop, writer.writeImage("picture", std::nullopt, AutoPaste::Yes)), OutputWriterError);
+    EXPECT_EQ(desk.editor.text(), QString());
+}
+
 TEST_F(OutputWriterTest, ACancelledWriteStopsBetweenItsKeys) {
     desk.editor.open(QStringLiteral("abcdef"));
     async::TaskScope scope(desk.loop);

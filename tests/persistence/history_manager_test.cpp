@@ -123,11 +123,29 @@ TEST_F(HistoryManagerTest, ClearingRemovesEntriesAndImages) {
     EXPECT_EQ(files.content(file), "[]");
 }
 
+TEST_F(HistoryManagerTest, WithoutRoomOnTheDiskAClearedHistoryIsGoneAndPicturesStayWithTheirEntries) {
+    files.put(file + QStringLiteral(".broken"), "[{}]");
+    auto history = start();
+    auto oldest = entry(QStringLiteral("0"));
+    oldest.outputImagePath = history.saveImage("jpeg", oldest.id);
+    const auto image = history.resolvedImagePath(*oldest.outputImagePath);
+    history.addEntry(oldest);
+    for (int i = 1; i < 20; ++i)
+        history.addEntry(entry(QString::number(i)));
+    files.isFull = true;
+    history.addEntry(entry(QStringLiteral("20")));
+    EXPECT_EQ(files.content(image), "jpeg") << "the file still names it";
+    history.clearHistory();
+    EXPECT_TRUE(start().entries().empty());
+    EXPECT_EQ(files.files(), QStringList());
+}
+
 TEST_F(HistoryManagerTest, FailuresAreLoggedAndLoseNothingInMemory) {
     files.put(file, "[{}]");
     auto history = start();
     EXPECT_EQ(log.lines(), QStringList{QStringLiteral("Failed to load history: No value found for the key \"id\".")});
     EXPECT_EQ(files.content(file), "[{}]");
+    EXPECT_EQ(files.content(file + QStringLiteral(".broken")), "[{}]") << "the next save replaces the other";
     log.clear();
 
     files.refuseAll();

@@ -61,6 +61,7 @@ TEST_F(StorageManagerTest, AFaultyDocumentMeansDefaultsAndStaysUntilTheNextSave)
         EXPECT_EQ(store.data(defaults_keys::settings), bad);
         storage->saveSettings();
         EXPECT_EQ(store.data(defaults_keys::settings), text::compactJson(toJson(defaultSettings())));
+        EXPECT_EQ(store.data(QStringLiteral("tavrelon.settings.broken")), bad) << "for a person to mend";
     }
     EXPECT_EQ(log.lines(), QStringList());
 }

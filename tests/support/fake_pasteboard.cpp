@@ -32,16 +32,20 @@ void FakePasteboard::clearContents() {
     replace({}, Source::Ours);
 }
 
-void FakePasteboard::setString(const QString& text) {
+bool FakePasteboard::setString(const QString& text) {
     journal_.push_back(QStringLiteral("setString"));
-    replace(itemsOf(text), Source::Ours);
+    if (!refusesOurs)
+        replace(itemsOf(text), Source::Ours);
+    return !refusesOurs;
 }
 
-void FakePasteboard::writeItems(std::vector<PasteboardItem> items) {
+bool FakePasteboard::writeItems(std::vector<PasteboardItem> items) {
     journal_.push_back(QStringLiteral("writeItems"));
     if (items.size() > 1)  // as on a desktop that knows one item
         items.erase(items.begin() + 1, items.end());
-    replace(std::move(items), Source::Ours);
+    if (!refusesOurs)
+        replace(std::move(items), Source::Ours);
+    return !refusesOurs;
 }
 
 void FakePasteboard::copyElsewhere(const QString& text) {

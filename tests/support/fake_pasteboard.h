@@ -22,8 +22,8 @@ class FakePasteboard : public platform::Pasteboard {
     async::Task<std::expected<std::vector<platform::PasteboardItem>, platform::PasteboardError>> items() override;
     async::Task<std::optional<QString>> string() override;
     void clearContents() override;
-    void setString(const QString& text) override;
-    void writeItems(std::vector<platform::PasteboardItem> items) override;
+    bool setString(const QString& text) override;
+    bool writeItems(std::vector<platform::PasteboardItem> items) override;
 
     /// What another application does.
     void copyElsewhere(const QString& text);
@@ -32,6 +32,9 @@ class FakePasteboard : public platform::Pasteboard {
     /// How the other application behaves when it is read. If it never answers a read ends after `bound`.
     void setOwner(Owner owner) { owner_ = owner; }
     static constexpr std::chrono::seconds bound{1};
+
+    /// Whether another application holds on to it, so that nothing can be put there.
+    bool refusesOurs = false;
 
     /// A look that neither waits nor is journalled.
     const std::vector<platform::PasteboardItem>& contents() const { return contents_; }

@@ -54,6 +54,8 @@ std::expected<void, FileError> MemoryFileSystem::write(const QString& path, cons
     const std::lock_guard lock(mutex_);
     if (const auto reason = obstacle(path); !reason.isEmpty())
         return error(path, reason);
+    if (isFull)
+        return error(path, QStringLiteral("no space left"));
     const auto clean = QDir::cleanPath(path);
     if (nodeAt(clean) == Node::folder)
         return error(path, QStringLiteral("is a folder"));

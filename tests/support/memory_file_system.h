@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStringList>
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <set>
@@ -17,6 +18,9 @@ class MemoryFileSystem : public platform::FileSystem {
     std::expected<void, platform::FileError> write(const QString& path, const QByteArray& content) override;
     std::expected<void, platform::FileError> createDirectory(const QString& path) override;
     std::expected<void, platform::FileError> remove(const QString& path) override;
+
+    /// Lets every write fail, and nothing else.
+    std::atomic<bool> isFull = false;
 
     /// Puts a file there with all folders above it, whatever is refused.
     void put(const QString& path, const QByteArray& content);

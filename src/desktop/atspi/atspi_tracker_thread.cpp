@@ -77,6 +77,8 @@ void TrackerThread::start() {
     QDBusConnection session(sessionName_);
     if (!session.isConnected()) {
         QDBusConnection::disconnectFromBus(sessionName_);
+        if (busState(sessionBusAddress(), busTimeout) == BusState::Silent)
+            return failed(QStringLiteral("the session bus does not answer"));
         session = QDBusConnection::connectToBus(QDBusConnection::SessionBus, sessionName_);
     }
     if (!session.isConnected())
@@ -110,7 +112,7 @@ void TrackerThread::call(const QDBusConnection& connection, const QDBusMessage& 
 }
 
 void TrackerThread::connectTo(const QString& address) {
-    if (!busAnswers(address, busTimeout))
+    if (busState(address, busTimeout) != BusState::Speaks)
         return failed(QStringLiteral("the bus does not answer"));
     auto connection = QDBusConnection::connectToBus(address, busName_);
     if (!connection.isConnected())

@@ -94,6 +94,10 @@ PulseAnswer PulseConversation::ask() {
 }
 
 bool PulseConversation::connect(PulseAnswer& failure) {
+    if (!loop_) {  // no file descriptor is left
+        failure = failed(PA_ERR_INTERNAL);
+        return false;
+    }
     context_ = pa_context_new(pa_mainloop_get_api(loop_), "Tavrelon");
     if (!context_ || pa_context_connect(context_, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
         failure = failed(context_ ? pa_context_errno(context_) : PA_ERR_INTERNAL);
@@ -194,7 +198,8 @@ void PulseConversation::end() {
         wish = std::exchange(wish_, std::nullopt);
         loop = std::exchange(loop_, nullptr);
     }
-    pa_mainloop_free(loop);
+    if (loop)
+        pa_mainloop_free(loop);
     if (wish && !wasStopped)
         wish->tap->ended();
 }

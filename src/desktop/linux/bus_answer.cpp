@@ -5,8 +5,10 @@
 #include <sys/un.h>
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QList>
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <optional>
 
@@ -35,43 +37,54 @@ std::optional<QByteArray> socketName(QStringView address) {
     return name ? std::optional('\0' + *name) : std::nullopt;
 }
 
-/// Fails at once where nobody listens, and where so many clients wait already that nobody can be taking them.
-bool connectTo(const QByteArray& name, int socket) {
+/// Zero, or an error; EAGAIN where so many clients wait already that nobody can be taking them.
+int connectTo(const QByteArray& name, int socket) {
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
     if (name.isEmpty() || name.size() >= static_cast<qsizetype>(sizeof address.sun_path))
-        return false;
+        return EINVAL;
     std::ranges::copy(name, address.sun_path);
     // The length is part of an abstract name.
     const auto length = offsetof(sockaddr_un, sun_path) + static_cast<std::size_t>(name.size());
-    return ::connect(socket, reinterpret_cast<const sockaddr*>(&address), static_cast<socklen_t>(length)) == 0;
+    const auto* any = reinterpret_cast<const sockaddr*>(&address);
+    return ::connect(socket, any, static_cast<socklen_t>(length)) == 0 ? 0 : errno;
 }
 
-bool send(QByteArrayView bytes, int socket) {
-    return ::send(socket, bytes.data(), static_cast<std::size_t>(bytes.size()), MSG_NOSIGNAL) == bytes.size();
-}
-
-bool receivesBefore(QDeadlineTimer deadline, int socket) {
+/// Every client begins with a zero byte; asked without a mechanism the server only lists those that it knows.
+bool greets(int socket, QDeadlineTimer deadline) {
+    constexpr QByteArrayView greeting("\0AUTH\r\n", 7);
+    if (::send(socket, greeting.data(), greeting.size(), MSG_NOSIGNAL) != greeting.size())
+        return false;
     pollfd waiting{.fd = socket, .events = POLLIN, .revents = 0};
     char byte = 0;
     return ::poll(&waiting, 1, static_cast<int>(deadline.remainingTime())) == 1 && ::recv(socket, &byte, 1, 0) == 1;
 }
 
-bool serverAnswers(QStringView address, QDeadlineTimer deadline) {
+BusState serverState(QStringView address, QDeadlineTimer deadline) {
     const auto name = socketName(address);
     if (!name)
-        return true;
+        return BusState::Speaks;
     const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    // Every client begins with a zero byte; asked without a mechanism the server only lists those that it knows.
-    return connectTo(*name, socket.fd()) && send(QByteArrayView("\0AUTH\r\n", 7), socket.fd()) &&
-           receivesBefore(deadline, socket.fd());
+    const int error = connectTo(*name, socket.fd());
+    if (error != 0)
+        return error == EAGAIN ? BusState::Silent : BusState::Absent;
+    return greets(socket.fd(), deadline) ? BusState::Speaks : BusState::Silent;
 }
 
 }  // namespace
 
-bool busAnswers(const QString& address, std::chrono::milliseconds limit) {
+BusState busState(const QString& address, std::chrono::milliseconds limit) {
     const QDeadlineTimer deadline(limit);
-    const auto servers = QStringView(address).split(u';', Qt::SkipEmptyParts);
-    return std::ranges::any_of(servers, [&](QStringView server) { return serverAnswers(server, deadline); });
+    auto best = BusState::Absent;
+    for (const auto server : QStringView(address).split(u';', Qt::SkipEmptyParts))
+        best = std::min(best, serverState(server, deadline));
+    return best;
+}
+
+QString sessionBusAddress() {
+    if (auto given = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"); !given.isEmpty())
+        return given;
+    const auto path = qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus");
+    return QFile::exists(path) ? QStringLiteral("unix:path=") + path : QString();
 }
 
 }  // namespace tavrelon::desktop

@@ -14,12 +14,6 @@ namespace tavrelon::desktop {
 
 namespace {
 
-/// Without a bus the library would start one of its own.
-bool hasSessionBus() {
-    return qEnvironmentVariableIsSet("DBUS_SESSION_BUS_ADDRESS") ||
-           QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
-}
-
 std::optional<QVariant> ask(const QString& connection, const QDBusMessage& question) {
     const auto answer = QDBusConnection(connection).call(question, QDBus::Block, InputMethodInquiry::answerLimitMs);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty())
@@ -46,6 +40,8 @@ std::optional<QString> engineName(const QVariant& answer) {
     return name;
 }
 
+}  // namespace
+
 QString ibusAddressNow() {
     if (const auto given = qEnvironmentVariable("IBUS_ADDRESS"); !given.isEmpty())
         return given;
@@ -58,11 +54,10 @@ QString ibusAddressNow() {
     return ibusAddressIn(file.read(4096)).value_or(QString());
 }
 
-}  // namespace
-
 InputMethodInquiry::InputMethodInquiry() {
     name_ = QStringLiteral("tavrelon-input-method-%1").arg(reinterpret_cast<quintptr>(this));
-    if (hasSessionBus())
+    // Without a bus the library would start one of its own.
+    if (!sessionBusAddress().isEmpty())
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, name_);
     connectToIBus();
 }
@@ -108,7 +103,7 @@ bool InputMethodInquiry::connectToIBus() {
         return true;
     QDBusConnection::disconnectFromBus(name);
     ibusAddress_ = address;
-    return !address.isEmpty() && busAnswers(address, std::chrono::milliseconds(answerLimitMs)) &&
+    return !address.isEmpty() && busState(address, std::chrono::milliseconds(answerLimitMs)) == BusState::Speaks &&
            QDBusConnection::connectToBus(address, name).isConnected();
 }
 

@@ -7,6 +7,9 @@
 
 namespace tavrelon::desktop {
 
+/// Where this session's IBus listens now; empty without one.
+QString ibusAddressNow();
+
 /// The connections to the input method frameworks of this session. The thread that uses it owns it; a question blocks
 /// it for `answerLimit` and more where a framework hangs.
 class InputMethodInquiry {

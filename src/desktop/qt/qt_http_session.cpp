@@ -1,6 +1,5 @@
 #include "desktop/qt/qt_http_session.h"
 
-#include <QHostAddress>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 
@@ -13,15 +12,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The environment's proxy, but never for this machine: a local model server is not reachable through a proxy.
+/// The server's proxy, but never for this machine, to which a redirect may lead: a local model server is not reachable
+/// through a proxy.
 class ProxyChoice : public QNetworkProxyFactory {
  public:
+    explicit ProxyChoice(QNetworkProxy proxy) : proxy_(std::move(proxy)) {}
     QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override {
-        const auto host = query.peerHostName();
-        if (host == "localhost"_L1 || QHostAddress(host).isLoopback())
-            return {QNetworkProxy::NoProxy};
-        return systemProxyForQuery(query);
+        return {isLoopback(query.peerHostName()) ? QNetworkProxy(QNetworkProxy::NoProxy) : proxy_};
     }
+
+ private:
+    QNetworkProxy proxy_;
 };
 
 }  // namespace
@@ -36,11 +37,6 @@ class QtHttpSession::Use {
           stack_(session.stacks_[server_]) {
         stack_.idleTimer.reset();
         ++stack_.uses;
-        if (stack_.manager)
-            return;
-        stack_.manager = std::make_unique<QNetworkAccessManager>();
-        stack_.manager->setProxyFactory(new ProxyChoice);
-        stack_.manager->setAutoDeleteReplies(false);
     }
     Use(const Use&) = delete;
     Use& operator=(const Use&) = delete;
@@ -50,7 +46,15 @@ class QtHttpSession::Use {
                 idleLife, [&session = session_, server = server_] { session.stacks_.erase(server); });
     }
 
+    bool hasManager() const { return stack_.manager != nullptr; }
     QNetworkAccessManager& manager() const { return *stack_.manager; }
+    void makeManager(QNetworkProxy proxy) const {
+        if (hasManager())  // another request was quicker
+            return;
+        stack_.manager = std::make_unique<QNetworkAccessManager>();
+        stack_.manager->setProxyFactory(new ProxyChoice(std::move(proxy)));
+        stack_.manager->setAutoDeleteReplies(false);
+    }
 
  private:
     QtHttpSession& session_;
@@ -66,6 +70,8 @@ async::Task<std::expected<platform::HttpResponse, platform::HttpError>> QtHttpSe
     platform::HttpRequest request) {
     using Answer = std::expected<platform::HttpResponse, platform::HttpError>;
     const Use use(*this, request.url);
+    if (!use.hasManager())
+        use.makeManager(co_await proxies_.proxyFor(request.url));
     co_return co_await async::fromCallback<Answer>(loop_, [this, &use, &request](auto resolver) {
         auto exchange = std::make_unique<QtHttpExchange>(
             use.manager(), loop_, std::move(request),

@@ -5,16 +5,17 @@
 #include <memory>
 
 #include "async/main_loop.h"
+#include "desktop/qt/proxy_inquiry.h"
 #include "platform/http_session.h"
 
 class QNetworkAccessManager;
 
 namespace tavrelon::desktop {
 
-/// HTTP/1.1 and HTTP/2 on Qt's network stack. No cookies, no cache; the proxy is the environment's, except for the
-/// machine itself, which is always reached directly. Each server has a stack of its own, because one that floods its
-/// client can hold up a whole stack. It is built at the first request and given back a minute after the last one, so
-/// that an idle process does not hold threads, connections and certificates.
+/// HTTP/1.1 and HTTP/2 on Qt's network stack. No cookies, no cache; the proxy is the desktop's, asked for when a
+/// stack is built, except for the machine itself, which is always reached directly. Each server has a stack of its own,
+/// because one that floods its client can hold up a whole stack. It is built at the first request and given back a
+/// minute after the last one, so that an idle process does not hold threads, connections and certificates.
 class QtHttpSession : public platform::HttpSession {
  public:
     static constexpr std::chrono::seconds idleLife{60};
@@ -35,6 +36,7 @@ class QtHttpSession : public platform::HttpSession {
     };
 
     async::MainLoop& loop_;
+    ProxyInquiry proxies_{loop_};
     std::map<QString, Stack> stacks_;  ///< by scheme, host and port
 };
 

@@ -79,16 +79,18 @@ void X11Pasteboard::clearContents() {
         loop_.post(lifetime_.guard([this] { clearNow(); }));
 }
 
-void X11Pasteboard::setString(const QString& text) {
-    offer({.dataByType = {{QStringLiteral("UTF8_STRING"), text.toUtf8()}}});
+bool X11Pasteboard::setString(const QString& text) {
+    if (!offer({.dataByType = {{QStringLiteral("UTF8_STRING"), text.toUtf8()}}}))
+        return false;
     lastString_ = text;
+    return true;
 }
 
-void X11Pasteboard::writeItems(std::vector<PasteboardItem> items) {
-    if (items.empty() || items.front().dataByType.empty())
-        clearContents();
-    else
-        offer(std::move(items.front()));
+bool X11Pasteboard::writeItems(std::vector<PasteboardItem> items) {
+    if (!items.empty() && !items.front().dataByType.empty())
+        return offer(items.front());
+    clearContents();
+    return true;
 }
 
 SelectionThread::HandOver X11Pasteboard::handOver(std::chrono::milliseconds limit) {
@@ -96,11 +98,14 @@ SelectionThread::HandOver X11Pasteboard::handOver(std::chrono::milliseconds limi
     return thread_->handOver(limit);
 }
 
-void X11Pasteboard::offer(PasteboardItem item) {
+bool X11Pasteboard::offer(const PasteboardItem& item) {
     clearing_ = false;
     lastString_.reset();
-    if (!thread_->offer(std::move(item)))
+    // On a busy machine the thread may have been late, and the first offer is there by the second.
+    const bool taken = thread_->offer(item) || thread_->offer(item);
+    if (!taken)
         log_.line(QStringLiteral("[Pasteboard] The clipboard could not be taken"));
+    return taken;
 }
 
 void X11Pasteboard::clearNow() {

@@ -33,10 +33,10 @@ class X11Pasteboard : public platform::Pasteboard {
     async::Task<std::expected<std::vector<platform::PasteboardItem>, platform::PasteboardError>> items() override;
     async::Task<std::optional<QString>> string() override;
     void clearContents() override;
-    void setString(const QString& text) override;
-    void writeItems(std::vector<platform::PasteboardItem> items) override;
+    bool setString(const QString& text) override;
+    bool writeItems(std::vector<platform::PasteboardItem> items) override;
 
-    /// The text that was put here last, whether or not it still is; absent after anything but `setString`.
+    /// The text that was put here last with success, whether or not it still is; absent after anything but `setString`.
     const std::optional<QString>& lastString() const { return lastString_; }
 
     /// Asks the clipboard manager, if there is one, to keep what we have on the clipboard, so that it survives us.
@@ -47,7 +47,7 @@ class X11Pasteboard : public platform::Pasteboard {
     X11Pasteboard(async::MainLoop& loop, platform::Log& log, std::unique_ptr<SelectionThread> thread);
 
     async::Task<SelectionOutcome> read(SelectionReader::Kind kind);
-    void offer(platform::PasteboardItem item);
+    bool offer(const platform::PasteboardItem& item);
     void clearNow();
 
     async::MainLoop& loop_;
