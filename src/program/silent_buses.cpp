@@ -1,6 +1,6 @@
 #include "program/silent_buses.h"
 
-#include "desktop/linux/bus_answer.h"
+#include "desktop/linux/bus_state.h"
 #include "desktop/linux/input_method_inquiry.h"
 
 namespace tavrelon::program {

@@ -3,7 +3,7 @@
 #include <QTemporaryDir>
 
 #include "contract/input_source_contract.h"
-#include "desktop/linux/bus_answer.h"
+#include "desktop/linux/bus_state.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/input_method_decoding.h"
 #include "desktop/qt/qt_main_loop.h"

@@ -7,7 +7,7 @@
 #include <QStandardPaths>
 #include <QSysInfo>
 
-#include "desktop/linux/bus_answer.h"
+#include "desktop/linux/bus_state.h"
 #include "desktop/linux/input_method_decoding.h"
 
 namespace tavrelon::desktop {

@@ -1,4 +1,4 @@
-#include "desktop/linux/bus_answer.h"
+#include "desktop/linux/bus_state.h"
 
 #include <poll.h>
 #include <sys/socket.h>
