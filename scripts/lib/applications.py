@@ -24,8 +24,8 @@ NAMES = {
 INTRODUCTION = """# Applications
 
 What was seen when Tavrelon worked in each application on a private desktop under openbox. `scripts/applications` makes
-this page; `scripts/test` makes the rows anew on every run and fails where an application does more or less than is
-written here.
+this page; `scripts/test` makes the rows anew (those of Firefox and LibreOffice with `--all-apps`) and fails where an
+application does more or less than is written here.
 
 - **value**, **selection**: the text and the selected text of the field, emoji included, read by accessibility.
 - **typed request**: hotkey, words, hotkey; the model got the words and the answer stands in their place.

@@ -64,7 +64,7 @@ def commit():
 def machine(peers):
     processor = next((line.split(":")[1].strip() for line in Path("/proc/cpuinfo").read_text().splitlines()
                       if line.startswith("model name")), platform.machine())
-    return {"processor": processor, "cores": os.cpu_count(), "kernel": platform.release(),
+    return {"processor": processor, "cores": os.cpu_count(), "kernel": platform.release().split("-")[0],
             "system": platform.freedesktop_os_release()["PRETTY_NAME"],
             "date": time.strftime("%Y-%m-%d %H:%M UTC", time.gmtime()),
             "commit": commit(), "busy": busy_percent(), "versions": versions(*peers)}

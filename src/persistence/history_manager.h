@@ -14,13 +14,12 @@ namespace tavrelon::persistence {
 class HistoryManager {
  public:
     /// Makes the folders and loads the history from `storageDirectory`. A faulty file is logged and means an empty
-    /// history; it stays on disk until the next change.
+    /// history; it stays on disk until the next change, and beside it as "history.json.broken" from then on.
     HistoryManager(platform::FileSystem& fileSystem, platform::Log& log, QString storageDirectory,
                    qsizetype maxEntries);
 
     /// Newest first. The reference stays good; the entries move with each change.
     const std::vector<HistoryEntry>& entries() const { return entries_; }
-    std::vector<HistoryEntry> dropped_;  ///< since the last save; the stored history still names their pictures
 
     /// Calls `handler` after each change of the entries, until the subscription is dropped.
     template <typename Handler>
@@ -56,6 +55,7 @@ class HistoryManager {
     QString storageDirectory_;
     qsizetype maxEntries_;
     std::vector<HistoryEntry> entries_;
+    std::vector<HistoryEntry> dropped_;  // since the last save; the stored history still names their pictures
     ChangeNotice notice_;
 };
 

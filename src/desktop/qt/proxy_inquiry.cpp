@@ -40,12 +40,6 @@ ProxyInquiry::~ProxyInquiry() {
 async::Task<QNetworkProxy> ProxyInquiry::proxyFor(QUrl url) {
     if (isLoopback(url.host()))
         co_return QNetworkProxy::NoProxy;
-    {
-        const std::lock_guard lock(door_->mutex);
-        if (door_->questions >= mostQuestions)
-            co_return QNetworkProxy::NoProxy;
-        ++door_->questions;
-    }
     try {
         co_return co_await async::raceWithDeadline(loop_, answerLimit, ask(std::move(url)));
     } catch (const async::DeadlineExceeded&) {
@@ -55,12 +49,20 @@ async::Task<QNetworkProxy> ProxyInquiry::proxyFor(QUrl url) {
 
 async::Task<QNetworkProxy> ProxyInquiry::ask(QUrl url) {
     co_return co_await async::fromCallback<QNetworkProxy>(loop_, [this, &url](auto resolver) {
+        {
+            const std::lock_guard lock(door_->mutex);
+            if (door_->questions >= mostQuestions) {
+                resolver.resolve(QNetworkProxy::NoProxy);
+                return resolver;
+            }
+            ++door_->questions;
+        }
         auto answer = [door = door_, question = question_, url, resolver]() mutable {
-            auto proxy = question(url);
+            const auto proxy = question(url);
             const std::lock_guard lock(door->mutex);
             --door->questions;
             if (door->isOpen)
-                resolver.resolve(std::move(proxy));
+                resolver.resolve(proxy);
         };
         try {
             std::thread(answer).detach();

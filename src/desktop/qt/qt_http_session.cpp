@@ -16,7 +16,7 @@ namespace {
 /// through a proxy.
 class ProxyChoice : public QNetworkProxyFactory {
  public:
-    explicit ProxyChoice(QNetworkProxy proxy) : proxy_(std::move(proxy)) {}
+    explicit ProxyChoice(const QNetworkProxy& proxy) : proxy_(proxy) {}
     QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override {
         return {isLoopback(query.peerHostName()) ? QNetworkProxy(QNetworkProxy::NoProxy) : proxy_};
     }
@@ -48,11 +48,11 @@ class QtHttpSession::Use {
 
     bool hasManager() const { return stack_.manager != nullptr; }
     QNetworkAccessManager& manager() const { return *stack_.manager; }
-    void makeManager(QNetworkProxy proxy) const {
+    void makeManager(const QNetworkProxy& proxy) const {
         if (hasManager())  // another request was quicker
             return;
         stack_.manager = std::make_unique<QNetworkAccessManager>();
-        stack_.manager->setProxyFactory(new ProxyChoice(std::move(proxy)));
+        stack_.manager->setProxyFactory(new ProxyChoice(proxy));
         stack_.manager->setAutoDeleteReplies(false);
     }
 
