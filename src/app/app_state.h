@@ -62,6 +62,7 @@ class AppState {
     hotkeys::HotkeyManager::Callback nextTurn(Work work);
 
     platform::Platform& platform_;
+    platform::UserInterface& userInterface_;
     persistence::StorageManager storageManager_;
     hotkeys::HotkeyManager hotkeyManager_;
     capture::ContextCapturer contextCapturer_;

@@ -16,7 +16,7 @@ const auto promptBeforeSelection = QStringLiteral("请直接输出回复正文�
 }  // namespace
 
 void AutoReplyFlow::startAutoReply() {
-    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
+    if (!machine_.takeStage() || !machine_.ensureAIEnabled())
         return;
     machine_.enterProcessingLater(InputTrigger::autoReply);
     machine_.beginProcessingTask(QStringLiteral("Error processing auto reply: "),

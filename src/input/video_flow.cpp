@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 using generation::ProcessingError;
 
 void VideoFlow::startVideoInput() {
-    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
+    if (!machine_.takeStage() || !machine_.ensureAIEnabled())
         return;
     if (!services_.platform.screenCapture.preflightAccess()) {
         machine_.failInput(QStringLiteral("Screen recording permission required"));

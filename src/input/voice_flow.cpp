@@ -20,7 +20,7 @@ void VoiceFlow::setSpeechRecognizer(media::SpeechRecognizer& recognizer) {
 }
 
 void VoiceFlow::toggle(InputTrigger kind) {
-    if (machine_.isNewInputPossible())
+    if (machine_.takeStage())
         kind == InputTrigger::voice ? startVoiceInput() : startVoiceDictation();
     else
         stop(kind);
@@ -29,10 +29,8 @@ void VoiceFlow::toggle(InputTrigger kind) {
 void VoiceFlow::startVoiceInput() {
     if (!machine_.ensureAIEnabled())
         return;
-    if (speechRecognizer_) {
-        machine_.clearTypedInput();
+    if (speechRecognizer_)
         machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
-    }
     startRecording(InputTrigger::voice, QStringLiteral("[StateMachine] Failed to start voice recording: "));
 }
 

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "platform/event_tap.h"
+#include "platform/key_event.h"
 
 namespace tavrelon::platform {
 

@@ -45,7 +45,7 @@ HotkeysSettingsModel::HotkeysSettingsModel(Services services)
 
 HotkeysSettingsModel::~HotkeysSettingsModel() {
     setRecording({});
-    services_.manager.isRecordingKeys = false;
+    services_.manager.setRecordingKeys(false);
 }
 
 int HotkeysSettingsModel::rowCount() const {
@@ -78,7 +78,7 @@ void HotkeysSettingsModel::setEnabled(int row, bool enabled) {
         return;
     store([&](AppSettings& settings) { settings.*fields->isEnabled = enabled; });
     services_.manager.*fields->isEnabled = enabled;
-    services_.manager.refreshTap();
+    services_.manager.refresh();
 }
 
 void HotkeysSettingsModel::setTimeout(int row, const QString& typed) {
@@ -93,8 +93,7 @@ void HotkeysSettingsModel::setTimeout(int row, const QString& typed) {
 void HotkeysSettingsModel::setHotkeysEnabled(bool enabled) {
     store([&](AppSettings& settings) { settings.hotkeysEnabled = enabled; });
     services_.manager.hotkeysEnabled = enabled;
-    services_.manager.clearLatches();
-    services_.manager.refreshTap();
+    services_.manager.refresh();
     services_.showStatus(enabled);
 }
 
@@ -112,8 +111,7 @@ void HotkeysSettingsModel::restoreDefaults() {
 
 void HotkeysSettingsModel::applyToManager() {
     static_cast<keys::HotkeySet&>(services_.manager) = settings();
-    services_.manager.clearLatches();
-    services_.manager.refreshTap();
+    services_.manager.refresh();
 }
 
 bool HotkeysSettingsModel::isRecording(int row) const {
@@ -139,10 +137,10 @@ void HotkeysSettingsModel::setRecording(std::vector<int> rows) {
     recording_ = std::move(rows);
     if (recording_.empty()) {
         services_.keys.release();
-        afterglow_ = services_.mainLoop.after(afterglow, [this] { services_.manager.isRecordingKeys = false; });
+        afterglow_ = services_.mainLoop.after(afterglow, [this] { services_.manager.setRecordingKeys(false); });
     } else {
         afterglow_.reset();
-        services_.manager.isRecordingKeys = true;
+        services_.manager.setRecordingKeys(true);
         services_.keys.capture([this](const KeyEvent& event) { return handle(event); });
     }
     Q_EMIT changed();
@@ -168,7 +166,7 @@ void HotkeysSettingsModel::record(int row, const HotkeyConfig& hotkey) {
     const auto* fields = rowAt(row);
     store([&](AppSettings& settings) { settings.*fields->key = hotkey; });
     services_.manager.*fields->key = hotkey;
-    services_.manager.refreshTap();
+    services_.manager.refresh();
     auto rows = recording_;
     std::erase(rows, row);
     setRecording(std::move(rows));
