@@ -8,8 +8,8 @@ namespace tavrelon::desktop {
 
 namespace {
 
-/// More than anybody strikes between two looks.
-constexpr std::size_t keptStrokes = 64;
+/// How long a stroke may wait, on however busy a machine, until somebody asks for it.
+constexpr std::uint32_t keptMilliseconds = 10'000;
 
 }  // namespace
 
@@ -34,15 +34,19 @@ void X11UngrabbedKeys::drain() {
             (key.event_type == XCB_INPUT_RAW_KEY_PRESS || key.event_type == XCB_INPUT_RAW_KEY_RELEASE))
             strokes_.push_back({static_cast<KeyCode>(key.detail), key.time});
     }
-    if (strokes_.size() > keptStrokes)
-        strokes_.erase(strokes_.begin(), strokes_.end() - keptStrokes);
+    while (!strokes_.empty() && strokes_.back().time - strokes_.front().time > keptMilliseconds)
+        strokes_.pop_front();
 }
 
 bool X11UngrabbedKeys::had(KeyCode code, std::uint32_t time) {
     // Once the server has answered, its notice of every earlier key is here.
     connection_->sync();
     drain();
-    return std::ranges::find(strokes_, Stroke{code, time}) != strokes_.end();
+    const auto found = std::ranges::find(strokes_, Stroke{code, time});
+    if (found == strokes_.end())
+        return false;
+    strokes_.erase(strokes_.begin(), std::next(found));  // they are asked for in their order
+    return true;
 }
 
 }  // namespace tavrelon::desktop

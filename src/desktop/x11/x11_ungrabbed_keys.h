@@ -19,7 +19,8 @@ class X11UngrabbedKeys {
     /// Takes what has arrived, without waiting. To be called now and then, or it piles up.
     void drain();
 
-    /// Whether this press or release went its ordinary way. `time` is the server's.
+    /// Whether this press or release went its ordinary way. `time` is the server's. To be asked in the order of the
+    /// strokes, once for each.
     bool had(KeyCode code, std::uint32_t time);
 
  private:
