@@ -59,7 +59,8 @@ class Desk:
         # Pictures of the screen have tests of their own, and cost a busy machine most.
         settings = {"screenshotMode": "none", "enableImagePromptEnhancement": False,
                     "voiceDictationSilenceTimeoutSeconds": SILENCE, "voiceInputSilenceTimeoutSeconds": SILENCE}
-        environment = {**self.sound.environment, **self.own_folders()}
+        environment = {**self.sound.environment, **self.own_folders(),
+                       "TAVRELON_ALLOW_DEBUGGER": "1"}  # its memory and descriptors are counted
         self.tavrelon = self.running.enter_context(
             Tavrelon(self.build / "src/tavrelon", self.output / "tavrelon.log", self.home, self.service.port, settings,
                      environment))

@@ -60,8 +60,11 @@ async::Task<persistence::HistoryEntry> TextRequestPipeline::write(const TextRequ
     std::optional<QString> imagePath;
     auto output = QStringLiteral("[Image Generated]");
     if (result.imageData) {
-        imagePath = services_.historyManager.saveImage(*result.imageData, id);
-        output = co_await writeImage(request, *result.imageData, strategy);
+        auto picture = co_await services_.platform.imageCodec.pasteboardItem(*result.imageData);
+        if (!picture)  // told before a key is pressed: what was typed stays
+            throw output::OutputWriterError(output::OutputWriterError::Code::invalidImageData);
+        imagePath = services_.historyManager.saveImage(picture->dataByType.front().second, id);
+        output = co_await writeImage(request, *std::move(picture), strategy);
     } else if (result.text) {
         co_await services_.outputWriter.writeText(*result.text, strategy.method, strategy.deleteCharCount,
                                                   text::characterCount(request.requestText));
@@ -74,7 +77,7 @@ async::Task<persistence::HistoryEntry> TextRequestPipeline::write(const TextRequ
     co_return entry;
 }
 
-async::Task<QString> TextRequestPipeline::writeImage(const TextRequest& request, const QByteArray& image,
+async::Task<QString> TextRequestPipeline::writeImage(const TextRequest& request, platform::PasteboardItem picture,
                                                      const scenes::ReplacementStrategy& strategy) {
     auto& writer = services_.outputWriter;
     const auto typedCount = text::characterCount(request.requestText);
@@ -89,7 +92,7 @@ async::Task<QString> TextRequestPipeline::writeImage(const TextRequest& request,
                 co_await writer.deleteBackward(count);
             break;
     }
-    co_return co_await writer.writeImage(image, std::nullopt, output::AutoPaste::Yes);
+    co_return co_await writer.writeImage(std::move(picture), std::nullopt, output::AutoPaste::Yes);
 }
 
 }  // namespace tavrelon::input

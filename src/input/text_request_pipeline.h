@@ -43,7 +43,7 @@ class TextRequestPipeline {
     std::optional<qint64> effectiveDeleteCount(const TextRequest& request) const;
     async::Task<persistence::HistoryEntry> write(const TextRequest& request,
                                                  const generation::GenerationResult& result);
-    async::Task<QString> writeImage(const TextRequest& request, const QByteArray& image,
+    async::Task<QString> writeImage(const TextRequest& request, platform::PasteboardItem picture,
                                     const scenes::ReplacementStrategy& strategy);
     void record(const TextRequest& request, persistence::HistoryEntry entry);
 

@@ -143,16 +143,16 @@ async::Task<void> OutputWriter::pressPaste() {
     co_await async::pause(platform_.mainLoop, postPasteDelay);
 }
 
-async::Task<QString> OutputWriter::writeImage(QByteArray data, std::optional<QString> caption, AutoPaste autoPaste) {
-    auto item = co_await platform_.imageCodec.pasteboardItem(std::move(data));
+async::Task<QString> OutputWriter::writeImage(std::optional<platform::PasteboardItem> picture,
+                                              std::optional<QString> caption, AutoPaste autoPaste) {
     platform_.pasteboard.clearContents();
-    if (!item) {
+    if (!picture) {
         if (caption)
             co_return *caption;
         throw OutputWriterError(OutputWriterError::Code::invalidImageData);
     }
     std::vector<platform::PasteboardItem> items;
-    items.push_back(*std::move(item));
+    items.push_back(*std::move(picture));
     if (!platform_.pasteboard.writeItems(std::move(items)))
         throw clipboardRefused();
     if (autoPaste == AutoPaste::Yes)

@@ -42,9 +42,10 @@ class OutputWriter {
     async::Task<void> writeText(QString text, scenes::ReplacementStrategy::Method method,
                                 std::optional<qint64> deleteCharCount, qint64 fallbackDeleteCount);
 
-    /// Puts a picture on the pasteboard and pastes it; gives a text to show. Bytes that are no picture leave the
-    /// pasteboard empty and give the caption, or `invalidImageData` without one.
-    async::Task<QString> writeImage(QByteArray data, std::optional<QString> caption, AutoPaste autoPaste);
+    /// Puts a picture, as the image codec gave it, on the pasteboard and pastes it; gives a text to show. One that
+    /// could not be decoded leaves the pasteboard empty and gives the caption, or `invalidImageData` without one.
+    async::Task<QString> writeImage(std::optional<platform::PasteboardItem> picture, std::optional<QString> caption,
+                                    AutoPaste autoPaste);
 
     /// Puts `text` on the pasteboard, where it stays, and presses the paste shortcut.
     async::Task<void> pasteText(QString text);

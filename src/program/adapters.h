@@ -7,6 +7,7 @@
 #include "desktop/audio/pulse_audio_input.h"
 #include "desktop/audio/vosk_speech.h"
 #include "desktop/documents/document_process_reader.h"
+#include "desktop/documents/picture_process_decoder.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/directory_defaults_store.h"
 #include "desktop/linux/posix_file_system.h"
@@ -45,6 +46,7 @@ struct Adapters {
     desktop::X11Hotkeys hotkeys;
     desktop::X11KeyObserver keyObserver;
     desktop::DBusInputSource inputSource;
+    desktop::PictureProcessDecoder pictureDecoder;
     desktop::QtImageCodec imageCodec;
     desktop::QtHttpSession httpSession;
     desktop::PosixFileSystem fileSystem;

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "app/app_delegate.h"
+#include "desktop/linux/private_memory.h"
 #include "desktop/linux/process_signals.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/qt/qt_application.h"
@@ -38,6 +39,7 @@ void prepareViews() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    desktop::keepMemoryPrivate();
     auto start = program::prepareStart(argc, argv);
     if (!start)
         return start.error();

@@ -299,12 +299,13 @@ TEST_F(ImageRequestTest, APictureReplacesWhatWasTypedAndIsKept) {
     EXPECT_EQ(backspaces(), 10);
     EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1);
     ASSERT_EQ(desk.pasteboard.contents().size(), 1U);
-    EXPECT_EQ(desk.pasteboard.contents().front().dataByType.front().second, "picture of a cat");
+    EXPECT_EQ(desk.pasteboard.contents().front().dataByType.front().second, "PNG of picture of a cat");
     ASSERT_EQ(desk.history.entries().size(), 1U);
     const auto& entry = desk.history.entries().front();
     EXPECT_EQ(entry.outputText, QStringLiteral("图片已复制到剪贴板"));
     ASSERT_TRUE(entry.outputImagePath);
-    EXPECT_EQ(desk.fileSystem.read(desk.history.resolvedImagePath(*entry.outputImagePath)), "picture of a cat");
+    EXPECT_EQ(desk.fileSystem.read(desk.history.resolvedImagePath(*entry.outputImagePath)), "PNG of picture of a cat")
+        << "only what was decoded and encoded anew is kept";
 }
 
 TEST_F(ImageRequestTest, APictureOverASelectionSendsNoBackspace) {
@@ -316,15 +317,14 @@ TEST_F(ImageRequestTest, APictureOverASelectionSendsNoBackspace) {
     EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1);
 }
 
-TEST_F(ImageRequestTest, BytesThatAreNoPictureAreAnError) {
+TEST_F(ImageRequestTest, BytesThatAreNoPictureAreAnErrorAndChangeNothing) {
     desk.generator.script = {generation::GenerationResult{.imageData = "<html>"}};
-    desk.editor.open(QStringLiteral("a cat"));
-    desk.editor.select(0, 5);
-    desk.request(QString());
+    desk.request(QStringLiteral("draw a cat"));
     finish();
     EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Invalid image data")));
     EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Error processing: Invalid image data")));
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("a cat"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("draw a cat"));
+    EXPECT_TRUE(desk.history.entries().empty());
 }
 
 }  // namespace tavrelon::input

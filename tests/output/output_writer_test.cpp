@@ -17,6 +17,7 @@ class OutputWriterTest : public ::testing::Test {
  public:
     TestDesktop desk;
     OutputWriter writer{desk.platform};
+    const platform::PasteboardItem picture{{{QStringLiteral("image/png"), "pixels"}}};
 
     std::chrono::nanoseconds write(Method method, std::optional<qint64> count, qint64 fallback = 0) {
         const auto start = desk.loop.now();
@@ -120,7 +121,7 @@ TEST_F(OutputWriterTest, NothingIsPastedFromAClipboardThatAnotherHolds) {
     desk.pasteboard.refusesOurs = true;
     desk.editor.open(QString());
     EXPECT_THROW(write(Method::deleteChars, 0), OutputWriterError);
-    EXPECT_THROW(runTask(desk.loop, writer.writeImage("picture", std::nullopt, AutoPaste::Yes)), OutputWriterError);
+    EXPECT_THROW(runTask(desk.loop, writer.writeImage(picture, std::nullopt, AutoPaste::Yes)), OutputWriterError);
     EXPECT_EQ(desk.editor.text(), QString());
 }
 
@@ -136,16 +137,17 @@ TEST_F(OutputWriterTest, ACancelledWriteStopsBetweenItsKeys) {
 }
 
 TEST_F(OutputWriterTest, Pictures) {
-    const auto write = [this](const QByteArray& data, const std::optional<QString>& caption, AutoPaste autoPaste) {
-        return runTask(desk.loop, writer.writeImage(data, caption, autoPaste));
+    const auto write = [this](const std::optional<platform::PasteboardItem>& item,
+                              const std::optional<QString>& caption, AutoPaste autoPaste) {
+        return runTask(desk.loop, writer.writeImage(item, caption, autoPaste));
     };
-    EXPECT_EQ(write("picture", std::nullopt, AutoPaste::No), QStringLiteral("图片已复制到剪贴板"));
+    EXPECT_EQ(write(picture, std::nullopt, AutoPaste::No), QStringLiteral("图片已复制到剪贴板"));
     EXPECT_TRUE(desk.keyPoster.strokes().empty());
-    EXPECT_EQ(write("picture", QStringLiteral("a cat"), AutoPaste::Yes), QStringLiteral("a cat"));
+    EXPECT_EQ(write(picture, QStringLiteral("a cat"), AutoPaste::Yes), QStringLiteral("a cat"));
     EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1);
-    EXPECT_EQ(write("junk", QStringLiteral("a cat"), AutoPaste::Yes), QStringLiteral("a cat"));
+    EXPECT_EQ(write(std::nullopt, QStringLiteral("a cat"), AutoPaste::Yes), QStringLiteral("a cat"));
     EXPECT_TRUE(desk.pasteboard.contents().empty());
-    EXPECT_THROW(write("junk", std::nullopt, AutoPaste::Yes), OutputWriterError);
+    EXPECT_THROW(write(std::nullopt, std::nullopt, AutoPaste::Yes), OutputWriterError);
 }
 
 }  // namespace tavrelon::output

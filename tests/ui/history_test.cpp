@@ -122,7 +122,7 @@ TEST_F(HistoryTest, APictureStandsForItsNoticeUnlessItCannotBeRead) {
         file.write(bytes);
     };
     EXPECT_TRUE(QImage(40, 30, QImage::Format_RGB32).save(folder.filePath(u"good.jpg"_s), "PNG"));
-    save(u"broken.jpg"_s, "no picture");
+    save(u"broken.jpg"_s, "<svg xmlns='http://www.w3.org/2000/svg' width='4' height='4'/>");  // Qt would draw it
     const auto copied = u" 图片已复制到剪贴板\n"_s;
     for (const auto& path :
          {u"good.jpg"_s, folder.filePath(u"good.jpg"_s), u"broken.jpg"_s, u"gone.jpg"_s, u"/dev/zero"_s})
