@@ -304,7 +304,7 @@ TEST_F(ImageRequestTest, APictureReplacesWhatWasTypedAndIsKept) {
     const auto& entry = desk.history.entries().front();
     EXPECT_EQ(entry.outputText, QStringLiteral("图片已复制到剪贴板"));
     ASSERT_TRUE(entry.outputImagePath);
-    EXPECT_EQ(desk.fileSystem.read(desk.history.resolvedImagePath(*entry.outputImagePath)), "picture of a cat");
+    EXPECT_EQ(desk.fileSystem.read(*desk.history.resolvedImagePath(*entry.outputImagePath)), "picture of a cat");
 }
 
 TEST_F(ImageRequestTest, APictureOverASelectionSendsNoBackspace) {

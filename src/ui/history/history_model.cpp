@@ -70,14 +70,14 @@ void HistoryModel::refresh() {
 /// Reads no more than the size of the picture. What is no ordinary file might keep its reader waiting for ever.
 std::optional<HistoryImage> HistoryModel::findImage(const QString& outputImagePath) const {
     const auto path = history_.resolvedImagePath(outputImagePath);
-    if (!QFileInfo(path).isFile())
+    if (!path || !QFileInfo(*path).isFile())
         return std::nullopt;
-    QImageReader reader(path);
+    QImageReader reader(*path);
     reader.setDecideFormatFromContent(true);
     const auto pixels = reader.size();
     if (pixels.isEmpty())
         return std::nullopt;
-    return HistoryImage{QUrl::fromLocalFile(path), pixels};
+    return HistoryImage{QUrl::fromLocalFile(*path), pixels};
 }
 
 }  // namespace tavrelon::ui
