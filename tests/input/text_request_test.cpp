@@ -107,7 +107,7 @@ TEST_F(TextRequestTest, AnOpaqueFieldIsAnsweredFromTheKeys) {
     desk.editor.open(QStringLiteral("before "), SimulatedEditor::Visibility::Opaque);
     desk.request(QStringLiteral("hello"));
     finish();
-    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Using keystroke buffer fallback, length: 5")));
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Using keystroke buffer fallback")));
     EXPECT_EQ(asked(), QStringLiteral("hello"));
     EXPECT_EQ(desk.editor.text(), QStringLiteral("before ANSWER"));
 }
