@@ -107,7 +107,7 @@ TEST_F(TextRequestTest, AnOpaqueFieldIsAnsweredFromTheKeys) {
     desk.editor.open(QStringLiteral("before "), SimulatedEditor::Visibility::Opaque);
     desk.request(QStringLiteral("hello"));
     finish();
-    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Using keystroke buffer fallback, length: 5")));
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Using keystroke buffer fallback")));
     EXPECT_EQ(asked(), QStringLiteral("hello"));
     EXPECT_EQ(desk.editor.text(), QStringLiteral("before ANSWER"));
 }
@@ -304,7 +304,7 @@ TEST_F(ImageRequestTest, APictureReplacesWhatWasTypedAndIsKept) {
     const auto& entry = desk.history.entries().front();
     EXPECT_EQ(entry.outputText, QStringLiteral("图片已复制到剪贴板"));
     ASSERT_TRUE(entry.outputImagePath);
-    EXPECT_EQ(desk.fileSystem.read(desk.history.resolvedImagePath(*entry.outputImagePath)), "PNG of picture of a cat")
+    EXPECT_EQ(desk.fileSystem.read(*desk.history.resolvedImagePath(*entry.outputImagePath)), "PNG of picture of a cat")
         << "only what was decoded and encoded anew is kept";
 }
 
