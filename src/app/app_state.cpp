@@ -88,8 +88,6 @@ void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSette
 void AppState::applyHotkeySettings() {
     auto& manager = hotkeyManager_;
     static_cast<keys::HotkeySet&>(manager) = storageManager_.settings();
-    // A bare grave accent is taken from the user only where it opens something.
-    manager.quickAskHotkeyEnabled = static_cast<bool>(manager.onFloatingInputHotkeyPressed);
     manager.clearLatches();
     manager.refreshTap();
 }

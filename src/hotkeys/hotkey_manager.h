@@ -41,9 +41,6 @@ class HotkeyManager : public keys::HotkeySet {
     HotkeyManager& operator=(const HotkeyManager&) = delete;
     ~HotkeyManager() { stopListening(); }
 
-    keys::HotkeyConfig quickAskHotkey = keys::defaults::quickAskHotkey;
-    bool quickAskHotkeyEnabled = true;
-
     /// While a new hotkey is being recorded no key is taken for an old one.
     bool isRecordingKeys = false;
 

@@ -74,6 +74,7 @@ inline constexpr auto settingsFields = std::to_array<SettingsField>({
     {"enableLocalLearning", 50, &AppSettings::enableLocalLearning},
     {"shareImprovements", 51, &AppSettings::shareImprovements},
     {"appLanguage", 52, &AppSettings::appLanguage},
+    {"quickAskHotkeyEnabled", 53, &AppSettings::quickAskHotkeyEnabled},
 });
 
 /// The same fields in the order of writing.

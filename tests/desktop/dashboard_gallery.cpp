@@ -42,11 +42,12 @@ void pictureHotkeys(DashboardGallery& gallery) {
         shown.change([](auto& settings) {
             settings.hotkeysEnabled = settings.floatingInputHotkeyEnabled = false;
             settings.videoHotkey = {122, keys::commandFlag};
+            settings.autoReplyHotkey = settings.cancelHotkey = {keys::keyL, {}};
             settings.voiceInputSilenceTimeoutSeconds = 12.5;
         });
-        shown.page<ui::HotkeysSettingsModel>().toggleRecording(0);
+        shown.page<ui::HotkeysSettingsModel>().toggleRecording(5);
         shown.scrollDown();
-        shown.page<ui::HotkeysSettingsModel>().toggleRecording(6);
+        shown.keys.hold(keys::controlFlag | keys::optionFlag);
     });
     gallery.picture(QStringLiteral("hotkeys-off"), DashboardTab::hotkeys,
                     [](DashboardGallery& shown) { shown.page<ui::HotkeysSettingsModel>().toggleRecording(0); });

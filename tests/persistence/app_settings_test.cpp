@@ -39,7 +39,7 @@ text::Json documentWithEveryKey() {
         "cloneLanguageStyleUpdatedAt": -2000.25,
         "enableNvidiaLocal": false, "enableNvidiaThink": false,
         "enableHistory": true, "maxHistoryEntries": 20, "enableLocalLearning": true, "shareImprovements": false,
-        "appLanguage": "en"})");
+        "appLanguage": "en", "quickAskHotkeyEnabled": true})");
     json["pollinationsBaseURL"] = text::toJson(defaultPollinationsBaseURL());
     json["ollamaLocalEndpoint"] = text::toJson(defaultOllamaLocalEndpoint());
     json["cloneApiBaseURL"] = text::toJson(defaultCloneApiBaseURL());
@@ -70,7 +70,7 @@ AppSettings decoded(const char* json) {
 
 TEST(AppSettings, DefaultsAreWrittenInFixedOrderWithoutTheAbsentDates) {
     auto expected = documentWithEveryKey();
-    ASSERT_EQ(expected.size(), 53U);
+    ASSERT_EQ(expected.size(), 54U);
     expected.erase("adaptiveSystemPromptUpdatedAt");
     expected.erase("cloneLanguageStyleUpdatedAt");
     EXPECT_EQ(text::compactJson(toJson(defaultSettings())), text::compactJson(expected));

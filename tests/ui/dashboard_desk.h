@@ -31,6 +31,7 @@ struct DashboardDesk {
         desktop.loop, desktop.httpSession, desktop.log, generation::ServiceEndpoints::builtIn(), {}};
     hotkeys::HotkeyManager manager{desktop.platform};
     FakeRawKeys keys;
+    std::optional<tavrelon::keys::HotkeyConfig> heldElsewhere;
     std::vector<bool> shownStates;  ///< what the overlay of all hotkeys showed
     int donations = 0;
     platform::AuthorizationStatus microphone = platform::AuthorizationStatus::NotDetermined;
@@ -38,7 +39,8 @@ struct DashboardDesk {
 
     ui::GeneralSettingsModel general{storage, service};
     ui::HotkeysSettingsModel hotkeys{
-        {desktop.loop, storage, manager, keys, [this](bool enabled) { shownStates.push_back(enabled); }}};
+        {desktop.loop, storage, manager, keys, [this](bool enabled) { shownStates.push_back(enabled); },
+         [this](const tavrelon::keys::HotkeyConfig& hotkey) { return hotkey == heldElsewhere; }}};
     ui::PrivacySettingsModel privacy{storage, permissions()};
     std::vector<ui::DashboardPage> pages = emptyPages();
     ui::DashboardModel shell{storage, pages, [this] { ++donations; }};

@@ -13,12 +13,15 @@ DashboardPage generalSettingsPage(app::AppState& appState) {
             }};
 }
 
-DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys) {
-    return {DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"), [&appState, &keys] {
-                return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
-                    appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
-                    [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }});
-            }};
+DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys,
+                          std::function<bool(const keys::HotkeyConfig&)> isHeldElsewhere) {
+    return {
+        DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"),
+        [&appState, &keys, isHeldElsewhere = std::move(isHeldElsewhere)] {
+            return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
+                appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
+                [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }, isHeldElsewhere});
+        }};
 }
 
 DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions) {

@@ -9,7 +9,11 @@ namespace tavrelon::ui {
 
 // The pages of settings, for the window to show. What they refer to outlives the window.
 DashboardPage generalSettingsPage(app::AppState& appState);
-DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys);
+
+/// `isHeldElsewhere` as in `HotkeysSettingsModel::Services`.
+DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys,
+                          std::function<bool(const keys::HotkeyConfig&)> isHeldElsewhere = {});
+
 DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions);
 
 }  // namespace tavrelon::ui
