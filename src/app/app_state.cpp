@@ -48,6 +48,7 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       hotkeyStatusHUDController_(platform.mainLoop, userInterface),
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)) {
     enforceProviderExclusivity(storageManager_);
+    adoptWhatWasTaught(storageManager_);
     applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
     cloneService_ =
         std::make_unique<learning::CloneService>(platform.httpSession, platform.documentReader, pollinationsService_,

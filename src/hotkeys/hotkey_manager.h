@@ -45,6 +45,7 @@ class HotkeyManager : public keys::HotkeySet {
 
     /// While a new hotkey is being recorded in our own window, in front, no key is taken for an old one.
     void setRecordingKeys(bool isRecording);
+    bool isRecordingKeys() const { return isRecordingKeys_; }
 
     /// Whether one of our own windows has the focus.
     void setOwnWindowActive(bool isActive);

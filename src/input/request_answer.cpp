@@ -23,6 +23,8 @@ async::Task<generation::GenerationResult> TextRequestPipeline::generateOnce(cons
                                                                             std::optional<QString> userStyle,
                                                                             std::optional<QString> userVoice) {
     const auto& settings = services_.storageManager.settings();
+    if (userVoice && !adaptivePromptForRequest(settings))
+        userVoice.reset();  // the provider was changed between two attempts
     co_return co_await services_.generator.generate(
         {.input = request.finalText,
          .context = request.context,

@@ -22,7 +22,7 @@ struct HotkeySet {
     bool videoHotkeyEnabled = true;
     HotkeyConfig floatingInputHotkey = defaults::floatingInputHotkey;
     bool floatingInputHotkeyEnabled = true;
-    HotkeyConfig quickAskHotkey = defaults::quickAskHotkey;
+    HotkeyConfig quickAskHotkey = defaults::quickAskHotkey;  ///< always this key: only its switch is stored
     bool quickAskHotkeyEnabled = true;
     bool hotkeysEnabled = true;  ///< the master switch of all hotkeys
 

@@ -52,9 +52,9 @@ class Hotkeys {
     /// answer for a quarter of a second. May be called before `start` and from within the handler.
     virtual void declare(const std::vector<WantedHotkey>& wanted) = 0;
 
-    /// Whether a program or the desktop holds the combination, so that a press would not come to us. False where that
-    /// cannot be told.
-    virtual bool isHeldElsewhere(const keys::HotkeyConfig& hotkey) = 0;
+    /// Which of these combinations a program or the desktop holds, so that a press would not come to us. None where
+    /// that cannot be told.
+    virtual std::vector<keys::HotkeyConfig> heldElsewhere(const std::vector<keys::HotkeyConfig>& hotkeys) = 0;
 };
 
 }  // namespace tavrelon::platform

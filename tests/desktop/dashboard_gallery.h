@@ -40,7 +40,7 @@ class DashboardGallery {
     desktop::StandardOutputLog log;
     desktop::QtWindows windows{loop, log};
     std::vector<ui::DashboardPage> pages{ui::generalSettingsPage(appState),
-                                         ui::hotkeysPage(appState, keys),
+                                         ui::hotkeysPage(appState, keys, desktop.keyboard.hotkeys),
                                          ui::clonePage(appState, desktop.platform, picker),
                                          ui::providersPage(appState, desktop.platform),
                                          ui::historyPage(appState),

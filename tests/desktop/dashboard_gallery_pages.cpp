@@ -103,6 +103,7 @@ void pictureClone(DashboardGallery& gallery) {
             u"- Keep paragraphs short where the matter is practical.\n"_s.repeated(20);
         settings.cloneLanguageStyle = u"Dry, exact, warm underneath; semicolons; British spelling."_s;
         settings.cloneLanguageStyleUpdatedAt = std::chrono::system_clock::now();
+        settings.cloneSource = u"NVIDIA Nemotron Nano 12B VL (integrate.api.nvidia.com)"_s;
     });
     const auto letters = u"/home/ada/Documents/letters to my brother, collected and annotated in 1842.pdf"_s;
     gallery.desktop.documentReader.put(letters, u"too short"_s);

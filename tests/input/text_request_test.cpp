@@ -1,6 +1,7 @@
 // The road of a typed request, from the hotkey to the field, on a desktop of fakes.
 #include <gtest/gtest.h>
 
+#include "persistence/taught.h"
 #include "support/input_desk.h"
 #include "support/qt_gtest.h"
 
@@ -211,10 +212,15 @@ TEST_F(TextRequestTest, SettingsReachTheRequest) {
     EXPECT_EQ(first.voice.cloneSystemPrompt, std::nullopt);
     EXPECT_FALSE(first.enhanceImagePrompts);
 
-    desk.change([](auto& settings) { settings.adaptiveSystemPrompt.clear(); });
+    desk.change([](auto& settings) {
+        persistence::adoptTaught(settings);
+        settings.enableNvidiaLocal = true;
+    });
     desk.request(QStringLiteral("two"));
     finish();
-    EXPECT_TRUE(desk.generator.requests.back().voice.userStyle);
+    const auto& second = desk.generator.requests.back().voice;
+    EXPECT_FALSE(second.adaptivePrompt || second.languageStyle) << "taught by another provider";
+    EXPECT_TRUE(second.userStyle);
 }
 
 class CompositionTest : public TextRequestTest {

@@ -18,6 +18,12 @@ bool FakeHotkeys::wants(const keys::HotkeyConfig& hotkey) const {
     return std::ranges::find(wanted_, hotkey, &WantedHotkey::keys) != wanted_.end();
 }
 
+std::vector<keys::HotkeyConfig> FakeHotkeys::heldElsewhere(const std::vector<keys::HotkeyConfig>& hotkeys) {
+    auto held = hotkeys;
+    std::erase_if(held, [this](const auto& hotkey) { return hotkey != heldByAnother; });
+    return held;
+}
+
 Taken FakeHotkeys::fire(const WantedHotkey& hotkey) {
     const auto found = std::ranges::find_if(wanted_, [&](const WantedHotkey& wanted) {
         return wanted.fires == hotkey.fires && wanted.keys.matches(hotkey.keys.keyCode, hotkey.keys.modifiers);

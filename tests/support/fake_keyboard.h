@@ -16,7 +16,7 @@ class FakeHotkeys : public platform::Hotkeys {
     std::expected<void, platform::HotkeysError> start(Handler handler) override;
     void stop() override { handler_ = nullptr; }
     void declare(const std::vector<platform::WantedHotkey>& wanted) override { wanted_ = wanted; }
-    bool isHeldElsewhere(const keys::HotkeyConfig& hotkey) override { return heldElsewhere == hotkey; }
+    std::vector<keys::HotkeyConfig> heldElsewhere(const std::vector<keys::HotkeyConfig>& hotkeys) override;
 
     /// Tells the hotkey if it is wanted.
     Taken fire(const platform::WantedHotkey& hotkey);
@@ -26,7 +26,7 @@ class FakeHotkeys : public platform::Hotkeys {
     const std::vector<platform::WantedHotkey>& wanted() const { return wanted_; }
     bool wants(const keys::HotkeyConfig& hotkey) const;
 
-    std::optional<keys::HotkeyConfig> heldElsewhere;
+    std::optional<keys::HotkeyConfig> heldByAnother;
 
  private:
     Handler handler_;

@@ -1,5 +1,8 @@
 #include "desktop/x11/x11_hotkeys.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "desktop/x11/x11_keyboard_notices.h"
 #include "desktop/x11/x11_keyboard_thread.h"
 
@@ -42,10 +45,17 @@ void X11Hotkeys::declare(const std::vector<platform::WantedHotkey>& wanted) {
         thread_->declare(wanted);
 }
 
-bool X11Hotkeys::isHeldElsewhere(const keys::HotkeyConfig& hotkey) {
+std::vector<keys::HotkeyConfig> X11Hotkeys::heldElsewhere(const std::vector<keys::HotkeyConfig>& hotkeys) {
     const auto connection = X11Connection::open();
     const auto keyboard = connection ? X11Keyboard::fromServer(**connection) : nullptr;
-    return keyboard && !heldElsewhere(**connection, grabsFor(hotkey, *keyboard, keyboardGroup(**connection))).empty();
+    if (!keyboard)
+        return {};
+    std::vector<keys::HotkeyConfig> held;
+    std::ranges::copy_if(hotkeys, std::back_inserter(held),
+                         [&, group = keyboardGroup(**connection)](const auto& hotkey) {
+                             return !desktop::heldElsewhere(**connection, grabsFor(hotkey, *keyboard, group)).empty();
+                         });
+    return held;
 }
 
 }  // namespace tavrelon::desktop

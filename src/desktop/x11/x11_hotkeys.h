@@ -24,7 +24,7 @@ class X11Hotkeys : public platform::Hotkeys {
     std::expected<void, platform::HotkeysError> start(Handler handler) override;
     void stop() override;
     void declare(const std::vector<platform::WantedHotkey>& wanted) override;
-    bool isHeldElsewhere(const keys::HotkeyConfig& hotkey) override;
+    std::vector<keys::HotkeyConfig> heldElsewhere(const std::vector<keys::HotkeyConfig>& hotkeys) override;
 
     /// The way of the keys while it runs; null otherwise.
     const std::shared_ptr<X11KeyDelivery>& delivery() const { return delivery_; }
