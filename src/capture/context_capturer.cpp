@@ -58,6 +58,12 @@ async::Task<std::optional<QString>> ContextCapturer::selectedText() {
     co_return std::nullopt;
 }
 
+async::Task<std::optional<QString>> ContextCapturer::selectionViaClipboard(SelectAll selectAll) {
+    if (platform_.accessibility.isFocusSecure())
+        co_return std::nullopt;
+    co_return co_await clipboardSelection_.read(selectAll);
+}
+
 async::Task<std::optional<QString>> ContextCapturer::focusedWindowTitle() {
     if (!platform_.accessibility.isProcessTrusted())
         co_return std::nullopt;

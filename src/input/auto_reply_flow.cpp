@@ -16,7 +16,7 @@ const auto promptBeforeSelection = QStringLiteral("请直接输出回复正文�
 }  // namespace
 
 void AutoReplyFlow::startAutoReply() {
-    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
+    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
     machine_.enterProcessingLater(InputTrigger::autoReply);
     machine_.beginProcessingTask(QStringLiteral("Error processing auto reply: "),
@@ -24,7 +24,7 @@ void AutoReplyFlow::startAutoReply() {
 }
 
 async::Task<void> AutoReplyFlow::processAutoReply(QUuid id) {
-    if (!machine_.isCurrentTask(id))
+    if (!machine_.isCurrentTask(id) || !machine_.ensureNoPasswordField())
         co_return;
     const auto context = co_await services_.contextCapturer.captureContext(QString(), capture::ScreenshotWish::Include);
     if (machine_.isCurrentTask(id))

@@ -10,18 +10,30 @@ namespace tavrelon::input {
 
 using Case = InputState::Case;
 
+namespace {
+
+constexpr std::chrono::milliseconds untilSecondLook{200};
+
+}  // namespace
+
 InputStateMachine::InputStateMachine(InputServices services)
     : services_(services),
       textRequests_(std::make_unique<TextRequestPipeline>(*this, services)),
       voice_(std::make_unique<VoiceFlow>(*this, services)),
       autoReply_(std::make_unique<AutoReplyFlow>(*this, services)),
       video_(std::make_unique<VideoFlow>(*this, services)),
-      tasks_(services.platform.mainLoop) {}
+      tasks_(services.platform.mainLoop) {
+    services.platform.accessibility.onFocusChange(lifetime_.guard([this] {
+        watchForPasswordField();
+        // The element may speak before its window is known to be in front.
+        secondLook_ = services_.platform.mainLoop.after(untilSecondLook, [this] { watchForPasswordField(); });
+    }));
+}
 
 InputStateMachine::~InputStateMachine() = default;
 
 void InputStateMachine::startTextInput() {
-    if (!isNewInputPossible() || !ensureAIEnabled())
+    if (!isNewInputPossible() || !ensureAIEnabled() || !ensureNoPasswordField())
         return;
     clearTypedInput();
     // At once, before any further key can arrive.
@@ -30,7 +42,7 @@ void InputStateMachine::startTextInput() {
 }
 
 void InputStateMachine::commitTextInput() {
-    if (currentState() != Case::listening)
+    if (currentState() != Case::listening || !ensureNoPasswordField())
         return;
     auto snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
     setStateLater(Case::processing);
@@ -41,7 +53,7 @@ void InputStateMachine::commitTextInput() {
 }
 
 void InputStateMachine::submitFloatingInput(const QString& text) {
-    if (!isNewInputPossible() || !ensureAIEnabled())
+    if (!isNewInputPossible() || !ensureAIEnabled() || !ensureNoPasswordField())
         return;
     initialTextSnapshot.reset();
     clearTypedInput();
@@ -138,6 +150,24 @@ bool InputStateMachine::ensureAIEnabled() {
         return true;
     failInput(QStringLiteral("AI is disabled"));
     return false;
+}
+
+bool InputStateMachine::ensureNoPasswordField() {
+    if (!services_.platform.accessibility.isFocusSecure())
+        return true;
+    if (currentState() == Case::listeningVoice)
+        voice_->cancel();
+    initialTextSnapshot.reset();
+    expectedScreenshot.reset();
+    clearTypedInput();
+    dropFramesLater();
+    failInput(QStringLiteral("Password field"));
+    return false;
+}
+
+void InputStateMachine::watchForPasswordField() {
+    if (currentState() == Case::listening)
+        ensureNoPasswordField();
 }
 
 void InputStateMachine::failInput(const QString& message) {

@@ -66,6 +66,10 @@ class InputStateMachine {
     void enterInputState(const InputState& state, InputTrigger trigger);
     bool ensureAIEnabled();
 
+    /// Whether no password field has the focus, so that an input may begin or go on; otherwise what was taken of the
+    /// input so far is forgotten, and it ends with a message.
+    bool ensureNoPasswordField();
+
     /// Runs `operation` as the one processing task; what it throws ends the input: a cancellation quietly, anything
     /// else as a failure whose line in the log begins with `failureLog`.
     void beginProcessingTask(QString failureLog, std::function<async::Task<void>(TaskID)> operation);
@@ -104,6 +108,7 @@ class InputStateMachine {
     async::Task<void> runProcessingTask(QString failureLog, std::function<async::Task<void>(TaskID)> operation,
                                         TaskID id);
     void finishProcessingTask(const TaskID& id);
+    void watchForPasswordField();
     void dropFramesLater();
     async::Task<void> dropFrames();
 
@@ -119,6 +124,7 @@ class InputStateMachine {
     std::unique_ptr<VoiceFlow> voice_;
     std::unique_ptr<AutoReplyFlow> autoReply_;
     std::unique_ptr<VideoFlow> video_;
+    async::Timer secondLook_;
     async::TaskScope tasks_;
     async::Lifetime lifetime_;
 };

@@ -12,7 +12,7 @@ TextRequestPipeline::TextRequestPipeline(InputStateMachine& machine, const Input
 async::Task<void> TextRequestPipeline::processTextRequest(QString inputBuffer,
                                                           std::optional<AccessibilityTextSnapshot> focusedSnapshot,
                                                           QUuid id, TranscriptInserted transcriptInserted) {
-    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled())
+    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         co_return;
     TextRequest request;
     request.id = id;

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 using generation::ProcessingError;
 
 void VideoFlow::startVideoInput() {
-    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
+    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
     if (!services_.platform.screenCapture.preflightAccess()) {
         machine_.failInput(QStringLiteral("Screen recording permission required"));
@@ -23,7 +23,8 @@ void VideoFlow::startVideoInput() {
 }
 
 void VideoFlow::stopVideoInput() {
-    if (machine_.currentState() != InputState::Case::recordingVideo || machine_.activeTrigger() != InputTrigger::video)
+    if (machine_.currentState() != InputState::Case::recordingVideo ||
+        machine_.activeTrigger() != InputTrigger::video || !machine_.ensureNoPasswordField())
         return;
     machine_.setStateLater(InputState::Case::processing);
     machine_.beginProcessingTask(QStringLiteral("Error processing video input: "),
@@ -36,7 +37,7 @@ async::Task<void> VideoFlow::process(QUuid id) {
 }
 
 async::Task<void> VideoFlow::processVideoInput(QString text, std::vector<QByteArray> frames, QUuid id) {
-    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled())
+    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         co_return;
     const auto initial = machine_.initialTextSnapshot;
     const auto current = services_.contextCapturer.fetchFocusedTextSnapshot();

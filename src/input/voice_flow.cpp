@@ -27,7 +27,7 @@ void VoiceFlow::toggle(InputTrigger kind) {
 }
 
 void VoiceFlow::startVoiceInput() {
-    if (!machine_.ensureAIEnabled())
+    if (!machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
     if (speechRecognizer_) {
         machine_.clearTypedInput();
@@ -37,6 +37,8 @@ void VoiceFlow::startVoiceInput() {
 }
 
 void VoiceFlow::startVoiceDictation() {
+    if (!machine_.ensureNoPasswordField())
+        return;
     if (speechRecognizer_)
         machine_.initialTextSnapshot.reset();
     startRecording(InputTrigger::voiceDictation, QStringLiteral("[StateMachine] Failed to start voice dictation: "));
@@ -61,7 +63,8 @@ void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
 }
 
 void VoiceFlow::stop(InputTrigger kind) {
-    if (machine_.currentState() != Case::listeningVoice || machine_.activeTrigger() != kind)
+    if (machine_.currentState() != Case::listeningVoice || machine_.activeTrigger() != kind ||
+        !machine_.ensureNoPasswordField())
         return;
     stopSilenceTimer();
     if (speechRecognizer_)
