@@ -45,6 +45,7 @@ void InputStateMachine::commitTextInput() {
     if (currentState() != Case::listening || !ensureNoPasswordField())
         return;
     auto snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    services_.outputWriter.aim();
     setStateLater(Case::processing);
     beginProcessingTask(TextRequestPipeline::failureLog,
                         [this, snapshot = std::move(snapshot), buffer = typedInputBuffer_](TaskID id) {
@@ -52,9 +53,11 @@ void InputStateMachine::commitTextInput() {
                         });
 }
 
-void InputStateMachine::submitFloatingInput(const QString& text) {
+void InputStateMachine::submitFloatingInput(const QString& text,
+                                            const std::optional<platform::RunningApplication>& into) {
     if (!isNewInputPossible() || !ensureAIEnabled() || !ensureNoPasswordField())
         return;
+    into ? services_.outputWriter.aimAt(*into) : services_.outputWriter.aim();
     initialTextSnapshot.reset();
     clearTypedInput();
     enterProcessingLater(InputTrigger::floatingInput);

@@ -45,7 +45,8 @@ class InputStateMachine {
     // What hotkeys and the prompt box call.
     void startTextInput();
     void commitTextInput();
-    void submitFloatingInput(const QString& text);
+    /// `into` is the application that the answer is for, where the focus may still be on its way back there.
+    void submitFloatingInput(const QString& text, const std::optional<platform::RunningApplication>& into = {});
     void handleVoiceHotkey();
     void handleVoiceDictationHotkey();
     void startVideoInput();

@@ -18,6 +18,7 @@ void VideoFlow::startVideoInput() {
         return;
     }
     machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
+    services_.outputWriter.aim();
     machine_.startRecordingFrames();
     machine_.schedule([this] { machine_.enterInputState(InputState::Case::recordingVideo, InputTrigger::video); });
 }
@@ -67,11 +68,12 @@ async::Task<void> VideoFlow::describe(const QString& requestText, const std::vec
         });
     if (!machine_.isCurrentTask(id))
         co_return;
+    auto placement = output::Placement::Written;
     if (retried.result.text) {
         const auto typed = text::characterCount(requestText);
         const auto strategy = makeReplacementStrategy(requestText, context.selection, typed);
-        co_await services_.outputWriter.writeText(*retried.result.text, strategy.method, strategy.deleteCharCount,
-                                                  typed);
+        placement = co_await services_.outputWriter.writeText(*retried.result.text, strategy.method,
+                                                              strategy.deleteCharCount, typed);
         if (!machine_.isCurrentTask(id))
             co_return;
     }
@@ -80,6 +82,7 @@ async::Task<void> VideoFlow::describe(const QString& requestText, const std::vec
                        {prompt, retried.result.text.value_or(QStringLiteral("[Video Result]")), QStringLiteral("video"),
                         retried.retryCount},
                        services_.platform.mainLoop.wallTime()));
+    output::ensureWritten(placement);
     co_await machine_.complete(id, 2s);
 }
 

@@ -50,6 +50,7 @@ void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
         machine_.failInput(QStringLiteral("Speech recognition is not available."));
         return;
     }
+    services_.outputWriter.aim();
     machine_.schedule([this, kind] { machine_.enterInputState(Case::listeningVoice, kind); });
     try {
         speechRecognizer_->startRecording();
