@@ -117,7 +117,7 @@ void AppState::setCallbacks() {
     hotkeyManager_.onAutoReplyHotkeyPressed = nextTurn([this] { inputStateMachine_->startAutoReply(); });
     hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
     hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });
-    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { floatingInputController_->toggle(); });
+    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { togglePromptBox(); });
 }
 
 void AppState::toggleAllHotkeys() {
@@ -128,6 +128,12 @@ void AppState::toggleAllHotkeys() {
     hotkeyManager_.hotkeysEnabled = enabled;
     hotkeyManager_.refresh();
     hotkeyStatusHUDController_.show(enabled);
+}
+
+void AppState::togglePromptBox() {
+    const bool opens = !floatingInputController_->isVisible() && inputStateMachine_->isNewInputPossible();
+    if (!opens || inputStateMachine_->ensureNoPasswordField())
+        floatingInputController_->toggle();
 }
 
 void AppState::toggleVideo() {

@@ -55,6 +55,7 @@ class AppState {
     void applyCaptureSettings();
     void setCallbacks();
     void toggleAllHotkeys();
+    void togglePromptBox();
     void toggleVideo();
     std::optional<QRectF> caretRect();
     void makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon);

@@ -10,6 +10,12 @@ namespace tavrelon::input {
 
 using Case = InputState::Case;
 
+namespace {
+
+constexpr std::chrono::milliseconds untilSecondLook{200};
+
+}  // namespace
+
 InputStateMachine::InputStateMachine(InputServices services)
     : services_(services),
       typedText_(services.platform),
@@ -17,7 +23,13 @@ InputStateMachine::InputStateMachine(InputServices services)
       voice_(std::make_unique<VoiceFlow>(*this, services)),
       autoReply_(std::make_unique<AutoReplyFlow>(*this, services)),
       video_(std::make_unique<VideoFlow>(*this, services)),
-      tasks_(services.platform.mainLoop) {}
+      tasks_(services.platform.mainLoop) {
+    services.platform.accessibility.onFocusChange(lifetime_.guard([this] {
+        watchForPasswordField();
+        // The element may speak before its window is known to be in front.
+        secondLook_ = services_.platform.mainLoop.after(untilSecondLook, [this] { watchForPasswordField(); });
+    }));
+}
 
 InputStateMachine::~InputStateMachine() = default;
 
@@ -35,7 +47,7 @@ void InputStateMachine::setState(const InputState& state) {
 }
 
 void InputStateMachine::startTextInput() {
-    if (!takeStage() || !ensureAIEnabled())
+    if (!takeStage() || !ensureAIEnabled() || !ensureNoPasswordField())
         return;
     // First of all: the user types on while the field is being read.
     typedText_.begin([this] { cancelInput(); });
@@ -44,9 +56,10 @@ void InputStateMachine::startTextInput() {
 }
 
 void InputStateMachine::commitTextInput() {
-    if (currentState() != Case::listening)
+    if (currentState() != Case::listening || !ensureNoPasswordField())
         return;
     auto snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    services_.outputWriter.aim();
     setStateLater(Case::processing);
     beginProcessingTask(TextRequestPipeline::failureLog,
                         [this, snapshot = std::move(snapshot), buffer = typedText_.end()](TaskID id) {
@@ -54,9 +67,11 @@ void InputStateMachine::commitTextInput() {
                         });
 }
 
-void InputStateMachine::submitFloatingInput(const QString& text) {
-    if (!takeStage() || !ensureAIEnabled())
+void InputStateMachine::submitFloatingInput(const QString& text,
+                                            const std::optional<platform::RunningApplication>& into) {
+    if (!takeStage() || !ensureAIEnabled() || !ensureNoPasswordField())
         return;
+    into ? services_.outputWriter.aimAt(*into) : services_.outputWriter.aim();
     initialTextSnapshot.reset();
     typedText_.end();
     enterProcessingLater(InputTrigger::floatingInput);
@@ -158,6 +173,24 @@ bool InputStateMachine::ensureAIEnabled() {
         return true;
     failInput(QStringLiteral("AI is disabled"));
     return false;
+}
+
+bool InputStateMachine::ensureNoPasswordField() {
+    if (!services_.platform.accessibility.isFocusSecure())
+        return true;
+    if (currentState() == Case::listeningVoice)
+        voice_->cancel();
+    initialTextSnapshot.reset();
+    expectedScreenshot.reset();
+    typedText_.end();
+    dropFramesLater();
+    failInput(QStringLiteral("Password field"));
+    return false;
+}
+
+void InputStateMachine::watchForPasswordField() {
+    if (currentState() == Case::listening)
+        ensureNoPasswordField();
 }
 
 void InputStateMachine::failInput(const QString& message) {

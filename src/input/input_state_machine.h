@@ -46,7 +46,8 @@ class InputStateMachine {
     // What hotkeys and the prompt box call.
     void startTextInput();
     void commitTextInput();
-    void submitFloatingInput(const QString& text);
+    /// `into` is the application that the answer is for, where the focus may still be on its way back there.
+    void submitFloatingInput(const QString& text, const std::optional<platform::RunningApplication>& into = {});
     void handleVoiceHotkey();
     void handleVoiceDictationHotkey();
     void startVideoInput();
@@ -70,6 +71,10 @@ class InputStateMachine {
     bool takeStage();
     void enterInputState(const InputState& state, InputTrigger trigger);
     bool ensureAIEnabled();
+
+    /// Whether no password field has the focus, so that an input may begin or go on; otherwise what was taken of the
+    /// input so far is forgotten, and it ends with a message.
+    bool ensureNoPasswordField();
 
     /// Runs `operation` as the one processing task; what it throws ends the input: a cancellation quietly, anything
     /// else as a failure whose line in the log begins with `failureLog`.
@@ -110,6 +115,7 @@ class InputStateMachine {
     void setState(const InputState& state);
     void finishProcessingTask(const TaskID& id);
     void dropProcessingTask();
+    void watchForPasswordField();
     void dropFramesLater();
     async::Task<void> dropFrames();
 
@@ -126,6 +132,7 @@ class InputStateMachine {
     std::unique_ptr<VoiceFlow> voice_;
     std::unique_ptr<AutoReplyFlow> autoReply_;
     std::unique_ptr<VideoFlow> video_;
+    async::Timer secondLook_;
     async::TaskScope tasks_;
     async::Lifetime lifetime_;
 };

@@ -27,7 +27,7 @@ void VoiceFlow::toggle(InputTrigger kind) {
 }
 
 void VoiceFlow::startVoiceInput() {
-    if (!machine_.ensureAIEnabled())
+    if (!machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
     if (speechRecognizer_)
         machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
@@ -35,6 +35,8 @@ void VoiceFlow::startVoiceInput() {
 }
 
 void VoiceFlow::startVoiceDictation() {
+    if (!machine_.ensureNoPasswordField())
+        return;
     if (speechRecognizer_)
         machine_.initialTextSnapshot.reset();
     startRecording(InputTrigger::voiceDictation, QStringLiteral("[StateMachine] Failed to start voice dictation: "));
@@ -46,6 +48,7 @@ void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
         machine_.failInput(QStringLiteral("Speech recognition is not available."));
         return;
     }
+    services_.outputWriter.aim();
     machine_.schedule([this, kind] { machine_.enterInputState(Case::listeningVoice, kind); });
     try {
         speechRecognizer_->startRecording();
@@ -59,7 +62,8 @@ void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
 }
 
 void VoiceFlow::stop(InputTrigger kind) {
-    if (machine_.currentState() != Case::listeningVoice || machine_.activeTrigger() != kind)
+    if (machine_.currentState() != Case::listeningVoice || machine_.activeTrigger() != kind ||
+        !machine_.ensureNoPasswordField())
         return;
     stopSilenceTimer();
     if (speechRecognizer_)

@@ -167,6 +167,90 @@ TEST_F(InputStateMachineTest, AIThatIsOffEndsInputsButDictation) {
     EXPECT_TRUE(desk.generator.requests.empty());
 }
 
+TEST_F(InputStateMachineTest, NoInputStartsInAPasswordField) {
+    desk.editor.open(QStringLiteral("hunter2"));
+    desk.editor.select(0, 7);
+    desk.accessibility.fieldKind = platform::FocusKind::Password;
+    const std::vector<std::function<void()>> starts{[this] { desk.machine->startTextInput(); },
+                                                    [this] { desk.machine->handleVoiceHotkey(); },
+                                                    [this] { desk.machine->handleVoiceDictationHotkey(); },
+                                                    [this] { desk.machine->startVideoInput(); },
+                                                    [this] { desk.machine->startAutoReply(); },
+                                                    [this] { desk.machine->submitFloatingInput(QStringLiteral("x")); }};
+    for (const auto& start : starts) {
+        desk.machine->resetToIdle();
+        desk.loop.runUntilIdle();
+        start();
+        desk.loop.runToEnd();
+        EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Password field")));
+        EXPECT_FALSE(desk.audioInput.running);
+    }
+    EXPECT_TRUE(desk.generator.requests.empty());
+    EXPECT_TRUE(desk.keyPoster.strokes().empty());
+    EXPECT_FALSE(desk.pasteboard.text());
+    for (const auto& line : desk.log.lines())
+        EXPECT_FALSE(line.contains(QStringLiteral("length: 7"))) << line.toStdString();
+}
+
+TEST_F(InputStateMachineTest, AnInputIsForgottenWhereAPasswordFieldHasTheFocusByThen) {
+    const auto expectForgotten = [this](auto happen) {
+        desk.editor.open(QString());
+        desk.toggle();
+        desk.type(QStringLiteral("half a request"));
+        desk.accessibility.fieldKind = platform::FocusKind::Password;
+        happen();
+        desk.loop.runUntilIdle();
+        EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Password field")));
+        EXPECT_EQ(desk.machine->typedInputBuffer(), QString());
+        EXPECT_FALSE(desk.machine->initialTextSnapshot);
+        desk.accessibility.fieldKind = platform::FocusKind::Ordinary;
+        desk.loop.runToEnd();
+    };
+    expectForgotten([this] { desk.toggle(); });                     // the second press
+    expectForgotten([this] { desk.accessibility.tellOfFocus(); });  // without any press
+    expectForgotten([this] {
+        desk.accessibility.fieldKind = platform::FocusKind::Ordinary;
+        desk.accessibility.tellOfFocus();
+        desk.accessibility.fieldKind = platform::FocusKind::Password;  // its window comes to the front a little later
+        desk.loop.advance(200ms);
+    });
+    expectForgotten([this] {
+        desk.accessibility.fieldKind = platform::FocusKind::Ordinary;
+        desk.press(desk.hotkeys.toggleHotkey);
+        desk.accessibility.fieldKind = platform::FocusKind::Password;  // within the turn of the second press
+    });
+    EXPECT_TRUE(desk.generator.requests.empty());
+    EXPECT_TRUE(desk.history.entries().empty());
+    EXPECT_TRUE(desk.learner.recorded.isEmpty());
+}
+
+TEST_F(InputStateMachineTest, SpeechAndFilmEndInAPasswordFieldToo) {
+    desk.change([](auto& settings) { settings.voiceInputSilenceTimeoutSeconds = 0; });
+    for (const bool films : {true, false}) {
+        const auto toggle = [&] {
+            if (!films)
+                desk.machine->handleVoiceHotkey();
+            else if (desk.state() == Case::recordingVideo)
+                desk.machine->stopVideoInput();
+            else
+                desk.machine->startVideoInput();
+        };
+        desk.accessibility.fieldKind = platform::FocusKind::Ordinary;
+        toggle();
+        desk.loop.advance(100ms);
+        desk.speech.hear(QStringLiteral("words"));
+        desk.accessibility.fieldKind = platform::FocusKind::Password;
+        desk.loop.advance(700ms);
+        toggle();
+        desk.loop.advance(5s);
+        EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Password field")));
+        EXPECT_FALSE(desk.audioInput.running);
+    }
+    EXPECT_TRUE(desk.generator.requests.empty());
+    EXPECT_TRUE(desk.generator.videos.empty());
+    EXPECT_TRUE(desk.keyPoster.strokes().empty());
+}
+
 TEST_F(InputStateMachineTest, TypedKeysAreCopiedAsAPersonWouldReadThem) {
     desk.toggle();
     const auto& buffer = desk.machine->typedInputBuffer();

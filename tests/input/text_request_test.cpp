@@ -183,6 +183,46 @@ TEST_F(TextRequestTest, EmptyInputOfTheModelIsNotTriedAgain) {
     EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Empty input; stopping without error UI")));
 }
 
+TEST_F(TextRequestTest, AnAnswerThatComesWhileAnotherWindowIsInFrontIsLeftOnTheClipboard) {
+    desk.generator.delay = 5s;
+    desk.request(QStringLiteral("question"));
+    desk.loop.advance(1s);
+    desk.workspace.focusOwnWindow();
+    desk.loop.advance(5s);
+    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Answer is on the clipboard")));
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Error processing: Answer is on the clipboard")));
+    EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("ANSWER"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("question"));
+    EXPECT_TRUE(desk.keyPoster.strokes().empty());
+    ASSERT_EQ(desk.history.entries().size(), 1U) << "the record is as ever";
+    EXPECT_EQ(desk.history.entries().front().outputText, QStringLiteral("ANSWER"));
+}
+
+TEST_F(TextRequestTest, AnAnswerToThePromptBoxIsForTheWindowItWasOpenedOver) {
+    const auto before = desk.workspace.frontmostApplication();
+    desk.workspace.focusOwnWindow();  // the focus has not come back yet
+    desk.machine->submitFloatingInput(QStringLiteral("hello"), before);
+    desk.workspace.activate(*before);
+    finish();
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
+    desk.workspace.focusOwnWindow();
+    desk.machine->submitFloatingInput(QStringLiteral("hello"), before);
+    desk.loop.advance(1s);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER")) << "it never came back";
+    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Answer is on the clipboard")));
+}
+
+TEST_F(TextRequestTest, TheRecordHoldsNoControlCharacters) {
+    desk.generator.script = {generation::GenerationResult{.text = QStringLiteral("a\u001b]0;x\u0007\n")}};
+    desk.workspace.focus(*desk.workspace.frontmostApplication(), QStringLiteral("ignored"));
+    desk.accessibility.windowTitle = QStringLiteral("one\nSelected Text: \u202etwo");
+    desk.request(QStringLiteral("question"));
+    finish();
+    const auto& entry = desk.history.entries().front();
+    EXPECT_EQ(entry.outputText, QStringLiteral("a]0;x\n"));
+    EXPECT_EQ(entry.windowTitle, QStringLiteral("one Selected Text: two"));
+}
+
 TEST_F(TextRequestTest, PromptBoxTextGoesAsItIsAndDeletesNothing) {
     desk.editor.open(QStringLiteral("draft"));
     desk.machine->submitFloatingInput(QStringLiteral("  hello"));
