@@ -9,9 +9,12 @@
 namespace tavrelon::desktop {
 
 X11Hotkeys::X11Hotkeys(async::MainLoop& loop, platform::Log& log, std::shared_ptr<PostedKeys> posted)
-    : loop_(loop), log_(log), posted_(std::move(posted)) {}
+    : loop_(loop), log_(log), posted_(std::move(posted)) {
+    posted_->setMakeWay([this](const keys::HotkeyConfig& chord) { return makeWay(chord); });
+}
 
 X11Hotkeys::~X11Hotkeys() {
+    posted_->setMakeWay(nullptr);
     stop();
 }
 
@@ -43,6 +46,21 @@ void X11Hotkeys::declare(const std::vector<platform::WantedHotkey>& wanted) {
     wanted_ = wanted;
     if (thread_)
         thread_->declare(wanted);
+}
+
+std::shared_ptr<void> X11Hotkeys::makeWay(const keys::HotkeyConfig& chord) {
+    auto rest = wanted_;
+    const auto count = std::erase_if(rest, [&](const platform::WantedHotkey& hotkey) {
+        return hotkey.fires == platform::WantedHotkey::Fires::OnPress &&
+               hotkey.keys.matches(chord.keyCode, chord.modifiers);
+    });
+    if (count == 0 || !thread_)
+        return nullptr;
+    thread_->declare(rest);
+    return {nullptr, [this](void*) {
+                if (thread_)
+                    thread_->declare(wanted_);
+            }};
 }
 
 std::vector<keys::HotkeyConfig> X11Hotkeys::heldElsewhere(const std::vector<keys::HotkeyConfig>& hotkeys) {

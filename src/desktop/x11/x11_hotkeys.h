@@ -30,6 +30,8 @@ class X11Hotkeys : public platform::Hotkeys {
     const std::shared_ptr<X11KeyDelivery>& delivery() const { return delivery_; }
 
  private:
+    std::shared_ptr<void> makeWay(const keys::HotkeyConfig& chord);
+
     async::MainLoop& loop_;
     platform::Log& log_;
     std::shared_ptr<PostedKeys> posted_;

@@ -85,6 +85,7 @@ void X11KeyboardSession::declare(const std::vector<WantedHotkey>& wanted) {
     grabs_.declare(wanted);
     applyGrabs();
     reportConflicts();
+    connection_.sync();
 }
 
 void X11KeyboardSession::applyGrabs() {

@@ -37,6 +37,7 @@ void X11KeyboardThread::applyDeclaration() {
     const auto wanted = wanted_;
     lock.unlock();
     session_->declare(wanted);
+    session_->work();
     lock.lock();
     declarationsApplied_ = asked;
     changed_.notify_all();
@@ -49,8 +50,8 @@ bool X11KeyboardThread::stopRequested() {
 
 void X11KeyboardThread::run() {
     while (!stopRequested()) {
+        session_->work();  // what was struck before a declaration is judged by the one before
         applyDeclaration();
-        session_->work();
         if (connection_->isBroken()) {
             log_.line(QStringLiteral("[Hotkey] The X server is gone: hotkeys are off"));
             break;
