@@ -119,7 +119,9 @@ class ApplicationTable : public RealDesk, public ::testing::Test {
         letKeysArrive();
         editor.type(typed);
         pressToggleHotkey(keyboard);
-        ASSERT_TRUE(eventually([&] { return generator.requests.size() > asked; })) << "nothing was asked";
+        ASSERT_TRUE(eventually([&] { return generator.requests.size() > asked; }))
+            << "nothing was asked\n"
+            << log.lines().join(u'\n').toStdString();
         ASSERT_TRUE(eventually([&] { return state() == input::InputState::Case::idle; }));
     }
     bool asksAndWrites(const QString& asked) {

@@ -116,15 +116,20 @@ TEST(X11HotkeyGrabs, AHeldHotkeyIsOneStrokeUntilItIsLetGo) {
     grabs.declare({toggle, {defaults::voiceHotkey, Fires::OnModifiersReleased}});
     const KeyGrab stroke{place::l, shiftMask | mod1 | mod4};
     EXPECT_THAT(grabs.grabs(), ElementsAre(stroke));
-    EXPECT_EQ(grabs.pressed(stroke, true), std::nullopt) << "it was down before it was wanted";
-    EXPECT_EQ(grabs.pressed(stroke, false), toggle);
-    EXPECT_EQ(grabs.pressed(stroke, true), std::nullopt);
+    EXPECT_EQ(grabs.pressed(stroke, 10, true), std::nullopt) << "it was down before it was wanted";
+    EXPECT_EQ(grabs.pressed(stroke, 10, false), toggle);
+    EXPECT_EQ(grabs.pressed(stroke, 10, true), std::nullopt);
     grabs.declare({});
     EXPECT_EQ(grabs.grabs().size(), 8U) << "with all and with fewer of its modifiers";
     EXPECT_TRUE(grabs.grabs().contains({place::l, 0}));
-    EXPECT_FALSE(grabs.released(place::a));
-    EXPECT_TRUE(grabs.released(place::l));
+    EXPECT_FALSE(grabs.released(place::a, 11));
+    EXPECT_TRUE(grabs.released(place::l, 12));
     EXPECT_THAT(grabs.grabs(), IsEmpty());
+
+    grabs.declare({toggle});
+    EXPECT_FALSE(grabs.released(place::l, 21)) << "the keyboard is frozen, and the press comes late";
+    EXPECT_EQ(grabs.pressed(stroke, 20, false), toggle);
+    EXPECT_EQ(grabs.pressed(stroke, 30, false), toggle) << "it was not held";
 }
 
 class X11TypedKeysTest : public ::testing::Test {

@@ -30,7 +30,8 @@ TEST(HUDLookTest, EachStateHasItsFaceAndSize) {
         {Case::processing, InputTrigger::text, "StandardHUD", {200, 60}},
         {Case::processing, InputTrigger::floatingInput, "StandardHUD", {200, 60}},
         {Case::completed, InputTrigger::video, "StandardHUD", {200, 60}},
-        {InputState::error(QStringLiteral("No")), InputTrigger::voice, "StandardHUD", {200, 60}},
+        {InputState::error(QStringLiteral("Password field")), InputTrigger::voice, "StandardHUD", {320, 60}},
+        {InputState::error(QString(41, u'x')), InputTrigger::voice, "StandardHUD", {200, 60}},
         {Case::idle, std::nullopt, "StandardHUD", {200, 60}},
     };
     for (const auto& each : cases) {
@@ -107,7 +108,9 @@ TEST_F(InputHUDTest, AFailureShowsForTwoSecondsWhereItHappened) {
     desk.machine->failInput(QStringLiteral("No answer"));
     desk.loop.runUntilIdle();
     EXPECT_EQ(symbol(), QStringLiteral("exclamationmark.triangle.fill"));
-    EXPECT_EQ(panel().contentSize, QSizeF(200, 60));
+    EXPECT_EQ(panel().contentSize, QSizeF(320, 60));
+    EXPECT_EQ(hudLook(desk.state()).label, QStringLiteral("No answer"));
+    EXPECT_EQ(hudLook(InputState::error(QString(41, u'x'))).label, QStringLiteral("Error"));
     desk.loop.advance(1999ms);
     EXPECT_TRUE(desk.state() == InputState::error(QStringLiteral("No answer")));
     EXPECT_TRUE(panel().visible);
@@ -116,10 +119,10 @@ TEST_F(InputHUDTest, AFailureShowsForTwoSecondsWhereItHappened) {
     EXPECT_FALSE(panel().visible);
 }
 
-TEST_F(InputHUDTest, AFailureWithoutAPanelShowsNone) {
-    desk.machine->failInput(QStringLiteral("AI is off"));
+TEST_F(InputHUDTest, AnInputThatIsRefusedAtOnceIsSaidToo) {
+    desk.machine->failInput(QStringLiteral("Password field"));
     desk.loop.runUntilIdle();
-    EXPECT_FALSE(isPanelVisible());
+    EXPECT_TRUE(isPanelVisible());
     EXPECT_EQ(symbol(), QStringLiteral("exclamationmark.triangle.fill"));
     desk.loop.advance(2s);
     EXPECT_TRUE(desk.state() == Case::idle);

@@ -32,14 +32,22 @@ GrabSet X11HotkeyGrabs::grabs() const {
     return all;
 }
 
-std::optional<WantedHotkey> X11HotkeyGrabs::pressed(const KeyGrab& key, bool isRepeat) {
+bool X11HotkeyGrabs::released(KeyCode code, std::uint32_t time) {
+    released_[code] = time;
+    return held_.erase(code) > 0;
+}
+
+std::optional<WantedHotkey> X11HotkeyGrabs::pressed(const KeyGrab& key, std::uint32_t time, bool isRepeat) {
     if (isRepeat || held_.contains(key.code))
         return std::nullopt;
     const auto found =
         std::ranges::find_if(wanted_, [&](const WantedHotkey& hotkey) { return grabsOf(hotkey).contains(key); });
     if (found == wanted_.end())
         return std::nullopt;
-    held_[key.code] = key.modifiers;
+    const auto released = released_.find(key.code);
+    const bool isUpAgain = released != released_.end() && static_cast<std::int32_t>(released->second - time) >= 0;
+    if (!isUpAgain)
+        held_[key.code] = key.modifiers;
     return *found;
 }
 

@@ -23,11 +23,12 @@ class X11HotkeyGrabs {
     /// more.
     GrabSet grabs() const;
 
-    /// The hotkey of a grabbed press; nothing for repeats and for what was down before.
-    std::optional<platform::WantedHotkey> pressed(const KeyGrab& key, bool isRepeat);
+    /// The hotkey of a grabbed press; nothing for repeats and for what was down before. Times are the server's.
+    std::optional<platform::WantedHotkey> pressed(const KeyGrab& key, std::uint32_t time, bool isRepeat);
 
-    /// A key went up. True if `grabs` is another now.
-    bool released(KeyCode code) { return held_.erase(code) > 0; }
+    /// A key went up. True if `grabs` is another now. While a program keeps the keyboard frozen, as some window
+    /// managers do for a moment with every Super, this is told before the press.
+    bool released(KeyCode code, std::uint32_t time);
     bool releasedAll() { return !std::exchange(held_, {}).empty(); }
 
     const std::vector<platform::WantedHotkey>& wanted() const { return wanted_; }
@@ -39,6 +40,7 @@ class X11HotkeyGrabs {
     unsigned group_ = 0;
     std::vector<platform::WantedHotkey> wanted_;
     std::map<KeyCode, ModifierMask> held_;
+    std::map<KeyCode, std::uint32_t> released_;  ///< when each key went up last
 };
 
 }  // namespace tavrelon::desktop

@@ -202,7 +202,7 @@ void X11KeyboardSession::seen(const DeviceKey& key, const Stamp& stamp) {
     }
     const auto before = keys_.flagsDown();
     keys_.track(key);
-    if (key.action == KeyAction::Release && grabs_.released(key.code))
+    if (key.action == KeyAction::Release && grabs_.released(key.code, stamp.time))
         applyGrabs();
     if (keys_.isModifier(key.code))
         modifierChanged(key, stamp, before);
@@ -256,7 +256,7 @@ KeyGrab X11KeyboardSession::withoutLocks(KeyCode code, unsigned modifiers) const
 
 void X11KeyboardSession::grabbed(const KeyGrab& key, const Stamp& stamp, bool isRepeat) {
     window_.letGo();
-    const auto hotkey = stamp == postedPress_ ? std::nullopt : grabs_.pressed(key, isRepeat);
+    const auto hotkey = stamp == postedPress_ ? std::nullopt : grabs_.pressed(key, stamp.time, isRepeat);
     if (!hotkey)
         return;
     const bool begins = !delivery_->wantsTypedKeys();

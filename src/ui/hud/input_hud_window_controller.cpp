@@ -42,8 +42,11 @@ void InputHUDWindowController::react(const InputState& state) {
             if (!window_ || !window_->isVisible())
                 placeAndShow(state);
             break;
-        case Case::completed:
         case Case::error:
+            if (!window_ || !window_->isVisible())  // it may be all that is seen of an input that was refused
+                placeAndShow(state);
+            [[fallthrough]];
+        case Case::completed:
             scheduleReturnToIdle();
             break;
     }
