@@ -10,8 +10,9 @@ namespace tavrelon::app {
 /// settings if that changed them.
 void enforceProviderExclusivity(persistence::StorageManager& storage);
 
-/// Pushes the stored provider settings and keys into the service.
-void applyProviderSettings(const persistence::AppSettings& settings, const platform::DefaultsStore& userDefaults,
+/// Pushes the stored provider settings and keys into the service; a key only where the address is the one it belongs
+/// to.
+void applyProviderSettings(const persistence::AppSettings& settings, platform::DefaultsStore& userDefaults,
                            generation::PollinationsService& service);
 
 }  // namespace tavrelon::app
