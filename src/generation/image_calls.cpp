@@ -55,10 +55,10 @@ async::Task<QByteArray> PollinationsService::downloadImage(QUrl url) {
 }
 
 std::optional<QString> PollinationsService::keyFor(const QUrl& url) const {
-    if (platform::isWithinServer(url, QUrl(endpoints_.glmBaseURL)))
-        return glmApiKey;
     if (platform::isWithinServer(url, QUrl(pollinationsBaseURL())))
         return effectivePollinationsApiKey();
+    if (platform::isWithinServer(url, QUrl(endpoints_.glmBaseURL)))
+        return glmApiKey;
     return std::nullopt;
 }
 
