@@ -1,5 +1,6 @@
 #include "app/provider_settings.h"
 
+#include "persistence/bound_key.h"
 #include "persistence/taught.h"
 #include "text/characters.h"
 
@@ -15,6 +16,11 @@ namespace {
 std::optional<QString> storedKey(const platform::DefaultsStore& userDefaults, QLatin1StringView entry) {
     const auto key = userDefaults.string(entry);
     return key ? text::trimmedOrAbsent(*key) : std::nullopt;
+}
+
+std::optional<QString> storedKeyFor(const QString& address, platform::DefaultsStore& userDefaults,
+                                    QLatin1StringView entry) {
+    return persistence::boundKey(userDefaults, entry, address).keyFor(address);
 }
 
 }  // namespace
@@ -41,7 +47,7 @@ void adoptWhatWasTaught(persistence::StorageManager& storage) {
         storage.saveSettings();
 }
 
-void applyProviderSettings(const AppSettings& settings, const platform::DefaultsStore& userDefaults,
+void applyProviderSettings(const AppSettings& settings, platform::DefaultsStore& userDefaults,
                            PollinationsService& service) {
     namespace entries = persistence::defaults_keys;
     service.pollinationsCustomEnabled = settings.enableCustomPollinations;
@@ -49,7 +55,9 @@ void applyProviderSettings(const AppSettings& settings, const platform::Defaults
     service.pollinationsImageModelOverride = PollinationsService::normalizedModelName(settings.pollinationsImageModel);
     service.pollinationsVisionModelOverride =
         PollinationsService::normalizedModelName(settings.pollinationsVisionModel);
-    service.pollinationsApiKey = storedKey(userDefaults, entries::pollinationsApiKey);
+    service.pollinationsApiKey =
+        storedKeyFor(service.pollinationsBaseURLOverride.value_or(service.endpoints().pollinationsBaseURL),
+                     userDefaults, entries::pollinationsApiKey);
 
     service.ollamaEnabled = settings.enableOllamaVision;
     service.ollamaMode =
@@ -58,7 +66,9 @@ void applyProviderSettings(const AppSettings& settings, const platform::Defaults
     service.ollamaCloudApiKey = storedKey(userDefaults, entries::ollamaCloudApiKey);
     service.ollamaLocalModel = text::trimmedOrAbsent(settings.ollamaLocalModel);
     service.ollamaLocalEndpoint = text::trimmedOrAbsent(settings.ollamaLocalEndpoint);
-    service.ollamaLocalApiKey = storedKey(userDefaults, entries::ollamaLocalApiKey);
+    service.ollamaLocalApiKey =
+        storedKeyFor(service.ollamaLocalEndpoint.value_or(service.endpoints().ollamaLocalChatURL), userDefaults,
+                     entries::ollamaLocalApiKey);
 
     service.nvidiaEnabled = settings.enableNvidiaLocal;
     service.nvidiaApiKey = settings.enableNvidiaLocal ? storedKey(userDefaults, entries::nvidiaApiKey) : std::nullopt;

@@ -152,6 +152,8 @@ async::Task<QByteArray> TavrelonAIService::generateImage(QString prompt) {
         co_return co_await pollinationsService_.generateImageWithPollinations(prompt);
     } catch (const async::CancellationError&) {
         throw;
+    } catch (const KeyRefused&) {
+        throw;
     } catch (const std::exception& error) {
         const auto* known = dynamic_cast<const PollinationsError*>(&error);
         if (known && known->code() == PollinationsError::Code::requestTimedOut)

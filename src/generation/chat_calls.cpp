@@ -3,6 +3,7 @@
 #include "generation/chat_ollama.h"
 #include "generation/chat_pollinations.h"
 #include "generation/chat_wire.h"
+#include "generation/error_text.h"
 #include "generation/pollinations_service.h"
 
 /// The gateway's single calls: what it holds is put into a request, sent, and the answer read.
@@ -16,8 +17,9 @@ async::Task<QString> PollinationsService::generateWithPollinations(QString model
                                                     .imageCapable = imageCapable,
                                                     .prompt = std::move(prompt),
                                                     .jsonMode = jsonMode});
+    const auto sent = request.body;
     const auto response = co_await raceWithDeadline(raceDeadline, exchange(std::move(request)));
-    co_return chat_pollinations::readResponse(response);
+    co_return error_text::readAnswer(sent, response, chat_pollinations::readResponse);
 }
 
 async::Task<QString> PollinationsService::generateWithGLM(PollinationsModel model, ChatPrompt prompt,
@@ -27,8 +29,9 @@ async::Task<QString> PollinationsService::generateWithGLM(PollinationsModel mode
                                            .model = model,
                                            .prompt = std::move(prompt),
                                            .jsonMode = jsonMode});
+    const auto sent = request.body;
     const auto response = co_await raceWithDeadline(raceDeadline, exchange(std::move(request)));
-    co_return chat_glm::readResponse(response);
+    co_return error_text::readAnswer(sent, response, chat_glm::readResponse);
 }
 
 async::Task<QString> PollinationsService::generateWithNvidia(PollinationsModel model, ChatPrompt prompt,
@@ -41,8 +44,9 @@ async::Task<QString> PollinationsService::generateWithNvidia(PollinationsModel m
                                               .images = std::move(images),
                                               .thinking = thinking,
                                               .thinkEnabled = nvidiaThinkEnabled});
+    const auto sent = request.body;
     const auto response = co_await exchange(std::move(request));
-    co_return chat_nvidia::readResponse(response);
+    co_return error_text::readAnswer(sent, response, chat_nvidia::readResponse);
 }
 
 async::Task<QString> PollinationsService::generateWithOllama(QString systemPrompt, QString userPrompt,
@@ -56,8 +60,9 @@ async::Task<QString> PollinationsService::generateWithOllama(QString systemPromp
          .systemPrompt = std::move(systemPrompt),
          .userPrompt = std::move(userPrompt),
          .image = std::move(image)});
+    const auto sent = request.body;
     const auto response = co_await exchange(std::move(request));
-    co_return chat_ollama::readResponse(response);
+    co_return error_text::readAnswer(sent, response, chat_ollama::readResponse);
 }
 
 async::Task<QString> PollinationsService::generateWithModel(PollinationsModel model, ChatPrompt prompt,
@@ -82,7 +87,7 @@ async::Task<QStringList> PollinationsService::fetchOllamaCloudModels() {
     platform::HttpRequest request;
     request.url = *url;
     request.requestTimeout = chat_wire::requestTimeout;
-    co_return chat_ollama::readModelList(co_await exchange(std::move(request)));
+    co_return error_text::readAnswer({}, co_await exchange(std::move(request)), chat_ollama::readModelList);
 }
 
 }  // namespace tavrelon::generation

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "generation/chat_wire.h"
-#include "generation/pollinations_error.h"
+#include "generation/error_text.h"
 #include "text/characters.h"
 
 namespace tavrelon::generation::chat_ollama {
@@ -91,7 +91,7 @@ QString readResponse(const platform::HttpResponse& response) {
         if (const auto* reply = textUnder(document, "response"))
             return text::stringFrom(*reply);
         if (const auto* error = textUnder(document, "error"))
-            throw PollinationsError::apiError(response.status, text::stringFrom(*error));
+            throw PollinationsError::apiError(response.status, error_text::oneLine(text::stringFrom(*error)));
     }
     throw PollinationsError::parseError(u"Invalid Ollama response format"_s);
 }

@@ -4,7 +4,9 @@
 #include <array>
 #include <charconv>
 
-#include "generation/pollinations_error.h"
+#include "generation/error_text.h"
+#include "platform/web_origin.h"
+#include "text/characters.h"
 
 namespace tavrelon::generation::chat_wire {
 
@@ -14,6 +16,12 @@ namespace {
 
 qsizetype base64Size(qsizetype bytes) {
     return (bytes + 2) / 3 * 4;
+}
+
+/// Characters by which a key would end its header line and begin another.
+bool isControl(QChar c) {
+    return c.category() == QChar::Other_Control || c.category() == QChar::Separator_Line ||
+           c.category() == QChar::Separator_Paragraph;
 }
 
 /// Piece by piece: what a whole conversion would hold beside the result is a second picture.
@@ -99,18 +107,26 @@ platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& ke
 }
 
 void authorize(platform::HttpRequest& request, const std::optional<QString>& key) {
-    if (key && !key->isEmpty())
-        request.headers.emplace_back("Authorization", "Bearer " + key->toUtf8());
+    const auto sent = key ? text::trimmedOrAbsent(*key) : std::nullopt;
+    if (!sent || platform::webOrigin(request.url).isEmpty())  // an address that nothing is sent to
+        return;
+    const auto host = request.url.host();
+    if (std::ranges::any_of(*sent, isControl))
+        throw KeyRefused(QStringLiteral("The API key for %1 holds a line break or another control character. "
+                                        "Enter it again.")
+                             .arg(host));
+    if (!platform::isConfidential(request.url))
+        throw KeyRefused(QStringLiteral("The API key is not sent to %1 without encryption. "
+                                        "Use an address that begins with https://.")
+                             .arg(host));
+    request.headers.emplace_back("Authorization", "Bearer " + sent->toUtf8());
 }
 
 QString errorText(const QByteArray& body) {
-    constexpr qsizetype longest = 10'000;  // in UTF-16; a service may send megabytes, and a person reads a line
+    constexpr qsizetype longest = 10'000;  // a service may send megabytes, and a person reads a line
     if (!body.isValidUtf8())
         return QStringLiteral("Unknown error");
-    auto text = QString::fromUtf8(body);
-    if (text.size() > longest)
-        text = text.first(longest) + QChar(0x2026);
-    return text;
+    return error_text::oneLine(QString::fromUtf8(body.first(std::min(body.size(), longest))));
 }
 
 Json document(const platform::HttpResponse& response) {

@@ -47,14 +47,15 @@ class Pictures {
     std::vector<Picture> pictures_;
 };
 
-/// A POST of the document. The Authorization header goes out only with a key that is not empty.
+/// A POST of the document with the key, as `authorize` puts it in.
 platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& key, const text::Json& body,
                                const Pictures& pictures = {});
 
-/// "Authorization: Bearer" and the key, appended only when there is one.
+/// "Authorization: Bearer" and the trimmed key, appended only when there is one. Throws `KeyRefused` for one with a
+/// control character, and for an address at which others could read it.
 void authorize(platform::HttpRequest& request, const std::optional<QString>& key);
 
-/// The body as UTF-8, cut where it is too long to be read, or "Unknown error" when it is no UTF-8.
+/// The beginning of the body in one line, or "Unknown error" when it is no UTF-8.
 QString errorText(const QByteArray& body);
 
 /// The document of an answer with status 200. Any other status is an `apiError` with the body, a body that is no JSON

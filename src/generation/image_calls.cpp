@@ -1,6 +1,8 @@
 #include "generation/chat_wire.h"
+#include "generation/error_text.h"
 #include "generation/image_wire.h"
 #include "generation/pollinations_service.h"
+#include "platform/web_origin.h"
 
 /// The gateway's calls for images.
 namespace tavrelon::generation {
@@ -20,7 +22,8 @@ async::Task<QByteArray> PollinationsService::generateImageWithPollinations(QStri
         pollinationsCustomEnabled && pollinationsImageModelOverride && !pollinationsImageModelOverride->isEmpty();
     const auto url = image_wire::pollinationsUrl(pollinationsBaseURL(), prompt,
                                                  own ? *pollinationsImageModelOverride : identifier(imageModel));
-    log_.line("[Pollinations] Generating image: "_L1 + url.toString(QUrl::FullyEncoded | QUrl::RemoveUserInfo));
+    // The path is the prompt, and no line tells what the user wrote.
+    log_.line("[Pollinations] Generating image at "_L1 + url.host());
     auto request = imageGet(url, std::chrono::seconds(120));
     chat_wire::authorize(request, effectivePollinationsApiKey());
     auto image = image_wire::readPollinationsImage(co_await exchange(std::move(request)));
@@ -37,7 +40,8 @@ async::Task<QByteArray> PollinationsService::generateImageWithGLM(QString prompt
                                                 .width = width,
                                                 .height = height,
                                                 .quality = std::move(quality)});
-    auto found = image_wire::readGLMAnswer(co_await exchange(std::move(request)));
+    const auto sent = request.body;
+    auto found = error_text::readAnswer(sent, co_await exchange(std::move(request)), image_wire::readGLMAnswer);
     if (auto* image = std::get_if<QByteArray>(&found))
         co_return std::move(*image);
     co_return co_await downloadImage(std::get<QUrl>(found));
@@ -45,18 +49,16 @@ async::Task<QByteArray> PollinationsService::generateImageWithGLM(QString prompt
 
 async::Task<QByteArray> PollinationsService::downloadImage(QUrl url) {
     auto request = imageGet(url, chat_wire::requestTimeout);
-    chat_wire::authorize(request, keyForHost(url.host().toLower()));
+    chat_wire::authorize(request, keyFor(url));
     const auto response = co_await raceWithDeadline(raceDeadline, exchange(std::move(request)));
     co_return image_wire::readDownload(response);
 }
 
-std::optional<QString> PollinationsService::keyForHost(const QString& host) const {
-    if (host.isEmpty())
-        return std::nullopt;
-    if (host.contains("bigmodel"_L1))
-        return glmApiKey;
-    if (host.contains("pollinations"_L1) || host == QUrl(pollinationsBaseURL()).host().toLower())
+std::optional<QString> PollinationsService::keyFor(const QUrl& url) const {
+    if (platform::isWithinServer(url, QUrl(pollinationsBaseURL())))
         return effectivePollinationsApiKey();
+    if (platform::isWithinServer(url, QUrl(endpoints_.glmBaseURL)))
+        return glmApiKey;
     return std::nullopt;
 }
 

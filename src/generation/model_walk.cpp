@@ -12,6 +12,8 @@ async::Task<std::optional<QString>> walkModels(PollinationsService& service, std
                 co_return accepted;
         } catch (const async::CancellationError&) {  // nobody waits for the next model's answer
             throw;
+        } catch (const KeyRefused&) {
+            throw;
         } catch (const std::exception&) {
             error = std::current_exception();
         }

@@ -52,6 +52,13 @@ class PollinationsError : public text::LocalizedError {
     QString text_;
 };
 
+/// A key that must not be sent as it is or to where it would go. It ends every walk over models: what would follow is a
+/// service that the user did not choose, and only the user can mend it.
+class KeyRefused : public text::LocalizedError {
+ public:
+    using LocalizedError::LocalizedError;
+};
+
 /// A request that got no answer. The description is the transport's own.
 class TransportError : public text::LocalizedError {
  public:

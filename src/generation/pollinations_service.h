@@ -29,8 +29,9 @@ struct ModelAnswer {
 /// Through this object every model call leaves the machine. It holds the addresses, the keys, the model lists and the
 /// rules of fall-back. Main thread; it outlives the tasks it gives out.
 ///
-/// Operations throw `PollinationsError`, `TransportError`, `text::JsonError` (all of them `text::LocalizedError`), or
-/// `async::CancellationError` when the awaiting task was asked to stop; a walk over models ends there at once.
+/// Operations throw `PollinationsError`, `KeyRefused`, `TransportError`, `text::JsonError` (all of them
+/// `text::LocalizedError`), or `async::CancellationError` when the awaiting task was asked to stop; a walk over models
+/// ends there at once.
 class PollinationsService {
  public:
     static constexpr std::chrono::seconds raceDeadline{30};
@@ -97,7 +98,7 @@ class PollinationsService {
     async::Task<QString> generateVideoFallback(std::exception_ptr previousError, QByteArray frame, QString systemPrompt,
                                                QString userPrompt, qint64 maxTokens, float temperature);
 
-    // Image prompts. Failures of models end in a fall-back and are never thrown.
+    // Image prompts. Failures of models end in a fall-back and are not thrown, but for a `KeyRefused`.
     async::Task<QString> enhanceImagePrompt(QString text, PromptSafety safety);
     async::Task<std::optional<QString>> generatePromptTemplate(QString text, PromptSafety safety);
     async::Task<std::optional<QString>> optimizeImagePrompt(QString text, PromptSafety safety);
@@ -109,7 +110,7 @@ class PollinationsService {
     async::Task<QByteArray> generateImageWithPollinations(QString prompt);
     async::Task<QByteArray> generateImageWithGLM(QString prompt, int width, int height, QString quality);
 
-    /// A key goes along only to the hosts of the service that it belongs to.
+    /// A key goes along only to the server of the service that it belongs to and those below its name.
     async::Task<QByteArray> downloadImage(QUrl url);
 
     /// The names of the models in the Ollama cloud, sorted, each once.
@@ -144,7 +145,7 @@ class PollinationsService {
     const ServiceEndpoints& endpoints() const { return endpoints_; }
 
  private:
-    std::optional<QString> keyForHost(const QString& host) const;
+    std::optional<QString> keyFor(const QUrl& url) const;
     async::Task<std::optional<QString>> customModelText(ChatPrompt prompt, QString& source);
     async::Task<std::optional<QString>> firstWalk(ChatPrompt prompt, QString& source, std::exception_ptr& lastError);
     async::Task<std::optional<QString>> walkWithoutImage(ChatPrompt prompt, QString& source,

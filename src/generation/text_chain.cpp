@@ -93,6 +93,8 @@ async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPro
         co_return text;
     } catch (const async::CancellationError&) {
         throw;
+    } catch (const KeyRefused&) {
+        throw;
     } catch (const std::exception& error) {
         log_.line(tag + "Custom Pollinations model failed: "_L1 + text::localizedDescription(error));
     }

@@ -34,8 +34,11 @@ bool isConfidential(const QUrl& url) {
     return url.scheme() == "https"_L1 || isLoopback(url.host());
 }
 
-bool isWithinHost(const QString& host, const QString& named) {
-    return !named.isEmpty() && (host == named || host.endsWith(u'.' + named));
+bool isWithinServer(const QUrl& url, const QUrl& base) {
+    auto same = url;
+    if (url.host().endsWith(u'.' + base.host()))
+        same.setHost(base.host());
+    return !webOrigin(base).isEmpty() && webOrigin(same) == webOrigin(base);
 }
 
 }  // namespace tavrelon::platform

@@ -13,7 +13,7 @@ bool isLoopback(const QString& host);
 /// Whether nobody on the way reads what is sent there: an encrypted address, or this machine.
 bool isConfidential(const QUrl& url);
 
-/// Whether `host` is the named one or lies below it.
-bool isWithinHost(const QString& host, const QString& named);
+/// Whether the address is on the server of `base` or on one whose name lies below it, by the same scheme and port.
+bool isWithinServer(const QUrl& url, const QUrl& base);
 
 }  // namespace tavrelon::platform

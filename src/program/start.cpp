@@ -5,13 +5,26 @@
 #include <QFile>
 #include <cstdio>
 
+#include "desktop/linux/private_folder.h"
+#include "desktop/linux/standard_output_log.h"
+#include "persistence/history_manager.h"
+
 namespace tavrelon::program {
 
 namespace {
 
 std::unexpected<int> endWith(int status, const QString& reason) {
-    std::fprintf(stderr, "%s\n", qUtf8Printable(reason));
+    std::fprintf(stderr, "%s\n", desktop::escapedLine(reason).constData());
     return std::unexpected(status);
+}
+
+/// What nobody else may read or have put there. Before anything is read from it.
+std::expected<void, QString> makePrivate(const desktop::UserFolders& folders) {
+    for (const auto& folder : {folders.configuration, folders.applicationSupport,
+                               folders.applicationSupport + u'/' + persistence::HistoryManager::imagesFolder})
+        if (auto made = desktop::makePrivate(folder); !made)
+            return made;
+    return {};
 }
 
 }  // namespace
@@ -37,7 +50,9 @@ std::expected<Start, int> prepareStart(int argc, char** argv) {
     auto display = desktop::X11Connection::open();
     if (!display)
         return endWith(EX_UNAVAILABLE, QStringLiteral("Tavrelon cannot start: %1").arg(display.error()));
-    auto instance = desktop::SingleInstance::claim(folders->configuration);
+    if (const auto guarded = makePrivate(*folders); !guarded)
+        return endWith(EX_NOPERM, QStringLiteral("Tavrelon cannot start: %1").arg(guarded.error()));
+    auto instance = desktop::SingleInstance::claim(folders->configuration, qEnvironmentVariable("XDG_RUNTIME_DIR"));
     if (instance)
         return Start{*mode, *std::move(folders), *std::move(instance), *std::move(display)};
     if (instance.error() == desktop::SingleInstance::Refusal::Silent)

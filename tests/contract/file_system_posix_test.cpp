@@ -100,6 +100,23 @@ TEST_F(PosixFileSystemTest, LinksAreFollowedAndStay) {
     EXPECT_EQ(contentOf("elsewhere/real"), "second");
 }
 
+TEST_F(PosixFileSystemTest, AHardLinkPutThereBeforehandIsNeverWrittenThrough) {
+    ASSERT_TRUE(files.write(at("other"), "precious"));
+    ASSERT_TRUE(files.createDirectory(at("ours")));
+    ASSERT_EQ(::link(native("other").constData(), native("ours/.tavrelon-write-0").constData()), 0);
+    ASSERT_TRUE(files.write(at("ours/f"), "new"));  // by another temporary name
+    EXPECT_EQ(contentOf("other"), "precious");
+
+    ASSERT_EQ(::link(native("other").constData(), native("ours/linked").constData()), 0);
+    const auto refused = files.write(at("ours/linked"), "new");
+    ASSERT_FALSE(refused);
+    EXPECT_TRUE(refused.error().description.endsWith(QStringLiteral("The file has a second name (a hard link)")));
+    ASSERT_EQ(::chmod(native("ours").constData(), 0555), 0);
+    EXPECT_TRUE(inOrdinaryProcess([this] { return !files.write(at("ours/linked"), "new in place"); }));
+    ASSERT_EQ(::chmod(native("ours").constData(), 0700), 0);
+    EXPECT_EQ(contentOf("other"), "precious");
+}
+
 TEST_F(PosixFileSystemTest, AFolderThatRefusesNewFilesIsWrittenInPlace) {
     ASSERT_TRUE(files.write(at("open"), "a long old content"));
     ASSERT_TRUE(files.write(at("closed"), "old"));

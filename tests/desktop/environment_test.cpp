@@ -168,6 +168,24 @@ TEST_F(EnvironmentTest, ASecondProcessCallsTheFirstAndEnds) {
     EXPECT_TRUE(listens()) << "a killed program must not lock its successor out";
 }
 
+TEST_F(EnvironmentTest, FoldersAreThisUsersAloneOrItDoesNotStart) {
+    const auto images = home.filePath(QStringLiteral(".local/share/Tavrelon/history-images"));
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(images).path()));
+    ASSERT_TRUE(QFile::link(home.path(), images));
+    EXPECT_EQ(run(), EX_NOPERM);
+    EXPECT_EQ(said, "Tavrelon cannot start: " + images.toUtf8() + " is a symbolic link. Put a folder there.\n");
+    ASSERT_TRUE(QFile::remove(images));
+
+    const auto everybody = QFile::Permissions::fromInt(0x7777);
+    const auto folder = QFileInfo(settingsPath()).path();
+    ASSERT_TRUE(QFile::setPermissions(settingsPath(), everybody) && QFile::setPermissions(folder, everybody));
+    start(first, QStringLiteral("log"));
+    ASSERT_TRUE(listens()) << log().data();
+    const auto others = QFile::Permissions::fromInt(0x0077);
+    for (const auto& path : {settingsPath(), folder})
+        EXPECT_FALSE(QFile::permissions(path) & others) << path.toStdString();
+}
+
 TEST_F(EnvironmentTest, AHomeThatTakesNoFilesCostsOnlyTheMemory) {
     const auto before = contentsOf(settingsPath());
     environment.insert(QStringLiteral("TAVRELON_ALLOW_DEBUGGER"), QStringLiteral("1"));  // for a look at its folders

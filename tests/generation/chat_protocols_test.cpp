@@ -45,6 +45,27 @@ QString refusal(Build build) {
 
 }  // namespace
 
+TEST(ChatKeys, GoOutOnlyWholeAndUnreadByOthers) {
+    const auto authorized = [](const char* address, const QString& key) {
+        platform::HttpRequest request{.url = QUrl(QLatin1StringView(address))};
+        try {
+            chat_wire::authorize(request, key);
+        } catch (const KeyRefused& refused) {
+            return refused.localizedDescription();
+        }
+        return request.headers.empty() ? u"none"_s : QString::fromUtf8(request.headers[0].second);
+    };
+    for (const auto* open : {"https://gw.example/v1", "http://localhost:1/x", "http://127.9.0.1", "http://[::1]:8080"})
+        EXPECT_EQ(authorized(open, u" k\r\n"_s), u"Bearer k"_s) << open;
+    for (const auto* readable : {"http://gw.example", "http://localhost.example", "http://127.0.0.1.example",
+                                 "http://127.evil.example.com", "http://192.168.0.2:11434"})
+        EXPECT_TRUE(authorized(readable, u"k"_s).contains("without encryption"_L1)) << readable;
+    EXPECT_EQ(authorized("http://gw.example", u" \n"_s), u"none"_s);
+    for (const auto& broken :
+         {u"k\r\nX-Injected: 1"_s, u"k\nk"_s, u"a\tb"_s, u"a\u0085b"_s, u"a\u2028b"_s, u"a"_s + QChar(0) + u'b'})
+        EXPECT_TRUE(authorized("https://gw.example", broken).contains("control character"_L1)) << broken.toStdString();
+}
+
 TEST(ChatPollinations, BuildsItsRequests) {
     chat_pollinations::Call call{.baseURL = u"https://gw.test/base"_s,
                                  .key = u"k"_s,

@@ -158,15 +158,19 @@ TEST_F(ImagesTest, TheLastErrorIsToldToTheUser) {
 }
 
 TEST_F(ImagesTest, ADownloadTakesAKeyOnlyToItsOwnService) {
-    EXPECT_EQ(download(u"https://img.BigModel.cn/a"_s), "Bearer glm.key");
-    EXPECT_EQ(download(u"https://x.pollinations.ai/a"_s), "Bearer sk_default");
-    EXPECT_EQ(download(u"https://cdn.test/bigmodel/pollinations"_s), "");
+    for (const auto* own : {"https://GLM.test/a", "https://img.glm.test/a"})
+        EXPECT_EQ(download(QString::fromLatin1(own)), "Bearer glm.key") << own;
+    EXPECT_EQ(download(u"https://x.pollinations.test/a"_s), "Bearer sk_default");
+    for (const auto* other :
+         {"http://glm.test/a", "https://glm.test:444/a", "https://evilglm.test/a", "https://glm.test.evil.example/a",
+          "https://test/a", "https://glm.test@evil.example/a", "https://bigmodel.evil.example/a",
+          "https://pollinations.evil.example/a", "https://cdn.test/glm.test/pollinations.test"})
+        EXPECT_EQ(download(QString::fromLatin1(other)), "") << other;
     service.pollinationsCustomEnabled = true;
     service.pollinationsBaseURLOverride = u"https://Mine.test/base"_s;
     EXPECT_EQ(download(u"https://mine.test/a"_s), "") << "custom mode without a key of the user's";
     service.pollinationsApiKey = u"own"_s;
     EXPECT_EQ(download(u"https://mine.test/a"_s), "Bearer own");
-    EXPECT_EQ(download(u"https://sub.mine.test/a"_s), "");
 
     http.answer(200, "PNG", "");
     EXPECT_EQ(runTask(loop, service.downloadImage(QUrl(u"https://a.test"_s))), "PNG") << "no type is no objection here";

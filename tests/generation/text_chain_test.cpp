@@ -100,6 +100,49 @@ TEST_F(TextChainTest, MissingKeysFailTheirModelsAndTheWalkGoesOn) {
     EXPECT_TRUE(logged(u"Text generation failed with GLM 4 Flash 250414: GLM API key not configured"_s));
 }
 
+TEST_F(TextChainTest, ARefusedKeyEndsTheChainBeforeAnotherServiceIsAsked) {
+    service.pollinationsCustomEnabled = true;
+    service.pollinationsBaseURLOverride = u"http://mine.test"_s;
+    service.pollinationsVisionModelOverride = u"my-model"_s;
+    service.pollinationsApiKey = u"own"_s;
+    EXPECT_TRUE(generateError().contains("without encryption"_L1));
+    service.pollinationsCustomEnabled = false;
+    service.nvidiaEnabled = true;
+    service.nvidiaApiKey = u"own\r\nX: 1"_s;
+    EXPECT_TRUE(generateError().contains("control character"_L1));
+    EXPECT_TRUE(http.requests().empty());
+}
+
+TEST_F(TextChainTest, AServicesErrorIsShortAndRepeatsNothingOfThePrompt) {
+    service.textModels = {PollinationsModel::openai};
+    const auto secret = u"Tell nobody: the vault opens with \"4711\"\nand 芝麻开门吧亲爱的朋友们快来"_s;
+    const auto errorFor = [&](const QByteArray& body) {
+        http.answer(400, body);
+        try {
+            runTask(loop, service.generateText(u"Be brief.\nApplication: Vault"_s, u"User Input: hunter2\n"_s + secret,
+                                               {}, 10, 0.7F));
+        } catch (const text::LocalizedError& error) {
+            return error.localizedDescription() + log.lines().join(u'\n');
+        }
+        return QString();
+    };
+    const auto quoted = text::compactJson(text::toJson(secret));
+    for (const auto& body :
+         {"cannot take: " + secret.toUtf8(), "{\"error\":" + quoted + "}", secret.toUtf8().repeated(500),
+          QByteArray(R"({"error":"\u829d\u9ebb\u5f00\u95e8\u5427\u4eb2\u7231\u7684\u670b\u53cb\u4eec\u5feb\u6765"})"),
+          QByteArray("no 'hunter2' for Vault"), QByteArray(190, 'x') + " " + secret.toUtf8()}) {
+        const auto told = errorFor(body);
+        ASSERT_TRUE(told.contains("API error (400): "_L1));
+        for (const auto* piece : {"vault opens", "4711", "芝麻开门", "hunter2", "Vault"})
+            EXPECT_FALSE(told.contains(QString::fromUtf8(piece))) << piece << " in " << told.toStdString();
+        log.clear();
+    }
+    EXPECT_TRUE(errorFor(R"({"error":{"message":"model \"openai\" is\nnot here\u202e\u001b[2J"}})")
+                    .startsWith(u"API error (400): {\"error\":{\"message\":\"model \"openai\" is not here [2J\"}}"_s));
+    http.answer(500, QByteArray("ü").repeated(100'000));
+    EXPECT_EQ(generateError(), u"API error (500): "_s + u"ü"_s.repeated(200) + u'…');
+}
+
 TEST_F(TextChainTest, OllamaTakesOverRequestsWithAnImageOnly) {
     service.ollamaEnabled = true;
     EXPECT_EQ(generateError(jpeg), u"Ollama cloud model is required"_s);

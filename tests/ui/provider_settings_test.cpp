@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "app/provider_settings.h"
 #include "support/qt_gtest.h"
 #include "support/test_desktop.h"
 #include "ui/settings/provider_settings_model.h"
@@ -88,6 +89,43 @@ TEST_F(ProviderSettingsTest, BlanksCountAsNothingAndNothingIsRefused) {
     page.setPollinationsImageModel(QString());
     EXPECT_TRUE(page.imageModelMissing());
     EXPECT_FALSE(page.baseURLMissing() || page.visionModelMissing());
+}
+
+TEST_F(ProviderSettingsTest, AKeyStaysWithTheServerForWhichItWasTyped) {
+    // Stored by an older version, without a server: it belongs to the one that is in use.
+    desktop.defaultsStore.setString(entries::pollinationsApiKey, u"old\n"_s);
+    storage.changeSettings([](auto& settings) { settings.pollinationsBaseURL = u"https://a.example/v1"_s; });
+    app::applyProviderSettings(storage.settings(), desktop.defaultsStore, service);
+    EXPECT_EQ(service.pollinationsApiKey, u"old"_s);
+
+    ProviderSettingsModel opened{{desktop.loop, storage, service, desktop.workspace}};
+    for (const auto* other :
+         {"https://b.example/v1", "http://a.example/v1", "https://a.example:444", "a.example", ""}) {
+        SCOPED_TRACE(other);
+        opened.setPollinationsBaseURL(QString::fromLatin1(other));
+        EXPECT_EQ(service.pollinationsApiKey, std::nullopt);
+        EXPECT_EQ(opened.pollinationsApiKey(), QString()) << "it is asked for anew";
+        EXPECT_EQ(opened.pollinationsKeyNote(), u"keyElsewhere"_s);
+        service.pollinationsApiKey = u"left over"_s;
+        app::applyProviderSettings(storage.settings(), desktop.defaultsStore, service);
+        EXPECT_EQ(service.pollinationsApiKey, std::nullopt) << "nor at the next start";
+    }
+    opened.setPollinationsBaseURL(u"https://A.example:443/v2"_s);
+    EXPECT_EQ(service.pollinationsApiKey, u"old"_s) << "another path of the same server";
+    EXPECT_EQ(opened.pollinationsKeyNote(), QString());
+
+    opened.setPollinationsBaseURL(u"https://b.example"_s);
+    opened.setPollinationsApiKey(u"new"_s);
+    EXPECT_EQ(service.pollinationsApiKey, u"new"_s);
+    opened.setPollinationsBaseURL(u"https://a.example"_s);
+    EXPECT_EQ(service.pollinationsApiKey, std::nullopt);
+
+    opened.setOllamaLocalApiKey(u"local"_s);
+    EXPECT_EQ(service.ollamaLocalApiKey, u"local"_s);
+    opened.setOllamaLocalEndpoint(u"http://box:11434/api/chat"_s);
+    EXPECT_EQ(service.ollamaLocalApiKey, std::nullopt);
+    opened.setOllamaLocalApiKey(u"box"_s);
+    EXPECT_EQ(opened.ollamaLocalKeyNote(), u"keyUnencrypted"_s);
 }
 
 TEST_F(ProviderSettingsTest, ModelsAreListedOnceUnlessAskedAgain) {

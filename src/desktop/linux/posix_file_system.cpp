@@ -32,8 +32,10 @@ auto onNativePath(const QString& path, Operation operation) {
     using Value = typename decltype(result)::value_type;
     using Described = std::expected<Value, FileError>;
     if (!result) {
-        const auto reason = std::generic_category().message(static_cast<int>(result.error()));
-        return Described(std::unexpect, path + QStringLiteral(": ") + QString::fromLocal8Bit(reason));
+        const int code = static_cast<int>(result.error());
+        const auto reason = code == EMLINK ? QStringLiteral("The file has a second name (a hard link)")
+                                           : QString::fromLocal8Bit(std::generic_category().message(code));
+        return Described(std::unexpect, path + QStringLiteral(": ") + reason);
     }
     if constexpr (std::is_void_v<Value>)
         return Described();

@@ -7,7 +7,8 @@ namespace tavrelon::desktop {
 /// Files of the local disk. A write goes to a temporary file beside the target, is flushed to the disk and then takes
 /// the target's name, so a crash leaves the old or the new content; at most a few files `.tavrelon-write-N` stay
 /// behind, which later writes use again. Where the folder refuses new files, an existing target is overwritten in
-/// place. A target that is a symbolic link is followed. Only regular files are read; a device may be written to.
+/// place. A target that is a symbolic link is followed; one that has a second name (a hard link) is not written. Only
+/// regular files are read; a device may be written to.
 class PosixFileSystem : public platform::FileSystem {
  public:
     bool exists(const QString& path) const override;

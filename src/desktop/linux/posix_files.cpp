@@ -63,6 +63,16 @@ class TemporaryFile {
     Descriptor file_;
 };
 
+/// Whether nobody but this user put the file there, and no other file is written to with it.
+bool isOurs(int fd) {
+    struct stat status{};
+    return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid() && status.st_nlink == 1;
+}
+
+bool hasSecondName(const struct stat& status) {
+    return S_ISREG(status.st_mode) && status.st_nlink > 1;
+}
+
 /// Whether `path` still names the open file: its last writer may have renamed it before we got the lock.
 bool namesFile(const QByteArray& path, int fd) {
     struct stat named{};
@@ -85,7 +95,7 @@ std::expected<TemporaryFile, PosixError> TemporaryFile::create(const QByteArray&
         code = EAGAIN;
         // A file system without locks has to do without: the only other writer would be a second instance.
         const bool taken = ::flock(file.fd(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-        if (taken || !namesFile(path, file.fd()))
+        if (taken || !namesFile(path, file.fd()) || !isOurs(file.fd()))
             continue;
         TemporaryFile owned(std::move(path), std::move(file));
         if (::fchmod(owned.fd(), privateFile) != 0 || ::ftruncate(owned.fd(), 0) != 0)
@@ -150,6 +160,9 @@ std::expected<QByteArray, PosixError> followedLinks(QByteArray path) {
 }
 
 std::expected<void, PosixError> replaceFile(const QByteArray& target, const QByteArray& content) {
+    struct stat status{};
+    if (::lstat(target.constData(), &status) == 0 && hasSecondName(status))
+        return failure(EMLINK);
     const auto folder = folderOf(target);
     auto temporary = TemporaryFile::create(folder);
     if (!temporary)
@@ -169,6 +182,8 @@ std::expected<void, PosixError> overwriteFile(const QByteArray& target, const QB
     struct stat status{};
     if (!file || ::fstat(file.fd(), &status) != 0)
         return failure();
+    if (hasSecondName(status))
+        return failure(EMLINK);
     const bool regular = S_ISREG(status.st_mode);
     if (regular && content.size() > status.st_size) {
         const int code = ::posix_fallocate(file.fd(), status.st_size, content.size() - status.st_size);

@@ -35,7 +35,8 @@ std::expected<QByteArray, PosixError> readRegularFile(const QByteArray& path);
 /// The file that a chain of symbolic links ends at, whether it exists or not; the path itself if it is no link.
 std::expected<QByteArray, PosixError> followedLinks(QByteArray path);
 
-/// Gives the content to a temporary file in the target's folder, flushes it and renames it to the target.
+/// Gives the content to a temporary file in the target's folder, flushes it and renames it to the target. Neither of
+/// the two writes to a file that has a second name (EMLINK): it may be another file of the user's.
 std::expected<void, PosixError> replaceFile(const QByteArray& target, const QByteArray& content);
 
 /// Overwrites an existing file. The space is reserved first, so that a full disk leaves the old content; only a crash

@@ -13,8 +13,9 @@ namespace tavrelon::desktop {
 
 /// Sees to it that one process at a time works on a folder of the user's, and lets a second one call the first.
 ///
-/// The claim is a socket whose name the kernel keeps for as long as the process lives, so that nothing is left behind
-/// by a kill, and a home that cannot be written to is no obstacle. Main thread.
+/// The claim is a lock in the folder, which the kernel drops with the process; so a kill leaves nothing in the way.
+/// Calls go through a socket in a folder that the user alone can enter. Nobody else can take the lock or the socket,
+/// and both ends ask whose process the other one is. Main thread.
 class SingleInstance {
  public:
     enum class Refusal {
@@ -22,8 +23,11 @@ class SingleInstance {
         Silent,    ///< another process has the folder, and does not answer
     };
 
-    /// Waits at most two seconds for the other process. Where the system gives no such sockets, the claim is granted.
-    static std::expected<std::unique_ptr<SingleInstance>, Refusal> claim(const QString& folder);
+    /// The socket is made in `runtimeFolder` ($XDG_RUNTIME_DIR) if that is the user's alone, else in `folder`. Waits
+    /// about two seconds for the other process. Where `folder` cannot be locked, the claim is granted unless somebody
+    /// answers at the socket.
+    static std::expected<std::unique_ptr<SingleInstance>, Refusal> claim(const QString& folder,
+                                                                         const QString& runtimeFolder);
 
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
@@ -33,10 +37,13 @@ class SingleInstance {
     void setOnCalled(std::function<void()> onCalled);
 
  private:
-    explicit SingleInstance(Descriptor socket);
+    class CallSocket;
+
+    SingleInstance(Descriptor lock, std::unique_ptr<CallSocket> socket);
     void answerCallers();
 
-    Descriptor socket_;  ///< none where the claim was granted without one
+    Descriptor lock_;  ///< none where the folder cannot be locked
+    std::unique_ptr<CallSocket> socket_;
     std::function<void()> onCalled_;
     std::unique_ptr<QSocketNotifier> notifier_;
 };

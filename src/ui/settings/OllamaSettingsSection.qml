@@ -150,6 +150,7 @@ Column {
                 text: section.model.ollamaLocalApiKey
                 onEdited: text => section.model.ollamaLocalApiKey = text
             }
+            MessageLine { text: section.texts[section.model.ollamaLocalKeyNote] ?? "" }
         }
     }
 }

@@ -56,6 +56,7 @@ Column {
             text: section.model.pollinationsApiKey
             onEdited: text => section.model.pollinationsApiKey = text
         }
+        MessageLine { text: section.texts[section.model.pollinationsKeyNote] ?? "" }
         LinkLine {
             text: section.texts.getPollinationsKey
             link: section.model.pollinationsKeyPortal

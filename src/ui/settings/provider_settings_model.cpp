@@ -1,5 +1,6 @@
 #include "ui/settings/provider_settings_model.h"
 
+#include "platform/web_origin.h"
 #include "text/characters.h"
 #include "ui/settings/provider_texts.h"
 
@@ -19,8 +20,36 @@ ProviderSettingsModel::ProviderSettingsModel(Services services)
     const auto stored = [this](QLatin1StringView entry) {
         return storage().userDefaults().string(entry).value_or(QString());
     };
-    keys_ = {stored(entries::nvidiaApiKey), stored(entries::ollamaCloudApiKey), stored(entries::ollamaLocalApiKey),
-             stored(entries::pollinationsApiKey)};
+    auto& defaults = storage().userDefaults();
+    keys_ = {stored(entries::nvidiaApiKey), stored(entries::ollamaCloudApiKey),
+             persistence::boundKey(defaults, entries::ollamaLocalApiKey, ollamaAddress()),
+             persistence::boundKey(defaults, entries::pollinationsApiKey, pollinationsAddress())};
+}
+
+QString ProviderSettingsModel::ollamaAddress() const {
+    return text::trimmedOrAbsent(ollamaLocalEndpoint()).value_or(services_.pollinations.endpoints().ollamaLocalChatURL);
+}
+
+QString ProviderSettingsModel::pollinationsAddress() const {
+    return PollinationsService::normalizedBaseURL(pollinationsBaseURL())
+        .value_or(services_.pollinations.endpoints().pollinationsBaseURL);
+}
+
+void ProviderSettingsModel::handOnBoundKeys() {
+    services_.pollinations.ollamaLocalApiKey = keys_.ollamaLocal.keyFor(ollamaAddress());
+    services_.pollinations.pollinationsApiKey = keys_.pollinations.keyFor(pollinationsAddress());
+}
+
+QString ProviderSettingsModel::shownKey(const persistence::BoundKey& key, const QString& address) {
+    return key.belongsTo(address) ? key.typed : QString();
+}
+
+QString ProviderSettingsModel::keyNote(const persistence::BoundKey& key, const QString& address) {
+    if (text::isBlank(key.typed))
+        return {};
+    if (!key.belongsTo(address))
+        return u"keyElsewhere"_s;
+    return platform::isConfidential(QUrl(address)) ? QString() : u"keyUnencrypted"_s;
 }
 
 void ProviderSettingsModel::select(const QString& provider) {
@@ -85,7 +114,7 @@ void ProviderSettingsModel::handOnCustomPollinations() {
     service.pollinationsBaseURLOverride = PollinationsService::normalizedBaseURL(pollinationsBaseURL());
     service.pollinationsImageModelOverride = PollinationsService::normalizedModelName(pollinationsImageModel());
     service.pollinationsVisionModelOverride = PollinationsService::normalizedModelName(pollinationsVisionModel());
-    service.pollinationsApiKey = text::trimmedOrAbsent(keys_.pollinations);
+    handOnBoundKeys();
 }
 
 QString ProviderSettingsModel::ollamaMode() const {
@@ -116,11 +145,13 @@ void ProviderSettingsModel::setOllamaLocalModel(const QString& typed) {
 void ProviderSettingsModel::setOllamaLocalEndpoint(const QString& typed) {
     setField(&AppSettings::ollamaLocalEndpoint, typed, &PollinationsService::ollamaLocalEndpoint,
              text::trimmedOrAbsent);
+    handOnBoundKeys();
 }
 
 void ProviderSettingsModel::setPollinationsBaseURL(const QString& typed) {
     setField(&AppSettings::pollinationsBaseURL, typed, &PollinationsService::pollinationsBaseURLOverride,
              PollinationsService::normalizedBaseURL);
+    handOnBoundKeys();
 }
 
 void ProviderSettingsModel::setPollinationsImageModel(const QString& typed) {
@@ -144,6 +175,15 @@ bool ProviderSettingsModel::storeKey(QString Keys::* key, QLatin1StringView entr
     return true;
 }
 
+void ProviderSettingsModel::storeKey(persistence::BoundKey Keys::* key, QLatin1StringView entry,
+                                     const persistence::BoundKey& typed) {
+    keys_.*key = typed;
+    handOnBoundKeys();
+    storage().notifySettingsChanged();
+    persistence::storeBoundKey(storage().userDefaults(), entry, typed);
+    Q_EMIT changed();
+}
+
 void ProviderSettingsModel::setNvidiaApiKey(const QString& typed) {
     if (storeKey(&Keys::nvidia, entries::nvidiaApiKey, typed) && enableNvidiaLocal())
         services_.pollinations.nvidiaApiKey = text::trimmedOrAbsent(typed);
@@ -155,13 +195,14 @@ void ProviderSettingsModel::setOllamaCloudApiKey(const QString& typed) {
 }
 
 void ProviderSettingsModel::setOllamaLocalApiKey(const QString& typed) {
-    if (storeKey(&Keys::ollamaLocal, entries::ollamaLocalApiKey, typed))
-        services_.pollinations.ollamaLocalApiKey = text::trimmedOrAbsent(typed);
+    if (typed != ollamaLocalApiKey())
+        storeKey(&Keys::ollamaLocal, entries::ollamaLocalApiKey, persistence::keyTypedFor(ollamaAddress(), typed));
 }
 
 void ProviderSettingsModel::setPollinationsApiKey(const QString& typed) {
-    if (storeKey(&Keys::pollinations, entries::pollinationsApiKey, typed))
-        services_.pollinations.pollinationsApiKey = text::trimmedOrAbsent(typed);
+    if (typed != pollinationsApiKey())
+        storeKey(&Keys::pollinations, entries::pollinationsApiKey,
+                 persistence::keyTypedFor(pollinationsAddress(), typed));
 }
 
 bool ProviderSettingsModel::nvidiaKeyMissing() const {

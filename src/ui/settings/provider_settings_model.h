@@ -1,5 +1,6 @@
 #pragma once
 
+#include "persistence/bound_key.h"
 #include "platform/workspace.h"
 #include "ui/dashboard/page_model.h"
 #include "ui/settings/ollama_cloud_models.h"
@@ -34,6 +35,8 @@ class ProviderSettingsModel : public PageModel {
     Q_PROPERTY(
         QString pollinationsVisionModel READ pollinationsVisionModel WRITE setPollinationsVisionModel NOTIFY changed)
     Q_PROPERTY(QString pollinationsApiKey READ pollinationsApiKey WRITE setPollinationsApiKey NOTIFY changed)
+    Q_PROPERTY(QString ollamaLocalKeyNote READ ollamaLocalKeyNote NOTIFY changed)
+    Q_PROPERTY(QString pollinationsKeyNote READ pollinationsKeyNote NOTIFY changed)
 
     Q_PROPERTY(bool nvidiaKeyMissing READ nvidiaKeyMissing NOTIFY changed)
     Q_PROPERTY(bool cloudKeyMissing READ cloudKeyMissing NOTIFY changed)
@@ -92,10 +95,15 @@ class ProviderSettingsModel : public PageModel {
     void setNvidiaApiKey(const QString& typed);
     QString ollamaCloudApiKey() const { return keys_.ollamaCloud; }
     void setOllamaCloudApiKey(const QString& typed);
-    QString ollamaLocalApiKey() const { return keys_.ollamaLocal; }
+    // A key that was typed for another server is not shown: it is asked for anew, and good again when the address is.
+    QString ollamaLocalApiKey() const { return shownKey(keys_.ollamaLocal, ollamaAddress()); }
     void setOllamaLocalApiKey(const QString& typed);
-    QString pollinationsApiKey() const { return keys_.pollinations; }
+    QString pollinationsApiKey() const { return shownKey(keys_.pollinations, pollinationsAddress()); }
     void setPollinationsApiKey(const QString& typed);
+
+    // The name of the text that tells why a key is not sent; empty while it is, or while there is none.
+    QString ollamaLocalKeyNote() const { return keyNote(keys_.ollamaLocal, ollamaAddress()); }
+    QString pollinationsKeyNote() const { return keyNote(keys_.pollinations, pollinationsAddress()); }
 
     // What is shown below a field; nothing is refused for it.
     bool nvidiaKeyMissing() const;
@@ -121,8 +129,8 @@ class ProviderSettingsModel : public PageModel {
     struct Keys {
         QString nvidia;
         QString ollamaCloud;
-        QString ollamaLocal;
-        QString pollinations;
+        persistence::BoundKey ollamaLocal;
+        persistence::BoundKey pollinations;
     };
 
     using InUse = std::optional<QString> generation::PollinationsService::*;
@@ -131,6 +139,12 @@ class ProviderSettingsModel : public PageModel {
     void setField(QString persistence::AppSettings::* field, const QString& typed, InUse inUse,
                   Normalization normalized);
     bool storeKey(QString Keys::* key, QLatin1StringView entry, const QString& typed);
+    void storeKey(persistence::BoundKey Keys::* key, QLatin1StringView entry, const persistence::BoundKey& typed);
+    void handOnBoundKeys();
+    QString ollamaAddress() const;
+    QString pollinationsAddress() const;
+    static QString shownKey(const persistence::BoundKey& key, const QString& address);
+    static QString keyNote(const persistence::BoundKey& key, const QString& address);
     void turnOffNvidia();
     void handOnCustomPollinations();
 

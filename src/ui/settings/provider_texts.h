@@ -7,7 +7,7 @@
 namespace tavrelon::ui {
 
 /// Every text of the providers page.
-inline constexpr std::array<PageText, 35> providerTexts{{
+inline constexpr std::array<PageText, 37> providerTexts{{
     {u"title", u"Providers", u"服务提供商"},
     {u"subtitle", u"Choose the active vision provider and customize service configs.",
      u"选择当前视觉提供商并配置服务。"},
@@ -19,6 +19,10 @@ inline constexpr std::array<PageText, 35> providerTexts{{
     {u"localApi", u"Local API", u"本地 API"},
     {u"requiredKey", u"API Key (required)", u"API 密钥（必填）"},
     {u"optionalKey", u"API Key (optional)", u"API 密钥（可选）"},
+    {u"keyElsewhere", u"The stored key was entered for another address and is not sent to this one. Enter it again.",
+     u"已保存的密钥是为另一个地址输入的，不会发送到此地址。请重新输入。"},
+    {u"keyUnencrypted", u"The key is not sent: this address has no encryption. Use one that begins with https://.",
+     u"密钥不会发送：此地址未加密。请使用以 https:// 开头的地址。"},
     {u"nvidiaKeyMissing", u"API key is required for local NVIDIA support.", u"本地 NVIDIA 支持需要 API 密钥。"},
     {u"getNvidiaKey", u"Get an API key at", u"获取 API 密钥："},
 
