@@ -34,6 +34,7 @@ TEST_F(DashboardDesktopTest, ARecordedHotkeyWorksInAnEditorWithoutARestart) {
     keyboard.strikeWith({place::leftControl, place::leftSuper}, place::y);
     ASSERT_TRUE(eventually([&] { return toggleKey(tavrelon) == 16; }));
     EXPECT_EQ(tavrelon.settings().at("toggleHotkey").at("modifiersRaw"), 0x140000);
+    window.press(QStringLiteral("Text Input"), QStringLiteral("push button"));  // and is left recording
 
     RunningEditor editor(RunningEditor::Kind::Mousepad, keyboard, QString());
     StandInAnswer answer;

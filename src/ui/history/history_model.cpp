@@ -73,14 +73,14 @@ void HistoryModel::refresh() {
 /// reader waiting for ever.
 std::optional<HistoryImage> HistoryModel::findImage(const QString& outputImagePath) const {
     const auto path = history_.resolvedImagePath(outputImagePath);
-    if (!QFileInfo(path).isFile())
+    if (!path || !QFileInfo(*path).isFile())
         return std::nullopt;
     constexpr qint64 head = 64;  // bytes; a PNG tells its size in its first 24
-    QFile file(path);
+    QFile file(*path);
     const auto header = platform::pictureHeader(file.open(QIODevice::ReadOnly) ? file.read(head) : QByteArray());
     if (!header || header->format != platform::PictureFormat::Png)
         return std::nullopt;
-    return HistoryImage{QUrl::fromLocalFile(path), QSize(header->width, header->height)};
+    return HistoryImage{QUrl::fromLocalFile(*path), QSize(header->width, header->height)};
 }
 
 }  // namespace tavrelon::ui
