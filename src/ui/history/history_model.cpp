@@ -68,9 +68,9 @@ void HistoryModel::refresh() {
     Q_EMIT changed();
 }
 
-/// Pictures that the program keeps are PNGs of its own encoding. What else lies there is not shown, since the view would
-/// decode it in this process. Reads no more than the size of the picture. What is no ordinary file might keep its reader
-/// waiting for ever.
+/// Pictures that the program keeps are PNGs of its own encoding. What else lies there is not shown, since the view
+/// would decode it in this process. Reads no more than the size of the picture. What is no ordinary file might keep its
+/// reader waiting for ever.
 std::optional<HistoryImage> HistoryModel::findImage(const QString& outputImagePath) const {
     const auto path = history_.resolvedImagePath(outputImagePath);
     if (!path || !QFileInfo(*path).isFile())
