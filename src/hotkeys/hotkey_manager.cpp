@@ -144,6 +144,7 @@ void HotkeyManager::handleToggle(input::InputStateMachine& machine) {
             break;
         case Case::processing:
             log("[Hotkey] Ignored while processing");
+            call(onConfirmPressed);
             break;
     }
 }
