@@ -36,6 +36,7 @@ capture::ScreenshotMode screenshotModeNamed(const QString& name) {
 AppState::AppState(platform::Platform& platform, platform::UserInterface& userInterface,
                    const generation::ServiceEndpoints& endpoints, StatusIconSetter setStatusIcon)
     : platform_(platform),
+      userInterface_(userInterface),
       storageManager_(platform.defaultsStore, platform.fileSystem, platform.log, platform.mainLoop,
                       platform.applicationSupport),
       hotkeyManager_(platform),
@@ -64,13 +65,17 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
                              adaptivePromptLearner_.get(), videoRecorder_});
     inputStateMachine_->setSpeechRecognizer(speechRecognizer_);
     makeViews(userInterface, std::move(setStatusIcon));
-    hotkeyManager_.stateMachine = inputStateMachine_;
     setCallbacks();
     applyHotkeySettings();
+    hotkeyManager_.setStateMachine(inputStateMachine_);
+    userInterface.application.setOnActiveChanged(
+        [this](bool isActive) { hotkeyManager_.setOwnWindowActive(isActive); });
     applyCaptureSettings();
 }
 
-AppState::~AppState() = default;
+AppState::~AppState() {
+    userInterface_.application.setOnActiveChanged(nullptr);
+}
 
 std::optional<QRectF> AppState::caretRect() {
     const auto caret = cursorLocator_.caretRect();
@@ -94,10 +99,8 @@ void AppState::askForConsent(const std::optional<ServiceConsent::Question>& ques
 }
 
 void AppState::applyHotkeySettings() {
-    auto& manager = hotkeyManager_;
-    static_cast<keys::HotkeySet&>(manager) = storageManager_.settings();
-    manager.clearLatches();
-    manager.refreshTap();
+    static_cast<keys::HotkeySet&>(hotkeyManager_) = storageManager_.settings();
+    hotkeyManager_.refresh();
 }
 
 void AppState::applyCaptureSettings() {
@@ -107,7 +110,7 @@ void AppState::applyCaptureSettings() {
     contextCapturer_.maxScreenshotWidth = static_cast<double>(settings.maxScreenshotWidth);
 }
 
-/// The work runs a turn later, after the key's verdict has been given.
+/// The work runs a turn later, as all changes of the input's state do.
 template <typename Work>
 hotkeys::HotkeyManager::Callback AppState::nextTurn(Work work) {
     return [this, work] { platform_.mainLoop.post(lifetime_.guard(work)); };
@@ -127,7 +130,7 @@ void AppState::setCallbacks() {
     hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
     hotkeyManager_.onConfirmPressed = nextTurn([this] { consent_.confirm(); });
     hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });
-    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { floatingInputController_->toggle(); });
+    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { togglePromptBox(); });
 }
 
 void AppState::toggleAllHotkeys() {
@@ -136,9 +139,14 @@ void AppState::toggleAllHotkeys() {
         [enabled](persistence::AppSettings& settings) { settings.hotkeysEnabled = enabled; });
     storageManager_.saveSettings();
     hotkeyManager_.hotkeysEnabled = enabled;
-    hotkeyManager_.clearLatches();
-    hotkeyManager_.refreshTap();
+    hotkeyManager_.refresh();
     hotkeyStatusHUDController_.show(enabled);
+}
+
+void AppState::togglePromptBox() {
+    const bool opens = !floatingInputController_->isVisible() && inputStateMachine_->isNewInputPossible();
+    if (!opens || inputStateMachine_->ensureNoPasswordField())
+        floatingInputController_->toggle();
 }
 
 void AppState::toggleVideo() {

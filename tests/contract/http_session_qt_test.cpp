@@ -112,18 +112,23 @@ TEST_F(QtHttpSessionTest, CookiesAndChallengesStayOutOfTheWay) {
     EXPECT_EQ(driver.requestHeader(1, "User-Agent"), "Tavrelon/1.0");
 }
 
-TEST_F(QtHttpSessionTest, RedirectsKeepTheKeyOnlyWithinTheOrigin) {
+TEST_F(QtHttpSessionTest, RedirectsKeepTheKeyAndTheBodyWithinTheOrigin) {
     driver.service.ledger().script({redirect(307, u"/moved"_s), redirect(308, elsewhere.url(u"/far"_s))});
-    const auto outcome = send(request());
-    ASSERT_TRUE(outcome);
-    EXPECT_EQ(outcome->url, QUrl(elsewhere.url(u"/far"_s)));
+    const auto refused = send(request());
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().description,
+              u"The server redirected to another one, 127.0.0.1. The request was not sent there."_s);
     EXPECT_EQ(driver.requestHeader(1, "Authorization"), "Bearer k");
     EXPECT_EQ(driver.requestBody(1), "{}");
+    EXPECT_TRUE(elsewhere.ledger().requests().empty());
+
+    driver.service.ledger().script({redirect(303, elsewhere.url(u"/far"_s))});
+    ASSERT_TRUE(send(request()));
     const auto far = elsewhere.ledger().requests();
     ASSERT_EQ(far.size(), 1U);
-    EXPECT_EQ(far[0].method, "POST");
+    EXPECT_EQ(far[0].method, "GET");
     EXPECT_EQ(far[0].header("Authorization"), "");
-    EXPECT_EQ(far[0].body, "{}");
+    EXPECT_EQ(far[0].body, "");
 }
 
 TEST(HttpRedirectTest, DecidesWhatGoesWhere) {
@@ -146,11 +151,16 @@ TEST(HttpRedirectTest, DecidesWhatGoesWhere) {
     EXPECT_EQ(turned->body, "");
     EXPECT_EQ(turned->headers, (platform::HttpHeaders{{"authorization", "Bearer k"}}));
 
-    for (const char* other : {"https://b.example/x", "https://a.example:444/x", "https://sub.a.example/x"}) {
-        const auto moved = desktop::redirected(keyed, 308, other);
+    auto keyedGet = keyed;
+    keyedGet.method = "GET";
+    keyedGet.body.clear();
+    for (const char* other : {"https://b.example/x", "https://a.example:444/x", "https://sub.a.example/x",
+                              "https://a.example@b.example/x", "//b.example/x"}) {
+        for (const int status : {307, 308})
+            EXPECT_FALSE(desktop::redirected(keyed, status, other)) << other;
+        const auto moved = desktop::redirected(keyedGet, 308, other);
         ASSERT_TRUE(moved) << other;
         EXPECT_EQ(moved->headers, (platform::HttpHeaders{{"Content-Type", "text/plain"}})) << other;
-        EXPECT_EQ(moved->body, "b");
     }
     EXPECT_EQ(desktop::redirected(keyed, 308, "https://a.example:443/x")->headers.size(), 2U);
 }

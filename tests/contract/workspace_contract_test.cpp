@@ -120,6 +120,7 @@ class WorkspaceContract : public ::testing::TestWithParam<bool> {
 
 TEST_P(WorkspaceContract, WithoutAWindowNothingIsInFront) {
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
+    EXPECT_EQ(workspace.frontmostWindow(), std::nullopt);
     EXPECT_EQ(workspace.frontmostWindowTitle(), std::nullopt);
     EXPECT_EQ(workspace.frontmostWindowPlace(), std::nullopt);
     EXPECT_FALSE(workspace.isOwnApplicationActive());
@@ -130,6 +131,8 @@ TEST_P(WorkspaceContract, TheFocusedWindowNamesItsApplication) {
     EXPECT_EQ(other.bundleIdentifier, QStringLiteral("Unheard-of"));
     EXPECT_EQ(other.localizedName, QStringLiteral("Unheard-of"));
     EXPECT_NE(other.windowIdentifier, 0U);
+    EXPECT_EQ(workspace.frontmostWindow(),
+              (platform::FrontmostWindow{other.windowIdentifier, other.processIdentifier}));
     const auto place = workspace.frontmostWindowPlace();
     EXPECT_TRUE(place && place->width > 0 && place->height > 0 && place->shadow == platform::WindowPlace::Shadow());
     EXPECT_FALSE(workspace.isOwnApplicationActive());

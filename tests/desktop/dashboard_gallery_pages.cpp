@@ -1,7 +1,6 @@
 #include "desktop/dashboard_gallery_pages.h"
 
 #include <QPainter>
-#include <QTemporaryDir>
 
 #include "ui/history/history_model.h"
 #include "ui/settings/clone_settings_model.h"
@@ -167,9 +166,9 @@ void pictureProviders(DashboardGallery& gallery) {
 }
 
 void pictureHistory(DashboardGallery& gallery) {
-    const QTemporaryDir folder;
-    const auto picture = folder.filePath(u"sunset.jpg"_s);
-    drawSunset(picture);
+    const auto picture = u"history-images/00000000-0000-0000-0000-000000000001.jpg"_s;
+    QDir(gallery.files.path()).mkdir(u"history-images"_s);
+    drawSunset(gallery.files.filePath(picture));
     gallery.picture(u"history"_s, DashboardTab::history);
     fillHistory(gallery.appState.historyManager(), picture);
     const auto choose = [](const QString& application) {

@@ -1,6 +1,7 @@
 // The program where something that it counts on is missing or broken: a clear line, an orderly life or end, nothing
 // lost.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sysexits.h>
 #include <unistd.h>
 
@@ -129,6 +130,20 @@ TEST_F(EnvironmentTest, AnXServerThatGoesAwayTakesItAlong) {
     EXPECT_TRUE(log().contains("X")) << log().data();
 }
 
+TEST_F(EnvironmentTest, OtherProgramsCannotLookIntoItsMemory) {
+    first.setChildProcessModifier([] {
+        rlimit dumps{};
+        ::getrlimit(RLIMIT_CORE, &dumps);
+        dumps.rlim_cur = dumps.rlim_max;
+        ::setrlimit(RLIMIT_CORE, &dumps);
+    });
+    start(first, QStringLiteral("log"));
+    ASSERT_TRUE(listens()) << log().data();
+    const auto process = QStringLiteral("/proc/%1/").arg(first.processId());
+    EXPECT_TRUE(contentsOf(process + QStringLiteral("limits")).simplified().contains("Max core file size 0 "));
+    EXPECT_EQ(QFileInfo(process + QStringLiteral("mem")).ownerId(), 0U) << "what nobody may look into is the system's";
+}
+
 TEST_F(EnvironmentTest, ASecondProcessCallsTheFirstAndEnds) {
     start(first, QStringLiteral("log"));
     ASSERT_TRUE(listens()) << log().data();
@@ -155,6 +170,7 @@ TEST_F(EnvironmentTest, ASecondProcessCallsTheFirstAndEnds) {
 
 TEST_F(EnvironmentTest, AHomeThatTakesNoFilesCostsOnlyTheMemory) {
     const auto before = contentsOf(settingsPath());
+    environment.insert(QStringLiteral("TAVRELON_ALLOW_DEBUGGER"), QStringLiteral("1"));  // for a look at its folders
     for (const auto& mount :
          {QStringLiteral("mount -o bind,ro \"$HOME\" \"$HOME\" 2>/dev/null || "
                          "{ mount -o bind \"$HOME\" \"$HOME\" && mount -o remount,bind,ro \"$HOME\"; }"),

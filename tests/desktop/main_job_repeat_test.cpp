@@ -40,7 +40,7 @@ class Texts {
             QStringLiteral("\n"),      QStringLiteral("é"),         QStringLiteral("🇩🇪"),
             QStringLiteral("  two  "), QStringLiteral("tab\there"), QStringLiteral("ß\\n\"")};
         auto text = someOf(pieces, 1, 8) + QStringLiteral(".");
-        return inTerminal_ ? text.replace(u'\t', u' ') : text;
+        return inTerminal_ ? text.replace(u'\t', u' ').replace(u'\n', u' ') : text;
     }
     QString around() {
         static const QStringList pieces{QStringLiteral("text "), QStringLiteral("more, "), QStringLiteral("中文"),

@@ -31,6 +31,9 @@ class RunningTavrelon {
     int logged(const QString& line) const;
     bool waitForLog(const QString& line, int times);
 
+    /// The folder of its settings, its data and its log.
+    QString home() const { return home_.path(); }
+
     qint64 process() const { return process_.processId(); }
 
     /// How many requests the history holds on disk.

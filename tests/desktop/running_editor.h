@@ -32,6 +32,9 @@ class RunningEditor {
     /// What the field holds in the end; waits for `expected`, and gives what is there when it does not come.
     QString saved(const QString& expected, std::chrono::milliseconds limit = std::chrono::seconds(10));
 
+    /// What it has told of the text so far: of a terminal the ended lines, of an editor what it saved.
+    QString shown();
+
     /// Replaces all the text, with the caret between the two parts. A terminal gets a new line instead, in which
     /// nothing can stand behind the caret.
     void refill(const QString& before, const QString& after);
@@ -57,7 +60,6 @@ class RunningEditor {
     struct Program;
 
     static Program programOf(Kind kind, const QString& folder, const QString& path);
-    QString shown();
     QString withoutEnd(const QString& text) const;
     bool comesToHold(const QString& expected, std::chrono::milliseconds limit);
     /// Waits until the application has taken what was typed, however busy the machine is.

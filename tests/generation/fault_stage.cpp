@@ -11,7 +11,7 @@
 #include <fstream>
 
 #include "async/task_scope.h"
-#include "desktop/qt/qt_image_codec.h"
+#include "desktop/documents/picture_pixels.h"
 #include "generation/fault_certificate.h"
 #include "output/output_writer.h"
 
@@ -52,11 +52,11 @@ QString lineAfter(const QStringList& lines, const QString& head) {
     return u"(nothing)"_s;
 }
 
-/// What the user gets. A picture goes through the hands that put it on the clipboard.
+/// What the user gets. A picture goes through the decoder that stands before the clipboard.
 QString described(const generation::GenerationResult& result) {
     if (!result.imageData)
         return "the answer: "_L1 + result.text.value_or(QString());
-    if (desktop::pasteboardItemOf(*result.imageData))
+    if (!desktop::picturePixels(*result.imageData).isNull())
         return u"the picture"_s;
     return output::OutputWriterError(output::OutputWriterError::Code::invalidImageData).localizedDescription();
 }

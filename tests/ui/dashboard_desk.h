@@ -31,16 +31,15 @@ struct DashboardDesk {
         desktop.loop, desktop.httpSession, desktop.log, generation::ServiceEndpoints::builtIn(), {}};
     hotkeys::HotkeyManager manager{desktop.platform};
     FakeRawKeys keys;
-    std::optional<tavrelon::keys::HotkeyConfig> heldElsewhere;
     std::vector<bool> shownStates;  ///< what the overlay of all hotkeys showed
     int donations = 0;
     platform::AuthorizationStatus microphone = platform::AuthorizationStatus::NotDetermined;
     int microphoneRequests = 0;
 
     ui::GeneralSettingsModel general{storage, service};
-    ui::HotkeysSettingsModel hotkeys{
-        {desktop.loop, storage, manager, keys, [this](bool enabled) { shownStates.push_back(enabled); },
-         [this](const tavrelon::keys::HotkeyConfig& hotkey) { return hotkey == heldElsewhere; }}};
+    ui::HotkeysSettingsModel hotkeys{{desktop.loop, storage, manager, keys,
+                                      [this](bool enabled) { shownStates.push_back(enabled); },
+                                      desktop.keyboard.hotkeys}};
     ui::PrivacySettingsModel privacy{storage, permissions()};
     std::vector<ui::DashboardPage> pages = emptyPages();
     ui::DashboardModel shell{storage, pages, [this] { ++donations; }};

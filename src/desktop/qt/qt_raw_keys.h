@@ -5,7 +5,7 @@
 #include <QWindow>
 #include <optional>
 
-#include "platform/event_tap.h"
+#include "platform/key_event.h"
 #include "platform/raw_keys.h"
 
 namespace tavrelon::desktop {

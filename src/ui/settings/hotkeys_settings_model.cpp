@@ -45,7 +45,7 @@ HotkeysSettingsModel::HotkeysSettingsModel(Services services)
 
 HotkeysSettingsModel::~HotkeysSettingsModel() {
     endRecording({});
-    services_.manager.isRecordingKeys = false;
+    services_.manager.setRecordingKeys(false);
 }
 
 int HotkeysSettingsModel::rowCount() const {
@@ -104,12 +104,11 @@ QString HotkeysSettingsModel::warning(int index) const {
 
 /// The desktop is asked once for each look at the page and each change, not at each drawing.
 void HotkeysSettingsModel::lookForHolders() {
-    heldElsewhere_.clear();
-    if (!services_.isHeldElsewhere)
-        return;
+    std::vector<HotkeyConfig> hotkeys;
     for (const auto& row : hotkeyRows)
-        if (const auto& hotkey = settings().*row.key; row.hasKey(hotkey) && services_.isHeldElsewhere(hotkey))
-            heldElsewhere_.push_back(hotkey);
+        if (const auto& hotkey = settings().*row.key; row.hasKey(hotkey))
+            hotkeys.push_back(hotkey);
+    heldElsewhere_ = services_.desktop.heldElsewhere(hotkeys);
 }
 
 void HotkeysSettingsModel::appear() {
@@ -155,8 +154,7 @@ void HotkeysSettingsModel::restoreDefaults() {
 
 void HotkeysSettingsModel::applyToManager() {
     static_cast<keys::HotkeySet&>(services_.manager) = settings();
-    services_.manager.clearLatches();
-    services_.manager.refreshTap();
+    services_.manager.refresh();
     lookForHolders();
     Q_EMIT changed();
 }
@@ -188,7 +186,7 @@ void HotkeysSettingsModel::startRecording(int row) {
         rowAt(row)->allowModifiersOnly() ? HotkeyRecording::Content::KeyOrModifiers : HotkeyRecording::Content::Key;
     recording_ = Recording{row, HotkeyRecording(content)};
     afterglow_.reset();
-    services_.manager.isRecordingKeys = true;
+    services_.manager.setRecordingKeys(true);
 }
 
 /// For `pause` the hotkeys still sleep.
@@ -197,7 +195,7 @@ void HotkeysSettingsModel::endRecording(std::chrono::milliseconds pause) {
         return;
     recording_.reset();
     services_.keys.release();
-    afterglow_ = services_.mainLoop.after(pause, [this] { services_.manager.isRecordingKeys = false; });
+    afterglow_ = services_.mainLoop.after(pause, [this] { services_.manager.setRecordingKeys(false); });
 }
 
 /// What is recorded is written a turn later, when the key is through.

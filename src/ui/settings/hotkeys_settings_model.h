@@ -6,6 +6,7 @@
 
 #include "async/lifetime.h"
 #include "hotkeys/hotkey_manager.h"
+#include "platform/hotkeys.h"
 #include "platform/raw_keys.h"
 #include "ui/dashboard/page_model.h"
 #include "ui/settings/hotkey_recording.h"
@@ -28,9 +29,7 @@ class HotkeysSettingsModel : public PageModel {
         platform::RawKeys& keys;
         std::function<void(bool enabled)> showStatus;  ///< the overlay that tells the state of all hotkeys
 
-        /// Whether something else on the desktop takes this key, so that the hotkey cannot work; what we hold ourselves
-        /// does not count. Nothing where nobody can tell.
-        std::function<bool(const keys::HotkeyConfig&)> isHeldElsewhere;
+        platform::Hotkeys& desktop;  ///< knows which keys something else holds
     };
 
     explicit HotkeysSettingsModel(Services services);

@@ -13,15 +13,12 @@ DashboardPage generalSettingsPage(app::AppState& appState) {
             }};
 }
 
-DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys,
-                          std::function<bool(const keys::HotkeyConfig&)> isHeldElsewhere) {
-    return {
-        DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"),
-        [&appState, &keys, isHeldElsewhere = std::move(isHeldElsewhere)] {
-            return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
-                appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
-                [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }, isHeldElsewhere});
-        }};
+DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys, platform::Hotkeys& desktop) {
+    return {DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"), [&appState, &keys, &desktop] {
+                return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
+                    appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
+                    [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }, desktop});
+            }};
 }
 
 DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions) {
