@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/web_origin.h"
+
 namespace tavrelon::app {
 
 using namespace std::chrono_literals;
@@ -18,14 +20,8 @@ constexpr auto readingTime = 700ms;
 /// Holds a line for each origin and what it may get.
 constexpr auto entry = "tavrelon.allowedServices"_L1;
 
-QString originOf(const QUrl& address) {
-    return address.adjusted(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment | QUrl::RemoveUserInfo)
-        .toString(QUrl::FullyEncoded)
-        .toLower();
-}
-
 QString lineOf(const QUrl& address, RequestContents contents) {
-    return (contents == RequestContents::Text ? "text "_L1 : "pictures "_L1) + originOf(address);
+    return (contents == RequestContents::Text ? "text "_L1 : "pictures "_L1) + platform::webOrigin(address);
 }
 
 QStringList stored(const platform::DefaultsStore& store) {
