@@ -1,5 +1,6 @@
 #include "app/app_state.h"
 
+#include "app/consent_question.h"
 #include "app/provider_settings.h"
 
 namespace tavrelon::app {
@@ -46,7 +47,8 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       speechRecognizer_(platform),
       videoRecorder_(platform, contextCapturer_, frameInterval, maxFrames),
       hotkeyStatusHUDController_(platform.mainLoop, userInterface),
-      pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)) {
+      pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)),
+      consent_(platform.mainLoop, platform.defaultsStore) {
     enforceProviderExclusivity(storageManager_);
     adoptWhatWasTaught(storageManager_);
     applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
@@ -57,7 +59,7 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
         platform.mainLoop, platform.fileSystem, platform.log, platform.serialQueues, storageManager_,
         pollinationsService_, historyManager_, learningInterval);
     aiService_ = std::make_unique<generation::TavrelonAIService>(pollinationsService_, sceneRouter_, platform.log);
-    generator_ = std::make_unique<AIGenerator>(*aiService_);
+    generator_ = std::make_unique<AIGenerator>(*aiService_, pollinationsService_, consent_);
     inputStateMachine_ = std::make_shared<input::InputStateMachine>(
         input::InputServices{platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_,
                              adaptivePromptLearner_.get(), videoRecorder_});
@@ -91,6 +93,11 @@ void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSette
         inputStateMachine_, [this] { return storageManager_.settings().appLanguage == QLatin1StringView("en"); });
 }
 
+void AppState::askForConsent(const std::optional<ServiceConsent::Question>& question) {
+    inputHUDController_->ask(question ? std::optional(consentQuestion(*question, storageManager_.settings()))
+                                      : std::nullopt);
+}
+
 void AppState::applyHotkeySettings() {
     static_cast<keys::HotkeySet&>(hotkeyManager_) = storageManager_.settings();
     hotkeyManager_.refresh();
@@ -110,12 +117,18 @@ hotkeys::HotkeyManager::Callback AppState::nextTurn(Work work) {
 }
 
 void AppState::setCallbacks() {
+    consent_.show = lifetime_.guard([this](const auto& question) { askForConsent(question); });
+    adaptivePromptLearner_->askOnlyIf([this] {
+        constexpr auto texts = generation::RequestContents::Text;
+        return consent_.isAllowed(generation::destinations(pollinationsService_, texts), texts);
+    });
     hotkeyManager_.onVoiceHotkeyPressed = nextTurn([this] { inputStateMachine_->handleVoiceHotkey(); });
     adaptivePromptLearner_->scheduleEvaluation();
     hotkeyManager_.onVoiceDictationHotkeyPressed =
         nextTurn([this] { inputStateMachine_->handleVoiceDictationHotkey(); });
     hotkeyManager_.onAutoReplyHotkeyPressed = nextTurn([this] { inputStateMachine_->startAutoReply(); });
     hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
+    hotkeyManager_.onConfirmPressed = nextTurn([this] { consent_.confirm(); });
     hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });
     hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { togglePromptBox(); });
 }

@@ -51,6 +51,7 @@ class AppState {
     async::MainLoop& mainLoop() { return platform_.mainLoop; }
 
  private:
+    void askForConsent(const std::optional<ServiceConsent::Question>& question);
     void applyHotkeySettings();
     void applyCaptureSettings();
     void setCallbacks();
@@ -78,6 +79,7 @@ class AppState {
     std::unique_ptr<learning::CloneService> cloneService_;
     std::unique_ptr<learning::AdaptivePromptLearner> adaptivePromptLearner_;
     std::unique_ptr<generation::TavrelonAIService> aiService_;
+    ServiceConsent consent_;
     std::unique_ptr<AIGenerator> generator_;
     std::shared_ptr<input::InputStateMachine> inputStateMachine_;
     std::unique_ptr<ui::InputHUDWindowController> inputHUDController_;

@@ -135,6 +135,7 @@ void HotkeyManager::toggle(input::InputStateMachine& machine) {
             break;
         case Case::processing:
             log("[Hotkey] Ignored while processing");
+            call(onConfirmPressed);
             break;
     }
 }

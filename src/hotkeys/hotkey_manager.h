@@ -55,6 +55,7 @@ class HotkeyManager : public keys::HotkeySet {
     Callback onAutoReplyHotkeyPressed;
     Callback onToggleAllHotkeysPressed;
     Callback onVideoHotkeyPressed;
+    Callback onConfirmPressed;  ///< the toggle hotkey while a request runs: yes, if it has asked something
     Callback onFloatingInputHotkeyPressed;
 
     /// Throws `TavrelonError`; no hotkey works then.

@@ -110,7 +110,7 @@ async::Task<void> AdaptivePromptLearner::update(std::vector<QString> samples) {
 
 async::Task<std::optional<AdaptivePromptLearner::Lesson>> AdaptivePromptLearner::learnedPrompt(
     std::vector<QString> samples) {
-    if (!storageManager_.settings().enableLocalLearning)
+    if (!storageManager_.settings().enableLocalLearning || !mayAsk_())
         co_return std::nullopt;
     const auto provider = persistence::providerOf(storageManager_.settings());
     try {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 
 #include "async/lifetime.h"
 #include "async/task_scope.h"
@@ -30,6 +31,9 @@ class AdaptivePromptLearner : public InputRecorder {
     AdaptivePromptLearner(const AdaptivePromptLearner&) = delete;
     AdaptivePromptLearner& operator=(const AdaptivePromptLearner&) = delete;
     ~AdaptivePromptLearner() override;
+
+    /// An update waits for a later input while `mayAsk` says no. Main thread.
+    void askOnlyIf(std::function<bool()> mayAsk) { mayAsk_ = std::move(mayAsk); }
 
     void recordInput(const QString& text) override;
 
@@ -66,6 +70,7 @@ class AdaptivePromptLearner : public InputRecorder {
     persistence::StorageManager& storageManager_;
     generation::PollinationsService& pollinationsService_;
     qsizetype learningInterval_;
+    std::function<bool()> mayAsk_ = [] { return true; };
     QString stateURL_;
 
     LearnerState state_;

@@ -3,6 +3,7 @@
 #include <QScreen>
 #include <QWidget>
 
+#include "app/consent_question.h"
 #include "desktop/gallery.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
@@ -128,6 +129,18 @@ void pictureFaces(Gallery& gallery) {
         model.show(face.state, face.trigger);
         gallery.picture(QString::fromLatin1(face.name), platform::PanelKind::Overlay,
                         QStringLiteral("hud/InputHUDView"), ui::hudContentSize(face.state, face.trigger), model);
+    }
+    for (const bool isEnglish : {true, false}) {
+        ui::InputHUDModel model;
+        model.show(InputState::Case::processing, InputTrigger::text);
+        persistence::AppSettings settings;
+        settings.appLanguage = isEnglish ? QStringLiteral("en") : QStringLiteral("zh");
+        model.setQuestion(
+            app::consentQuestion({{QStringLiteral("integrate.api.nvidia.com"), QStringLiteral("gen.pollinations.ai")},
+                                  generation::RequestContents::Picture},
+                                 settings));
+        gallery.picture(isEnglish ? QStringLiteral("question-english") : QStringLiteral("question-chinese"),
+                        platform::PanelKind::Overlay, QStringLiteral("hud/InputHUDView"), ui::hudQuestionSize, model);
     }
 }
 

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "generation/destinations.h"
 #include "generation/gateway_fixture.h"
 
 namespace tavrelon::generation {
@@ -244,6 +245,54 @@ TEST_F(TextChainTest, NormalizesWhatTheUserTyped) {
     EXPECT_EQ(service.effectiveNvidiaApiKey(), u"nvapi-built-in"_s) << "not while NVIDIA is off";
     service.nvidiaEnabled = true;
     EXPECT_EQ(service.effectiveNvidiaApiKey(), u"own"_s);
+}
+
+TEST(Destinations, OnlyWhatLeavesTheUsersNetworkIsPublic) {
+    for (const char* address : {"https://gen.pollinations.ai", "http://8.8.8.8:80", "http://172.32.0.1",
+                                "http://11.0.0.1", "http://[2001:db8::1]/", "http://[::ffff:8.8.8.8]",
+                                "http://localhost.example.com", "https://example.com./v1"})
+        EXPECT_TRUE(isPublic(QUrl(QString::fromLatin1(address)))) << address;
+    for (const char* address :
+         {"http://localhost:11434/api", "http://127.8.9.1", "http://[::1]:1", "http://10.1.2.3", "http://172.31.255.1",
+          "http://192.168.0.9", "http://169.254.1.1", "http://[fd00::7]", "http://[fe80::1]",
+          "http://[::ffff:192.168.1.1]", "http://nas/", "http://box.local.", "http://box.home.arpa"})
+        EXPECT_FALSE(isPublic(QUrl(QString::fromLatin1(address)))) << address;
+}
+
+TEST_F(TextChainTest, TheDestinationsAreThoseThatTheChainAsks) {
+    const auto hosts = [this](RequestContents contents) {
+        QStringList list;
+        for (const auto& address : destinations(service, contents))
+            list << address.host();
+        return list;
+    };
+    const auto asked = [this](const std::optional<QByteArray>& image) {
+        const auto before = http.requests().size();
+        generateError(image);
+        QStringList list;
+        for (auto index = before; index < http.requests().size(); ++index)
+            list << http.requests()[index].url.host();
+        list.removeDuplicates();
+        return list;
+    };
+    http.otherwise = [](const auto&) {
+        return testing::FakeHttpSession::Reply{platform::HttpResponse{.status = 503, .body = "busy"}, {}};
+    };
+    EXPECT_EQ(hosts(RequestContents::Text), asked({}));
+    service.ollamaEnabled = true;
+    service.ollamaLocalEndpoint = QStringLiteral("http://llama.test/api/chat");
+    service.ollamaMode = OllamaMode::local;
+    service.ollamaLocalModel = QStringLiteral("llama");
+    EXPECT_EQ(hosts(RequestContents::Picture), asked("picture"));
+    EXPECT_EQ(hosts(RequestContents::Text), asked({}));
+    service.ollamaEnabled = false;
+    service.pollinationsCustomEnabled = true;
+    service.pollinationsBaseURLOverride = QStringLiteral("https://own.test");
+    service.pollinationsVisionModelOverride = QStringLiteral("m");
+    service.glmApiKey.reset();
+    EXPECT_EQ(hosts(RequestContents::Picture).contains(QStringLiteral("own.test")), true);
+    for (const auto& host : asked("picture"))
+        EXPECT_TRUE(hosts(RequestContents::Picture).contains(host)) << qPrintable(host);
 }
 
 }  // namespace tavrelon::generation

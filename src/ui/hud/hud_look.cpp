@@ -45,6 +45,8 @@ QString hudFaceName(HUDFace face) {
             return QStringLiteral("VideoProcessingHUD");
         case HUDFace::AutoReply:
             return QStringLiteral("AutoReplyHUD");
+        case HUDFace::Question:
+            return QStringLiteral("QuestionHUD");
         case HUDFace::Standard:
             break;
     }
@@ -61,6 +63,8 @@ QSizeF hudContentSize(const InputState& state, std::optional<InputTrigger> trigg
         case HUDFace::VideoProcessing:
         case HUDFace::AutoReply:
             return {220, 70};
+        case HUDFace::Question:
+            return hudQuestionSize;
         case HUDFace::Standard:
             break;
     }

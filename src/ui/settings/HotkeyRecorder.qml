@@ -11,6 +11,8 @@ PressArea {
     property bool canRecord: true      ///< false makes it a mere picture of its key
     property bool isRecording: false
 
+    readonly property bool showsWords: isRecording && key === keyName   ///< waits for keys
+
     implicitWidth: 132
     implicitHeight: 34
     corner: 8
@@ -32,10 +34,10 @@ PressArea {
         minimumPixelSize: 8
         color: recorder.isRecording ? Look.accent : Look.primary
         font {
-            family: recorder.isRecording ? Look.fontFamily : Look.keyFamily
-            pixelSize: recorder.isRecording ? 12 : 14
-            weight: recorder.isRecording ? Font.DemiBold : Font.Normal
-            letterSpacing: recorder.isRecording ? 0 : 1
+            family: recorder.showsWords ? Look.fontFamily : Look.keyFamily
+            pixelSize: recorder.showsWords ? 12 : 14
+            weight: recorder.showsWords ? Font.DemiBold : Font.Normal
+            letterSpacing: recorder.showsWords ? 0 : 1
         }
     }
 }
