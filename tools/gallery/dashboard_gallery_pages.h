@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/dashboard_gallery.h"
+#include "gallery/dashboard_gallery.h"
 
 namespace tavrelon::testing {
 

@@ -3,12 +3,12 @@
 #include <QScreen>
 #include <QWidget>
 
-#include "desktop/gallery.h"
 #include "desktop/linux/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_panels.h"
 #include "desktop/qt/qt_screens.h"
 #include "desktop/x11/x11_panel_surroundings.h"
+#include "gallery/gallery.h"
 #include "support/waiting.h"
 #include "ui/floating/floating_input_model.h"
 #include "ui/hud/hotkey_status_hud_model.h"

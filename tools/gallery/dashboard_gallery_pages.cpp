@@ -1,4 +1,4 @@
-#include "desktop/dashboard_gallery_pages.h"
+#include "gallery/dashboard_gallery_pages.h"
 
 #include <QPainter>
 #include <QTemporaryDir>

@@ -1,5 +1,5 @@
 // gallery FOLDER: writes a picture of everything that the program shows.
-#include "desktop/gallery.h"
+#include "gallery/gallery.h"
 
 #include <QApplication>
 

@@ -1,7 +1,7 @@
-#include "desktop/dashboard_gallery.h"
+#include "gallery/dashboard_gallery.h"
 
-#include "desktop/dashboard_gallery_pages.h"
-#include "desktop/gallery.h"
+#include "gallery/dashboard_gallery_pages.h"
+#include "gallery/gallery.h"
 #include "ui/settings/hotkeys_settings_model.h"
 
 namespace tavrelon::testing {
