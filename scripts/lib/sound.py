@@ -63,6 +63,14 @@ class SoundServer(Program):
         listed = run("pactl", "list", "short", "source-outputs", environment=self.environment)
         return listed.count("protocol-native") - 1  # but for the listener
 
+    def unplug_microphone(self):
+        run("pactl", "unload-module", "module-remap-source", environment=self.environment)
+
+    def plug_microphone(self):
+        run("pactl", "load-module", "module-remap-source", "source_name=microphone", "master=speakers.monitor",
+            environment=self.environment)
+        run("pactl", "set-default-source", "microphone", environment=self.environment)
+
     def say(self, sentence):
         """Speaks, and returns after the last word."""
         if sentence not in self.spoken:

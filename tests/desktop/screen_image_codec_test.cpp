@@ -85,7 +85,9 @@ TEST_F(ImageCodec, APictureIsOfferedAsPngAndBmpAndAPngAsItCame) {
     ASSERT_EQ(fromJpeg->dataByType.size(), 2U);
     EXPECT_EQ(fromJpeg->dataByType.front().first, QStringLiteral("image/png"));
     EXPECT_GT(QImage::fromData(fromJpeg->dataByType.front().second, "PNG").pixelColor(1, 1).red(), 245);
-    EXPECT_FALSE(item("no picture"));
+    const auto hugeClaim = QByteArray(png).replace(16, 8, QByteArray::fromHex("0000ea600000ea60"));
+    for (const auto& none : {QByteArray("no picture"), QByteArray(), png.first(png.size() / 2), hugeClaim})
+        EXPECT_FALSE(item(none));
 }
 
 TEST_F(ImageCodec, WhatIsNoPictureIsAbsent) {
