@@ -21,6 +21,8 @@ class NoLog : public platform::Log {
     void line(const QString&) override {}
 };
 
+const auto pictureName = QStringLiteral("history-images/00000000-0000-0000-0000-000000000001.jpg");
+
 persistence::HistoryEntry longEntry(int index) {
     return {.id = QUuid::createUuid(),
             .timestamp = std::chrono::system_clock::now() + std::chrono::minutes(index),
@@ -28,7 +30,7 @@ persistence::HistoryEntry longEntry(int index) {
             .inputText = QStringLiteral("please make this paragraph friendlier ").repeated(40),
             .outputText =
                 QStringLiteral("Here is a friendlier paragraph — 更友好的段落, with thanks to all.\n").repeated(300),
-            .outputImagePath = index % 5 == 0 ? std::optional(QStringLiteral("picture.jpg")) : std::nullopt};
+            .outputImagePath = index % 5 == 0 ? std::optional(pictureName) : std::nullopt};
 }
 
 /// The page of a full history of long entries, with the conversation open.
@@ -45,7 +47,7 @@ struct Page {
     QQuickView view{engine.get(), nullptr};
 
     Page() {
-        QImage(4000, 3000, QImage::Format_RGB32).save(folder.filePath(QStringLiteral("picture.jpg")));
+        QImage(4000, 3000, QImage::Format_RGB32).save(folder.filePath(pictureName));
         for (int index = 0; index < 20; ++index)
             history.addEntry(longEntry(index));
         model = std::make_unique<ui::HistoryModel>(storage, history);

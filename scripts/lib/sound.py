@@ -83,6 +83,6 @@ def install_recogniser(build, home, sentences):
     """As scripts/install-voice does it; this recogniser knows these sentences."""
     folder = Path(home) / "data/Tavrelon/speech"
     (folder / "zh-CN").mkdir(parents=True)
-    (folder / "libvosk.so").symlink_to((Path(build) / "tests/support/libsphinx_vosk.so").resolve())
+    (folder / "libvosk.so").symlink_to((Path(build) / "tools/stage/libsphinx_vosk.so").resolve())
     (folder / "zh-CN/grammar.jsgf").write_text(
         f"#JSGF V1.0;\ngrammar sentences;\npublic <sentence> = {' | '.join(sentences)};\n", encoding="utf-8")

@@ -35,6 +35,7 @@ capture::ScreenshotMode screenshotModeNamed(const QString& name) {
 AppState::AppState(platform::Platform& platform, platform::UserInterface& userInterface,
                    const generation::ServiceEndpoints& endpoints, StatusIconSetter setStatusIcon)
     : platform_(platform),
+      userInterface_(userInterface),
       storageManager_(platform.defaultsStore, platform.fileSystem, platform.log, platform.mainLoop,
                       platform.applicationSupport),
       hotkeyManager_(platform),
@@ -47,6 +48,7 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       hotkeyStatusHUDController_(platform.mainLoop, userInterface),
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)) {
     enforceProviderExclusivity(storageManager_);
+    adoptWhatWasTaught(storageManager_);
     applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
     cloneService_ =
         std::make_unique<learning::CloneService>(platform.httpSession, platform.documentReader, pollinationsService_,
@@ -61,13 +63,17 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
                              adaptivePromptLearner_.get(), videoRecorder_});
     inputStateMachine_->setSpeechRecognizer(speechRecognizer_);
     makeViews(userInterface, std::move(setStatusIcon));
-    hotkeyManager_.stateMachine = inputStateMachine_;
     setCallbacks();
     applyHotkeySettings();
+    hotkeyManager_.setStateMachine(inputStateMachine_);
+    userInterface.application.setOnActiveChanged(
+        [this](bool isActive) { hotkeyManager_.setOwnWindowActive(isActive); });
     applyCaptureSettings();
 }
 
-AppState::~AppState() = default;
+AppState::~AppState() {
+    userInterface_.application.setOnActiveChanged(nullptr);
+}
 
 std::optional<QRectF> AppState::caretRect() {
     const auto caret = cursorLocator_.caretRect();
@@ -86,12 +92,8 @@ void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSette
 }
 
 void AppState::applyHotkeySettings() {
-    auto& manager = hotkeyManager_;
-    static_cast<keys::HotkeySet&>(manager) = storageManager_.settings();
-    // A bare grave accent is taken from the user only where it opens something.
-    manager.quickAskHotkeyEnabled = static_cast<bool>(manager.onFloatingInputHotkeyPressed);
-    manager.clearLatches();
-    manager.refreshTap();
+    static_cast<keys::HotkeySet&>(hotkeyManager_) = storageManager_.settings();
+    hotkeyManager_.refresh();
 }
 
 void AppState::applyCaptureSettings() {
@@ -101,7 +103,7 @@ void AppState::applyCaptureSettings() {
     contextCapturer_.maxScreenshotWidth = static_cast<double>(settings.maxScreenshotWidth);
 }
 
-/// The work runs a turn later, after the key's verdict has been given.
+/// The work runs a turn later, as all changes of the input's state do.
 template <typename Work>
 hotkeys::HotkeyManager::Callback AppState::nextTurn(Work work) {
     return [this, work] { platform_.mainLoop.post(lifetime_.guard(work)); };
@@ -115,7 +117,7 @@ void AppState::setCallbacks() {
     hotkeyManager_.onAutoReplyHotkeyPressed = nextTurn([this] { inputStateMachine_->startAutoReply(); });
     hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
     hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });
-    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { floatingInputController_->toggle(); });
+    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { togglePromptBox(); });
 }
 
 void AppState::toggleAllHotkeys() {
@@ -124,9 +126,14 @@ void AppState::toggleAllHotkeys() {
         [enabled](persistence::AppSettings& settings) { settings.hotkeysEnabled = enabled; });
     storageManager_.saveSettings();
     hotkeyManager_.hotkeysEnabled = enabled;
-    hotkeyManager_.clearLatches();
-    hotkeyManager_.refreshTap();
+    hotkeyManager_.refresh();
     hotkeyStatusHUDController_.show(enabled);
+}
+
+void AppState::togglePromptBox() {
+    const bool opens = !floatingInputController_->isVisible() && inputStateMachine_->isNewInputPossible();
+    if (!opens || inputStateMachine_->ensureNoPasswordField())
+        floatingInputController_->toggle();
 }
 
 void AppState::toggleVideo() {

@@ -55,6 +55,7 @@ class AppState {
     void applyCaptureSettings();
     void setCallbacks();
     void toggleAllHotkeys();
+    void togglePromptBox();
     void toggleVideo();
     std::optional<QRectF> caretRect();
     void makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon);
@@ -62,6 +63,7 @@ class AppState {
     hotkeys::HotkeyManager::Callback nextTurn(Work work);
 
     platform::Platform& platform_;
+    platform::UserInterface& userInterface_;
     persistence::StorageManager storageManager_;
     hotkeys::HotkeyManager hotkeyManager_;
     capture::ContextCapturer contextCapturer_;

@@ -1,5 +1,6 @@
 #include "app/provider_settings.h"
 
+#include "persistence/taught.h"
 #include "text/characters.h"
 
 namespace tavrelon::app {
@@ -31,6 +32,13 @@ void enforceProviderExclusivity(persistence::StorageManager& storage) {
         storage.changeSettings([](AppSettings& changed) { changed.enableOllamaVision = false; });
     }
     storage.saveSettings();
+}
+
+void adoptWhatWasTaught(persistence::StorageManager& storage) {
+    bool adopted = false;
+    storage.changeSettings([&](AppSettings& changed) { adopted = persistence::adoptTaught(changed); });
+    if (adopted)
+        storage.saveSettings();
 }
 
 void applyProviderSettings(const AppSettings& settings, const platform::DefaultsStore& userDefaults,

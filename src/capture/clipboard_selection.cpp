@@ -1,7 +1,6 @@
 #include "capture/clipboard_selection.h"
 
 #include "async/waits.h"
-#include "text/characters.h"
 
 namespace tavrelon::capture {
 
@@ -76,8 +75,7 @@ std::optional<QString> ClipboardSelection::finish(std::optional<QString> string)
         log_.line(QStringLiteral("[ContextCapturer] Clipboard fallback did not capture selection"));
         return std::nullopt;
     }
-    log_.line(QStringLiteral("[ContextCapturer] Clipboard fallback captured selection, length: %1")
-                  .arg(text::characterCount(*string)));
+    log_.line(QStringLiteral("[ContextCapturer] Clipboard fallback captured selection"));
     return string;
 }
 

@@ -19,10 +19,6 @@ QString tagged(const QString& message) {
     return QStringLiteral("[ContextCapturer] ") + message;
 }
 
-QString lengthLine(const char* what, const QString& text) {
-    return tagged(QLatin1StringView(what) + QString::number(text::characterCount(text)));
-}
-
 }  // namespace
 
 std::optional<AccessibilityTextSnapshot> ContextCapturer::fetchFocusedTextSnapshot() {
@@ -47,7 +43,7 @@ std::optional<AccessibilityTextSnapshot> ContextCapturer::snapshotOf(const AXEle
     auto value = valueOf(element);
     if (range && (!value || text::isBlank(*value))) {
         if (auto windowed = windowedValueOf(element, *range)) {
-            log.line(lengthLine("Using fallback windowed value, length: ", windowed->value));
+            log.line(tagged(QStringLiteral("Using fallback windowed value")));
             value = std::move(windowed->value);
             range = windowed->selectedRange;
         }
@@ -56,7 +52,7 @@ std::optional<AccessibilityTextSnapshot> ContextCapturer::snapshotOf(const AXEle
         log.line(tagged(QStringLiteral("No value string found, returning nil")));
         return std::nullopt;
     }
-    log.line(lengthLine("Returning snapshot with value length: ", *value));
+    log.line(tagged(QStringLiteral("Returning snapshot with a value")));
     return AccessibilityTextSnapshot{*std::move(value), range};
 }
 
@@ -78,11 +74,11 @@ std::optional<QString> ContextCapturer::valueOf(const AXElement& element) {
     if (!value || std::holds_alternative<std::monostate>(*value))
         return std::nullopt;
     if (const auto* string = std::get_if<QString>(&*value)) {
-        log.line(lengthLine("Got value string, length: ", *string));
+        log.line(tagged(QStringLiteral("Got value string")));
         return *string;
     }
     if (const auto* attributed = std::get_if<platform::AXAttributedString>(&*value)) {
-        log.line(lengthLine("Got attributed string, length: ", attributed->plainText));
+        log.line(tagged(QStringLiteral("Got attributed string")));
         return attributed->plainText;
     }
     log.line(tagged(QStringLiteral("Value object is not string type: ") + platform::axTypeName(*value)));

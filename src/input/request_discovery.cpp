@@ -57,8 +57,7 @@ QString TextRequestPipeline::chooseRequestText(const TextRequest& request) {
         if (request.clipboardSelection)
             return *request.clipboardSelection;
         if (!text::isBlank(request.inputBuffer))
-            log(QStringLiteral("[StateMachine] Using keystroke buffer fallback, length: %1")
-                    .arg(text::characterCount(request.inputBuffer)));
+            log(QStringLiteral("[StateMachine] Using keystroke buffer fallback"));
         return request.inputBuffer;
     }
     if (!typed && request.transcriptInserted == TranscriptInserted::No)

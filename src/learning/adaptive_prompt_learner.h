@@ -37,6 +37,13 @@ class AdaptivePromptLearner : public InputRecorder {
     void scheduleEvaluation();
 
  private:
+    /// A prompt, who wrote it, and the provider that was chosen then.
+    struct Lesson {
+        QString prompt;
+        QString source;
+        QString provider;
+    };
+
     // On the calling thread, before the queue has its first block.
     void load();
     void seed(const persistence::HistoryManager& historyManager);
@@ -44,14 +51,14 @@ class AdaptivePromptLearner : public InputRecorder {
     // On the queue.
     void record(const QString& input);
     void evaluateUpdate();
-    void finish(const QString& prompt);
+    void finish(const Lesson& lesson);
     void finishWithoutChange();
     void save();
 
     // On the main thread.
     async::Task<void> update(std::vector<QString> samples);
-    async::Task<std::optional<QString>> learnedPrompt(std::vector<QString> samples);
-    void storePrompt(const QString& prompt);
+    async::Task<std::optional<Lesson>> learnedPrompt(std::vector<QString> samples);
+    void storePrompt(const Lesson& lesson);
 
     async::MainLoop& mainLoop_;
     platform::FileSystem& fileSystem_;

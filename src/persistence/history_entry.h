@@ -22,7 +22,7 @@ struct HistoryEntry {
     std::optional<QString> windowTitle = {};
     QString inputText = {};
     QString outputText = {};
-    std::optional<QString> outputImagePath = {};  ///< absolute, or relative to the history's folder
+    std::optional<QString> outputImagePath = {};  ///< relative to the history's folder
     bool wasReverted = false;
     bool wasEdited = false;
     std::optional<QString> editedText = {};

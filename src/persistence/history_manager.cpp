@@ -9,7 +9,9 @@ namespace tavrelon::persistence {
 
 namespace {
 
-constexpr QLatin1StringView imagesFolder("history-images");
+QString imagePathOf(const QUuid& id) {
+    return HistoryManager::imagesFolder + u'/' + text::uuidText(id) + QStringLiteral(".jpg");
+}
 
 }  // namespace
 
@@ -68,13 +70,13 @@ void HistoryManager::clearHistory() {
 }
 
 std::optional<QString> HistoryManager::saveImage(const QByteArray& data, const QUuid& id) {
-    const auto fileName = text::uuidText(id) + QStringLiteral(".jpg");
-    const auto written = fileSystem_.write(imagesDirectory() + u'/' + fileName, data);
+    auto path = imagePathOf(id);
+    const auto written = fileSystem_.write(storageDirectory_ + u'/' + path, data);
     if (!written) {
         log_.line(QStringLiteral("Failed to save history image: ") + written.error().description);
         return std::nullopt;
     }
-    return imagesFolder + u'/' + fileName;
+    return path;
 }
 
 std::optional<QString> HistoryManager::userStyleProfile(qint64 limit) const {
@@ -83,12 +85,16 @@ std::optional<QString> HistoryManager::userStyleProfile(qint64 limit) const {
 
 void HistoryManager::removeImages(const std::vector<HistoryEntry>& dropped) {
     for (const auto& entry : dropped)
-        if (entry.outputImagePath && !entry.outputImagePath->isEmpty())
-            static_cast<void>(fileSystem_.remove(resolvedImagePath(*entry.outputImagePath)));
+        if (const auto path = resolvedImagePath(entry.outputImagePath.value_or(QString())))
+            static_cast<void>(fileSystem_.remove(*path));
 }
 
-QString HistoryManager::resolvedImagePath(const QString& outputImagePath) const {
-    return outputImagePath.startsWith(u'/') ? outputImagePath : storageDirectory_ + u'/' + outputImagePath;
+std::optional<QString> HistoryManager::resolvedImagePath(const QString& outputImagePath) const {
+    const auto name = QStringView(outputImagePath).sliced(outputImagePath.lastIndexOf(u'/') + 1);
+    const QUuid id(name.chopped(std::min<qsizetype>(name.size(), 4)));
+    if (outputImagePath != imagePathOf(id))
+        return std::nullopt;
+    return storageDirectory_ + u'/' + outputImagePath;
 }
 
 QString HistoryManager::storagePath() const {

@@ -13,6 +13,8 @@ namespace tavrelon::persistence {
 /// memory is then ahead of the file until the next one that succeeds. Main thread.
 class HistoryManager {
  public:
+    static constexpr QLatin1StringView imagesFolder{"history-images"};  ///< in the storage directory
+
     /// Makes the folders and loads the history from `storageDirectory`. A faulty file is logged and means an empty
     /// history; it stays on disk until the next change, and beside it as "history.json.broken" from then on.
     HistoryManager(platform::FileSystem& fileSystem, platform::Log& log, QString storageDirectory,
@@ -39,8 +41,9 @@ class HistoryManager {
     /// How the user writes, in a few lines, judged by the newest `limit` inputs (0 or more); absent without any input.
     std::optional<QString> userStyleProfile(qint64 limit) const;
 
-    /// Where an entry's `outputImagePath` lies.
-    QString resolvedImagePath(const QString& outputImagePath) const;
+    /// Where an entry's `outputImagePath` lies; absent unless it is one that `saveImage` gives. A history file may name
+    /// any file of the user's, and none but our own pictures is read or removed for it.
+    std::optional<QString> resolvedImagePath(const QString& outputImagePath) const;
 
  private:
     void load();

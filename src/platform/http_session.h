@@ -37,9 +37,9 @@ struct HttpError {
     QString description;  ///< for the user
 };
 
-/// Sends HTTP requests. Main thread. Certificates are verified. Redirects are followed, without the Authorization
-/// header when they lead to another host. A body of more than 64 MiB is an error. A cancelled or dropped task ends the
-/// exchange on the wire. A status of any number is a response, not an error.
+/// Sends HTTP requests. Main thread. Certificates are verified. Redirects are followed; to another origin
+/// without the Authorization header, and not at all with a body. A body of more than 64 MiB is an error. A cancelled or
+/// dropped task ends the exchange on the wire. A status of any number is a response, not an error.
 class HttpSession {
  public:
     static constexpr qint64 bodyCap = qint64{64} * 1024 * 1024;

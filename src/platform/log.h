@@ -9,7 +9,7 @@ class Log {
  public:
     virtual ~Log() = default;
 
-    /// Writes one line. What the user typed, answers and keys never go here, only lengths and error texts.
+    /// Writes one line. What the user typed, answers and keys never go here, nor how long they are.
     virtual void line(const QString& text) = 0;
 };
 

@@ -106,7 +106,7 @@ std::vector<Row> statusesAndRedirects(const QString& elsewhere) {
         {u"500 with 65 MiB"_s, {.status = 500, .fillerBytes = overTheCap}, tooLarge},
         {u"a body without end"_s, {.fillerBytes = endless, .raw = head("")}, tooLarge},
         redirect(302, elsewhere, u"200 {}"_s),
-        redirect(307, elsewhere, u"200 {}"_s),
+        redirect(307, elsewhere, u"The server redirected to another one, 127.0.0.1. The request was not sent there."_s),
         redirect(308, u"?again"_s, u"The server redirects without end."_s),
         redirect(302, u"ftp://127.0.0.1/x"_s, notFollowed),
         redirect(302, u"file:///etc/hostname"_s, notFollowed),

@@ -131,20 +131,24 @@ TEST_F(HttpSessionTest, CookiesAndChallengesStayOutOfTheWay) {
     EXPECT_EQ(requests()[1].header("User-Agent"), "Tavrelon/1.0");
 }
 
-TEST_F(HttpSessionTest, RedirectsKeepTheKeyOnlyWithinTheOrigin) {
+TEST_F(HttpSessionTest, RedirectsKeepTheKeyAndTheBodyWithinTheOrigin) {
     const auto far = elsewhere.url(u"/far"_s).toUtf8();
     service.ledger().script(
         {{.status = 307, .headers = {{"Location", "/moved"}}}, {.status = 308, .headers = {{"Location", far}}}});
-    const auto outcome = send(post());
-    ASSERT_TRUE(outcome);
-    EXPECT_EQ(outcome->url, QUrl::fromEncoded(far));
+    const auto refused = send(post());
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().description,
+              u"The server redirected to another one, 127.0.0.1. The request was not sent there."_s);
     EXPECT_EQ(requests()[1].header("Authorization"), "Bearer k");
     EXPECT_EQ(requests()[1].body, "{}");
+    EXPECT_TRUE(elsewhere.ledger().requests().empty());
+
+    ASSERT_TRUE(sendTo({.status = 303, .headers = {{"Location", far}}}));
     const auto moved = elsewhere.ledger().requests();
     ASSERT_EQ(moved.size(), 1U);
-    EXPECT_EQ(moved[0].method, "POST");
+    EXPECT_EQ(moved[0].method, "GET");
     EXPECT_EQ(moved[0].header("Authorization"), "");
-    EXPECT_EQ(moved[0].body, "{}");
+    EXPECT_EQ(moved[0].body, "");
 }
 
 TEST(HttpRedirectTest, DecidesWhatGoesWhere) {
@@ -167,11 +171,16 @@ TEST(HttpRedirectTest, DecidesWhatGoesWhere) {
     EXPECT_EQ(turned->body, "");
     EXPECT_EQ(turned->headers, (platform::HttpHeaders{{"authorization", "Bearer k"}}));
 
-    for (const char* other : {"https://b.example/x", "https://a.example:444/x", "https://sub.a.example/x"}) {
-        const auto moved = desktop::redirected(keyed, 308, other);
+    auto keyedGet = keyed;
+    keyedGet.method = "GET";
+    keyedGet.body.clear();
+    for (const char* other : {"https://b.example/x", "https://a.example:444/x", "https://sub.a.example/x",
+                              "https://a.example@b.example/x", "//b.example/x"}) {
+        for (const int status : {307, 308})
+            EXPECT_FALSE(desktop::redirected(keyed, status, other)) << other;
+        const auto moved = desktop::redirected(keyedGet, 308, other);
         ASSERT_TRUE(moved) << other;
         EXPECT_EQ(moved->headers, (platform::HttpHeaders{{"Content-Type", "text/plain"}})) << other;
-        EXPECT_EQ(moved->body, "b");
     }
     EXPECT_EQ(desktop::redirected(keyed, 308, "https://a.example:443/x")->headers.size(), 2U);
 }

@@ -51,6 +51,8 @@ TEST(StandardOutputLog, WritesEachLineAtOnceAndEscapesControlCharacters) {
     EXPECT_EQ(pipe.read(), QByteArray("[Hotkey] 好 \ta\\b\n"));
     log.line(QStringLiteral("a\r\nFailed to b\n\x1b[2J\x7f"));
     EXPECT_EQ(pipe.read(), QByteArray("a\\r\\nFailed to b\\n\\x1b[2J\\x7f\n"));
+    log.line(QStringLiteral("a\u009b2J\u0085b\u2028c\u2029d\u202e\u2066e\u200f\u061c\ufeff \u200d👩"));
+    EXPECT_EQ(pipe.read(), QByteArray("a\\x9b2J\\x85b\\x2028c\\x2029d\\x202e\\x2066e\\x200f\\x61c\\xfeff \u200d👩\n"));
     log.line(QString());
     EXPECT_EQ(pipe.read(), QByteArray("\n"));
 }

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include "app/app_state.h"
+#include "desktop/documents/picture_process_decoder.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
 #include "desktop/tools.h"
@@ -49,7 +50,8 @@ class VideoDesktopTest : public TypingAdapters<RecordingLog>, public ::testing::
     TestDesktop fakes;  // for what the video has nothing to do with
     std::unique_ptr<desktop::X11ScreenCapture> screen =
         desktop::X11ScreenCapture::create(loop, log, *workspace).value();
-    desktop::QtImageCodec codec{loop};
+    desktop::PictureProcessDecoder decoder{loop, QString()};  // no picture from elsewhere comes here
+    desktop::QtImageCodec codec{loop, decoder};
     desktop::QtHttpSession http{loop};
     FakeSerialQueues queues{loop};
     FakeDocumentReader documents{loop};

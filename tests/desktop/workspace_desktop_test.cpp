@@ -64,6 +64,7 @@ class ForeignWindow {
 // The first one: nothing is in front yet.
 TEST_F(Workspace, TheFocusedWindowNamesItsApplicationAndAnActivatedOneComesToTheFront) {
     EXPECT_EQ(workspace->frontmostApplication(), std::nullopt);
+    EXPECT_EQ(workspace->frontmostWindow(), std::nullopt);
     EXPECT_EQ(workspace->frontmostWindowTitle(), std::nullopt);
     EXPECT_EQ(workspace->frontmostWindowPlace(), std::nullopt);
     EXPECT_FALSE(workspace->isOwnApplicationActive());
@@ -73,6 +74,8 @@ TEST_F(Workspace, TheFocusedWindowNamesItsApplicationAndAnActivatedOneComesToThe
     const auto other = workspace->frontmostApplication().value();
     EXPECT_EQ(other.bundleIdentifier, QStringLiteral("Unheard-of"));
     EXPECT_EQ(other.localizedName, QStringLiteral("Unheard-of"));
+    EXPECT_EQ(workspace->frontmostWindow(),
+              (platform::FrontmostWindow{other.windowIdentifier, other.processIdentifier}));
     const auto place = workspace->frontmostWindowPlace();
     EXPECT_TRUE(place && place->width > 0 && place->height > 0 && place->shadow == platform::WindowPlace::Shadow());
     EXPECT_FALSE(workspace->isOwnApplicationActive());

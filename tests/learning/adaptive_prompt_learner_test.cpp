@@ -83,6 +83,7 @@ TEST_F(AdaptivePromptLearnerTest, TheFortiethSampleStartsOneUpdateWithExactlyFor
                 ElementsAre(u"later 41"_s, u"later 42"_s, u"later 43"_s, u"later 44"_s, u"later 45"_s));
     EXPECT_TRUE(stored().lastUpdatedAt);
     EXPECT_TRUE(storage.settings().adaptiveSystemPromptUpdatedAt);
+    EXPECT_EQ(storage.settings().adaptiveSystemPromptSource, u"NVIDIA Nemotron Nano 12B VL (nvidia.test)"_s);
     EXPECT_TRUE(store.data(persistence::defaults_keys::settings)->contains("Be terse."));
 }
 

@@ -74,7 +74,7 @@ TEST_F(HistoryManagerTest, WhatExceedsTheCapGoesWithItsImage) {
     withImage.outputImagePath = history.saveImage("jpeg", withImage.id);
     EXPECT_EQ(withImage.outputImagePath,
               QStringLiteral("history-images/") + text::uuidText(withImage.id) + QStringLiteral(".jpg"));
-    const auto imagePath = history.resolvedImagePath(*withImage.outputImagePath);
+    const auto imagePath = *history.resolvedImagePath(*withImage.outputImagePath);
     history.addEntry(withImage);
     for (int i = 1; i < 20; ++i)
         history.addEntry(entry(QString::number(i)));
@@ -85,27 +85,42 @@ TEST_F(HistoryManagerTest, WhatExceedsTheCapGoesWithItsImage) {
     EXPECT_FALSE(files.exists(imagePath));
 }
 
-TEST_F(HistoryManagerTest, ALongFileIsCutAtTheNextEntryOnly) {
+TEST_F(HistoryManagerTest, ALongFileIsCutAtTheNextEntryAndOnlyOurPicturesGoWithIt) {
+    const auto name = QStringLiteral("11111111-1111-1111-1111-111111111111.jpg");
+    const auto images = QStringLiteral("history-images/");
+    const QStringList foreign{QStringLiteral("/pictures/cat.jpg"),
+                              folder + u'/' + images + name,
+                              images + QStringLiteral("../../") + name,
+                              images + QStringLiteral("x/") + name,
+                              QStringLiteral("./") + images + name,
+                              images + QStringLiteral("cat.jpg"),
+                              images + QStringLiteral("aaaaaaaa") + name.sliced(8),
+                              name,
+                              QStringLiteral("history.json"),
+                              QString()};
     std::vector<HistoryEntry> entries;
     for (int i = 0; i < 30; ++i) {
         entries.push_back(entry(QString::number(i)));
-        entries.back().outputImagePath = QStringLiteral("history-images/%1.jpg").arg(i);
-        files.put(folder + u'/' + *entries.back().outputImagePath, "x");
+        const auto& id = entries.back().id;
+        entries.back().outputImagePath =
+            i < 20 ? images + text::uuidText(id) + QStringLiteral(".jpg") : foreign.at(i - 20);
+        if (const auto& path = *entries.back().outputImagePath; !path.isEmpty() && !path.startsWith(u'/'))
+            files.put(folder + u'/' + path, "x");
     }
-    entries[29].outputImagePath = QStringLiteral("/pictures/cat.jpg");
-    files.put(QStringLiteral("/pictures/cat.jpg"), "cat");
-    entries[28].outputImagePath = QString();
+    files.put(foreign[0], "cat");
+    files.put(foreign[1], "x");
+    files.put(QStringLiteral("/data/") + name, "x");
     files.put(file, text::compactJson(toJson(entries)));
 
     auto history = start();
+    const auto before = files.files().size();
     EXPECT_EQ(history.entries().size(), 30U);
     history.addEntry(entry(QStringLiteral("new")));
     EXPECT_EQ(inputs(history).first(), QStringLiteral("new"));
     EXPECT_EQ(inputs(history).last(), QStringLiteral("18"));
-    EXPECT_FALSE(files.exists(QStringLiteral("/pictures/cat.jpg")));
-    EXPECT_FALSE(files.exists(folder + QStringLiteral("/history-images/19.jpg")));
-    EXPECT_TRUE(files.exists(folder + QStringLiteral("/history-images/18.jpg")));
-    EXPECT_TRUE(files.exists(file));
+    EXPECT_FALSE(files.exists(folder + u'/' + *entries[19].outputImagePath));
+    EXPECT_TRUE(files.exists(folder + u'/' + *entries[18].outputImagePath));
+    EXPECT_EQ(files.files().size(), before - 1) << files.files().join(u'\n').toStdString();
 }
 
 TEST_F(HistoryManagerTest, ClearingRemovesEntriesAndImages) {
@@ -128,7 +143,7 @@ TEST_F(HistoryManagerTest, WithoutRoomOnTheDiskAClearedHistoryIsGoneAndPicturesS
     auto history = start();
     auto oldest = entry(QStringLiteral("0"));
     oldest.outputImagePath = history.saveImage("jpeg", oldest.id);
-    const auto image = history.resolvedImagePath(*oldest.outputImagePath);
+    const auto image = *history.resolvedImagePath(*oldest.outputImagePath);
     history.addEntry(oldest);
     for (int i = 1; i < 20; ++i)
         history.addEntry(entry(QString::number(i)));

@@ -20,7 +20,7 @@ KINDS = {
     "mousepad": (EDITORS["mousepad"] + ["{path}"], "file", 0.5),
     "gnome-text-editor": (["gnome-text-editor", "--standalone", "{path}"], "file", 1.5),
     "featherpad": (EDITORS["featherpad"] + ["{path}"], "file", 0.5),
-    "qt6-editor": (["{build}/tests/support/plain_editor", "{path}"], "file", 0.5),
+    "qt6-editor": (["{build}/tools/stage/plain_editor", "{path}"], "file", 0.5),
     "chromium": (CHROMIUM, "title", 0.5),
     "chromium-accessible": (CHROMIUM[:1] + ["--force-renderer-accessibility"] + CHROMIUM[1:], "title", 0.5),
     "xterm": (["xterm", "-T", "field.txt", "-e", "{folder}/lines"], "lines", 1.0),

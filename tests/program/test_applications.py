@@ -41,7 +41,7 @@ class Row:
     def __init__(self, desk, name):
         self.desk, self.name, self.keyboard = desk, name, desk.keyboard
         self.editor, self.tavrelon = desk.open(name), desk.start()
-        self.probe = subprocess.Popen([desk.build / "tests/support/tavrelon-field-probe"], stdin=subprocess.PIPE,
+        self.probe = subprocess.Popen([desk.build / "tools/stage/tavrelon-field-probe"], stdin=subprocess.PIPE,
                                       stdout=subprocess.PIPE, text=True)
         terminal = self.editor.is_terminal
         # A terminal keeps showing it, and ASCII text beside another script passes for half of a composition.

@@ -54,6 +54,7 @@ def test_a_recorded_hotkey_works_in_an_editor_without_a_restart(desk, shown):
     press(dashboard, "Text Input", "push button")
     desk.keyboard.press("Control+Super+y")
     assert stored(tavrelon, "toggleHotkey", {"keyCode": 16, "modifiersRaw": 0x140000})
+    press(dashboard, "Text Input", "push button")  # and is left recording
 
     editor = desk.open("mousepad")
     desk.answers("ANSWER")

@@ -3,6 +3,7 @@
 import contextlib
 import json
 import os
+import resource
 import signal
 import socket
 import subprocess
@@ -95,6 +96,21 @@ def test_an_x_server_that_goes_away_takes_it_along(house):
     assert "X" in program.written()
 
 
+def test_other_programs_cannot_look_into_its_memory(house):
+    limits = resource.getrlimit(resource.RLIMIT_CORE)
+    resource.setrlimit(resource.RLIMIT_CORE, (limits[1], limits[1]))
+    try:
+        program = house.start()
+    finally:
+        resource.setrlimit(resource.RLIMIT_CORE, limits)
+    listens(program)
+    process = f"/proc/{program.process.pid}"
+    with open(f"{process}/limits", encoding="ascii") as told:
+        assert "Max core file size 0 " in " ".join(told.read().split())
+    assert os.stat(f"{process}/mem").st_uid == 0, "what nobody may look into is the system's"
+    assert ends(program)
+
+
 def test_a_second_process_calls_the_first_and_ends(house):
     first = house.start()
     listens(first)
@@ -116,6 +132,7 @@ def test_a_second_process_calls_the_first_and_ends(house):
 @pytest.mark.parametrize("mount", [READ_ONLY_HOME, FULL_HOME], ids=["read-only", "full"])
 def test_a_home_that_takes_no_files_costs_only_the_memory(desk, house, mount):
     before = house.settings.read_text()
+    house.environment["TAVRELON_ALLOW_DEBUGGER"] = "1"  # for a look at its folders
     program = house.start(command=[*WITH_MOUNTS, "sh", "-c", f'{mount} && exec "$0" "$@"'])
     listens(program)
     expect_a_request_to_work(desk, program)

@@ -43,7 +43,8 @@ def test_every_field_is_exactly_right(desk):
         typed = typed if typed.strip() else "why"
         answer = some_of(dice, ANSWERED, 1, 8) + "."
         if editor.is_terminal:
-            before, after, answer = before.replace("\n", ""), "", answer.replace("\t", " ")
+            before, after = before.replace("\n", ""), ""
+            answer = answer.replace("\t", " ").replace("\n", " ")
         desk.answers(answer)
         editor.refill(before, after)
         desk.request(tavrelon, editor, typed)

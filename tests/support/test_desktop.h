@@ -7,11 +7,11 @@
 #include "support/fake_application.h"
 #include "support/fake_audio_input.h"
 #include "support/fake_document_reader.h"
-#include "support/fake_event_tap.h"
 #include "support/fake_http_session.h"
 #include "support/fake_image_codec.h"
 #include "support/fake_input_source.h"
 #include "support/fake_key_poster.h"
+#include "support/fake_keyboard.h"
 #include "support/fake_panel.h"
 #include "support/fake_pasteboard.h"
 #include "support/fake_screen_capture.h"
@@ -32,7 +32,7 @@ struct TestDesktop {
     VirtualMainLoop loop;
     RecordingLog log;
     FakeAccessibility accessibility;
-    FakeEventTap eventTap;
+    FakeKeyboard keyboard;
     FakeKeyPoster keyPoster{loop};
     FakePasteboard pasteboard{loop};
     FakeWorkspace workspace;
@@ -52,10 +52,25 @@ struct TestDesktop {
     FakeStatusItem statusItem;
     platform::UserInterface userInterface{application, panels, screens, statusItem};
     SimulatedEditor editor{accessibility, pasteboard, keyPoster};
-    platform::Platform platform{
-        loop,       log,          accessibility,  eventTap,   keyPoster,   pasteboard,
-        workspace,  inputSource,  screenCapture,  imageCodec, httpSession, defaultsStore,
-        fileSystem, serialQueues, documentReader, audioInput, speech,      QStringLiteral("/data/Tavrelon")};
+    platform::Platform platform{loop,
+                                log,
+                                accessibility,
+                                keyboard.hotkeys,
+                                keyboard.observer,
+                                keyPoster,
+                                pasteboard,
+                                workspace,
+                                inputSource,
+                                screenCapture,
+                                imageCodec,
+                                httpSession,
+                                defaultsStore,
+                                fileSystem,
+                                serialQueues,
+                                documentReader,
+                                audioInput,
+                                speech,
+                                QStringLiteral("/data/Tavrelon")};
 
     TestDesktop() {
         accessibility.frontmostProcess = 1234;

@@ -49,9 +49,10 @@ TEST_F(DashboardTextsTest, EveryTextStandsInBothLanguages) {
         if (english[index] == chinese[index] && english[index].contains(words))
             untranslated << english[index];
     untranslated.removeDuplicates();
-    EXPECT_EQ(untranslated.join(u'|'),
-              QStringLiteral("Tavrelon|Press keys...|Allow|Granted|Permissions|Required for hotkeys|Accessibility|"
-                             "Required for context|Screen Recording|Required for voice|Microphone"));
+    EXPECT_EQ(
+        untranslated.join(u'|'),
+        QStringLiteral("Tavrelon|Press keys...|Escape|Allow|Granted|Permissions|Required for hotkeys|Accessibility|"
+                       "Required for context|Screen Recording|Required for voice|Microphone"));
 }
 
 }  // namespace

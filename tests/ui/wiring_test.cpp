@@ -7,7 +7,7 @@
 namespace tavrelon::app {
 
 using namespace std::chrono_literals;
-using platform::TapVerdict;
+using tavrelon::testing::Taken;
 
 class WiringTest : public ::testing::Test {
  public:
@@ -16,7 +16,7 @@ class WiringTest : public ::testing::Test {
 
     void launch() { delegate.applicationDidFinishLaunching(); }
     void press(const keys::HotkeyConfig& hotkey) {
-        EXPECT_EQ(desktop.eventTap.press(hotkey.keyCode, hotkey.modifiers), TapVerdict::Drop);
+        EXPECT_EQ(desktop.keyboard.press(hotkey.keyCode, hotkey.modifiers), Taken::ByUs);
         desktop.loop.runUntilIdle();
     }
     QStringList menuTitles() const {
@@ -48,6 +48,10 @@ TEST_F(WiringTest, BothPromptBoxKeysOpenTheBoxAndTheSecondPressOfItsHotkeyCloses
     press(keys::defaults::floatingInputHotkey);
     EXPECT_FALSE(desktop.panels.made[0]->visible);
     EXPECT_EQ(desktop.workspace.activated().size(), 1U);
+    desktop.application.onActiveChanged(true);
+    EXPECT_FALSE(desktop.keyboard.hotkeys.wants(keys::defaults::quickAskHotkey)) << "our own windows type it";
+    desktop.application.onActiveChanged(false);
+    EXPECT_TRUE(desktop.keyboard.hotkeys.wants(keys::defaults::quickAskHotkey));
 }
 
 TEST_F(WiringTest, TheStatusItemFollowsTheStateAndHasItsMenu) {
@@ -76,9 +80,7 @@ TEST_F(WiringTest, TheSpokenAndTheSeenInputsHaveTheirHotkeys) {
     launch();
     auto& machine = delegate.appState().inputStateMachine();
     const auto hold = [this](keys::Modifiers modifiers) {
-        desktop.eventTap.flagsChanged(modifiers);
-        desktop.loop.runUntilIdle();
-        desktop.eventTap.flagsChanged({});
+        desktop.keyboard.chord(modifiers);
         desktop.loop.runUntilIdle();
     };
     const auto trigger = [&] { return machine.activeTrigger(); };

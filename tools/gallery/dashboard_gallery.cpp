@@ -2,6 +2,7 @@
 
 #include "gallery/dashboard_gallery_pages.h"
 #include "gallery/gallery.h"
+#include "persistence/taught.h"
 #include "ui/settings/hotkeys_settings_model.h"
 
 namespace tavrelon::testing {
@@ -33,6 +34,21 @@ void pictureGeneral(DashboardGallery& gallery) {
         });
         shown.tab(static_cast<int>(shown.pages.size()) + 2 + 2 + 3);
     });
+    gallery.picture(QStringLiteral("settings-learned"), DashboardTab::settings, [](DashboardGallery& shown) {
+        shown.change([](auto& settings) {
+            settings.adaptiveSystemPrompt = QStringLiteral(
+                "Write in short, dry sentences without exclamation marks; begin with the point, end with a thanks.");
+            settings.adaptiveSystemPromptUpdatedAt = std::chrono::system_clock::now();
+            settings.adaptiveSystemPromptSource = QStringLiteral("OpenAI (gen.pollinations.ai)");
+            persistence::adoptTaught(settings);
+        });
+        shown.scrollDown();
+    });
+    gallery.picture(QStringLiteral("settings-set-aside"), DashboardTab::settings, [](DashboardGallery& shown) {
+        shown.change([](auto& settings) { settings.enableNvidiaLocal = true; });
+        shown.scrollDown();
+    });
+    gallery.picture(QStringLiteral("providers-set-aside"), DashboardTab::providers);
     gallery.change([](auto& settings) { settings = persistence::defaultSettings(); });
 }
 
@@ -42,11 +58,12 @@ void pictureHotkeys(DashboardGallery& gallery) {
         shown.change([](auto& settings) {
             settings.hotkeysEnabled = settings.floatingInputHotkeyEnabled = false;
             settings.videoHotkey = {122, keys::commandFlag};
+            settings.autoReplyHotkey = settings.cancelHotkey = {keys::keyL, {}};
             settings.voiceInputSilenceTimeoutSeconds = 12.5;
         });
-        shown.page<ui::HotkeysSettingsModel>().toggleRecording(0);
+        shown.page<ui::HotkeysSettingsModel>().toggleRecording(5);
         shown.scrollDown();
-        shown.page<ui::HotkeysSettingsModel>().toggleRecording(6);
+        shown.keys.hold(keys::controlFlag | keys::optionFlag);
     });
     gallery.picture(QStringLiteral("hotkeys-off"), DashboardTab::hotkeys,
                     [](DashboardGallery& shown) { shown.page<ui::HotkeysSettingsModel>().toggleRecording(0); });

@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QTemporaryDir>
 
 #include "app/app_state.h"
 #include "desktop/linux/standard_output_log.h"
@@ -28,9 +29,10 @@ class DashboardGallery {
 
     explicit DashboardGallery(QDir folder) : folder_(std::move(folder)) {}
 
+    QTemporaryDir files;  ///< views read pictures from the disk
     TestDesktop desktop;
-    app::AppState appState{desktop.platform, desktop.userInterface, generation::ServiceEndpoints::builtIn(),
-                           [](const QString&) {}};
+    app::AppState appState{keepingFilesIn(files, desktop), desktop.userInterface,
+                           generation::ServiceEndpoints::builtIn(), [](const QString&) {}};
     FakeRawKeys keys;
     FakeFilePicker picker{desktop.loop};
     platform::AuthorizationStatus permission = platform::AuthorizationStatus::Denied;
@@ -38,7 +40,7 @@ class DashboardGallery {
     desktop::StandardOutputLog log;
     desktop::QtWindows windows{loop, log};
     std::vector<ui::DashboardPage> pages{ui::generalSettingsPage(appState),
-                                         ui::hotkeysPage(appState, keys),
+                                         ui::hotkeysPage(appState, keys, desktop.keyboard.hotkeys),
                                          ui::clonePage(appState, desktop.platform, picker),
                                          ui::providersPage(appState, desktop.platform),
                                          ui::historyPage(appState),
@@ -114,6 +116,10 @@ class DashboardGallery {
     }
 
  private:
+    static platform::Platform& keepingFilesIn(const QTemporaryDir& folder, TestDesktop& desktop) {
+        desktop.platform.applicationSupport = folder.path();
+        return desktop.platform;
+    }
     platform::Permissions permissions() {
         const platform::Permission shown{[this] { return permission; }, [] {}};
         return {shown, shown, shown};

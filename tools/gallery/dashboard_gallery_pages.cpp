@@ -1,7 +1,6 @@
 #include "gallery/dashboard_gallery_pages.h"
 
 #include <QPainter>
-#include <QTemporaryDir>
 
 #include "ui/history/history_model.h"
 #include "ui/settings/clone_settings_model.h"
@@ -104,6 +103,7 @@ void pictureClone(DashboardGallery& gallery) {
             u"- Keep paragraphs short where the matter is practical.\n"_s.repeated(20);
         settings.cloneLanguageStyle = u"Dry, exact, warm underneath; semicolons; British spelling."_s;
         settings.cloneLanguageStyleUpdatedAt = std::chrono::system_clock::now();
+        settings.cloneSource = u"NVIDIA Nemotron Nano 12B VL (integrate.api.nvidia.com)"_s;
     });
     const auto letters = u"/home/ada/Documents/letters to my brother, collected and annotated in 1842.pdf"_s;
     gallery.desktop.documentReader.put(letters, u"too short"_s);
@@ -166,9 +166,9 @@ void pictureProviders(DashboardGallery& gallery) {
 }
 
 void pictureHistory(DashboardGallery& gallery) {
-    const QTemporaryDir folder;
-    const auto picture = folder.filePath(u"sunset.jpg"_s);
-    drawSunset(picture);
+    const auto picture = u"history-images/00000000-0000-0000-0000-000000000001.jpg"_s;
+    QDir(gallery.files.path()).mkdir(u"history-images"_s);
+    drawSunset(gallery.files.filePath(picture));
     gallery.picture(u"history"_s, DashboardTab::history);
     fillHistory(gallery.appState.historyManager(), picture);
     const auto choose = [](const QString& application) {

@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <QList>
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -14,22 +15,37 @@ namespace {
 
 constexpr int longestWaitMilliseconds = 50;
 
+/// Whether a terminal or a viewer would end the line there, turn its order round or do something else than show it:
+/// control characters of both sets, marks and overrides of the writing direction, separators of lines and paragraphs.
+bool isSteering(char32_t c) {
+    switch (QChar::category(c)) {
+        case QChar::Other_Control:
+            return c != U'\t';
+        case QChar::Separator_Line:
+        case QChar::Separator_Paragraph:
+            return true;
+        case QChar::Other_Format:
+            return c != 0x200C && c != 0x200D;  // they join letters and pictures, and hide nothing
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 QByteArray escapedLine(const QString& text) {
-    QByteArray escaped;
-    for (const char byte : text.toUtf8()) {
-        const auto code = static_cast<unsigned char>(byte);
-        if (byte == '\n')
-            escaped += "\\n";
-        else if (byte == '\r')
-            escaped += "\\r";
-        else if ((code < 0x20 && byte != '\t') || code == 0x7F)
-            escaped += "\\x" + QByteArray::number(code, 16).rightJustified(2, '0');
+    QString escaped;
+    for (const char32_t c : text.toUcs4()) {
+        if (c == U'\n')
+            escaped += QStringLiteral("\\n");
+        else if (c == U'\r')
+            escaped += QStringLiteral("\\r");
+        else if (isSteering(c))
+            escaped += QStringLiteral("\\x%1").arg(static_cast<uint>(c), 2, 16, QChar(u'0'));
         else
-            escaped += byte;
+            escaped += QChar::fromUcs4(c);
     }
-    return escaped;
+    return escaped.toUtf8();
 }
 
 StandardOutputLog::StandardOutputLog() : StandardOutputLog(STDOUT_FILENO) {}

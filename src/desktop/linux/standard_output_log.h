@@ -7,9 +7,9 @@
 
 namespace tavrelon::desktop {
 
-/// Writes each line to standard output at once, as one unit. Control characters within a line are escaped, so that a
-/// window's title cannot forge a line or steer a terminal. A reader that stops reading costs one short wait and then
-/// the lines that it does not take; one that has gone costs nothing. Any thread.
+/// Writes each line to standard output at once, as one unit. What would end a line, steer a terminal or turn the order
+/// of the characters round is escaped, so that a window's title cannot forge a line. A reader that stops reading costs
+/// one short wait and then the lines that it does not take; one that has gone costs nothing. Any thread.
 class StandardOutputLog : public platform::Log {
  public:
     /// Writes to standard output, or to another open file, which stays the caller's. From now on a closed pipe no
@@ -28,7 +28,7 @@ class StandardOutputLog : public platform::Log {
     bool torn_ = false;     // it took a part of it
 };
 
-/// The text with its control characters escaped, as UTF-8.
+/// The text with such characters escaped, as UTF-8.
 QByteArray escapedLine(const QString& text);
 
 }  // namespace tavrelon::desktop

@@ -2,16 +2,13 @@
 
 #include <algorithm>
 
+#include "platform/web_origin.h"
+
 namespace tavrelon::desktop {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool sameOrigin(const QUrl& a, const QUrl& b) {
-    const auto port = [](const QUrl& url) { return url.port(url.scheme() == "https"_L1 ? 443 : 80); };
-    return a.scheme() == b.scheme() && a.host() == b.host() && port(a) == port(b);
-}
 
 bool named(const std::pair<QByteArray, QByteArray>& header, QByteArrayView name) {
     return header.first.compare(name, Qt::CaseInsensitive) == 0;
@@ -49,8 +46,12 @@ std::expected<platform::HttpRequest, platform::HttpError> redirected(const platf
         turnIntoGet(next);
     if (request.url.scheme() == "https"_L1 && target.scheme() == "http"_L1 && carriesKeyOrBody(request))
         return refuse(u"The server redirected to an address without encryption."_s);
-    if (!sameOrigin(request.url, target))
-        std::erase_if(next.headers, [](const auto& header) { return named(header, "Authorization"); });
+    if (platform::webOrigin(request.url) == platform::webOrigin(target))
+        return next;
+    if (!next.body.isEmpty())
+        return refuse(
+            u"The server redirected to another one, %1. The request was not sent there."_s.arg(target.host()));
+    std::erase_if(next.headers, [](const auto& header) { return named(header, "Authorization"); });
     return next;
 }
 

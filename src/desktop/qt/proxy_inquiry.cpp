@@ -1,11 +1,11 @@
 #include "desktop/qt/proxy_inquiry.h"
 
-#include <QHostAddress>
 #include <mutex>
 #include <system_error>
 #include <thread>
 
 #include "async/waits.h"
+#include "platform/web_origin.h"
 
 namespace tavrelon::desktop {
 
@@ -17,10 +17,6 @@ QNetworkProxy systemProxy(const QUrl& url) {
 }
 
 }  // namespace
-
-bool isLoopback(const QString& host) {
-    return host == QLatin1StringView("localhost") || QHostAddress(host).isLoopback();
-}
 
 /// By which a thread gives its answer, unless nobody is there any more.
 struct ProxyInquiry::Door {
@@ -38,7 +34,7 @@ ProxyInquiry::~ProxyInquiry() {
 }
 
 async::Task<QNetworkProxy> ProxyInquiry::proxyFor(QUrl url) {
-    if (isLoopback(url.host()))
+    if (platform::isLoopback(url.host()))
         co_return QNetworkProxy::NoProxy;
     try {
         co_return co_await async::raceWithDeadline(loop_, answerLimit, ask(std::move(url)));

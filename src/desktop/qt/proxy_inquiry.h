@@ -10,9 +10,6 @@
 
 namespace tavrelon::desktop {
 
-/// Whether the name or address stands for the machine itself.
-bool isLoopback(const QString& host);
-
 /// Finds out by which proxy a server is reached. The desktop's configuration may name a script on another host, which
 /// the library fetches and waits for without a bound; so each question has a thread of its own, which is left behind
 /// when the answer does not come in time. Main thread.

@@ -5,6 +5,7 @@
 
 #include "async/waits.h"
 #include "desktop/qt/qt_http_exchange.h"
+#include "platform/web_origin.h"
 
 namespace tavrelon::desktop {
 
@@ -18,7 +19,7 @@ class ProxyChoice : public QNetworkProxyFactory {
  public:
     explicit ProxyChoice(const QNetworkProxy& proxy) : proxy_(proxy) {}
     QList<QNetworkProxy> queryProxy(const QNetworkProxyQuery& query) override {
-        return {isLoopback(query.peerHostName()) ? QNetworkProxy(QNetworkProxy::NoProxy) : proxy_};
+        return {platform::isLoopback(query.peerHostName()) ? QNetworkProxy(QNetworkProxy::NoProxy) : proxy_};
     }
 
  private:

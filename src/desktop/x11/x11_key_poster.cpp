@@ -35,7 +35,9 @@ std::expected<std::unique_ptr<X11KeyPoster>, QString> X11KeyPoster::open(
     auto watch = X11Connection::open();
     if (!watch)
         return std::unexpected(watch.error());
-    return std::unique_ptr<X11KeyPoster>(new X11KeyPoster(std::move(*xtest), std::move(*watch), std::move(shortcuts)));
+    std::unique_ptr<X11KeyPoster> poster(new X11KeyPoster(std::move(*xtest), std::move(*watch), std::move(shortcuts)));
+    poster->modifiers_.releaseLeftOver();
+    return poster;
 }
 
 void X11KeyPoster::press(keys::VirtualKey key, keys::Modifiers flags) {

@@ -24,6 +24,9 @@ class X11KeyPoster : public platform::KeyPoster {
     void putModifiersAside() override;
     void giveModifiersBack() override;
 
+    /// Before the process stops: nobody would let go of what was given back.
+    void letGoOfModifiers() { modifiers_.letGo(); }
+
  private:
     X11KeyPoster(std::unique_ptr<X11XTest> xtest, std::unique_ptr<X11Connection> watch,
                  std::unique_ptr<ShortcutTranslator> shortcuts)

@@ -73,9 +73,7 @@ void InputHUDWindowController::scheduleReturnToIdle() {
 
 void InputHUDWindowController::returnToIdle() {
     returns_.pop_front();  // all wait equally long, so it is the oldest that is due
-    const auto state = stateMachine_->currentState();
-    if (state == Case::completed || state == Case::error)
-        stateMachine_->resetToIdle();
+    stateMachine_->returnToIdle();
 }
 
 }  // namespace tavrelon::ui
