@@ -46,7 +46,7 @@ class TextRequestPipeline {
         output::Placement placement;
     };
     async::Task<WrittenAnswer> write(const TextRequest& request, const generation::GenerationResult& result);
-    async::Task<output::ImageOutcome> writeImage(const TextRequest& request, const QByteArray& image,
+    async::Task<output::ImageOutcome> writeImage(const TextRequest& request, platform::PasteboardItem picture,
                                                  const scenes::ReplacementStrategy& strategy);
     void record(const TextRequest& request, persistence::HistoryEntry entry);
 

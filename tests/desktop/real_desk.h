@@ -16,10 +16,25 @@ struct DesktopAdapters : TypingAdapters<RecordingLog> {
     FakeDocumentReader documentReader{loop};
     FakeAudioInput audioInput;
     FakeSpeech speech;
-    platform::Platform platform{
-        loop,       log,          accessibility,  tap,        *poster,     *pasteboard,
-        *workspace, inputSource,  screenCapture,  imageCodec, httpSession, defaultsStore,
-        fileSystem, serialQueues, documentReader, audioInput, speech,      QStringLiteral("/data/Tavrelon")};
+    platform::Platform platform{loop,
+                                log,
+                                accessibility,
+                                hotkeys,
+                                keyObserver,
+                                *poster,
+                                *pasteboard,
+                                *workspace,
+                                inputSource,
+                                screenCapture,
+                                imageCodec,
+                                httpSession,
+                                defaultsStore,
+                                fileSystem,
+                                serialQueues,
+                                documentReader,
+                                audioInput,
+                                speech,
+                                QStringLiteral("/data/Tavrelon")};
 };
 
 /// The input core at work on this desktop.

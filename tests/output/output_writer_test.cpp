@@ -141,8 +141,9 @@ class AnswerPlaceTest : public OutputWriterTest {
         }
         EXPECT_EQ(runTask(desk.loop, writer.pasteText(QStringLiteral("reply"))), Placement::OnClipboard);
         EXPECT_EQ(runTask(desk.loop, writer.deleteBackward(1)), Placement::OnClipboard);
-        const auto picture = runTask(desk.loop, writer.writeImage("picture", std::nullopt, AutoPaste::Yes));
-        EXPECT_EQ(picture.placement, Placement::OnClipboard);
+        const platform::PasteboardItem picture{{{QStringLiteral("image/png"), "pixels"}}};
+        const auto outcome = runTask(desk.loop, writer.writeImage(picture, std::nullopt, AutoPaste::Yes));
+        EXPECT_EQ(outcome.placement, Placement::OnClipboard);
         EXPECT_EQ(desk.pasteboard.contents().size(), 1U);
         desk.keyPoster.compositionOpen = true;
         runTask(desk.loop, writer.cancelComposition());
