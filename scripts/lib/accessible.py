@@ -82,7 +82,7 @@ class Windows:
         return next((each for each in self.in_sight() if each.name == name and role in (None, each.role)), None)
 
     def wait_for(self, name, role=None):
-        return wait_for(f"'{name}' in sight", lambda: self.find(name, role), 10, pause=0.1)
+        return wait_for(f"'{name}' in sight", lambda: self.find(name, role), 20, pause=0.1)
 
     def newly_focused(self, previous):
         """The name of what has the focus, once that is something else; the previous one when nothing comes."""

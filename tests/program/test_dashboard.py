@@ -24,6 +24,14 @@ def press(dashboard, name, role=None):
     let_keys_arrive()
 
 
+def scroll_down(dashboard, what):
+    """Scrolls the page, over which the mouse comes to stand, until this is in sight."""
+    screen.run("xdotool", "mousemove", "640", "480")
+    wait_for(f"'{what}' in sight", lambda: screen.run("xdotool", "click", "--repeat", "5", "5") and
+             dashboard.windows.find(what), 20, pause=0.3)
+    let_keys_arrive()
+
+
 def type_text(text):
     screen.type_text(text)
     let_keys_arrive()
@@ -70,6 +78,7 @@ def test_a_number_is_taken_when_its_field_is_left_and_nonsense_is_not(desk, show
     tavrelon, dashboard = shown
 
     def enter(keys):
+        scroll_down(dashboard, "Voice Input: Timeout")
         press(dashboard, "Voice Input: Timeout")
         desk.keyboard.press("Control+a")
         desk.keyboard.type_places(keys)
@@ -132,7 +141,7 @@ def test_a_profile_is_learned_from_a_document_that_the_user_chooses(desk, shown)
     assert settings_of(tavrelon)["cloneSystemPrompt"] == "I am Ada."
     assert "The weather in Somerset is fine." in str(desk.asked()[-1]["body"])
 
-    screen.run("xdotool", "click", "--repeat", "20", "5")  # scrolls down
+    scroll_down(dashboard, "Clear")
     press(dashboard, "Clear")
     windows.wait_for("No system prompt learned yet")
     assert stored(tavrelon, "cloneSystemPrompt", "")
