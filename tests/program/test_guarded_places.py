@@ -1,5 +1,6 @@
 """The program itself where it must keep its hands off: password fields, windows that came in between, and terminals."""
 
+import re
 import time
 
 import pytest
@@ -39,7 +40,10 @@ class Guarded:
         let_keys_arrive()
 
     def bring_to_front(self, title):
-        screen.run("xdotool", "search", "--onlyvisible", "--name", title, "windowactivate", "--sync")
+        def comes():
+            screen.run("xdotool", "search", "--onlyvisible", "--name", title, "windowactivate", "--sync")
+            return re.search(title, front_title())
+        wait_for(f"'{title}' in front", comes, 20, pause=0.3)
         let_keys_arrive()
 
     def holds_the_canary_alone(self):
