@@ -11,7 +11,7 @@ struct DesktopAdapters : TypingAdapters<RecordingLog> {
     FakeImageCodec imageCodec;
     FakeHttpSession httpSession{loop};
     MemoryDefaultsStore defaultsStore;
-    MemoryFileSystem fileSystem;
+    FailingFileSystem fileSystem;
     FakeSerialQueues serialQueues{loop};
     FakeDocumentReader documentReader{loop};
     FakeAudioInput audioInput;

@@ -40,7 +40,6 @@ TEST_F(TextChainTest, TheFirstAnswerEndsTheWalkEvenIfItIsEmpty) {
     http.fail(platform::HttpError::Code::Transport, u"Could not connect to nvidia.test."_s);
     http.answer(200, chatReply(QString()));
     EXPECT_EQ(generate(), u""_s);
-    EXPECT_EQ(log.lines().last(), u"[Pollinations] Text generated with OpenAI"_s);
     EXPECT_TRUE(
         logged(u"Text generation failed with NVIDIA Nemotron Nano 12B VL: Could not connect to nvidia.test."_s));
 }
@@ -54,7 +53,6 @@ TEST_F(TextChainTest, AnImageGoesToTheVisionModelsFirstAndIsThenLeftOut) {
     const auto carriesImage = [this](std::size_t index) { return http.requests()[index].body.contains("image_url"); };
     EXPECT_TRUE(carriesImage(0) && carriesImage(1));
     EXPECT_FALSE(carriesImage(2) || carriesImage(3) || carriesImage(4));
-    EXPECT_TRUE(logged(u"All vision models failed. Retrying without image."_s));
     EXPECT_TRUE(logged(u"Text generation failed with GLM 4V Flash (no image): API error (400): {\"code\":\"1210\"}"_s));
 
     log.clear();
@@ -62,7 +60,6 @@ TEST_F(TextChainTest, AnImageGoesToTheVisionModelsFirstAndIsThenLeftOut) {
     http.answer(500, "no");
     http.answer(200, chatReply(u"blind"_s));
     EXPECT_EQ(generate(jpeg), u"blind"_s);
-    EXPECT_TRUE(logged(u"Text generated with NVIDIA Nemotron Nano 12B VL (no image)"_s));
 }
 
 TEST_F(TextChainTest, TheSpecialLinesOfTheFirstWalk) {
@@ -159,7 +156,6 @@ TEST_F(TextChainTest, OllamaTakesOverRequestsWithAnImageOnly) {
     http.answer(200, R"({"message":{"content":"seen"}})");
     EXPECT_EQ(generate(jpeg), u"seen"_s);
     EXPECT_EQ(http.requests()[1].url.host(), u"box"_s);
-    EXPECT_TRUE(log.lines().isEmpty());
 
     http.answer(200, chatReply(u"text"_s));
     EXPECT_EQ(generate(), u"text"_s);
@@ -175,7 +171,6 @@ TEST_F(TextChainTest, TheCustomModelGoesFirstAndItsFailureIsDropped) {
     EXPECT_EQ(http.requests()[0].url, QUrl(u"https://mine.test/v1/chat/completions"_s));
     EXPECT_EQ(header(http.requests()[0], "Authorization"), "") << "the built-in key never goes to a custom gateway";
     EXPECT_TRUE(http.requests()[0].body.contains("image_url"));
-    EXPECT_TRUE(logged(u"Text generated with custom model my-model"_s));
 
     service.pollinationsApiKey = u"own"_s;
     http.answer(503, "off");

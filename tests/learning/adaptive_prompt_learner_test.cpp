@@ -4,9 +4,9 @@
 
 #include "generation/gateway_fixture.h"
 #include "learning/adaptive_prompt.h"
+#include "support/failing_file_system.h"
 #include "support/fake_serial_queue.h"
 #include "support/memory_defaults_store.h"
-#include "support/memory_file_system.h"
 
 namespace tavrelon::learning {
 
@@ -17,7 +17,7 @@ class AdaptivePromptLearnerTest : public testing::GatewayFixture {
  public:
     const QString folder = u"/data/Tavrelon"_s;
     const QString statePath = folder + u"/adaptive_prompt_state.json"_s;
-    testing::MemoryFileSystem files;
+    testing::FailingFileSystem files;
     testing::MemoryDefaultsStore store;
     testing::FakeSerialQueues queues{loop};
     persistence::StorageManager storage{store, files, log, loop, folder};

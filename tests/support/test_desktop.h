@@ -2,6 +2,7 @@
 
 #include "platform/platform.h"
 #include "platform/user_interface.h"
+#include "support/failing_file_system.h"
 #include "support/fake_accessibility.h"
 #include "support/fake_application.h"
 #include "support/fake_audio_input.h"
@@ -20,7 +21,6 @@
 #include "support/fake_status_item.h"
 #include "support/fake_workspace.h"
 #include "support/memory_defaults_store.h"
-#include "support/memory_file_system.h"
 #include "support/recording_log.h"
 #include "support/simulated_editor.h"
 #include "support/virtual_main_loop.h"
@@ -41,7 +41,7 @@ struct TestDesktop {
     FakeImageCodec imageCodec;
     FakeHttpSession httpSession{loop};
     MemoryDefaultsStore defaultsStore;
-    MemoryFileSystem fileSystem;
+    FailingFileSystem fileSystem;
     FakeSerialQueues serialQueues{loop};
     FakeDocumentReader documentReader{loop};
     FakeAudioInput audioInput;

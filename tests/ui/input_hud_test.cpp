@@ -13,33 +13,6 @@ using Case = InputState::Case;
 
 namespace {
 
-struct FaceCase {
-    InputState state;
-    std::optional<InputTrigger> trigger;
-    const char* face;
-    QSizeF size;
-};
-
-TEST(HUDLookTest, EachStateHasItsFaceAndSize) {
-    const FaceCase cases[] = {
-        {Case::listening, InputTrigger::text, "GlassListeningHUD", {60, 60}},
-        {Case::listeningVoice, InputTrigger::voice, "VoiceListeningHUD", {210, 70}},
-        {Case::recordingVideo, InputTrigger::video, "VideoRecordingHUD", {220, 70}},
-        {Case::processing, InputTrigger::autoReply, "AutoReplyHUD", {220, 70}},
-        {Case::processing, InputTrigger::video, "VideoProcessingHUD", {220, 70}},
-        {Case::processing, InputTrigger::text, "StandardHUD", {200, 60}},
-        {Case::processing, InputTrigger::floatingInput, "StandardHUD", {200, 60}},
-        {Case::completed, InputTrigger::video, "StandardHUD", {200, 60}},
-        {InputState::error(QStringLiteral("Password field")), InputTrigger::voice, "StandardHUD", {320, 60}},
-        {InputState::error(QString(41, u'x')), InputTrigger::voice, "StandardHUD", {200, 60}},
-        {Case::idle, std::nullopt, "StandardHUD", {200, 60}},
-    };
-    for (const auto& each : cases) {
-        EXPECT_EQ(hudFaceName(hudFace(each.state, each.trigger)), QLatin1StringView(each.face));
-        EXPECT_EQ(hudContentSize(each.state, each.trigger), each.size) << each.face;
-    }
-}
-
 TEST(HUDLookTest, TheCornerStandsByTheCaretOnceTheAxisIsTurned) {
     const platform::Screen screen{.frame = {0, 0, 1280, 800}, .visibleFrame = {0, 0, 1280, 800}};
     const QRectF caret(300, 100, 2, 18);
