@@ -50,7 +50,10 @@ void InputStateMachine::startTextInput() {
     if (!takeStage() || !ensureAIEnabled() || !ensureNoPasswordField())
         return;
     // First of all: the user types on while the field is being read.
-    typedText_.begin([this] { cancelInput(); });
+    typedText_.begin([this] {
+        services_.platform.log.line(QStringLiteral("[StateMachine] The input is forgotten: its window was left"));
+        cancelInput();
+    });
     initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
     schedule([this] { enterInputState(Case::listening, InputTrigger::text); });
 }

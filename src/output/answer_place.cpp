@@ -21,6 +21,8 @@ bool AnswerPlace::isInFront() const {
 }
 
 bool AnswerPlace::isWindowInFront() const {
+    if (platform_.keyPoster.isKeyboardHeld())
+        return false;
     if (!target_)
         return true;
     // Numbers of windows are given anew once a window is gone, hence the process.

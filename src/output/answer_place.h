@@ -9,7 +9,7 @@ namespace tavrelon::output {
 
 /// Where what is written is meant to go, and whether the keys still go there. Main thread; the questions are bounded as
 /// those of the ports. What cannot be told of an element counts as unchanged; before anything is remembered every place
-/// counts as the right one, but for password fields, which never do.
+/// counts as the right one, but for password fields, which never do. While a program holds the keyboard no place does.
 class AnswerPlace {
  public:
     explicit AnswerPlace(platform::Platform& platform) : platform_(platform) {}

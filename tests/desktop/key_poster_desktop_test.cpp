@@ -138,6 +138,21 @@ TEST_F(KeyPosterOnDesktop, WhatAnEarlierRunLeftDownIsLetGoAtTheStart) {
     EXPECT_THAT(keyboard.downOnPostingDevice(), IsEmpty());
 }
 
+TEST_F(KeyPosterOnDesktop, AHeldKeyboardIsNoticedAndTheQuestionCostsNoKey) {
+    KeyWindow locker;
+    window.focus();
+    for (int i = 0; i < 200; ++i) {
+        keyboard.strike(place::a);
+        EXPECT_FALSE(poster->isKeyboardHeld());
+    }
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(std::ranges::count(window.presses(), place::a), 200);
+    ASSERT_TRUE(locker.holdKeyboard());
+    EXPECT_TRUE(poster->isKeyboardHeld());
+    locker.letGoOfKeyboard();
+    EXPECT_TRUE(eventually([this] { return !poster->isKeyboardHeld(); }));
+}
+
 TEST_F(KeyPosterOnDesktop, CapsLockChangesNoShortcut) {
     keyboard.strike(place::capsLock);
     poster->press(keys::keyV, keys::commandFlag);

@@ -155,6 +155,11 @@ TEST_F(AnswerPlaceTest, AnotherWindowGetsNothing) {
     expectUntouched();
 }
 
+TEST_F(AnswerPlaceTest, AProgramThatHoldsTheKeyboardGetsNothing) {
+    desk.keyPoster.keyboardHeld = true;  // the screen is locked; the window beneath is still in front
+    expectUntouched();
+}
+
 TEST_F(AnswerPlaceTest, AnotherProgramUnderTheOldWindowsNumberGetsNothing) {
     focusOther(99, 1);
     expectUntouched();

@@ -15,7 +15,7 @@ from conftest import HOTKEY
 from programs import Program
 from waiting import wait_for
 
-UNAVAILABLE, USAGE, TRY_AGAIN = 69, 64, 75
+UNAVAILABLE, USAGE, TRY_AGAIN, NO_PERMISSION = 69, 64, 75, 77
 WITH_MOUNTS = ["unshare", "--mount"] + ([] if os.getuid() == 0 else ["--map-root-user"])
 READ_ONLY_HOME = ('mount -o bind,ro "$HOME" "$HOME" 2>/dev/null || '
                   '{ mount -o bind "$HOME" "$HOME" && mount -o remount,bind,ro "$HOME"; }')
@@ -168,3 +168,17 @@ def test_with_buses_that_hang_it_starts_and_works_through_the_clipboard(desk, ho
         assert "[Start] IBus does not answer" in program.written()
         expect_a_request_to_work(desk, program)
         assert ends(program)
+
+
+def test_folders_are_this_users_alone_or_it_does_not_start(house):
+    images = house.home / ".local/share/Tavrelon/history-images"
+    images.parent.mkdir(parents=True)
+    images.symlink_to(house.home)
+    status, said = house.run("--background")
+    assert (status, said) == (NO_PERMISSION, f"Tavrelon cannot start: {images} is a symbolic link. Put a folder there.\n")
+    images.unlink()
+    for path in (house.settings, house.settings.parent):
+        path.chmod(0o777)
+    assert listens(house.start())
+    for path in (house.settings, house.settings.parent):
+        assert path.stat().st_mode & 0o077 == 0, path

@@ -68,6 +68,20 @@ bool X11KeyPoster::isCompositionOpen() {
     return showsComposition(xtest_->connection().get(), xtest_->connection().root());
 }
 
+bool X11KeyPoster::isKeyboardHeld() {
+    auto* server = xtest_->connection().get();
+    const XPointer<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(server, xcb_get_input_focus(server), nullptr));
+    if (!focus || focus->focus <= XCB_INPUT_FOCUS_POINTER_ROOT)
+        return false;
+    // On the window that has the focus anyway, so that nobody is told of it, and given back in the same breath.
+    const auto grab =
+        xcb_grab_keyboard(server, 1, focus->focus, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    xcb_ungrab_keyboard(server, XCB_CURRENT_TIME);
+    const XPointer<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(server, grab, nullptr));
+    return reply && (reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED || reply->status == XCB_GRAB_STATUS_FROZEN);
+}
+
 void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys) {
     // A key that the user holds down would not be pressed again.
     if (keysDown(xtest_->connection()).test(code))

@@ -21,6 +21,7 @@ class X11KeyPoster : public platform::KeyPoster {
 
     void press(keys::VirtualKey key, keys::Modifiers flags) override;
     bool isCompositionOpen() override;
+    bool isKeyboardHeld() override;
     void putModifiersAside() override;
     void giveModifiersBack() override;
 
