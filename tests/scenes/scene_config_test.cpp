@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <set>
 
 #include "support/qt_gtest.h"
 
@@ -47,17 +46,6 @@ TEST(SceneConfig, RequiresEveryKey) {
         EXPECT_THROW(sceneListFrom(text::Json::array({json, lacking})), text::JsonError) << key;
     }
     EXPECT_THROW(sceneListFrom(json), text::JsonError);
-}
-
-TEST(DefaultScenes, SurviveTheFileAndGetNewIdentifiersAtEachCall) {
-    const auto scenes = defaultScenes();
-    EXPECT_EQ(sceneListFrom(text::parseJson(text::compactJson(toJson(scenes)))), scenes);
-    std::set<QUuid> ids;
-    for (const auto& scene : scenes)
-        ids.insert(scene.id);
-    for (const auto& scene : defaultScenes())
-        ids.insert(scene.id);
-    EXPECT_EQ(ids.size(), 10U);
 }
 
 }  // namespace tavrelon::scenes
