@@ -4,6 +4,7 @@
 
 #include "desktop/audio/pulse_audio_input.h"
 #include "desktop/documents/document_process_reader.h"
+#include "desktop/documents/picture_process_decoder.h"
 #include "desktop/linux/directory_defaults_store.h"
 #include "desktop/linux/posix_file_system.h"
 #include "desktop/linux/thread_serial_queue.h"
@@ -59,7 +60,8 @@ struct DesktopAdapters : testing::TypingAdapters<Log> {
     NoEngine speech;
     std::unique_ptr<desktop::X11ScreenCapture> screenCapture =
         desktop::X11ScreenCapture::create(Typing::loop, Typing::log, *Typing::workspace).value();
-    desktop::QtImageCodec imageCodec{Typing::loop};
+    desktop::PictureProcessDecoder pictureDecoder{Typing::loop, QString()};
+    desktop::QtImageCodec imageCodec{Typing::loop, pictureDecoder};
     desktop::QtHttpSession httpSession{Typing::loop};
     desktop::PosixFileSystem fileSystem;
     desktop::DirectoryDefaultsStore defaultsStore{fileSystem, Typing::log, folder};
@@ -69,7 +71,8 @@ struct DesktopAdapters : testing::TypingAdapters<Log> {
     platform::Platform platform{Typing::loop,
                                 Typing::log,
                                 Typing::accessibility,
-                                Typing::tap,
+                                Typing::hotkeys,
+                                Typing::keyObserver,
                                 *Typing::poster,
                                 *Typing::pasteboard,
                                 *Typing::workspace,

@@ -6,7 +6,7 @@ from dataclasses import dataclass
 import screen
 from waiting import Fault, wait_for
 
-SHOWING, ON_SCREEN, NOTHING = 25, 0, 0  # as the library numbers them
+FOCUSED, SHOWING, ON_SCREEN, NOTHING = 12, 25, 0, 0  # as the library numbers them
 MILLISECONDS_TO_ANSWER = 3000
 
 
@@ -82,7 +82,20 @@ class Windows:
         return next((each for each in self.in_sight() if each.name == name and role in (None, each.role)), None)
 
     def wait_for(self, name, role=None):
-        return wait_for(f"'{name}' in sight", lambda: self.find(name, role), 10, pause=0.1)
+        return wait_for(f"'{name}' in sight", lambda: self.find(name, role), 20, pause=0.1)
+
+    def newly_focused(self, previous):
+        """The name of what has the focus, once that is something else; the previous one when nothing comes."""
+        def look():
+            for each in self.in_sight():
+                states = self.bus.states_of(each.handle)
+                if each.role != "frame" and each.name != previous and states and self.bus.contains(states, FOCUSED):
+                    return each
+            return None
+        try:
+            return wait_for("another focus", look, 2).name
+        except Fault:
+            return previous
 
     def click(self, name, role=None):
         place = self.bus.extents_of(self.wait_for(name, role).handle, ON_SCREEN, None)

@@ -48,7 +48,8 @@ class Bench:
         return tempfile.TemporaryDirectory(prefix="tavrelon-bench.", ignore_cleanup_errors=True)
 
     def product(self, home, name, settings=None, port=NOBODY):
-        return Tavrelon(self.build / "src/tavrelon", self.output / f"{name}.log", home, port, settings)
+        return Tavrelon(self.build / "src/tavrelon", self.output / f"{name}.log", home, port, settings,
+                        {"TAVRELON_ALLOW_DEBUGGER": "1"})  # its memory is measured
 
     def key_probe(self):
         return bench_keys.KeyProbe(self.build / "bench/key-probe")

@@ -27,7 +27,10 @@ class Dashboard:
                                 capture_output=True, text=True, timeout=20)
         if called.returncode != 0:
             raise Fault(f"the second start ended with status {called.returncode}: {called.stdout}{called.stderr}")
-        wait_for("the dashboard", self.window)
+        self.wait_until_open()
+
+    def wait_until_open(self):
+        wait_for("the dashboard", self.window, 20)
         self.windows = self.windows or Windows("Tavrelon")
         self.windows.wait_for("Help")
 

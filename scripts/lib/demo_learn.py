@@ -124,7 +124,7 @@ def learn_clone(build, home, service, source, profile):
     """What the stand-in model was shown of a source; its reply is the profile."""
     prompt, style = profile
     service.answer_with({"content": json.dumps({"system_prompt": prompt, "language_style": style})})
-    done = subprocess.run([build / "tests/support/tavrelon-learn-clone", home / "config/Tavrelon",
+    done = subprocess.run([build / "tools/stage/tavrelon-learn-clone", home / "config/Tavrelon",
                            home / "data/Tavrelon", build / "src/tavrelon-document-reader", source],
                           capture_output=True, text=True, stdin=subprocess.DEVNULL, timeout=60)
     if done.returncode != 0:

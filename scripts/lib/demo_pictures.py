@@ -42,7 +42,7 @@ def draw(stage, build):
     stage.service.answer_with({})  # a picture, where one is asked for
     stage.service.control("script", [{"path": "/chat/completions", "content": json.dumps(DESCRIPTION)}])
     pasted = stage.output / "drawing.png"
-    with PictureField(build / "tests/support/tavrelon-picture-field", pasted) as field:
+    with PictureField(build / "tools/stage/tavrelon-picture-field", pasted) as field:
         stage.ask(DRAWING, "drawing")
         wait_for("a picture in the field", lambda: pasted.exists() and pasted.stat().st_size > 0, seconds=20)
         wait_for("the picture in the history", lambda: stage.tavrelon.newest_answer() == ON_THE_CLIPBOARD, seconds=20)

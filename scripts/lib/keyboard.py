@@ -7,7 +7,7 @@ import time
 PLACES = {name: code for names, first in (
     ("1234567890-=", 10), ("qwertyuiop[]", 24), ("asdfghjkl;'`", 38), ("\\zxcvbnm,./", 51)) for code, name in enumerate(names, first)}
 PLACES |= {"Escape": 9, "BackSpace": 22, "Tab": 23, "Return": 36, "Control": 37, "Shift": 50, "Alt": 64, "space": 65,
-           " ": 65, "Home": 110, "Up": 111, "Left": 113, "Right": 114, "End": 115, "Down": 116, "Delete": 119, "Super": 133}
+           " ": 65, "Home": 110, "Up": 111, "Left": 113, "Right": 114, "End": 115, "Down": 116, "Insert": 118, "Delete": 119, "Super": 133}
 PLACES |= {f"F{number}": 66 + number for number in range(1, 11)}
 USE_CORE_KEYBOARD = 0x100
 BETWEEN_KEYS = 0.02  # seconds, a very quick typist
@@ -20,6 +20,8 @@ class KeyboardState(ctypes.Structure):
 
 
 class Keyboard:
+    places = PLACES
+
     def __init__(self):
         self.x11, self.xtst = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
         self.x11.XOpenDisplay.restype = ctypes.c_void_p

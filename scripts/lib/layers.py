@@ -177,7 +177,7 @@ def check(root):
             check_source(root, path, report)
         elif path.name == "CMakeLists.txt":
             check_links(root, path, report)
-    for tree in ("src", "tests", "bench"):
+    for tree in ("src", "tests", "bench", "tools"):
         check_cmake_lists(root, tree, report)
     return report
 

@@ -89,7 +89,8 @@ def text_of(content):
 class Tavrelon(Program):
     """The product with settings of its own, so that a user's are neither read nor changed."""
 
-    def __init__(self, executable, log, home, service_port, extra_settings=None, extra_environment=None):
+    def __init__(self, executable, log, home, service_port, extra_settings=None, extra_environment=None,
+                 arguments=("--background",)):
         self.home = Path(home)
         self.history = self.home / "data" / "Tavrelon" / "history.json"
         folder = self.home / "config" / "Tavrelon"
@@ -100,8 +101,8 @@ class Tavrelon(Program):
         self.executable = str(executable)
         self.environment = {"XDG_CONFIG_HOME": str(self.home / "config"), "XDG_DATA_HOME": str(self.home / "data"),
                             **(extra_environment or {})}
-        # Without its dashboard, which would lie over the editors and keep the processor busy.
-        super().__init__([self.executable, "--background"], log, self.environment)
+        # Unless told without its dashboard, which would lie over the editors and keep the processor busy.
+        super().__init__([self.executable, *arguments], log, self.environment)
 
     def wait_until_live(self):
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)

@@ -11,7 +11,7 @@ import screen
 import soak_actions
 import soak_dashboard
 import soak_voice
-from soak_desk import HOTKEY, REST, STORED_HOTKEY, Desk
+from soak_desk import Desk
 from soak_health import MEGABYTE, Health
 from waiting import Fault
 
@@ -28,47 +28,15 @@ def steps(seed, fields):
 
 
 def take_step(desk, field, action, dice):
-    """Whether the step came to its end. On a busy machine the program misses the bound for a key now and then, and the
-    key goes to the application, as it should: what follows is then not what the step expects."""
-    mark = desk.mark()
-    fault = None
     desk.log.begin_step()
-    try:
-        field.focus()
-        action(desk, dice, field)
-        desk.check()
-        desk.log.judge()
-    except Fault as caught:
-        fault = caught
-    if not desk.passed_a_key_on(mark):
-        if fault:
-            raise fault
-        return True
-    recover(desk, field)
-    return fault is None
-
-
-def recover(desk, field):
-    """Puts everything back into a known state, whatever the last step has left."""
-    desk.log.explain(".*")
-    desk.restore_sound()
-    desk.switch_on()
-    desk.escape()
-    desk.hotkey = HOTKEY
-    if desk.settings().get("toggleHotkey", STORED_HOTKEY) != STORED_HOTKEY:
-        desk.dashboard.open()
-        soak_dashboard.record_hotkey(desk, HOTKEY)
-    if desk.dashboard.window():
-        desk.dashboard.close()
-    time.sleep(REST)
+    field.focus()
+    action(desk, dice, field)
     desk.check()
     desk.log.judge()
-    field.focus()
-    field.start_again()
 
 
 def warm_up(desk):
-    """What is done first costs most: caches of fonts, the model of the recogniser, and time beyond the bound for a key."""
+    """What is done first costs most: caches of fonts, the model of the recogniser."""
     dice = random.Random(0)
     soak_dashboard.look_at_all_pages(desk)
     for action in (soak_actions.text_request, soak_voice.dictation, soak_voice.video_request):
@@ -77,25 +45,22 @@ def warm_up(desk):
 
 def run(desk, health, end, seed):
     """Gives how many steps were done. A fault names the step."""
-    done = missed = 0
+    done = 0
     for number, (action, index, dice) in enumerate(steps(seed, len(desk.fields)), 1):
         field = desk.fields[index]
         began = time.monotonic()
         try:
-            came_to_its_end = take_step(desk, field, action, dice)
+            take_step(desk, field, action, dice)
         except Fault as fault:
             screen.picture(desk.output / "fault.png")
             last_lines = "\n    ".join(desk.tavrelon.written().splitlines()[-20:])
             raise Fault(f"step {number}, {action.__name__} in {field.kind}: {fault}\n    {last_lines}") from None
         health.take()
-        done, missed = done + came_to_its_end, missed + (not came_to_its_end)
+        done += 1
         print(f"{number:4}  {time.monotonic() - began:5.1f} s  {action.__name__:24} {field.kind:11}{desk.layout:7}"
-              f"{health.samples[-1].memory // MEGABYTE:4} MB"
-              f"{'' if came_to_its_end else '   (the machine was too busy for a key)'}", flush=True)
+              f"{health.samples[-1].memory // MEGABYTE:4} MB", flush=True)
         if time.monotonic() > end:
             break
-    if missed > done:
-        raise Fault(f"the machine is too busy: {missed} of {done + missed} steps missed the bound for a key")
     return done
 
 

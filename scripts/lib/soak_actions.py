@@ -164,7 +164,7 @@ def hung_application(desk, dice, field):
     finally:
         field.signal(signal.SIGCONT)
     time.sleep(0.5)
-    desk.escape()  # the first one may have found the program waiting for that application
+    desk.keyboard.press("Escape")  # the first one may have found the program waiting for that application
     time.sleep(1.0)  # it works off what came meanwhile, and is known to be well again
     desk.rest()
     field.expect(desk.typed(places))

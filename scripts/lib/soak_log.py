@@ -7,9 +7,9 @@ from waiting import Fault
 COMPLAINT = re.compile(r"fail|error(?!Success)|cannot|could not|not (stored|read)|broke off|gone|warning|critical|assert", re.IGNORECASE)
 # What no run may have at all. Views warn through the log.
 NEVER = re.compile(r"^(\[UI\]|QObject|QSocketNotifier|QTimer|qt\.|qrc:|terminate called)")
-# A terminal without an accessible field is no fault, nor is a key that a busy machine lets through.
+# A terminal without an accessible field is no fault.
 ROUTINE = [re.compile(pattern) for pattern in (
-    r"\[ContextCapturer\] Failed to get .*, error: kAXError(NoValue|AttributeUnsupported)$", "A key was passed on")]
+    r"\[ContextCapturer\] Failed to get .*, error: kAXError(NoValue|AttributeUnsupported)$",)]
 
 
 class Log:

@@ -63,6 +63,14 @@ class SoundServer(Program):
         listed = run("pactl", "list", "short", "source-outputs", environment=self.environment)
         return listed.count("protocol-native") - 1  # but for the listener
 
+    def unplug_microphone(self):
+        run("pactl", "unload-module", "module-remap-source", environment=self.environment)
+
+    def plug_microphone(self):
+        run("pactl", "load-module", "module-remap-source", "source_name=microphone", "master=speakers.monitor",
+            environment=self.environment)
+        run("pactl", "set-default-source", "microphone", environment=self.environment)
+
     def say(self, sentence):
         """Speaks, and returns after the last word."""
         if sentence not in self.spoken:
@@ -75,6 +83,6 @@ def install_recogniser(build, home, sentences):
     """As scripts/install-voice does it; this recogniser knows these sentences."""
     folder = Path(home) / "data/Tavrelon/speech"
     (folder / "zh-CN").mkdir(parents=True)
-    (folder / "libvosk.so").symlink_to((Path(build) / "tests/support/libsphinx_vosk.so").resolve())
+    (folder / "libvosk.so").symlink_to((Path(build) / "tools/stage/libsphinx_vosk.so").resolve())
     (folder / "zh-CN/grammar.jsgf").write_text(
         f"#JSGF V1.0;\ngrammar sentences;\npublic <sentence> = {' | '.join(sentences)};\n", encoding="utf-8")

@@ -1,21 +1,29 @@
 #pragma once
 
+#include "app/service_consent.h"
 #include "generation/ai_service.h"
 #include "input/generator.h"
 
 namespace tavrelon::app {
 
-/// Lets the input flows ask the generation service. Main thread.
+/// Lets the input flows ask the generation service, once the user has agreed to where the request goes. Main thread.
 class AIGenerator : public input::Generator {
  public:
-    explicit AIGenerator(generation::TavrelonAIService& service) : service_(service) {}
+    /// All outlive this object.
+    AIGenerator(generation::TavrelonAIService& service, const generation::PollinationsService& models,
+                ServiceConsent& consent)
+        : service_(service), models_(models), consent_(consent) {}
 
     async::Task<generation::GenerationResult> generate(generation::GenerationRequest request) override;
     async::Task<generation::GenerationResult> generateVideoResult(generation::GenerationRequest request,
                                                                   std::vector<QByteArray> frames) override;
 
  private:
+    async::Task<void> obtainConsent(QString input, generation::RequestContents contents);
+
     generation::TavrelonAIService& service_;
+    const generation::PollinationsService& models_;
+    ServiceConsent& consent_;
 };
 
 }  // namespace tavrelon::app

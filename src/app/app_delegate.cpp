@@ -20,6 +20,17 @@ void AppDelegate::applicationWillTerminate() {
     appState_.hotkeyManager().stopListening();
 }
 
+void AppDelegate::suspend() {
+    auto& machine = appState_.inputStateMachine();
+    if (machine.currentState() != input::InputState::Case::processing)
+        machine.cancelInput();
+    appState_.hotkeyManager().stopListening();
+}
+
+void AppDelegate::resume() {
+    startHotkeyListener();
+}
+
 void AppDelegate::setupStatusItem() {
     setStatusIcon(QStringLiteral("key.fill"));
     const platform::MenuItem separator;

@@ -22,6 +22,11 @@ class AppDelegate {
     void applicationDidFinishLaunching(Launch launch = Launch::WithDashboard);
     void applicationWillTerminate();
 
+    /// Before and after the process is stopped: a stopped program holds no keys and records nothing. A request that
+    /// runs goes on afterwards.
+    void suspend();
+    void resume();
+
     void openDashboard();
     void openHistory() { openDashboard(); }
     void openAbout();

@@ -1,5 +1,6 @@
 #include "app/app_state.h"
 
+#include "app/consent_question.h"
 #include "app/provider_settings.h"
 
 namespace tavrelon::app {
@@ -35,6 +36,7 @@ capture::ScreenshotMode screenshotModeNamed(const QString& name) {
 AppState::AppState(platform::Platform& platform, platform::UserInterface& userInterface,
                    const generation::ServiceEndpoints& endpoints, StatusIconSetter setStatusIcon)
     : platform_(platform),
+      userInterface_(userInterface),
       storageManager_(platform.defaultsStore, platform.fileSystem, platform.log, platform.mainLoop,
                       platform.applicationSupport),
       hotkeyManager_(platform),
@@ -45,8 +47,10 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       speechRecognizer_(platform),
       videoRecorder_(platform, contextCapturer_, frameInterval, maxFrames),
       hotkeyStatusHUDController_(platform.mainLoop, userInterface),
-      pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)) {
+      pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)),
+      consent_(platform.mainLoop, platform.defaultsStore) {
     enforceProviderExclusivity(storageManager_);
+    adoptWhatWasTaught(storageManager_);
     applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
     cloneService_ =
         std::make_unique<learning::CloneService>(platform.httpSession, platform.documentReader, pollinationsService_,
@@ -55,19 +59,23 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
         platform.mainLoop, platform.fileSystem, platform.log, platform.serialQueues, storageManager_,
         pollinationsService_, historyManager_, learningInterval);
     aiService_ = std::make_unique<generation::TavrelonAIService>(pollinationsService_, sceneRouter_, platform.log);
-    generator_ = std::make_unique<AIGenerator>(*aiService_);
+    generator_ = std::make_unique<AIGenerator>(*aiService_, pollinationsService_, consent_);
     inputStateMachine_ = std::make_shared<input::InputStateMachine>(
         input::InputServices{platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_,
                              adaptivePromptLearner_.get(), videoRecorder_});
     inputStateMachine_->setSpeechRecognizer(speechRecognizer_);
     makeViews(userInterface, std::move(setStatusIcon));
-    hotkeyManager_.stateMachine = inputStateMachine_;
     setCallbacks();
     applyHotkeySettings();
+    hotkeyManager_.setStateMachine(inputStateMachine_);
+    userInterface.application.setOnActiveChanged(
+        [this](bool isActive) { hotkeyManager_.setOwnWindowActive(isActive); });
     applyCaptureSettings();
 }
 
-AppState::~AppState() = default;
+AppState::~AppState() {
+    userInterface_.application.setOnActiveChanged(nullptr);
+}
 
 std::optional<QRectF> AppState::caretRect() {
     const auto caret = cursorLocator_.caretRect();
@@ -85,13 +93,14 @@ void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSette
         inputStateMachine_, [this] { return storageManager_.settings().appLanguage == QLatin1StringView("en"); });
 }
 
+void AppState::askForConsent(const std::optional<ServiceConsent::Question>& question) {
+    inputHUDController_->ask(question ? std::optional(consentQuestion(*question, storageManager_.settings()))
+                                      : std::nullopt);
+}
+
 void AppState::applyHotkeySettings() {
-    auto& manager = hotkeyManager_;
-    static_cast<keys::HotkeySet&>(manager) = storageManager_.settings();
-    // A bare grave accent is taken from the user only where it opens something.
-    manager.quickAskHotkeyEnabled = static_cast<bool>(manager.onFloatingInputHotkeyPressed);
-    manager.clearLatches();
-    manager.refreshTap();
+    static_cast<keys::HotkeySet&>(hotkeyManager_) = storageManager_.settings();
+    hotkeyManager_.refresh();
 }
 
 void AppState::applyCaptureSettings() {
@@ -101,21 +110,27 @@ void AppState::applyCaptureSettings() {
     contextCapturer_.maxScreenshotWidth = static_cast<double>(settings.maxScreenshotWidth);
 }
 
-/// The work runs a turn later, after the key's verdict has been given.
+/// The work runs a turn later, as all changes of the input's state do.
 template <typename Work>
 hotkeys::HotkeyManager::Callback AppState::nextTurn(Work work) {
     return [this, work] { platform_.mainLoop.post(lifetime_.guard(work)); };
 }
 
 void AppState::setCallbacks() {
+    consent_.show = lifetime_.guard([this](const auto& question) { askForConsent(question); });
+    adaptivePromptLearner_->askOnlyIf([this] {
+        constexpr auto texts = generation::RequestContents::Text;
+        return consent_.isAllowed(generation::destinations(pollinationsService_, texts), texts);
+    });
     hotkeyManager_.onVoiceHotkeyPressed = nextTurn([this] { inputStateMachine_->handleVoiceHotkey(); });
     adaptivePromptLearner_->scheduleEvaluation();
     hotkeyManager_.onVoiceDictationHotkeyPressed =
         nextTurn([this] { inputStateMachine_->handleVoiceDictationHotkey(); });
     hotkeyManager_.onAutoReplyHotkeyPressed = nextTurn([this] { inputStateMachine_->startAutoReply(); });
     hotkeyManager_.onToggleAllHotkeysPressed = nextTurn([this] { toggleAllHotkeys(); });
+    hotkeyManager_.onConfirmPressed = nextTurn([this] { consent_.confirm(); });
     hotkeyManager_.onVideoHotkeyPressed = nextTurn([this] { toggleVideo(); });
-    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { floatingInputController_->toggle(); });
+    hotkeyManager_.onFloatingInputHotkeyPressed = nextTurn([this] { togglePromptBox(); });
 }
 
 void AppState::toggleAllHotkeys() {
@@ -124,9 +139,14 @@ void AppState::toggleAllHotkeys() {
         [enabled](persistence::AppSettings& settings) { settings.hotkeysEnabled = enabled; });
     storageManager_.saveSettings();
     hotkeyManager_.hotkeysEnabled = enabled;
-    hotkeyManager_.clearLatches();
-    hotkeyManager_.refreshTap();
+    hotkeyManager_.refresh();
     hotkeyStatusHUDController_.show(enabled);
+}
+
+void AppState::togglePromptBox() {
+    const bool opens = !floatingInputController_->isVisible() && inputStateMachine_->isNewInputPossible();
+    if (!opens || inputStateMachine_->ensureNoPasswordField())
+        floatingInputController_->toggle();
 }
 
 void AppState::toggleVideo() {

@@ -51,10 +51,12 @@ class AppState {
     async::MainLoop& mainLoop() { return platform_.mainLoop; }
 
  private:
+    void askForConsent(const std::optional<ServiceConsent::Question>& question);
     void applyHotkeySettings();
     void applyCaptureSettings();
     void setCallbacks();
     void toggleAllHotkeys();
+    void togglePromptBox();
     void toggleVideo();
     std::optional<QRectF> caretRect();
     void makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon);
@@ -62,6 +64,7 @@ class AppState {
     hotkeys::HotkeyManager::Callback nextTurn(Work work);
 
     platform::Platform& platform_;
+    platform::UserInterface& userInterface_;
     persistence::StorageManager storageManager_;
     hotkeys::HotkeyManager hotkeyManager_;
     capture::ContextCapturer contextCapturer_;
@@ -76,6 +79,7 @@ class AppState {
     std::unique_ptr<learning::CloneService> cloneService_;
     std::unique_ptr<learning::AdaptivePromptLearner> adaptivePromptLearner_;
     std::unique_ptr<generation::TavrelonAIService> aiService_;
+    ServiceConsent consent_;
     std::unique_ptr<AIGenerator> generator_;
     std::shared_ptr<input::InputStateMachine> inputStateMachine_;
     std::unique_ptr<ui::InputHUDWindowController> inputHUDController_;

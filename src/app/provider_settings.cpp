@@ -1,6 +1,7 @@
 #include "app/provider_settings.h"
 
 #include "persistence/bound_key.h"
+#include "persistence/taught.h"
 #include "text/characters.h"
 
 namespace tavrelon::app {
@@ -37,6 +38,13 @@ void enforceProviderExclusivity(persistence::StorageManager& storage) {
         storage.changeSettings([](AppSettings& changed) { changed.enableOllamaVision = false; });
     }
     storage.saveSettings();
+}
+
+void adoptWhatWasTaught(persistence::StorageManager& storage) {
+    bool adopted = false;
+    storage.changeSettings([&](AppSettings& changed) { adopted = persistence::adoptTaught(changed); });
+    if (adopted)
+        storage.saveSettings();
 }
 
 void applyProviderSettings(const AppSettings& settings, platform::DefaultsStore& userDefaults,

@@ -10,6 +10,9 @@ namespace tavrelon::app {
 /// settings if that changed them.
 void enforceProviderExclusivity(persistence::StorageManager& storage);
 
+/// Notes which provider may have what was taught before providers were noted. Saves the settings if that changed them.
+void adoptWhatWasTaught(persistence::StorageManager& storage);
+
 /// Pushes the stored provider settings and keys into the service; a key only where the address is the one it belongs
 /// to.
 void applyProviderSettings(const persistence::AppSettings& settings, platform::DefaultsStore& userDefaults,

@@ -1,11 +1,22 @@
 #include "capture/context_capturer.h"
 
-#include "text/characters.h"
+#include "text/foreign_text.h"
 
 namespace tavrelon::capture {
 
 using platform::AXAttribute;
 using platform::AXElement;
+
+namespace {
+
+/// How much of a title or a name is kept, in characters. Other programs choose them.
+constexpr qsizetype longestName = 300;
+
+std::optional<QString> nameOf(const std::optional<QString>& foreign) {
+    return foreign ? std::optional(text::oneLine(*foreign, longestName)) : std::nullopt;
+}
+
+}  // namespace
 
 ContextCapturer::ContextCapturer(platform::Platform& platform)
     : platform_(platform),
@@ -22,10 +33,10 @@ async::Task<CapturedContext> ContextCapturer::captureContext(QString inputBuffer
         context.screenshotData = co_await screenshotOrNothing();
     context.inputBuffer = std::move(inputBuffer);
     context.selection = co_await std::move(selection);
-    context.windowTitle = co_await std::move(title);
+    context.windowTitle = nameOf(co_await std::move(title));
     if (application) {
-        context.appBundleID = application->bundleIdentifier;
-        context.appName = application->localizedName;
+        context.appBundleID = nameOf(application->bundleIdentifier);
+        context.appName = nameOf(application->localizedName);
     }
     co_return context;
 }
@@ -45,6 +56,12 @@ async::Task<std::optional<QString>> ContextCapturer::selectedText() {
     if (const auto* string = std::get_if<QString>(&*value))
         co_return *string;
     co_return std::nullopt;
+}
+
+async::Task<std::optional<QString>> ContextCapturer::selectionViaClipboard(SelectAll selectAll) {
+    if (platform_.accessibility.isFocusSecure())
+        co_return std::nullopt;
+    co_return co_await clipboardSelection_.read(selectAll);
 }
 
 async::Task<std::optional<QString>> ContextCapturer::focusedWindowTitle() {

@@ -8,7 +8,7 @@
 
 namespace tavrelon::capture {
 
-/// What a screenshot shows.
+/// What a screenshot shows. No mode stands in for another: the whole screen goes out only where the user chose it.
 enum class ScreenshotMode { focusedWindow, fullScreen, none };
 
 /// Whether a capture may take a screenshot.
@@ -39,20 +39,19 @@ class ContextCapturer {
 
     async::Task<std::optional<QString>> focusedWindowTitle();
 
-    /// The selection as the copy shortcut gives it; see `ClipboardSelection`.
-    async::Task<std::optional<QString>> selectionViaClipboard(SelectAll selectAll) {
-        return clipboardSelection_.read(selectAll);
-    }
+    /// The selection as the copy shortcut gives it; see `ClipboardSelection`. In a password field no key is pressed.
+    async::Task<std::optional<QString>> selectionViaClipboard(SelectAll selectAll);
 
-    /// A picture by `screenshotMode`, as JPEG; absent without the right to capture. Throws what the platform reports.
+    /// A picture by `screenshotMode`, as JPEG; absent without the right to capture and while a password field has the
+    /// focus. Throws what the platform reports.
     async::Task<std::optional<QByteArray>> captureScreenshot();
 
     /// Says that a screenshot of what is now in front will be wanted, so that it takes no time then. For as long as the
     /// result lives, which the platform must outlive; safe inside the key callback.
     std::shared_ptr<void> expectScreenshot();
 
-    /// The first window of the frontmost application, or the first display where it has none on screen. Throws what the
-    /// platform reports.
+    /// The first window of the frontmost application; absent where it has none on screen, and while a password field
+    /// has the focus. Throws what the platform reports.
     async::Task<std::optional<platform::Image>> captureFocusedWindowImage();
     async::Task<std::optional<platform::Image>> captureFullScreenImage();
 

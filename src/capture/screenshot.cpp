@@ -39,19 +39,19 @@ std::shared_ptr<void> ContextCapturer::expectScreenshot() {
 async::Task<std::optional<Image>> ContextCapturer::captureFocusedWindowImage() {
     const auto content = valueOrThrow(co_await platform_.screenCapture.shareableContent());
     const auto application = platform_.workspace.frontmostApplication();
-    if (!application)
+    if (!application || platform_.accessibility.isFocusSecure())
         co_return std::nullopt;
     const auto window = std::ranges::find_if(content.windows, [&](const platform::ShareableWindow& candidate) {
         return candidate.isOnScreen && candidate.bundleIdentifier == application->bundleIdentifier;
     });
     if (window == content.windows.end())
-        co_return co_await captureFullScreenImage();
+        co_return std::nullopt;
     co_return valueOrThrow(co_await platform_.screenCapture.captureWindow(*window));
 }
 
 async::Task<std::optional<Image>> ContextCapturer::captureFullScreenImage() {
     const auto content = valueOrThrow(co_await platform_.screenCapture.shareableContent());
-    if (content.displays.empty())
+    if (content.displays.empty() || platform_.accessibility.isFocusSecure())
         co_return std::nullopt;
     co_return valueOrThrow(co_await platform_.screenCapture.captureDisplay(content.displays.front()));
 }

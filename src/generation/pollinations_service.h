@@ -20,6 +20,12 @@ struct ProviderKeys {
     std::optional<QString> nvidiaApiKey;
 };
 
+/// A model's text and who wrote it, by the names of the model and of its host.
+struct ModelAnswer {
+    QString text;
+    QString source;
+};
+
 /// Through this object every model call leaves the machine. It holds the addresses, the keys, the model lists and the
 /// rules of fall-back. Main thread; it outlives the tasks it gives out.
 ///
@@ -68,6 +74,13 @@ class PollinationsService {
     /// error, or `allModelsFailed` when no model was asked.
     async::Task<QString> generateText(QString systemPrompt, QString userPrompt, std::optional<QByteArray> image,
                                       qint64 maxTokens, float temperature);
+
+    /// The same, where it matters who answers.
+    async::Task<ModelAnswer> answerText(QString systemPrompt, QString userPrompt, std::optional<QByteArray> image,
+                                        qint64 maxTokens, float temperature);
+
+    /// The model and the host that it is asked at, as the user may read it.
+    QString sourceName(PollinationsModel model) const;
 
     // One call of one model. No fall-back, no retry.
     async::Task<QString> generateWithPollinations(QString model, ImageCapability imageCapable, ChatPrompt prompt,
@@ -133,9 +146,10 @@ class PollinationsService {
 
  private:
     std::optional<QString> keyFor(const QUrl& url) const;
-    async::Task<std::optional<QString>> customModelText(ChatPrompt prompt);
-    async::Task<std::optional<QString>> firstWalk(ChatPrompt prompt, std::exception_ptr& lastError);
-    async::Task<std::optional<QString>> walkWithoutImage(ChatPrompt prompt, std::exception_ptr& lastError);
+    async::Task<std::optional<QString>> customModelText(ChatPrompt prompt, QString& source);
+    async::Task<std::optional<QString>> firstWalk(ChatPrompt prompt, QString& source, std::exception_ptr& lastError);
+    async::Task<std::optional<QString>> walkWithoutImage(ChatPrompt prompt, QString& source,
+                                                         std::exception_ptr& lastError);
 
     async::MainLoop& mainLoop_;
     platform::HttpSession& session_;

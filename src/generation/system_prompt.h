@@ -23,7 +23,8 @@ QString composeSystemPrompt(const std::optional<scenes::SceneCandidate>& candida
 QStringList contractLines(const scenes::OutputContract& contract);
 
 /// What the user is looking at, for the user message; absent when there is nothing to tell. A selection that is the
-/// request itself is left out.
+/// request itself is left out. Other programs chose these texts: names fill one line, and a line of the selection that
+/// would pass for another label is quoted, as it is in the input.
 std::optional<QString> contextLines(const std::optional<capture::CapturedContext>& context, const QString& input);
 
 /// The trimmed input, with the context under it if there is any.

@@ -1,3 +1,5 @@
+#include <QUrl>
+
 #include "generation/model_walk.h"
 
 /// The chain that serves a text or vision request, from the user's own model down to the last of the list.
@@ -28,31 +30,58 @@ QString failureLine(PollinationsModel model, const std::exception_ptr& error, bo
     }
 }
 
+QString sourceAt(const QString& model, const QString& address) {
+    const auto host = QUrl(address).host();
+    return host.isEmpty() ? model : model + u" ("_s + host + u')';
+}
+
 }  // namespace
 
 async::Task<QString> PollinationsService::generateText(QString systemPrompt, QString userPrompt,
                                                        std::optional<QByteArray> image, qint64 maxTokens,
                                                        float temperature) {
+    auto answer =
+        co_await answerText(std::move(systemPrompt), std::move(userPrompt), std::move(image), maxTokens, temperature);
+    co_return std::move(answer.text);
+}
+
+async::Task<ModelAnswer> PollinationsService::answerText(QString systemPrompt, QString userPrompt,
+                                                         std::optional<QByteArray> image, qint64 maxTokens,
+                                                         float temperature) {
     if (ollamaEnabled && image)
-        co_return co_await generateWithOllama(std::move(systemPrompt), std::move(userPrompt), std::move(image));
+        co_return ModelAnswer{
+            co_await generateWithOllama(std::move(systemPrompt), std::move(userPrompt), std::move(image)), u"Ollama"_s};
 
     const ChatPrompt prompt{std::move(systemPrompt), std::move(userPrompt), std::move(image), maxTokens, temperature};
-    if (auto text = co_await customModelText(prompt))
-        co_return *text;
+    QString source;
+    if (auto text = co_await customModelText(prompt, source))
+        co_return ModelAnswer{*text, source};
     std::exception_ptr lastError;
-    if (auto text = co_await firstWalk(prompt, lastError))
-        co_return *text;
+    if (auto text = co_await firstWalk(prompt, source, lastError))
+        co_return ModelAnswer{*text, source};
     if (prompt.image) {
         log_.line(tag + "All vision models failed. Retrying without image."_L1);
-        if (auto text = co_await walkWithoutImage(prompt, lastError))
-            co_return *text;
+        if (auto text = co_await walkWithoutImage(prompt, source, lastError))
+            co_return ModelAnswer{*text, source};
     }
     if (lastError)
         std::rethrow_exception(lastError);
     throw PollinationsError::allModelsFailed();
 }
 
-async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPrompt prompt) {
+QString PollinationsService::sourceName(PollinationsModel model) const {
+    switch (chatProtocol(model)) {
+        case ChatProtocol::Nvidia:
+            return sourceAt(displayName(model), endpoints_.nvidiaChatCompletionsURL);
+        case ChatProtocol::GLM:
+            return sourceAt(displayName(model), endpoints_.glmBaseURL);
+        case ChatProtocol::Pollinations:
+            break;
+    }
+    return sourceAt(displayName(model), pollinationsBaseURL());
+}
+
+async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPrompt prompt, QString& source) {
     if (!pollinationsCustomEnabled || !pollinationsVisionModelOverride || pollinationsVisionModelOverride->isEmpty())
         co_return std::nullopt;
     const auto model = *pollinationsVisionModelOverride;
@@ -60,6 +89,7 @@ async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPro
     try {
         auto text = co_await generateWithPollinations(model, capable, std::move(prompt), JsonMode::Off);
         log_.line(tag + "Text generated with custom model "_L1 + model);
+        source = sourceAt(model, pollinationsBaseURL());
         co_return text;
     } catch (const async::CancellationError&) {
         throw;
@@ -71,12 +101,14 @@ async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPro
     co_return std::nullopt;
 }
 
-async::Task<std::optional<QString>> PollinationsService::firstWalk(ChatPrompt prompt, std::exception_ptr& lastError) {
+async::Task<std::optional<QString>> PollinationsService::firstWalk(ChatPrompt prompt, QString& source,
+                                                                   std::exception_ptr& lastError) {
     auto models = availableModels(prompt.image ? visionModels : textModels, prompt.image);
     const bool imageSent = prompt.image.has_value();
     WalkSteps steps{
         .accept =
-            [this](PollinationsModel model, const QString& reply) {
+            [this, &source](PollinationsModel model, const QString& reply) {
+                source = sourceName(model);
                 log_.line(tag + "Text generated with "_L1 + displayName(model));
                 return std::optional(reply);
             },
@@ -89,12 +121,13 @@ async::Task<std::optional<QString>> PollinationsService::firstWalk(ChatPrompt pr
     return walkModels(*this, std::move(models), std::move(prompt), JsonMode::Off, std::move(steps));
 }
 
-async::Task<std::optional<QString>> PollinationsService::walkWithoutImage(ChatPrompt prompt,
+async::Task<std::optional<QString>> PollinationsService::walkWithoutImage(ChatPrompt prompt, QString& source,
                                                                           std::exception_ptr& lastError) {
     prompt.image.reset();
     WalkSteps steps{
         .accept =
-            [this](PollinationsModel model, const QString& reply) {
+            [this, &source](PollinationsModel model, const QString& reply) {
+                source = sourceName(model);
                 log_.line(tag + "Text generated with "_L1 + displayName(model) + " (no image)"_L1);
                 return std::optional(reply);
             },

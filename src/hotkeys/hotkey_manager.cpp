@@ -1,11 +1,12 @@
 #include "hotkeys/hotkey_manager.h"
 
+#include <algorithm>
+
 namespace tavrelon::hotkeys {
 
 using namespace std::chrono_literals;
 using input::InputState;
-using keys::HotkeyConfig;
-using platform::KeyEvent;
+using platform::WantedHotkey;
 using Case = InputState::Case;
 
 namespace {
@@ -13,18 +14,9 @@ namespace {
 /// For so long after the toggle hotkey the prompt box stays shut.
 constexpr auto floatingInputSuppressionInterval = 200ms;
 
-bool matches(const HotkeyConfig& hotkey, bool enabled, const KeyEvent& event) {
-    return enabled && hotkey.matches(event.keyCode, event.modifierFlags);
-}
-
 void call(const HotkeyManager::Callback& callback) {
     if (callback)
         callback();
-}
-
-/// Of a voice hotkey: key code 0 stands for modifiers alone.
-bool isModifiersOnly(const HotkeyConfig& hotkey) {
-    return hotkey.keyCode == 0;
 }
 
 }  // namespace
@@ -33,12 +25,27 @@ TavrelonError TavrelonError::permissionDenied(PermissionType permission, const Q
     return {permission, QStringLiteral("permissionDenied(accessibility): ") + reason};
 }
 
+void HotkeyManager::setStateMachine(const std::shared_ptr<input::InputStateMachine>& machine) {
+    stateMachine_ = machine;
+    stateSubscription_ = machine->bindableCurrentState().addNotifier([this] { refresh(); });
+    refresh();
+}
+
+void HotkeyManager::setRecordingKeys(bool isRecording) {
+    isRecordingKeys_ = isRecording;
+    refresh();
+}
+
+void HotkeyManager::setOwnWindowActive(bool isActive) {
+    isOwnWindowActive_ = isActive;
+    refresh();
+}
+
 void HotkeyManager::startListening() {
     if (!platform_.accessibility.isProcessTrusted())
         throw TavrelonError::permissionDenied(PermissionType::accessibility,
                                               QStringLiteral("this process may not watch the keyboard"));
-    refreshTap();
-    const auto started = platform_.eventTap.start([this](const KeyEvent& event) { return handle(event); });
+    const auto started = platform_.hotkeys.start([this](const WantedHotkey& hotkey) { pressed(hotkey); });
     if (!started)
         throw TavrelonError::permissionDenied(PermissionType::accessibility, started.error().description);
     isListening_ = true;
@@ -47,83 +54,67 @@ void HotkeyManager::startListening() {
 
 void HotkeyManager::stopListening() {
     if (isListening_)
-        platform_.eventTap.stop();
+        platform_.hotkeys.stop();
     isListening_ = false;
 }
 
-void HotkeyManager::refreshTap() {
-    std::vector<HotkeyConfig> withheld;
-    const auto add = [&withheld](const HotkeyConfig& hotkey, bool enabled) {
-        if (enabled)
-            withheld.push_back(hotkey);
-    };
-    add(toggleAllHotkeysHotkey, toggleAllHotkeysHotkeyEnabled);
-    if (hotkeysEnabled) {
-        add(videoHotkey, videoHotkeyEnabled);
-        add(toggleHotkey, toggleHotkeyEnabled);
-        add(floatingInputHotkey, floatingInputHotkeyEnabled);
-        add(quickAskHotkey, quickAskHotkeyEnabled);
-        add(cancelHotkey, cancelHotkeyEnabled);
-        add(autoReplyHotkey, autoReplyHotkeyEnabled);
-        add(voiceHotkey, voiceHotkeyEnabled && !isModifiersOnly(voiceHotkey));
-        add(voiceDictationHotkey, voiceDictationHotkeyEnabled && !isModifiersOnly(voiceDictationHotkey));
-    }
-    platform_.eventTap.setHotkeys(withheld);
+void HotkeyManager::refresh() {
+    const auto machine = stateMachine_.lock();
+    std::vector<DeclaredHotkey> wanted;
+    if (machine && !(isRecordingKeys_ && isOwnWindowActive_))
+        wanted = wantedHotkeys(*this, machine->currentState(),
+                               isOwnWindowActive_ ? FrontWindow::OurOwn : FrontWindow::OfAnotherApplication);
+    if (wanted == declared_)
+        return;
+    declared_ = std::move(wanted);
+    std::vector<WantedHotkey> hotkeys;
+    hotkeys.reserve(declared_.size());
+    for (const auto& declared : declared_)
+        hotkeys.push_back(declared.hotkey);
+    platform_.hotkeys.declare(hotkeys);
 }
 
-platform::TapVerdict HotkeyManager::handle(const KeyEvent& event) {
-    if (isRecordingKeys)
-        return platform::TapVerdict::Pass;
-    const auto handled = event.type == KeyEvent::Type::KeyDown ? handleKeyDown(event) : handleFlagsChanged(event);
-    return handled == Handled::Yes ? platform::TapVerdict::Drop : platform::TapVerdict::Pass;
+void HotkeyManager::pressed(const WantedHotkey& hotkey) {
+    const auto machine = stateMachine_.lock();
+    // A press that was on its way while the state changed may mean nothing any more.
+    const auto found = std::ranges::find(declared_, hotkey, &DeclaredHotkey::hotkey);
+    if (machine && found != declared_.end())
+        perform(found->action, *machine);
 }
 
-HotkeyManager::Handled HotkeyManager::handleKeyDown(const KeyEvent& event) {
-    const auto machine = stateMachine.lock();
-    if (!machine)
-        return Handled::No;
-    if (matches(toggleAllHotkeysHotkey, toggleAllHotkeysHotkeyEnabled, event)) {
-        call(onToggleAllHotkeysPressed);
-        return Handled::Yes;
+void HotkeyManager::perform(HotkeyAction action, input::InputStateMachine& machine) {
+    switch (action) {
+        case HotkeyAction::toggleAllHotkeys:
+            call(onToggleAllHotkeysPressed);
+            break;
+        case HotkeyAction::video:
+            call(onVideoHotkeyPressed);
+            break;
+        case HotkeyAction::toggle:
+            toggle(machine);
+            break;
+        case HotkeyAction::floatingInput:
+        case HotkeyAction::quickAsk:
+            openPromptBox();
+            break;
+        case HotkeyAction::cancel:
+            machine.cancelInput();
+            break;
+        case HotkeyAction::autoReply:
+            call(onAutoReplyHotkeyPressed);
+            break;
+        case HotkeyAction::voice:
+            log("[Hotkey] Voice hotkey pressed (Control+Option)");
+            call(onVoiceHotkeyPressed);
+            break;
+        case HotkeyAction::voiceDictation:
+            log("[Hotkey] Voice dictation hotkey pressed");
+            call(onVoiceDictationHotkeyPressed);
+            break;
     }
-    if (hotkeysEnabled && handleHotkey(event, *machine) == Handled::Yes)
-        return Handled::Yes;
-    const auto state = machine->currentState();
-    if (state == Case::listening || state == Case::recordingVideo)
-        machine->captureTypedKey(event);
-    return Handled::No;
 }
 
-/// The order decides where two hotkeys have the same keys: the first wins.
-HotkeyManager::Handled HotkeyManager::handleHotkey(const KeyEvent& event, input::InputStateMachine& machine) {
-    const auto state = machine.currentState();
-    const bool isBusy = state == Case::listening || state == Case::listeningVoice || state == Case::processing;
-    if (matches(videoHotkey, videoHotkeyEnabled, event) && !isBusy) {
-        call(onVideoHotkeyPressed);
-        return Handled::Yes;
-    }
-    if (matches(toggleHotkey, toggleHotkeyEnabled, event)) {
-        handleToggle(machine);
-        return Handled::Yes;
-    }
-    if (handlePromptBoxKeys(event, machine) == Handled::Yes || handleCancel(event, machine) == Handled::Yes)
-        return Handled::Yes;
-    if (matches(autoReplyHotkey, autoReplyHotkeyEnabled, event) && state.acceptsNewInput()) {
-        call(onAutoReplyHotkeyPressed);
-        return Handled::Yes;
-    }
-    if (!isModifiersOnly(voiceHotkey) && matches(voiceHotkey, voiceHotkeyEnabled, event)) {
-        call(onVoiceHotkeyPressed);
-        return Handled::Yes;
-    }
-    if (!isModifiersOnly(voiceDictationHotkey) && matches(voiceDictationHotkey, voiceDictationHotkeyEnabled, event)) {
-        call(onVoiceDictationHotkeyPressed);
-        return Handled::Yes;
-    }
-    return Handled::No;
-}
-
-void HotkeyManager::handleToggle(input::InputStateMachine& machine) {
+void HotkeyManager::toggle(input::InputStateMachine& machine) {
     lastToggleHotkeyTime_ = platform_.mainLoop.now();
     switch (machine.currentState().value) {
         case Case::idle:
@@ -144,78 +135,14 @@ void HotkeyManager::handleToggle(input::InputStateMachine& machine) {
             break;
         case Case::processing:
             log("[Hotkey] Ignored while processing");
+            call(onConfirmPressed);
             break;
     }
 }
 
-HotkeyManager::Handled HotkeyManager::handlePromptBoxKeys(const KeyEvent& event,
-                                                          const input::InputStateMachine& machine) {
-    if (matches(floatingInputHotkey, floatingInputHotkeyEnabled, event)) {
-        if (isWithinSuppression())
-            return Handled::Yes;
-        if (machine.currentState().acceptsNewInput()) {
-            call(onFloatingInputHotkeyPressed);
-            return Handled::Yes;
-        }
-    }
-    // No test of the state here; in our own windows the key is an ordinary one.
-    if (matches(quickAskHotkey, quickAskHotkeyEnabled, event) && !platform_.workspace.isOwnApplicationActive()) {
-        if (!isWithinSuppression())
-            call(onFloatingInputHotkeyPressed);
-        return Handled::Yes;
-    }
-    return Handled::No;
-}
-
-HotkeyManager::Handled HotkeyManager::handleCancel(const KeyEvent& event, input::InputStateMachine& machine) {
-    if (!matches(cancelHotkey, cancelHotkeyEnabled, event))
-        return Handled::No;
-    switch (machine.currentState().value) {
-        case Case::listening:
-        case Case::listeningVoice:
-        case Case::recordingVideo:
-            machine.cancelInput();
-            return Handled::Yes;
-        case Case::processing:
-            machine.cancelProcessing();
-            return Handled::Yes;
-        case Case::idle:
-        case Case::completed:
-        case Case::error:
-            break;  // the key works as usual in the focused application
-    }
-    return Handled::No;
-}
-
-HotkeyManager::Handled HotkeyManager::handleFlagsChanged(const KeyEvent& event) {
-    if (!hotkeysEnabled)
-        return Handled::No;
-    auto handled = Handled::No;
-    const auto follow = [&](const HotkeyConfig& hotkey, bool enabled, bool& latch, const char* line,
-                            const Callback& callback) {
-        const auto needed = hotkey.modifiers & keys::relevantModifierMask;
-        if (!enabled || !isModifiersOnly(hotkey) || needed.isEmpty())
-            return;
-        const bool isDown = event.modifierFlags.contains(needed);
-        if (isDown == latch)
-            return;
-        latch = isDown;
-        handled = Handled::Yes;
-        if (isDown) {
-            log(line);
-            call(callback);
-        }
-    };
-    follow(voiceHotkey, voiceHotkeyEnabled, voiceModifiersPressed, "[Hotkey] Voice hotkey pressed (Control+Option)",
-           onVoiceHotkeyPressed);
-    follow(voiceDictationHotkey, voiceDictationHotkeyEnabled, voiceDictationModifiersPressed,
-           "[Hotkey] Voice dictation hotkey pressed", onVoiceDictationHotkeyPressed);
-    return handled;
-}
-
-bool HotkeyManager::isWithinSuppression() const {
-    return lastToggleHotkeyTime_ &&
-           platform_.mainLoop.now() - *lastToggleHotkeyTime_ < floatingInputSuppressionInterval;
+void HotkeyManager::openPromptBox() {
+    if (!lastToggleHotkeyTime_ || platform_.mainLoop.now() - *lastToggleHotkeyTime_ >= floatingInputSuppressionInterval)
+        call(onFloatingInputHotkeyPressed);
 }
 
 }  // namespace tavrelon::hotkeys

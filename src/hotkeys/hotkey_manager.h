@@ -1,12 +1,12 @@
 #pragma once
 
-#include <chrono>
+#include <QProperty>
 #include <functional>
 #include <memory>
 #include <optional>
 
+#include "hotkeys/hotkey_table.h"
 #include "input/input_state_machine.h"
-#include "keys/hotkey_set.h"
 #include "platform/platform.h"
 #include "text/localized_error.h"
 
@@ -15,7 +15,7 @@ namespace tavrelon::hotkeys {
 /// The rights that the desktop may withhold.
 enum class PermissionType { accessibility };
 
-/// Why the keyboard cannot be watched.
+/// Why the keyboard cannot be had.
 class TavrelonError : public text::LocalizedError {
  public:
     static TavrelonError permissionDenied(PermissionType permission, const QString& reason);
@@ -27,11 +27,10 @@ class TavrelonError : public text::LocalizedError {
     PermissionType permission_;
 };
 
-/// Recognises the hotkeys among all key events of the session, decides by the state of the input whether a press
-/// counts, withholds the events that it used, and hands typed keys to an open text input. Main thread.
+/// Keeps the desktop's hotkeys at what the table wants, and does what a press is for. Main thread.
 ///
-/// The hotkeys are read at each event, so that a change works from the next key. Call `refreshTap` after changing any
-/// of them: the tap must know which keys it may have to withhold.
+/// A change of the input's state or of the window in front declares anew in the same turn. Call `refresh` after
+/// changing any of the hotkeys.
 class HotkeyManager : public keys::HotkeySet {
  public:
     using Callback = std::function<void()>;
@@ -41,48 +40,49 @@ class HotkeyManager : public keys::HotkeySet {
     HotkeyManager& operator=(const HotkeyManager&) = delete;
     ~HotkeyManager() { stopListening(); }
 
-    keys::HotkeyConfig quickAskHotkey = keys::defaults::quickAskHotkey;
-    bool quickAskHotkeyEnabled = true;
+    /// The machine that hotkeys drive; nothing is wanted without one.
+    void setStateMachine(const std::shared_ptr<input::InputStateMachine>& machine);
 
-    /// While a new hotkey is being recorded no key is taken for an old one.
-    bool isRecordingKeys = false;
+    /// While a new hotkey is being recorded in our own window, in front, no key is taken for an old one.
+    void setRecordingKeys(bool isRecording);
+    bool isRecordingKeys() const { return isRecordingKeys_; }
 
-    // Latches of the voice hotkeys that consist of modifiers alone: one call per press of the combination.
-    bool voiceModifiersPressed = false;
-    bool voiceDictationModifiersPressed = false;
-    void clearLatches() { voiceModifiersPressed = voiceDictationModifiersPressed = false; }
+    /// Whether one of our own windows has the focus.
+    void setOwnWindowActive(bool isActive);
 
-    std::weak_ptr<input::InputStateMachine> stateMachine;
     Callback onVoiceHotkeyPressed;
-    Callback onVoiceHotkeyReleased;  ///< declared only: voice hotkeys act on press
     Callback onVoiceDictationHotkeyPressed;
-    Callback onVoiceDictationHotkeyReleased;  ///< declared only
     Callback onAutoReplyHotkeyPressed;
     Callback onToggleAllHotkeysPressed;
     Callback onVideoHotkeyPressed;
+    Callback onConfirmPressed;  ///< the toggle hotkey while a request runs: yes, if it has asked something
     Callback onFloatingInputHotkeyPressed;
 
     /// Throws `TavrelonError`; no hotkey works then.
     void startListening();
+
+    /// Lets go of all keys; `startListening` takes them again.
     void stopListening();
-    void refreshTap();
+    bool isListening() const { return isListening_; }
+
+    /// Declares what is wanted now.
+    void refresh();
 
  private:
-    enum class Handled { No, Yes };
-
-    platform::TapVerdict handle(const platform::KeyEvent& event);
-    Handled handleKeyDown(const platform::KeyEvent& event);
-    Handled handleHotkey(const platform::KeyEvent& event, input::InputStateMachine& machine);
-    Handled handlePromptBoxKeys(const platform::KeyEvent& event, const input::InputStateMachine& machine);
-    Handled handleCancel(const platform::KeyEvent& event, input::InputStateMachine& machine);
-    void handleToggle(input::InputStateMachine& machine);
-    Handled handleFlagsChanged(const platform::KeyEvent& event);
-    bool isWithinSuppression() const;
+    void pressed(const platform::WantedHotkey& hotkey);
+    void perform(HotkeyAction action, input::InputStateMachine& machine);
+    void toggle(input::InputStateMachine& machine);
+    void openPromptBox();
     void log(const char* line) { platform_.log.line(QString::fromLatin1(line)); }
 
     platform::Platform& platform_;
-    bool isListening_ = false;
+    std::weak_ptr<input::InputStateMachine> stateMachine_;
+    QPropertyNotifier stateSubscription_;
+    std::vector<DeclaredHotkey> declared_;
     std::optional<async::Instant> lastToggleHotkeyTime_;
+    bool isListening_ = false;
+    bool isRecordingKeys_ = false;
+    bool isOwnWindowActive_ = false;
 };
 
 }  // namespace tavrelon::hotkeys

@@ -16,15 +16,16 @@ const auto promptBeforeSelection = QStringLiteral("请直接输出回复正文�
 }  // namespace
 
 void AutoReplyFlow::startAutoReply() {
-    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
+    if (!machine_.takeStage() || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
+    services_.outputWriter.aim();
     machine_.enterProcessingLater(InputTrigger::autoReply);
     machine_.beginProcessingTask(QStringLiteral("Error processing auto reply: "),
                                  [this](QUuid id) { return processAutoReply(id); });
 }
 
 async::Task<void> AutoReplyFlow::processAutoReply(QUuid id) {
-    if (!machine_.isCurrentTask(id))
+    if (!machine_.isCurrentTask(id) || !machine_.ensureNoPasswordField())
         co_return;
     const auto context = co_await services_.contextCapturer.captureContext(QString(), capture::ScreenshotWish::Include);
     if (machine_.isCurrentTask(id))
@@ -43,9 +44,10 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
         [this, &context, prompt, userStyle] { return generateOnce(prompt, context, userStyle); });
     if (!machine_.isCurrentTask(id))
         co_return;
+    auto placement = output::Placement::Written;
     if (retried.result.text) {
         co_await async::pause(services_.platform.mainLoop, 50ms);
-        co_await services_.outputWriter.pasteText(*retried.result.text);
+        placement = co_await services_.outputWriter.pasteText(*retried.result.text);
         if (!machine_.isCurrentTask(id))
             co_return;
     }
@@ -54,6 +56,7 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
                        {selection, retried.result.text.value_or(QStringLiteral("[Auto Reply]")),
                         QStringLiteral("reply"), retried.retryCount},
                        services_.platform.mainLoop.wallTime()));
+    output::ensureWritten(placement);
     co_await machine_.complete(id, 2s);
 }
 

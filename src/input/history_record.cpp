@@ -1,5 +1,7 @@
 #include "input/history_record.h"
 
+#include "text/foreign_text.h"
+
 namespace tavrelon::input {
 
 persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context,
@@ -15,8 +17,8 @@ persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context
     entry.appBundleID = context.appBundleID;
     entry.appName = context.appName;
     entry.windowTitle = context.windowTitle;
-    entry.inputText = std::move(record.inputText);
-    entry.outputText = std::move(record.outputText);
+    entry.inputText = text::withoutControls(record.inputText);
+    entry.outputText = text::writableAnswer(record.outputText);
     entry.retryCount = record.retryCount;
     return entry;
 }

@@ -10,41 +10,73 @@ namespace tavrelon::input {
 
 using Case = InputState::Case;
 
+namespace {
+
+constexpr std::chrono::milliseconds untilSecondLook{200};
+
+}  // namespace
+
 InputStateMachine::InputStateMachine(InputServices services)
     : services_(services),
+      typedText_(services.platform),
       textRequests_(std::make_unique<TextRequestPipeline>(*this, services)),
       voice_(std::make_unique<VoiceFlow>(*this, services)),
       autoReply_(std::make_unique<AutoReplyFlow>(*this, services)),
       video_(std::make_unique<VideoFlow>(*this, services)),
-      tasks_(services.platform.mainLoop) {}
+      tasks_(services.platform.mainLoop) {
+    services.platform.accessibility.onFocusChange(lifetime_.guard([this] {
+        watchForPasswordField();
+        // The element may speak before its window is known to be in front.
+        secondLook_ = services_.platform.mainLoop.after(untilSecondLook, [this] { watchForPasswordField(); });
+    }));
+}
 
 InputStateMachine::~InputStateMachine() = default;
 
+bool InputStateMachine::takeStage() {
+    if (!isNewInputPossible())
+        return false;
+    dropProcessingTask();
+    isStageTaken_ = true;
+    return true;
+}
+
+void InputStateMachine::setState(const InputState& state) {
+    isStageTaken_ = false;
+    currentState_ = state;
+}
+
 void InputStateMachine::startTextInput() {
-    if (!isNewInputPossible() || !ensureAIEnabled())
+    if (!takeStage() || !ensureAIEnabled() || !ensureNoPasswordField())
         return;
-    clearTypedInput();
-    // At once, before any further key can arrive.
+    // First of all: the user types on while the field is being read.
+    typedText_.begin([this] {
+        services_.platform.log.line(QStringLiteral("[StateMachine] The input is forgotten: its window was left"));
+        cancelInput();
+    });
     initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
     schedule([this] { enterInputState(Case::listening, InputTrigger::text); });
 }
 
 void InputStateMachine::commitTextInput() {
-    if (currentState() != Case::listening)
+    if (currentState() != Case::listening || !ensureNoPasswordField())
         return;
     auto snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+    services_.outputWriter.aim();
     setStateLater(Case::processing);
     beginProcessingTask(TextRequestPipeline::failureLog,
-                        [this, snapshot = std::move(snapshot), buffer = typedInputBuffer_](TaskID id) {
+                        [this, snapshot = std::move(snapshot), buffer = typedText_.end()](TaskID id) {
                             return textRequests_->processTextRequest(buffer, snapshot, id, TranscriptInserted::No);
                         });
 }
 
-void InputStateMachine::submitFloatingInput(const QString& text) {
-    if (!isNewInputPossible() || !ensureAIEnabled())
+void InputStateMachine::submitFloatingInput(const QString& text,
+                                            const std::optional<platform::RunningApplication>& into) {
+    if (!takeStage() || !ensureAIEnabled() || !ensureNoPasswordField())
         return;
+    into ? services_.outputWriter.aimAt(*into) : services_.outputWriter.aim();
     initialTextSnapshot.reset();
-    clearTypedInput();
+    typedText_.end();
     enterProcessingLater(InputTrigger::floatingInput);
     schedule([this, text] {
         beginProcessingTask(TextRequestPipeline::failureLog, [this, text](TaskID id) {
@@ -88,9 +120,9 @@ void InputStateMachine::cancelInput() {
     }
     initialTextSnapshot.reset();
     expectedScreenshot.reset();
-    clearTypedInput();
+    typedText_.end();
     schedule([this] {
-        currentState_ = Case::idle;
+        setState(Case::idle);
         currentTranscript_ = QString();
         activeTrigger_ = std::nullopt;
     });
@@ -99,36 +131,42 @@ void InputStateMachine::cancelInput() {
 void InputStateMachine::cancelProcessing() {
     if (currentState() != Case::processing)
         return;
+    dropProcessingTask();
+    resetToIdle();
+}
+
+/// The task finds itself overtaken when it wakes.
+void InputStateMachine::dropProcessingTask() {
     if (processingTask_)
         processingTask_->cancel();
-    // Cleared first, so that the task finds itself overtaken when it wakes.
     processingTask_.reset();
     processingTaskID_.reset();
-    resetToIdle();
 }
 
 void InputStateMachine::resetToIdle() {
     schedule([this] {
-        currentState_ = Case::idle;
+        setState(Case::idle);
         currentTranscript_ = QString();
         lastError_ = std::nullopt;
         activeTrigger_ = std::nullopt;
     });
-    // A recording may have begun in the pause of a flow that is only now at its end.
-    if (currentState() == Case::listeningVoice)
-        voice_->cancel();
     voice_->stopSilenceTimer();
     initialTextSnapshot.reset();
     expectedScreenshot.reset();
-    clearTypedInput();
+    typedText_.end();
     dropFramesLater();
+}
+
+void InputStateMachine::returnToIdle() {
+    if (!isStageTaken_ && (currentState() == Case::completed || currentState() == Case::error))
+        resetToIdle();
 }
 
 void InputStateMachine::enterInputState(const InputState& state, InputTrigger trigger) {
     // Before the state shows on the screen, perhaps over the very window that the picture is to be of.
     if (trigger != InputTrigger::voiceDictation)
         expectedScreenshot = services_.contextCapturer.expectScreenshot();
-    currentState_ = state;
+    setState(state);
     currentTranscript_ = QString();
     activeTrigger_ = trigger;
 }
@@ -140,17 +178,34 @@ bool InputStateMachine::ensureAIEnabled() {
     return false;
 }
 
+bool InputStateMachine::ensureNoPasswordField() {
+    if (!services_.platform.accessibility.isFocusSecure())
+        return true;
+    if (currentState() == Case::listeningVoice)
+        voice_->cancel();
+    initialTextSnapshot.reset();
+    expectedScreenshot.reset();
+    typedText_.end();
+    dropFramesLater();
+    failInput(QStringLiteral("Password field"));
+    return false;
+}
+
+void InputStateMachine::watchForPasswordField() {
+    if (currentState() == Case::listening)
+        ensureNoPasswordField();
+}
+
 void InputStateMachine::failInput(const QString& message) {
     services_.platform.log.line(QStringLiteral("[StateMachine] ") + message);
     schedule([this, message] {
         lastError_ = message;
-        currentState_ = InputState::error(message);
+        setState(InputState::error(message));
     });
 }
 
 void InputStateMachine::beginProcessingTask(QString failureLog, std::function<async::Task<void>(TaskID)> operation) {
-    if (processingTask_)
-        processingTask_->cancel();
+    dropProcessingTask();
     const auto id = TaskID::createUuid();
     processingTaskID_ = id;
     processingTask_ = tasks_.spawn(runProcessingTask(std::move(failureLog), std::move(operation), id));
@@ -188,7 +243,7 @@ void InputStateMachine::resetIfOwned(const TaskID& id) {
 async::Task<void> InputStateMachine::complete(TaskID id, std::chrono::milliseconds pauseLength) {
     schedule([this, id] {
         if (ownsInput(id))
-            currentState_ = Case::completed;
+            setState(Case::completed);
     });
     co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, pauseLength));
     resetIfOwned(id);
@@ -201,17 +256,17 @@ void InputStateMachine::fail(const TaskID& id, const QString& logPrefix, const s
         if (!ownsInput(id))
             return;
         lastError_ = message;
-        currentState_ = InputState::error(message);
+        setState(InputState::error(message));
     });
 }
 
 void InputStateMachine::setStateLater(const InputState& state) {
-    schedule([this, state] { currentState_ = state; });
+    schedule([this, state] { setState(state); });
 }
 
 void InputStateMachine::enterProcessingLater(InputTrigger trigger) {
     schedule([this, trigger] {
-        currentState_ = Case::processing;
+        setState(Case::processing);
         activeTrigger_ = trigger;
     });
 }

@@ -10,6 +10,7 @@
 #include "async/task_scope.h"
 #include "input/input_services.h"
 #include "input/input_state.h"
+#include "input/typed_text.h"
 #include "media/speech_recognizer.h"
 
 namespace tavrelon::input {
@@ -40,12 +41,13 @@ class InputStateMachine {
     std::optional<InputTrigger> activeTrigger() const { return activeTrigger_.value(); }
     QBindable<InputState> bindableCurrentState() { return &currentState_; }
     QBindable<QString> bindableCurrentTranscript() { return &currentTranscript_; }
-    const QString& typedInputBuffer() const { return typedInputBuffer_; }
+    const QString& typedInputBuffer() const { return typedText_.text(); }
 
     // What hotkeys and the prompt box call.
     void startTextInput();
     void commitTextInput();
-    void submitFloatingInput(const QString& text);
+    /// `into` is the application that the answer is for, where the focus may still be on its way back there.
+    void submitFloatingInput(const QString& text, const std::optional<platform::RunningApplication>& into = {});
     void handleVoiceHotkey();
     void handleVoiceDictationHotkey();
     void startVideoInput();
@@ -55,16 +57,24 @@ class InputStateMachine {
     void cancelProcessing();
     void resetToIdle();
 
-    /// Adds a key to the private copy of what is typed; the application gets the key as usual.
-    void captureTypedKey(const platform::KeyEvent& event);
+    /// Ends the display of a result or failure, unless a new input has begun meanwhile.
+    void returnToIdle();
 
     /// Attaches the recognizer, which outlives the machine. Called once.
     void setSpeechRecognizer(media::SpeechRecognizer& recognizer);
 
     // What the flows share.
     bool isNewInputPossible() const { return currentState().acceptsNewInput(); }
+
+    /// The gate of every new input: nothing runs, or only the end of one whose result or failure is still shown, which
+    /// loses the stage.
+    bool takeStage();
     void enterInputState(const InputState& state, InputTrigger trigger);
     bool ensureAIEnabled();
+
+    /// Whether no password field has the focus, so that an input may begin or go on; otherwise what was taken of the
+    /// input so far is forgotten, and it ends with a message.
+    bool ensureNoPasswordField();
 
     /// Runs `operation` as the one processing task; what it throws ends the input: a cancellation quietly, anything
     /// else as a failure whose line in the log begins with `failureLog`.
@@ -95,7 +105,6 @@ class InputStateMachine {
     std::optional<capture::AccessibilityTextSnapshot> initialTextSnapshot;
     /// Held from the input's beginning until its picture is taken.
     std::shared_ptr<void> expectedScreenshot;
-    void clearTypedInput() { typedInputBuffer_.clear(); }
     void setCurrentTranscript(const QString& transcript) { currentTranscript_ = transcript; }
 
     TextRequestPipeline& textRequests() { return *textRequests_; }
@@ -103,22 +112,27 @@ class InputStateMachine {
  private:
     async::Task<void> runProcessingTask(QString failureLog, std::function<async::Task<void>(TaskID)> operation,
                                         TaskID id);
+    void setState(const InputState& state);
     void finishProcessingTask(const TaskID& id);
+    void dropProcessingTask();
+    void watchForPasswordField();
     void dropFramesLater();
     async::Task<void> dropFrames();
 
     InputServices services_;
     QProperty<InputState> currentState_;
+    bool isStageTaken_ = false;  ///< an input has begun, but its state shows a turn later
     QProperty<QString> currentTranscript_;
     QProperty<std::optional<QString>> lastError_;
     QProperty<std::optional<InputTrigger>> activeTrigger_;
-    QString typedInputBuffer_;
+    TypedText typedText_;
     std::optional<async::TaskHandle> processingTask_;
     std::optional<TaskID> processingTaskID_;
     std::unique_ptr<TextRequestPipeline> textRequests_;
     std::unique_ptr<VoiceFlow> voice_;
     std::unique_ptr<AutoReplyFlow> autoReply_;
     std::unique_ptr<VideoFlow> video_;
+    async::Timer secondLook_;
     async::TaskScope tasks_;
     async::Lifetime lifetime_;
 };

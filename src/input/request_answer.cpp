@@ -23,6 +23,8 @@ async::Task<generation::GenerationResult> TextRequestPipeline::generateOnce(cons
                                                                             std::optional<QString> userStyle,
                                                                             std::optional<QString> userVoice) {
     const auto& settings = services_.storageManager.settings();
+    if (userVoice && !adaptivePromptForRequest(settings))
+        userVoice.reset();  // the provider was changed between two attempts
     co_return co_await services_.generator.generate(
         {.input = request.finalText,
          .context = request.context,
@@ -52,32 +54,37 @@ async::Task<void> TextRequestPipeline::leaveComposition(TextRequest& request) {
     request.finalDeleteCount = left ? left->deleteCount.value_or(0) : 0;
 }
 
-async::Task<persistence::HistoryEntry> TextRequestPipeline::write(const TextRequest& request,
-                                                                  const generation::GenerationResult& result) {
+async::Task<TextRequestPipeline::WrittenAnswer> TextRequestPipeline::write(const TextRequest& request,
+                                                                           const generation::GenerationResult& result) {
     const auto strategy =
         makeReplacementStrategy(request.requestText, request.context.selection, effectiveDeleteCount(request));
     const auto id = QUuid::createUuid();
     std::optional<QString> imagePath;
-    auto output = QStringLiteral("[Image Generated]");
+    output::ImageOutcome outcome{QStringLiteral("[Image Generated]")};
     if (result.imageData) {
-        imagePath = services_.historyManager.saveImage(*result.imageData, id);
-        output = co_await writeImage(request, *result.imageData, strategy);
+        auto picture = co_await services_.platform.imageCodec.pasteboardItem(*result.imageData);
+        if (!picture)  // told before a key is pressed: what was typed stays
+            throw output::OutputWriterError(output::OutputWriterError::Code::invalidImageData);
+        imagePath = services_.historyManager.saveImage(picture->dataByType.front().second, id);
+        outcome = co_await writeImage(request, *std::move(picture), strategy);
     } else if (result.text) {
-        co_await services_.outputWriter.writeText(*result.text, strategy.method, strategy.deleteCharCount,
-                                                  text::characterCount(request.requestText));
-        output = *result.text;
+        outcome.text = *result.text;
+        outcome.placement = co_await services_.outputWriter.writeText(
+            *result.text, strategy.method, strategy.deleteCharCount, text::characterCount(request.requestText));
     }
-    auto entry = historyEntryOf(request.context, result, {request.finalText, std::move(output), {}, 0},
+    auto entry = historyEntryOf(request.context, result, {request.finalText, std::move(outcome.text), {}, 0},
                                 services_.platform.mainLoop.wallTime());
     entry.id = id;
     entry.outputImagePath = std::move(imagePath);
-    co_return entry;
+    co_return WrittenAnswer{std::move(entry), outcome.placement};
 }
 
-async::Task<QString> TextRequestPipeline::writeImage(const TextRequest& request, const QByteArray& image,
-                                                     const scenes::ReplacementStrategy& strategy) {
+async::Task<output::ImageOutcome> TextRequestPipeline::writeImage(const TextRequest& request,
+                                                                  platform::PasteboardItem picture,
+                                                                  const scenes::ReplacementStrategy& strategy) {
     auto& writer = services_.outputWriter;
     const auto typedCount = text::characterCount(request.requestText);
+    auto paste = output::AutoPaste::Yes;
     switch (strategy.method) {
         case Method::replaceSelection:
             break;
@@ -85,11 +92,15 @@ async::Task<QString> TextRequestPipeline::writeImage(const TextRequest& request,
             co_await writer.writeText(QString(), strategy.method, strategy.deleteCharCount, typedCount);
             break;
         case Method::deleteChars:
-            if (const auto count = strategy.deleteCharCount.value_or(typedCount); count > 0)
-                co_await writer.deleteBackward(count);
+            if (const auto count = strategy.deleteCharCount.value_or(typedCount);
+                count > 0 && co_await writer.deleteBackward(count) == output::Placement::OnClipboard)
+                paste = output::AutoPaste::No;
             break;
     }
-    co_return co_await writer.writeImage(image, std::nullopt, output::AutoPaste::Yes);
+    auto outcome = co_await writer.writeImage(std::move(picture), std::nullopt, paste);
+    if (paste == output::AutoPaste::No)
+        outcome.placement = output::Placement::OnClipboard;
+    co_return outcome;
 }
 
 }  // namespace tavrelon::input

@@ -12,7 +12,7 @@ TextRequestPipeline::TextRequestPipeline(InputStateMachine& machine, const Input
 async::Task<void> TextRequestPipeline::processTextRequest(QString inputBuffer,
                                                           std::optional<AccessibilityTextSnapshot> focusedSnapshot,
                                                           QUuid id, TranscriptInserted transcriptInserted) {
-    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled())
+    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         co_return;
     TextRequest request;
     request.id = id;
@@ -45,11 +45,12 @@ async::Task<void> TextRequestPipeline::answer(TextRequest& request) {
     co_await leaveComposition(request);
     if (!machine_.isCurrentTask(request.id))
         co_return;
-    auto entry = co_await write(request, retried.result);
+    auto written = co_await write(request, retried.result);
     if (!machine_.isCurrentTask(request.id))
         co_return;
-    entry.retryCount = retried.retryCount;
-    record(request, std::move(entry));
+    written.entry.retryCount = retried.retryCount;
+    record(request, std::move(written.entry));
+    output::ensureWritten(written.placement);
     co_await machine_.complete(request.id, std::chrono::seconds(2));
 }
 

@@ -41,10 +41,13 @@ class TextRequestPipeline {
                                                            std::optional<QString> userVoice);
     async::Task<void> leaveComposition(TextRequest& request);
     std::optional<qint64> effectiveDeleteCount(const TextRequest& request) const;
-    async::Task<persistence::HistoryEntry> write(const TextRequest& request,
-                                                 const generation::GenerationResult& result);
-    async::Task<QString> writeImage(const TextRequest& request, const QByteArray& image,
-                                    const scenes::ReplacementStrategy& strategy);
+    struct WrittenAnswer {
+        persistence::HistoryEntry entry;
+        output::Placement placement;
+    };
+    async::Task<WrittenAnswer> write(const TextRequest& request, const generation::GenerationResult& result);
+    async::Task<output::ImageOutcome> writeImage(const TextRequest& request, platform::PasteboardItem picture,
+                                                 const scenes::ReplacementStrategy& strategy);
     void record(const TextRequest& request, persistence::HistoryEntry entry);
 
     void endEmpty(const QUuid& id);

@@ -11,19 +11,21 @@ using namespace std::chrono_literals;
 using generation::ProcessingError;
 
 void VideoFlow::startVideoInput() {
-    if (!machine_.isNewInputPossible() || !machine_.ensureAIEnabled())
+    if (!machine_.takeStage() || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
     if (!services_.platform.screenCapture.preflightAccess()) {
         machine_.failInput(QStringLiteral("Screen recording permission required"));
         return;
     }
     machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
+    services_.outputWriter.aim();
     machine_.startRecordingFrames();
     machine_.schedule([this] { machine_.enterInputState(InputState::Case::recordingVideo, InputTrigger::video); });
 }
 
 void VideoFlow::stopVideoInput() {
-    if (machine_.currentState() != InputState::Case::recordingVideo || machine_.activeTrigger() != InputTrigger::video)
+    if (machine_.currentState() != InputState::Case::recordingVideo ||
+        machine_.activeTrigger() != InputTrigger::video || !machine_.ensureNoPasswordField())
         return;
     machine_.setStateLater(InputState::Case::processing);
     machine_.beginProcessingTask(QStringLiteral("Error processing video input: "),
@@ -36,7 +38,7 @@ async::Task<void> VideoFlow::process(QUuid id) {
 }
 
 async::Task<void> VideoFlow::processVideoInput(QString text, std::vector<QByteArray> frames, QUuid id) {
-    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled())
+    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         co_return;
     const auto initial = machine_.initialTextSnapshot;
     const auto current = services_.contextCapturer.fetchFocusedTextSnapshot();
@@ -66,11 +68,12 @@ async::Task<void> VideoFlow::describe(const QString& requestText, const std::vec
         });
     if (!machine_.isCurrentTask(id))
         co_return;
+    auto placement = output::Placement::Written;
     if (retried.result.text) {
         const auto typed = text::characterCount(requestText);
         const auto strategy = makeReplacementStrategy(requestText, context.selection, typed);
-        co_await services_.outputWriter.writeText(*retried.result.text, strategy.method, strategy.deleteCharCount,
-                                                  typed);
+        placement = co_await services_.outputWriter.writeText(*retried.result.text, strategy.method,
+                                                              strategy.deleteCharCount, typed);
         if (!machine_.isCurrentTask(id))
             co_return;
     }
@@ -79,6 +82,7 @@ async::Task<void> VideoFlow::describe(const QString& requestText, const std::vec
                        {prompt, retried.result.text.value_or(QStringLiteral("[Video Result]")), QStringLiteral("video"),
                         retried.retryCount},
                        services_.platform.mainLoop.wallTime()));
+    output::ensureWritten(placement);
     co_await machine_.complete(id, 2s);
 }
 

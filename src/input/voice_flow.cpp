@@ -20,23 +20,23 @@ void VoiceFlow::setSpeechRecognizer(media::SpeechRecognizer& recognizer) {
 }
 
 void VoiceFlow::toggle(InputTrigger kind) {
-    if (machine_.isNewInputPossible())
+    if (machine_.takeStage())
         kind == InputTrigger::voice ? startVoiceInput() : startVoiceDictation();
     else
         stop(kind);
 }
 
 void VoiceFlow::startVoiceInput() {
-    if (!machine_.ensureAIEnabled())
+    if (!machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
-    if (speechRecognizer_) {
-        machine_.clearTypedInput();
+    if (speechRecognizer_)
         machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
-    }
     startRecording(InputTrigger::voice, QStringLiteral("[StateMachine] Failed to start voice recording: "));
 }
 
 void VoiceFlow::startVoiceDictation() {
+    if (!machine_.ensureNoPasswordField())
+        return;
     if (speechRecognizer_)
         machine_.initialTextSnapshot.reset();
     startRecording(InputTrigger::voiceDictation, QStringLiteral("[StateMachine] Failed to start voice dictation: "));
@@ -48,6 +48,7 @@ void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
         machine_.failInput(QStringLiteral("Speech recognition is not available."));
         return;
     }
+    services_.outputWriter.aim();
     machine_.schedule([this, kind] { machine_.enterInputState(Case::listeningVoice, kind); });
     try {
         speechRecognizer_->startRecording();
@@ -61,7 +62,8 @@ void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
 }
 
 void VoiceFlow::stop(InputTrigger kind) {
-    if (machine_.currentState() != Case::listeningVoice || machine_.activeTrigger() != kind)
+    if (machine_.currentState() != Case::listeningVoice || machine_.activeTrigger() != kind ||
+        !machine_.ensureNoPasswordField())
         return;
     stopSilenceTimer();
     if (speechRecognizer_)

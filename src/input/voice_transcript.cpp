@@ -42,10 +42,9 @@ async::Task<void> VoiceFlow::insertTranscript(QString text, QUuid id) {
     const auto selection = co_await services_.contextCapturer.selectedText();
     if (!machine_.isCurrentTask(id))
         co_return;
-    if (selection && !text::isBlank(*selection))
-        co_await services_.outputWriter.writeText(std::move(text), Method::replaceSelection, std::nullopt, 0);
-    else
-        co_await services_.outputWriter.writeText(std::move(text), Method::deleteChars, 0, 0);
+    const bool replaces = selection && !text::isBlank(*selection);
+    output::ensureWritten(co_await services_.outputWriter.writeText(
+        std::move(text), replaces ? Method::replaceSelection : Method::deleteChars, 0, 0));
 }
 
 async::Task<bool> VoiceFlow::tryInsertTranscript(QString text, QUuid id) {

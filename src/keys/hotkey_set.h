@@ -22,6 +22,8 @@ struct HotkeySet {
     bool videoHotkeyEnabled = true;
     HotkeyConfig floatingInputHotkey = defaults::floatingInputHotkey;
     bool floatingInputHotkeyEnabled = true;
+    HotkeyConfig quickAskHotkey = defaults::quickAskHotkey;  ///< always this key: only its switch is stored
+    bool quickAskHotkeyEnabled = true;
     bool hotkeysEnabled = true;  ///< the master switch of all hotkeys
 
     bool operator==(const HotkeySet&) const = default;

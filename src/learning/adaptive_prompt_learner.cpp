@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "learning/adaptive_prompt.h"
+#include "persistence/taught.h"
 
 namespace tavrelon::learning {
 
@@ -100,28 +101,31 @@ void AdaptivePromptLearner::evaluateUpdate() {
 }
 
 async::Task<void> AdaptivePromptLearner::update(std::vector<QString> samples) {
-    const auto prompt = co_await learnedPrompt(std::move(samples));
-    if (prompt)
-        queue_->post([this, prompt = *prompt] { finish(prompt); });
+    const auto lesson = co_await learnedPrompt(std::move(samples));
+    if (lesson)
+        queue_->post([this, lesson = *lesson] { finish(lesson); });
     else
         queue_->post([this] { finishWithoutChange(); });
 }
 
-async::Task<std::optional<QString>> AdaptivePromptLearner::learnedPrompt(std::vector<QString> samples) {
-    if (!storageManager_.settings().enableLocalLearning)
+async::Task<std::optional<AdaptivePromptLearner::Lesson>> AdaptivePromptLearner::learnedPrompt(
+    std::vector<QString> samples) {
+    if (!storageManager_.settings().enableLocalLearning || !mayAsk_())
         co_return std::nullopt;
+    const auto provider = persistence::providerOf(storageManager_.settings());
     try {
-        const auto reply = co_await pollinationsService_.generateText(
+        const auto answer = co_await pollinationsService_.answerText(
             adaptive_prompt::systemPrompt(), adaptive_prompt::userPrompt(samples), {}, maxTokens, temperature);
-        co_return adaptive_prompt::cleanedPrompt(reply);
+        if (const auto prompt = adaptive_prompt::cleanedPrompt(answer.text))
+            co_return Lesson{*prompt, answer.source, provider};
     } catch (const std::exception& error) {
         log_.line(tag + "Failed to update system prompt: "_L1 + text::localizedDescription(error));
     }
     co_return std::nullopt;
 }
 
-void AdaptivePromptLearner::finish(const QString& prompt) {
-    mainLoop_.post(lifetime_.guard([this, prompt] { storePrompt(prompt); }));
+void AdaptivePromptLearner::finish(const Lesson& lesson) {
+    mainLoop_.post(lifetime_.guard([this, lesson] { storePrompt(lesson); }));
     auto& pending = state_.pendingInputs;
     pending.erase(pending.begin(), pending.begin() + std::min<qsizetype>(learningInterval_, std::ssize(pending)));
     state_.lastUpdatedAt = mainLoop_.wallTime();
@@ -135,10 +139,11 @@ void AdaptivePromptLearner::finishWithoutChange() {
     save();
 }
 
-void AdaptivePromptLearner::storePrompt(const QString& prompt) {
+void AdaptivePromptLearner::storePrompt(const Lesson& lesson) {
     storageManager_.changeSettings([&](persistence::AppSettings& settings) {
-        settings.adaptiveSystemPrompt = prompt;
+        settings.adaptiveSystemPrompt = lesson.prompt;
         settings.adaptiveSystemPromptUpdatedAt = mainLoop_.wallTime();
+        noteSource(settings, persistence::Taught::AdaptivePrompt, lesson.source, lesson.provider);
     });
     storageManager_.saveSettings();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 
 #include "async/lifetime.h"
 #include "async/task_scope.h"
@@ -31,12 +32,22 @@ class AdaptivePromptLearner : public InputRecorder {
     AdaptivePromptLearner& operator=(const AdaptivePromptLearner&) = delete;
     ~AdaptivePromptLearner() override;
 
+    /// An update waits for a later input while `mayAsk` says no. Main thread.
+    void askOnlyIf(std::function<bool()> mayAsk) { mayAsk_ = std::move(mayAsk); }
+
     void recordInput(const QString& text) override;
 
     /// Starts an update if enough samples wait for one. Returns at once.
     void scheduleEvaluation();
 
  private:
+    /// A prompt, who wrote it, and the provider that was chosen then.
+    struct Lesson {
+        QString prompt;
+        QString source;
+        QString provider;
+    };
+
     // On the calling thread, before the queue has its first block.
     void load();
     void seed(const persistence::HistoryManager& historyManager);
@@ -44,14 +55,14 @@ class AdaptivePromptLearner : public InputRecorder {
     // On the queue.
     void record(const QString& input);
     void evaluateUpdate();
-    void finish(const QString& prompt);
+    void finish(const Lesson& lesson);
     void finishWithoutChange();
     void save();
 
     // On the main thread.
     async::Task<void> update(std::vector<QString> samples);
-    async::Task<std::optional<QString>> learnedPrompt(std::vector<QString> samples);
-    void storePrompt(const QString& prompt);
+    async::Task<std::optional<Lesson>> learnedPrompt(std::vector<QString> samples);
+    void storePrompt(const Lesson& lesson);
 
     async::MainLoop& mainLoop_;
     platform::FileSystem& fileSystem_;
@@ -59,6 +70,7 @@ class AdaptivePromptLearner : public InputRecorder {
     persistence::StorageManager& storageManager_;
     generation::PollinationsService& pollinationsService_;
     qsizetype learningInterval_;
+    std::function<bool()> mayAsk_ = [] { return true; };
     QString stateURL_;
 
     LearnerState state_;

@@ -8,6 +8,7 @@ namespace tavrelon::learning {
 struct CloneProfile {
     QString systemPrompt;
     QString languageStyle;  ///< empty where the model named none
+    QString source{};       ///< who made it, for the user to read
 
     bool operator==(const CloneProfile&) const = default;
 };

@@ -106,8 +106,9 @@ async::Task<CloneProfile> CloneService::learnProfile(QString samples) {
     std::exception_ptr lastError;
     generation::WalkSteps steps{
         .accept =
-            [&profile](generation::PollinationsModel, const QString& reply) {
+            [this, &profile](generation::PollinationsModel model, const QString& reply) {
                 profile = parseCloneProfile(reply);
+                profile.source = pollinationsService_.sourceName(model);
                 return std::optional(reply);
             },
         .failed = [&lastError](generation::PollinationsModel,

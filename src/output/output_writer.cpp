@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "async/waits.h"
+#include "text/foreign_text.h"
 
 namespace tavrelon::output {
 
@@ -34,6 +35,8 @@ QString describe(OutputWriterError::Code code, const QString& detail) {
             return QStringLiteral("No frontmost application found");
         case OutputWriterError::Code::invalidImageData:
             return QStringLiteral("Invalid image data");
+        case OutputWriterError::Code::leftOnClipboard:
+            return QStringLiteral("Answer is on the clipboard");
     }
     std::abort();
 }
@@ -47,12 +50,19 @@ OutputWriterError clipboardRefused() {
 OutputWriterError::OutputWriterError(Code code, const QString& detail)
     : LocalizedError(describe(code, detail)), code_(code) {}
 
-async::Task<void> OutputWriter::writeText(QString text, Method method, std::optional<qint64> deleteCharCount,
-                                          qint64 fallbackDeleteCount) {
-    if (method == Method::replaceSelection) {
-        co_await replaceSelection(std::move(text));
-        co_return;
-    }
+void ensureWritten(Placement placement) {
+    if (placement == Placement::OnClipboard)
+        throw OutputWriterError(OutputWriterError::Code::leftOnClipboard);
+}
+
+async::Task<Placement> OutputWriter::writeText(QString text, Method method, std::optional<qint64> deleteCharCount,
+                                               qint64 fallbackDeleteCount) {
+    text = text::writableAnswer(text);
+    const auto fitting = place_.isInFront() ? textForPlace(text) : std::nullopt;
+    if (!fitting)
+        co_return leaveOnClipboard(text);
+    if (method == Method::replaceSelection)
+        co_return co_await replaceSelection(*fitting);
     const platform::ModifiersAside aside(platform_.keyPoster);  // over the whole write: no flicker between its keys
     switch (method) {
         case Method::replaceSelection:
@@ -62,13 +72,29 @@ async::Task<void> OutputWriter::writeText(QString text, Method method, std::opti
             co_await async::pause(platform_.mainLoop, afterEscape);
             break;
         case Method::deleteChars:
-            co_await deleteBackward(deleteCharCount.value_or(fallbackDeleteCount));
+            if (co_await deleteBackward(deleteCharCount.value_or(fallbackDeleteCount)) == Placement::OnClipboard)
+                co_return leaveOnClipboard(text);
             break;
     }
-    co_await pasteText(std::move(text));
+    co_return co_await pasteText(*fitting);
 }
 
-async::Task<void> OutputWriter::replaceSelection(QString text) {
+std::optional<QString> OutputWriter::textForPlace(QString text) const {
+    if (!place_.isTerminal())
+        return text;
+    while (text.endsWith(u'\n'))
+        text.chop(1);
+    return text.contains(u'\n') ? std::nullopt : std::optional(text);
+}
+
+Placement OutputWriter::leaveOnClipboard(const QString& text) {
+    platform_.pasteboard.clearContents();
+    if (!platform_.pasteboard.setString(text))
+        throw clipboardRefused();
+    return Placement::OnClipboard;
+}
+
+async::Task<Placement> OutputWriter::replaceSelection(QString text) {
     auto& accessibility = platform_.accessibility;
     if (!accessibility.isProcessTrusted())
         throw OutputWriterError(OutputWriterError::Code::permissionDenied);
@@ -77,15 +103,14 @@ async::Task<void> OutputWriter::replaceSelection(QString text) {
         // A window that does not tell its process, as over a network, takes a paste all the same.
         if (!platform_.workspace.frontmostWindowTitle())
             throw OutputWriterError(OutputWriterError::Code::noFrontmostApp);
-        co_await pasteText(std::move(text));
-        co_return;
+        co_return co_await pasteText(std::move(text));
     }
     const auto focused = accessibility.copyAttribute(platform::axApplicationElement(application->processIdentifier),
                                                      AXAttribute::FocusedUIElement);
     const auto* element = focused ? std::get_if<AXElement>(&*focused) : nullptr;
     if (element && co_await wasReplaced(*element, text))
-        co_return;
-    co_await pasteText(std::move(text));
+        co_return Placement::Written;
+    co_return co_await pasteText(std::move(text));
 }
 
 async::Task<bool> OutputWriter::wasReplaced(AXElement field, QString text) {
@@ -108,7 +133,7 @@ async::Task<bool> OutputWriter::cancelComposition() {
     auto& poster = platform_.keyPoster;
     const bool wasOpen = poster.isCompositionOpen();
     const platform::ModifiersAside aside(poster);
-    for (int wait = 0; wait < escapeWaits && poster.isCompositionOpen(); ++wait) {
+    for (int wait = 0; wait < escapeWaits && poster.isCompositionOpen() && place_.isInFront(); ++wait) {
         // Some go back one step with each Escape. Again only after a while: the program might get it instead.
         if (wait % waitsPerEscape == 0)
             pressPlain(keys::keyEscape);
@@ -117,47 +142,56 @@ async::Task<bool> OutputWriter::cancelComposition() {
     co_return wasOpen;
 }
 
-async::Task<void> OutputWriter::deleteBackward(qint64 count) {
+async::Task<Placement> OutputWriter::deleteBackward(qint64 count) {
     if (count < 0)
         std::abort();
+    if (count > 0 && !place_.isInFront())
+        co_return Placement::OnClipboard;
     const platform::ModifiersAside aside(platform_.keyPoster);
     for (qint64 i = 0; i < count; ++i) {
+        if (!place_.isWindowInFront())
+            co_return Placement::OnClipboard;
         pressPlain(keys::keyBackspace);
         co_await async::pause(platform_.mainLoop, afterBackspace);
     }
     co_await async::pause(platform_.mainLoop, afterLastBackspace);
+    co_return Placement::Written;
 }
 
-async::Task<void> OutputWriter::pasteText(QString text) {
+async::Task<Placement> OutputWriter::pasteText(QString text) {
     // What was on the pasteboard is not asked for: a paste does not give it back, and its owner may be slow.
-    platform_.pasteboard.clearContents();
-    if (!platform_.pasteboard.setString(text))
-        throw clipboardRefused();
-    co_await pressPaste();
+    text = text::writableAnswer(text);
+    const auto fitting = textForPlace(text);
+    leaveOnClipboard(fitting.value_or(text));
+    co_return fitting ? co_await pressPaste() : Placement::OnClipboard;
 }
 
-async::Task<void> OutputWriter::pressPaste() {
+async::Task<Placement> OutputWriter::pressPaste() {
     co_await async::pause(platform_.mainLoop, beforePaste);
+    if (!place_.isInFront())
+        co_return Placement::OnClipboard;
     const platform::ModifiersAside aside(platform_.keyPoster);
     platform_.keyPoster.press(keys::keyV, keys::commandFlag);
     co_await async::pause(platform_.mainLoop, postPasteDelay);
+    co_return Placement::Written;
 }
 
-async::Task<QString> OutputWriter::writeImage(QByteArray data, std::optional<QString> caption, AutoPaste autoPaste) {
-    auto item = co_await platform_.imageCodec.pasteboardItem(std::move(data));
+async::Task<ImageOutcome> OutputWriter::writeImage(std::optional<platform::PasteboardItem> picture,
+                                                    std::optional<QString> caption, AutoPaste autoPaste) {
     platform_.pasteboard.clearContents();
-    if (!item) {
+    if (!picture) {
         if (caption)
-            co_return *caption;
+            co_return ImageOutcome{*caption};
         throw OutputWriterError(OutputWriterError::Code::invalidImageData);
     }
     std::vector<platform::PasteboardItem> items;
-    items.push_back(*std::move(item));
+    items.push_back(*std::move(picture));
     if (!platform_.pasteboard.writeItems(std::move(items)))
         throw clipboardRefused();
+    ImageOutcome outcome{caption.value_or(QStringLiteral("图片已复制到剪贴板"))};
     if (autoPaste == AutoPaste::Yes)
-        co_await pressPaste();
-    co_return caption.value_or(QStringLiteral("图片已复制到剪贴板"));
+        outcome.placement = co_await pressPaste();
+    co_return outcome;
 }
 
 }  // namespace tavrelon::output

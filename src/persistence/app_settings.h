@@ -44,11 +44,15 @@ struct AppSettings : keys::HotkeySet {
 
     QString adaptiveSystemPrompt;
     std::optional<Date> adaptiveSystemPromptUpdatedAt;
+    QString adaptiveSystemPromptSource;    ///< who taught it, for the user to read; empty where that is not known
+    QString adaptiveSystemPromptProvider;  ///< the provider that may have it, see `taught.h`; likewise below
 
     QString cloneApiBaseURL = defaultCloneApiBaseURL();
     QString cloneLanguageStyle;
     QString cloneSystemPrompt;
     std::optional<Date> cloneLanguageStyleUpdatedAt;
+    QString cloneSource;
+    QString cloneProvider;
 
     bool enableNvidiaLocal = false;
     bool enableNvidiaThink = false;

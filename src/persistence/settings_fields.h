@@ -74,6 +74,11 @@ inline constexpr auto settingsFields = std::to_array<SettingsField>({
     {"enableLocalLearning", 50, &AppSettings::enableLocalLearning},
     {"shareImprovements", 51, &AppSettings::shareImprovements},
     {"appLanguage", 52, &AppSettings::appLanguage},
+    {"quickAskHotkeyEnabled", 53, &AppSettings::quickAskHotkeyEnabled},
+    {"adaptiveSystemPromptSource", 54, &AppSettings::adaptiveSystemPromptSource},
+    {"adaptiveSystemPromptProvider", 55, &AppSettings::adaptiveSystemPromptProvider},
+    {"cloneSource", 56, &AppSettings::cloneSource},
+    {"cloneProvider", 57, &AppSettings::cloneProvider},
 });
 
 /// The same fields in the order of writing.

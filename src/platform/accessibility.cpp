@@ -36,6 +36,8 @@ QString axErrorName(AXError error) {
             return QStringLiteral("kAXErrorParameterizedAttributeUnsupported");
         case AXError::NotEnoughPrecision:
             return QStringLiteral("kAXErrorNotEnoughPrecision");
+        case AXError::SecureField:
+            return QStringLiteral("kAXErrorSecureField");
     }
     return QStringLiteral("AXError(%1)").arg(static_cast<int>(error));
 }

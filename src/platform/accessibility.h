@@ -3,6 +3,7 @@
 #include <QString>
 #include <cstdint>
 #include <expected>
+#include <functional>
 #include <variant>
 
 #include "text/characters.h"
@@ -27,6 +28,7 @@ enum class AXError : int {
     NoValue = -25212,
     ParameterizedAttributeUnsupported = -25213,
     NotEnoughPrecision = -25214,
+    SecureField = 1,  ///< the element holds a password, of which nothing is told
 };
 
 /// The error's name in log lines, as "kAXErrorNoValue"; "AXError(<number>)" for a number without a name.
@@ -97,6 +99,14 @@ using AXValue = std::variant<std::monostate, QString, AXAttributedString, text::
 /// The value's type, for log lines.
 QString axTypeName(const AXValue& value);
 
+/// What the element with the focus is, as far as it decides what may be kept of its keys or pressed there.
+enum class FocusKind : std::uint8_t {
+    Unknown,  ///< nothing tells: no bus, or an application that is not on it or does not answer
+    Ordinary,
+    Password,  ///< nothing of it may be read, recorded, photographed or written
+    Terminal,
+};
+
 /// Reads and writes the elements of other applications. Main thread. Every call is bounded: an application that does
 /// not answer costs at most 250 ms in all within one turn of the main loop, and nothing afterwards until it answers
 /// again; until then its calls give `CannotComplete`.
@@ -122,6 +132,15 @@ class Accessibility {
     /// `Success` only if the application was seen to hold the new text; otherwise nothing can be said of the field
     /// except that the caller must write in another way.
     virtual AXError setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) = 0;
+
+    /// Asks anew once in each turn of the main loop. Our own windows are told of too.
+    virtual FocusKind focusKind() = 0;
+    bool isFocusSecure() { return focusKind() == FocusKind::Password; }
+
+    /// Runs `handler` in a turn of its own each time an element of some application says that it has got the focus, in
+    /// place of an earlier handler; an empty one ends it. Nothing is told of applications that are not on the bus, and
+    /// the first news of one that has just started may be missed.
+    virtual void onFocusChange(std::function<void()> handler) = 0;
 };
 
 inline AXElement axSystemWideElement() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 namespace tavrelon::platform {
 
 /// This process as the desktop sees it. Main thread.
@@ -9,6 +11,10 @@ class Application {
 
     /// Shows the program's name, version and licence in a small window that takes the focus.
     virtual void orderFrontStandardAboutPanel() = 0;
+
+    /// `onActiveChanged` is called when one of our windows gets the focus (true) or the last one loses it; null ends
+    /// that.
+    virtual void setOnActiveChanged(std::function<void(bool isActive)> onActiveChanged) = 0;
 
     /// Ends the event loop once the running block is done.
     virtual void terminate() = 0;

@@ -6,7 +6,7 @@
 namespace tavrelon::platform {
 
 /// A picture in memory: rows from the top, without gaps, of four bytes for each pixel: blue, green, red, and one that
-/// means nothing. Copies share the bytes.
+/// means nothing where nothing else is said. Copies share the bytes.
 struct Image {
     int width = 0;
     int height = 0;

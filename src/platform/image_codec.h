@@ -14,7 +14,8 @@ class ImageCodec {
  public:
     virtual ~ImageCodec() = default;
 
-    /// The picture in the forms that applications paste, the best first; absent when the bytes are no picture.
+    /// A picture from elsewhere, decoded out of harm's way (picture_decoder.h) and encoded anew in the forms that
+    /// applications paste. The first is PNG. Absent when the bytes are no picture of the formats and bounds told there.
     virtual async::Task<std::optional<PasteboardItem>> pasteboardItem(QByteArray image) = 0;
 
     /// The picture as JPEG; `quality` goes from 0 to 1. Absent when it cannot be encoded.

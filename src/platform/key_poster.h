@@ -18,6 +18,10 @@ class KeyPoster {
     /// that cannot be told.
     virtual bool isCompositionOpen() = 0;
 
+    /// Whether a program holds the whole keyboard, as a screen's lock, a password prompt or an open menu does: posted
+    /// keys would go there, whichever window is in front. False where that cannot be told.
+    virtual bool isKeyboardHeld() = 0;
+
     /// Between these two, modifiers that the user still holds do not reach the target with the posted keys. Calls nest;
     /// the last one gives back what is still held. Use `ModifiersAside`.
     virtual void putModifiersAside() = 0;

@@ -7,11 +7,12 @@
 #include "platform/audio_input.h"
 #include "platform/defaults_store.h"
 #include "platform/document_reader.h"
-#include "platform/event_tap.h"
 #include "platform/file_system.h"
+#include "platform/hotkeys.h"
 #include "platform/http_session.h"
 #include "platform/image_codec.h"
 #include "platform/input_source.h"
+#include "platform/key_observer.h"
 #include "platform/key_poster.h"
 #include "platform/log.h"
 #include "platform/pasteboard.h"
@@ -27,7 +28,8 @@ struct Platform {
     async::MainLoop& mainLoop;
     Log& log;
     Accessibility& accessibility;
-    EventTap& eventTap;
+    Hotkeys& hotkeys;
+    KeyObserver& keyObserver;
     KeyPoster& keyPoster;
     Pasteboard& pasteboard;
     Workspace& workspace;

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QUrl>
+#include <cstdint>
 #include <optional>
 
 namespace tavrelon::platform {
@@ -13,6 +14,16 @@ struct RunningApplication {
     std::optional<QString> localizedName;
     quint64 windowIdentifier = 0;  ///< the window that was in front; 0 where there is none
     bool operator==(const RunningApplication&) const = default;
+};
+
+enum class WindowKind : std::uint8_t { Ordinary, Terminal };
+
+/// The window that has the focus.
+struct FrontmostWindow {
+    quint64 identifier = 0;        ///< as of `RunningApplication`
+    qint64 processIdentifier = 0;  ///< 0 where it is unknown
+    WindowKind kind = WindowKind::Ordinary;
+    bool operator==(const FrontmostWindow&) const = default;
 };
 
 /// A window's own area on the screen, in pixels from the upper left corner, without what the window manager puts around
@@ -35,6 +46,9 @@ class Workspace {
 
     /// The application whose window has the focus. Absent when no window has it or its process is unknown.
     virtual std::optional<RunningApplication> frontmostApplication() = 0;
+
+    /// The window that has the focus, also where its process is unknown.
+    virtual std::optional<FrontmostWindow> frontmostWindow() = 0;
 
     /// The title of the window that has the focus.
     virtual std::optional<QString> frontmostWindowTitle() = 0;

@@ -2,9 +2,18 @@
 
 #include <QCoreApplication>
 
+#include "desktop/documents/confinement.h"
 #include "desktop/x11/x11_terminal_shortcuts.h"
 
 namespace tavrelon::program {
+
+namespace {
+
+QString readerProgram() {
+    return QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader");
+}
+
+}  // namespace
 
 std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::Log& log,
                                                const std::shared_ptr<desktop::PostedKeys>& posted) {
@@ -36,18 +45,21 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
 Adapters::Adapters(async::MainLoop& loop, platform::Log& log, Essentials& essentials,
                    const std::shared_ptr<desktop::PostedKeys>& posted, const desktop::UserFolders& folders)
     : accessibility(*essentials.workspace, loop, log),
-      eventTap(loop, log, posted),
+      hotkeys(loop, log, posted),
+      keyObserver(hotkeys),
       inputSource(loop),
-      imageCodec(loop),
+      pictureDecoder(loop, readerProgram()),
+      imageCodec(loop, pictureDecoder),
       httpSession(loop),
-      documentReader(loop, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-document-reader")),
+      documentReader(loop, readerProgram()),
       audioInput(loop, log),
       speech(loop, log, folders.applicationSupport),
       defaultsStore(fileSystem, log, folders.configuration),
       platform{loop,
                log,
                accessibility,
-               eventTap,
+               hotkeys,
+               keyObserver,
                *essentials.keyPoster,
                *essentials.pasteboard,
                *essentials.workspace,
@@ -61,6 +73,9 @@ Adapters::Adapters(async::MainLoop& loop, platform::Log& log, Essentials& essent
                documentReader,
                audioInput,
                speech,
-               folders.applicationSupport} {}
+               folders.applicationSupport} {
+    if (const auto gap = desktop::confinementGap())
+        log.line(QStringLiteral("[Documents] ") + *gap);
+}
 
 }  // namespace tavrelon::program

@@ -7,6 +7,7 @@
 #include "desktop/audio/pulse_audio_input.h"
 #include "desktop/audio/vosk_speech.h"
 #include "desktop/documents/document_process_reader.h"
+#include "desktop/documents/picture_process_decoder.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/directory_defaults_store.h"
 #include "desktop/linux/posix_file_system.h"
@@ -14,7 +15,7 @@
 #include "desktop/linux/user_folders.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
-#include "desktop/x11/x11_event_tap.h"
+#include "desktop/x11/x11_key_observer.h"
 #include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_native_keys.h"
 #include "desktop/x11/x11_panel_surroundings.h"
@@ -42,8 +43,10 @@ std::expected<Essentials, QString> openDesktop(async::MainLoop& loop, platform::
 /// This desktop behind the ports.
 struct Adapters {
     desktop::AtspiAccessibility accessibility;
-    desktop::X11EventTap eventTap;
+    desktop::X11Hotkeys hotkeys;
+    desktop::X11KeyObserver keyObserver;
     desktop::DBusInputSource inputSource;
+    desktop::PictureProcessDecoder pictureDecoder;
     desktop::QtImageCodec imageCodec;
     desktop::QtHttpSession httpSession;
     desktop::PosixFileSystem fileSystem;

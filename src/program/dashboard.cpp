@@ -45,7 +45,7 @@ Dashboard::Dashboard(app::AppState& appState, platform::Platform& platform, Esse
       keys(keyNames(*essentials.nativeKeys)),
       filePicker(platform.mainLoop),
       window(windows, appState.storageManager(),
-             {ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys),
+             {ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys, platform.hotkeys),
               ui::clonePage(appState, platform, filePicker), ui::providersPage(appState, platform),
               ui::historyPage(appState),
               ui::privacyPage(appState, permissions(accessibility, platform.screenCapture, platform.audioInput))},

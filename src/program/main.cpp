@@ -5,8 +5,9 @@
 #include <cstdio>
 
 #include "app/app_delegate.h"
+#include "desktop/linux/private_memory.h"
+#include "desktop/linux/process_signals.h"
 #include "desktop/linux/standard_output_log.h"
-#include "desktop/linux/termination_signals.h"
 #include "desktop/qt/qt_application.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_panels.h"
@@ -38,15 +39,15 @@ void prepareViews() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    desktop::keepMemoryPrivate();
     auto start = program::prepareStart(argc, argv);
     if (!start)
         return start.error();
     prepareViews();
     desktop::StandardOutputLog log;
     program::avoidSilentBuses(log);
-    desktop::TerminationSignals::block();
+    desktop::ProcessSignals::block();
     const QApplication application(argc, argv);
-    const desktop::TerminationSignals signals([] { QCoreApplication::quit(); });
 
     desktop::QtMainLoop loop;
     const auto posted = std::make_shared<desktop::PostedKeys>();
@@ -70,6 +71,12 @@ int main(int argc, char** argv) {
     program::Dashboard dashboard(delegate.appState(), platform, *essentials, adapters.accessibility);
     delegate.showDashboard = [&dashboard] { dashboard.window.show(); };
     start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
+    const desktop::ProcessSignals signals({[] { QCoreApplication::quit(); },
+                                           [&] {
+                                               delegate.suspend();
+                                               essentials->keyPoster->letGoOfModifiers();
+                                           },
+                                           [&delegate] { delegate.resume(); }});
     delegate.applicationDidFinishLaunching(launchOf(start->mode));
     // To find the field that had the focus before this start takes longest: it is done before the user asks.
     const auto firstLook = loop.after(std::chrono::milliseconds(200), [&adapters] {

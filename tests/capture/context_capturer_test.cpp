@@ -160,6 +160,15 @@ TEST_F(ClipboardSelectionTest, ASelectionIsReadAndTheClipboardGivenBack) {
     EXPECT_EQ(logged("[ContextCapturer] Clipboard fallback captured selection"), 1);
 }
 
+TEST_F(ClipboardSelectionTest, InAPasswordFieldNoKeyIsPressed) {
+    desk.editor.open(QStringLiteral("hunter2"));
+    desk.editor.select(0, 7);
+    desk.accessibility.fieldKind = platform::FocusKind::Password;
+    EXPECT_EQ(read(SelectAll::Allowed), std::nullopt);
+    EXPECT_TRUE(desk.keyPoster.strokes().empty());
+    EXPECT_TRUE(desk.pasteboard.journal().isEmpty());
+}
+
 TEST_F(ClipboardSelectionTest, WithoutASelectionTheWholeFieldIsTaken) {
     desk.editor.open(QStringLiteral("all of it"));
     const auto start = desk.loop.now();

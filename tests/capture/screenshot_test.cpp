@@ -40,11 +40,24 @@ TEST_F(Screenshots, ShowTheFirstWindowOnScreenOfTheFrontmostApplication) {
     EXPECT_EQ(contextScreenshot(ScreenshotWish::LeaveOut), std::nullopt);
 }
 
-TEST_F(Screenshots, ShowTheFirstDisplayWhereThereIsNoWindow) {
+TEST_F(Screenshots, TheWholeScreenIsShownOnlyWhereTheModeSaysSo) {
     desktop.screenCapture.addWindow(QStringLiteral("org.example.other"), 100, 100, 'o');
+    EXPECT_EQ(screenshot(), std::nullopt) << "no window of the application is on the screen";
+    capturer.screenshotMode = ScreenshotMode::fullScreen;
     EXPECT_EQ(screenshot(), "jpeg 1280x800 D 0.7");
     desktop.screenCapture.displays.clear();
     EXPECT_EQ(screenshot(), std::nullopt);
+}
+
+TEST_F(Screenshots, NothingIsPhotographedWhileAPasswordFieldHasTheFocus) {
+    desktop.screenCapture.addWindow(front, 300, 200, 'w');
+    desktop.editor.open(QStringLiteral("hunter2"));
+    desktop.accessibility.fieldKind = platform::FocusKind::Password;
+    for (const auto mode : {ScreenshotMode::focusedWindow, ScreenshotMode::fullScreen}) {
+        capturer.screenshotMode = mode;
+        EXPECT_EQ(screenshot(), std::nullopt);
+    }
+    EXPECT_EQ(runTask(desktop.loop, capturer.captureFocusedWindowImage()), std::nullopt) << "nor filmed";
 }
 
 TEST_F(Screenshots, TwoAbsentIdentifiersAreTheSame) {

@@ -122,6 +122,12 @@ TEST_P(AccessibilityContract, LeadsFromTheSystemToTheFieldAndToTheTitle) {
     EXPECT_TRUE(accessibility().isProcessTrusted());
 }
 
+TEST_P(AccessibilityContract, TellsAFieldFromAPassword) {
+    arrange(QStringLiteral("text"), {0, 0});
+    EXPECT_EQ(accessibility().focusKind(), platform::FocusKind::Ordinary);
+    EXPECT_FALSE(accessibility().isFocusSecure());
+}
+
 TEST_P(AccessibilityContract, CountsInUtf16UnitsOfTheValue) {
     arrange(QStringLiteral("ab😀cd"), {2, 3});
     EXPECT_EQ(read(field(), AXAttribute::Value), AXValue(QStringLiteral("ab😀cd")));

@@ -175,4 +175,14 @@ TEST_F(DocumentFiles, AProcessThatMisbehavesIsEndedAndItsDocumentUnsupported) {
     expectUnsupported(run(directory.filePath(u"missing program"_s)));
 }
 
+TEST_F(DocumentFiles, TheProcessLearnsNothingOfTheUsersEnvironment) {
+    qputenv("TAVRELON_TEST_SECRET", "a key");
+    DocumentProcessReader other(loop, program("exec /usr/bin/env"));
+    const auto environment = testing::runTaskOnQt(loop, other.importHtml({}));
+    qunsetenv("TAVRELON_TEST_SECRET");
+    ASSERT_TRUE(environment && environment->contains(u"LC_ALL="_s)) << environment.value_or(QString()).toStdString();
+    for (const auto& name : {u"TAVRELON_TEST_SECRET"_s, u"HOME="_s, u"DBUS_SESSION_BUS_ADDRESS"_s})
+        EXPECT_FALSE(environment->contains(name)) << environment->toStdString();
+}
+
 }  // namespace tavrelon::desktop

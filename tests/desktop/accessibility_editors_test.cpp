@@ -46,22 +46,6 @@ TEST_F(AccessibilityEditors, TheFocusIsFollowedFromEditorToEditorToATerminalThat
     EXPECT_EQ(session.focused(), std::unexpected(AXError::NoValue));
 }
 
-TEST_F(AccessibilityEditors, AFieldThatHadTheFocusBeforeTheStartIsFound) {
-    for (const auto& editor : {mousepad, featherpad}) {
-        SCOPED_TRACE(editor.toStdString());
-        const QStringList options = editor == featherpad ? QStringList{standalone} : QStringList();
-        const RunningProgram program(editor, options + QStringList{file(editor, QStringLiteral("early"))});
-        {
-            AccessibilitySession earlier;  // waits until the editor is ready
-            ASSERT_TRUE(earlier.waitForFocusIn(program.process()));
-        }
-        AccessibilitySession session;
-        const auto found = session.focused();
-        ASSERT_TRUE(found);
-        EXPECT_EQ(session.read(std::get<AXElement>(*found), AXAttribute::Value), AXValue(QStringLiteral("early")));
-    }
-}
-
 TEST_F(AccessibilityEditors, AStoppedEditorCostsOneBoundedWaitAndOthersNothing) {
     AccessibilitySession session;
     const RunningProgram other(featherpad, {standalone, file(QStringLiteral("b.txt"), QStringLiteral("awake"))});

@@ -129,8 +129,9 @@ TEST_F(AccessibilityFaults, AnAnswerOfAnotherShapeIsAFailure) {
 TEST_F(AccessibilityFaults, APasswordIsNotEvenAskedFor) {
     start(Manners::Password, QStringLiteral("secret"), 0, 6);
     for (const auto attribute : {AXAttribute::Value, AXAttribute::SelectedText, AXAttribute::SelectedTextRange})
-        EXPECT_EQ(session.read(field, attribute), std::unexpected(AXError::NoValue));
-    EXPECT_EQ(replaceSelection(QStringLiteral("x")), AXError::NoValue);
+        EXPECT_EQ(session.read(field, attribute), std::unexpected(AXError::SecureField));
+    EXPECT_EQ(replaceSelection(QStringLiteral("x")), AXError::SecureField);
+    EXPECT_EQ(session.accessibility.focusKind(), platform::FocusKind::Password);
     EXPECT_FALSE(calls().contains(QStringLiteral("GetText")));
     EXPECT_EQ(text(), QStringLiteral("secret"));
 }
@@ -160,14 +161,17 @@ TEST_F(AccessibilityFaults, TheFocusMovesWithTheNewsOfEitherToolkitTheNewElement
         start(Manners::Honest, QStringLiteral("x"), 0, 0, toolkit);
         EXPECT_EQ(field.path, QString::fromLatin1(FakeAccessibleApp::firstField));
         control("Deactivate");  // from now on looking through the window finds nothing
+        int told = 0;
+        session.accessibility.onFocusChange([&] { ++told; });
         control("Focus", {second});
         control("Say", {second, 1});
         control("Say", {field.path, 0});
         EXPECT_TRUE(eventually([&] {
             nextTurn();
             const auto found = session.focused();
-            return found && std::get<AXElement>(*found).path == second;
+            return found && std::get<AXElement>(*found).path == second && told > 0;
         }));
+        session.accessibility.onFocusChange({});
         control("Say", {second, 0});
         EXPECT_TRUE(eventually([&] {
             nextTurn();

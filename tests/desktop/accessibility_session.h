@@ -22,6 +22,7 @@ class WindowManagerWorkspace : public platform::Workspace {
     std::optional<qint64> pretend;  ///< the process to name as frontmost
 
     std::optional<platform::RunningApplication> frontmostApplication() override;
+    std::optional<platform::FrontmostWindow> frontmostWindow() override { return std::nullopt; }
     std::optional<QString> frontmostWindowTitle() override;
     std::optional<platform::WindowPlace> frontmostWindowPlace() override { return std::nullopt; }
     bool isOwnApplicationActive() override { return false; }

@@ -12,24 +12,12 @@
 namespace tavrelon::desktop::atspi {
 namespace {
 
-using platform::AXError;
 using text::Utf16Range;
 
 const auto gtk = toolkitNamed(QStringLiteral("gtk"));
 const auto qt = toolkitNamed(QStringLiteral("Qt"));
 const auto chromium = toolkitNamed(QStringLiteral("Chromium"));
 const auto gecko = toolkitNamed(QStringLiteral("Gecko"));
-
-TEST(ToolkitHabits, FollowTheNameThatTheApplicationGives) {
-    EXPECT_EQ(gtk.offsets, OffsetUnit::CodePoints);
-    EXPECT_EQ(gtk.insertLength, LengthUnit::Utf8Bytes);
-    EXPECT_EQ(gtk.showing, ShowingState::Set);
-    EXPECT_EQ(toolkitNamed(QStringLiteral("GTK")).showing, ShowingState::NeverSet);
-    EXPECT_EQ(qt.offsets, OffsetUnit::Utf16);
-    EXPECT_EQ(qt.insertLength, LengthUnit::Utf16);
-    EXPECT_EQ(gecko.editing, Editing::OnlyClaimsToWork);
-    EXPECT_EQ(toolkitNamed(QStringLiteral("a toolkit of next year")), Toolkit());
-}
 
 TEST(FieldText, OffsetsGoBothWaysBetweenCodePointsAndUtf16) {
     const auto text = QStringLiteral("ab😀cd👩‍👩‍👧");
@@ -116,27 +104,6 @@ TEST(FieldRepair, LeadsFromAnyTextToAnyOtherWithoutSplittingCharacters) {
         ASSERT_EQ(QString::fromUtf8(edit.inserted.toUtf8()), edit.inserted) << to.toStdString();
         ASSERT_TRUE(text::substring(from, edit.removed)) << from.toStdString();
     }
-}
-
-TEST(States, AreBitsOfThirtyTwoBitWords) {
-    const StateSet states({1U << 12 | 1U << 1, 0});
-    EXPECT_TRUE(states.has(State::Focused));
-    EXPECT_TRUE(states.has(State::Active));
-    EXPECT_FALSE(states.has(State::Showing));
-    EXPECT_FALSE(StateSet().has(State::Focused));
-}
-
-TEST(BusErrors, SayWhatBecameOfTheElement) {
-    const auto error = [](const char* name) {
-        return errorOf(QStringLiteral("org.freedesktop.DBus.Error.") + QLatin1String(name));
-    };
-    EXPECT_EQ(error("NoReply"), AXError::CannotComplete);
-    EXPECT_EQ(error("NameHasNoOwner"), AXError::InvalidUIElement);
-    EXPECT_EQ(error("ServiceUnknown"), AXError::InvalidUIElement);
-    EXPECT_EQ(error("UnknownObject"), AXError::InvalidUIElement);
-    EXPECT_EQ(error("UnknownInterface"), AXError::AttributeUnsupported);
-    EXPECT_EQ(error("Disconnected"), AXError::APIDisabled);
-    EXPECT_EQ(error("AccessDenied"), AXError::Failure);
 }
 
 TEST(FocusBook, KeepsTheNewElementWhenTheOldOnesNewsComesLate) {

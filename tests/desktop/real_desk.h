@@ -11,15 +11,30 @@ struct DesktopAdapters : TypingAdapters<RecordingLog> {
     FakeImageCodec imageCodec;
     FakeHttpSession httpSession{loop};
     MemoryDefaultsStore defaultsStore;
-    MemoryFileSystem fileSystem;
+    FailingFileSystem fileSystem;
     FakeSerialQueues serialQueues{loop};
     FakeDocumentReader documentReader{loop};
     FakeAudioInput audioInput;
     FakeSpeech speech;
-    platform::Platform platform{
-        loop,       log,          accessibility,  tap,        *poster,     *pasteboard,
-        *workspace, inputSource,  screenCapture,  imageCodec, httpSession, defaultsStore,
-        fileSystem, serialQueues, documentReader, audioInput, speech,      QStringLiteral("/data/Tavrelon")};
+    platform::Platform platform{loop,
+                                log,
+                                accessibility,
+                                hotkeys,
+                                keyObserver,
+                                *poster,
+                                *pasteboard,
+                                *workspace,
+                                inputSource,
+                                screenCapture,
+                                imageCodec,
+                                httpSession,
+                                defaultsStore,
+                                fileSystem,
+                                serialQueues,
+                                documentReader,
+                                audioInput,
+                                speech,
+                                QStringLiteral("/data/Tavrelon")};
 };
 
 /// The input core at work on this desktop.

@@ -145,6 +145,38 @@ std::ptrdiff_t countOf(const Image& image, std::uint32_t colour) {
 
 constexpr std::ptrdiff_t targetPixels = 300 * 200;
 
+TEST_F(ScreenPictures, WindowsComeFromFrontToBackAndWhatIsGoneIsAnError) {
+    EXPECT_TRUE(capture->preflightAccess());
+    const auto fits = [](const auto& image, int width, int height) {
+        return image && image->width == width && image->height == height &&
+               image->pixels.size() == qsizetype{4} * width * height;
+    };
+    const auto applications = [this] {
+        QStringList found;
+        for (const auto& window : content().windows)
+            if (window.isOnScreen)
+                found << window.bundleIdentifier.value_or(QStringLiteral("?"));
+        return found;
+    };
+    std::optional<TestWindow> second(std::in_place, TestWindowProperties{.processIdentifier = qint64{::getpid()},
+                                                                         .machine = thisMachine(),
+                                                                         .windowClass = QStringLiteral("Second"),
+                                                                         .title = QStringLiteral("Second")});
+    const QStringList both{QStringLiteral("Second"), QStringLiteral("Target")};
+    EXPECT_TRUE(runQtUntil([&] { return applications() == both; }));
+    const auto seen = content();
+    for (const auto& window : seen.windows)
+        EXPECT_TRUE(fits(runTaskOnQt(loop, capture->captureWindow(window)), window.width, window.height));
+    for (const auto& display : seen.displays)
+        EXPECT_TRUE(fits(runTaskOnQt(loop, capture->captureDisplay(display)), display.width, display.height));
+    EXPECT_FALSE(runTaskOnQt(loop, capture->captureDisplay({.identifier = seen.displays.size()})));
+    second.reset();
+    EXPECT_TRUE(runQtUntil([&] { return applications() == both.mid(1); }));
+    const auto gone = runTaskOnQt(loop, capture->captureWindow(seen.windows.front()));
+    ASSERT_FALSE(gone);
+    EXPECT_FALSE(gone.error().description.isEmpty());
+}
+
 TEST_F(ScreenPictures, AWindowIsShownWithItsFrameAndWithoutWhatCoversIt) {
     EXPECT_EQ(countOf(windowPicture(), red), targetPixels);
     EXPECT_EQ(countOf(displayPicture(), red), targetPixels);

@@ -54,6 +54,7 @@ class Terminals : public PasteboardSession, public ::testing::WithParamInterface
             const auto front = workspace->frontmostApplication();
             return front && front->processIdentifier == terminal->process() && QFile::exists(typedPath);
         }));
+        EXPECT_EQ(workspace->frontmostWindow()->kind, platform::WindowKind::Terminal);
         // A terminal that has just opened reads its program's output, and takes keys, in its own time.
         runQtUntil([] { return false; }, 1s);
     }

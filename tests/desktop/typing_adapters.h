@@ -3,7 +3,7 @@
 #include "desktop/atspi/atspi_accessibility.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_event_tap.h"
+#include "desktop/x11/x11_key_observer.h"
 #include "desktop/x11/x11_key_poster.h"
 #include "desktop/x11/x11_pasteboard.h"
 #include "desktop/x11/x11_terminal_shortcuts.h"
@@ -23,7 +23,8 @@ struct TypingAdapters {
         desktop::X11KeyPoster::open(loop, posted, desktop::X11TerminalShortcuts::create(loop, log, *pasteboard).value())
             .value();
     desktop::AtspiAccessibility accessibility{*workspace, loop, log};
-    desktop::X11EventTap tap{loop, log, posted};
+    desktop::X11Hotkeys hotkeys{loop, log, posted};
+    desktop::X11KeyObserver keyObserver{hotkeys};
     desktop::DBusInputSource inputSource{loop, std::chrono::seconds(5)};  // on however busy a machine
 };
 

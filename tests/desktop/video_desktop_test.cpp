@@ -2,16 +2,20 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QTemporaryDir>
 
 #include "app/app_state.h"
-#include "desktop/main_job_session.h"
+#include "desktop/documents/picture_process_decoder.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
+#include "desktop/tools.h"
 #include "desktop/typing_adapters.h"
 #include "desktop/x11/x11_screen_capture.h"
 #include "support/qt_gtest.h"
 #include "support/run_task_on_qt.h"
+#include "support/stand_in_service.h"
 #include "support/test_desktop.h"
+#include "support/xtest_keyboard.h"
 
 namespace tavrelon::testing {
 
@@ -46,14 +50,16 @@ class VideoDesktopTest : public TypingAdapters<RecordingLog>, public ::testing::
     TestDesktop fakes;  // for what the video has nothing to do with
     std::unique_ptr<desktop::X11ScreenCapture> screen =
         desktop::X11ScreenCapture::create(loop, log, *workspace).value();
-    desktop::QtImageCodec codec{loop};
+    desktop::PictureProcessDecoder decoder{loop, QString()};  // no picture from elsewhere comes here
+    desktop::QtImageCodec codec{loop, decoder};
     desktop::QtHttpSession http{loop};
     FakeSerialQueues queues{loop};
     FakeDocumentReader documents{loop};
     platform::Platform platform{loop,
                                 log,
                                 accessibility,
-                                tap,
+                                hotkeys,
+                                keyObserver,
                                 *poster,
                                 *pasteboard,
                                 *workspace,
@@ -81,7 +87,11 @@ class VideoDesktopTest : public TypingAdapters<RecordingLog>, public ::testing::
 };
 
 TEST_F(VideoDesktopTest, TheServiceSeesTheWindowChangeAndItsDescriptionTakesThePlaceOfTheQuestion) {
-    RunningEditor editor(RunningEditor::Kind::Mousepad, keyboard, QString());
+    const QTemporaryDir folder;
+    const auto path = folder.filePath(QStringLiteral("field.txt"));
+    writeWhole(path, {});
+    const RunningProgram editor(QStringLiteral("mousepad"), {path});
+    ASSERT_TRUE(runQtUntil([] { return frontmostTitle().contains(QStringLiteral("field.txt")); }));
     app.hotkeyManager().startListening();
     letPass(500ms);
     StandInAnswer answer;
@@ -91,7 +101,7 @@ TEST_F(VideoDesktopTest, TheServiceSeesTheWindowChangeAndItsDescriptionTakesTheP
     ASSERT_TRUE(becomes(input::InputState::Case::recordingVideo));
     letPass(700ms);
     for (const auto& word : {QStringLiteral("what "), QStringLiteral("happens "), QStringLiteral("here")}) {
-        editor.type(word);
+        xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("20"), word});
         letPass(600ms);
     }
     pressVideoHotkey();
@@ -107,7 +117,10 @@ TEST_F(VideoDesktopTest, TheServiceSeesTheWindowChangeAndItsDescriptionTakesTheP
     const auto content = runTaskOnQt(loop, screen->shareableContent());
     EXPECT_EQ(pictures.back().size(), QSize(content->windows.front().width, content->windows.front().height));
     EXPECT_TRUE(becomes(input::InputState::Case::idle));
-    EXPECT_EQ(editor.saved(QStringLiteral("LETTERS APPEAR")), QStringLiteral("LETTERS APPEAR"));
+    EXPECT_TRUE(runQtUntil([&] {
+        pressKeys({QStringLiteral("ctrl+s")});
+        return contentsOf(path).trimmed() == "LETTERS APPEAR";
+    })) << contentsOf(path).toStdString();
 }
 
 }  // namespace tavrelon::testing

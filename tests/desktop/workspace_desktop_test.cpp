@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include "desktop/tools.h"
@@ -34,6 +35,67 @@ class Workspace : public ::testing::Test {
         return {.processIdentifier = ::getpid(), .machine = thisMachine(), .title = title};
     }
 };
+
+/// A window of another process, which ends with this object.
+class ForeignWindow {
+ public:
+    explicit ForeignWindow(const QString& title) {
+        process_.start(QStringLiteral("sleep"), {QStringLiteral("60")});
+        process_.waitForStarted();
+        window_.emplace(TestWindowProperties{.processIdentifier = process_.processId(),
+                                             .machine = thisMachine(),
+                                             .windowClass = QStringLiteral("Unheard-of"),
+                                             .title = title});
+    }
+    ForeignWindow(const ForeignWindow&) = delete;
+    ForeignWindow& operator=(const ForeignWindow&) = delete;
+    ~ForeignWindow() { end(); }
+    void end() {
+        window_.reset();
+        process_.kill();
+        process_.waitForFinished();
+    }
+
+ private:
+    QProcess process_;
+    std::optional<TestWindow> window_;
+};
+
+// The first one: nothing is in front yet.
+TEST_F(Workspace, TheFocusedWindowNamesItsApplicationAndAnActivatedOneComesToTheFront) {
+    EXPECT_EQ(workspace->frontmostApplication(), std::nullopt);
+    EXPECT_EQ(workspace->frontmostWindow(), std::nullopt);
+    EXPECT_EQ(workspace->frontmostWindowTitle(), std::nullopt);
+    EXPECT_EQ(workspace->frontmostWindowPlace(), std::nullopt);
+    EXPECT_FALSE(workspace->isOwnApplicationActive());
+
+    ForeignWindow window(QStringLiteral("Brief 回复 ✉"));
+    ASSERT_TRUE(titleInFront(QStringLiteral("Brief 回复 ✉")));
+    const auto other = workspace->frontmostApplication().value();
+    EXPECT_EQ(other.bundleIdentifier, QStringLiteral("Unheard-of"));
+    EXPECT_EQ(other.localizedName, QStringLiteral("Unheard-of"));
+    EXPECT_EQ(workspace->frontmostWindow(),
+              (platform::FrontmostWindow{other.windowIdentifier, other.processIdentifier}));
+    const auto place = workspace->frontmostWindowPlace();
+    EXPECT_TRUE(place && place->width > 0 && place->height > 0 && place->shadow == platform::WindowPlace::Shadow());
+    EXPECT_FALSE(workspace->isOwnApplicationActive());
+
+    const TestWindow ours(own(QStringLiteral("Dashboard")));
+    ASSERT_TRUE(titleInFront(QStringLiteral("Dashboard")));
+    EXPECT_TRUE(workspace->isOwnApplicationActive());
+    const auto self = workspace->frontmostApplication().value();
+    EXPECT_TRUE(workspace->activate(other));
+    EXPECT_TRUE(
+        runQtUntil([&] { return workspace->frontmostApplication() == other && workspace->hasKeyboard(other); }));
+    EXPECT_FALSE(workspace->hasKeyboard(self));
+    EXPECT_TRUE(workspace->activate(self));
+    EXPECT_TRUE(runQtUntil([&] { return workspace->isOwnApplicationActive(); }));
+
+    EXPECT_FALSE(workspace->isTerminated(other));
+    window.end();
+    EXPECT_TRUE(runQtUntil([&] { return workspace->isTerminated(other); }));
+    EXPECT_FALSE(workspace->activate(other));
+}
 
 TEST_F(Workspace, RealProgramsAreNamedByTheirEntries) {
     struct Expected {
@@ -157,7 +219,8 @@ TEST_F(Workspace, AnAddressGoesToTheDesktopsOpenerAsOneArgument) {
     EXPECT_TRUE(workspace->openUrl(QUrl(QStringLiteral("https://example.org/a?b=$(touch x);c d&é"))));
     EXPECT_TRUE(runQtUntil([&] { return QFile::exists(record); }));
     EXPECT_EQ(contentsOf(record), "1|https://example.org/a?b=$(touch%20x);c%20d&%C3%A9");
-    EXPECT_FALSE(workspace->openUrl(QUrl(QStringLiteral("--help"))));
+    for (const auto& none : {QStringLiteral("--help"), QString()})
+        EXPECT_FALSE(workspace->openUrl(QUrl(none)));
     qputenv("PATH", "/nonexistent");
     EXPECT_FALSE(workspace->openUrl(QUrl(QStringLiteral("https://example.org"))));
     qputenv("PATH", oldPath);

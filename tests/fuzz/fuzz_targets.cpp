@@ -1,11 +1,10 @@
 #include "fuzz/fuzz_targets.h"
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "desktop/documents/html_charset.h"
 #include "desktop/documents/plain_text.h"
 #include "desktop/documents/rtf_text.h"
+#include "fuzz/fuzz_targets_desktop.h"
+#include "fuzz/require.h"
 #include "generation/chat_glm.h"
 #include "generation/chat_nvidia.h"
 #include "generation/chat_ollama.h"
@@ -24,13 +23,6 @@
 namespace tavrelon::fuzz {
 
 namespace {
-
-void require(bool holds, const char* what) {
-    if (holds)
-        return;
-    std::fprintf(stderr, "broken: %s\n", what);
-    std::abort();
-}
 
 /// What was read once can be read again after it was stored: an error there is nobody's.
 template <typename Read>
@@ -145,7 +137,7 @@ void readPromptTemplate(const QByteArray& bytes) {
 
 }  // namespace
 
-const std::array<Target, 16> targets{{{"settings", readSettings},
+const std::array<Target, 20> targets{{{"settings", readSettings},
                                       {"scenes", readScenes},
                                       {"history", readHistory},
                                       {"learner_state", readLearnerState},
@@ -160,6 +152,10 @@ const std::array<Target, 16> targets{{{"settings", readSettings},
                                       {"chat_ollama", readOllama},
                                       {"tool_call", readToolCall},
                                       {"image_answer", readImageAnswer},
-                                      {"prompt_template", readPromptTemplate}}};
+                                      {"prompt_template", readPromptTemplate},
+                                      {"picture", readPicture},
+                                      {"accessibility_reply", readAccessibilityReply},
+                                      {"window_class", readWindowClass},
+                                      {"selection", readSelection}}};
 
 }  // namespace tavrelon::fuzz

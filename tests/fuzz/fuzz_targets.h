@@ -12,6 +12,6 @@ struct Target {
     void (*read)(const QByteArray& bytes);
 };
 
-extern const std::array<Target, 16> targets;
+extern const std::array<Target, 20> targets;
 
 }  // namespace tavrelon::fuzz

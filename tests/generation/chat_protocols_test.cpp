@@ -116,10 +116,31 @@ TEST(ChatPollinations, ReadsItsAnswers) {
           R"({"choices":[{"message":{}}]})", R"({"choices":[{"message":{"content":null}}]})",
           R"({"choices":[{"message":{"content":[{"type":"text","text":"a"}]}}]})"})
         EXPECT_EQ(read(body), malformed) << body;
-    EXPECT_THROW(chat_pollinations::readResponse(answer("<html>")), text::JsonError);
-    EXPECT_THROW(chat_pollinations::readResponse(answer("")), text::JsonError);
-    EXPECT_THROW(chat_pollinations::readResponse(answer("{\"choices\":[{\"message\":{\"content\":\"\xff\"}}]}")),
-                 text::JsonError);
+}
+
+TEST(ChatDocuments, WhatIsNoDocumentIsRefusedInWordsAndCostsNoStack) {
+    const QByteArray brackets(100'000, '[');
+    const QByteArray good = R"({"choices":[{"message":{"content":"fine"}}]})";
+    const auto notJson = u"! The answer is not valid JSON."_s;
+    const auto malformed = u"! Parse error: Invalid response format"_s;
+    const std::pair<QByteArray, QString> rows[] = {
+        {"<html>Welcome to the hotel's network</html>", notJson},
+        {"", notJson},
+        {good + "}", notJson},
+        {"\xef\xbb\xbf" + good, u"fine"_s},
+        {QByteArray("\xff\xfe{\0}\0", 6), notJson},
+        {QByteArray(good).replace("fine", "\xff\xfe"), notJson},
+        {QByteArray(good).replace("fine", "\\ud800"), notJson},
+        {brackets, notJson},
+        {brackets + QByteArray(100'000, ']'), malformed},
+        {QByteArray("{\"a\":").repeated(100'000) + "1" + QByteArray(100'000, '}'), malformed},
+        {"1e999999", notJson},
+        {"[" + QByteArray("1,").repeated(1'000'001) + "1]", u"! The document is too large."_s},
+    };
+    for (const auto& [body, seen] : rows)
+        EXPECT_EQ(outcome(chat_pollinations::readResponse, answer(body)), seen) << body.left(40).toStdString();
+    const auto page = outcome(chat_pollinations::readResponse, answer(QByteArray(1 << 20, 'e'), 502));
+    EXPECT_EQ(page, u"! API error (502): "_s + QString(10'000, u'e') + u'…') << "a person reads a line";
 }
 
 TEST(ChatPictures, StandWhereTheDocumentSaysWhateverTheTextsHold) {

@@ -96,8 +96,6 @@ TEST_F(ImagesTest, AnImageRequestGivesAnImage) {
     EXPECT_EQ(request.requestTimeout, 120s);
     EXPECT_EQ(header(request, "User-Agent"), "Tavrelon/1.0");
     EXPECT_EQ(header(request, "Authorization"), "Bearer sk_default");
-    EXPECT_TRUE(log.contains(u"[AIService] Detected image intent"_s));
-    EXPECT_TRUE(log.contains(u"[Pollinations] Image generated successfully: 3 bytes"_s));
 }
 
 TEST_F(ImagesTest, EnhancementDemandsDecency) {
@@ -123,10 +121,6 @@ TEST_F(ImagesTest, GLMDrawsWhatPollinationsDoesNot) {
         http.answer(200, "<html>", type);
         http.answer(200, R"({"data":[{"b64_json":"AAAA"}]})");
         EXPECT_EQ(ask(u"draw a cat"_s).imageData, QByteArray(3, '\0'));
-        EXPECT_TRUE(
-            log.contains(u"[Pollinations] Image generation failed with Pollinations: Invalid image data received"_s));
-        EXPECT_TRUE(log.contains(u"[Pollinations] Image generated with GLM cogview-3-flash"_s));
-        log.clear();
     }
     const auto& request = http.requests().at(1);
     EXPECT_EQ(request.url, QUrl(u"https://glm.test/v4/images/generations"_s));
@@ -144,9 +138,6 @@ TEST_F(ImagesTest, TheLastErrorIsToldToTheUser) {
     http.answer(500, "");
     http.answer(429, "busy");
     EXPECT_EQ(askError(u"draw a cat"_s), u"Generation failed: API error (429): busy"_s);
-    EXPECT_TRUE(log.contains(
-        u"[Pollinations] Image generation failed with Pollinations: Image generation failed with status 500"_s));
-    EXPECT_TRUE(log.contains(u"[Pollinations] GLM image generation failed: API error (429): busy"_s));
     service.glmApiKey = QString();
     http.answer(500, "");
     EXPECT_EQ(askError(u"draw a cat"_s), u"Generation failed: API error (401): GLM API key not configured"_s);
@@ -209,11 +200,9 @@ TEST_F(VideoFallbackTest, OneFrameGoesToTheOtherVisionModels) {
     EXPECT_EQ(describeFrame(previous), u"a window"_s);
     EXPECT_EQ(askedModels(), QStringList{u"openai"_s});
     EXPECT_TRUE(http.requests()[0].body.contains("data:image/jpeg;base64,/9g="));
-    EXPECT_TRUE(log.contains(u"[Pollinations] Video fallback text generated with OpenAI"_s));
 
     http.answer(429, "busy");
     EXPECT_EQ(describeFrame(previous), u"! API error (500): frames"_s) << "the first failure is the one told";
-    EXPECT_TRUE(log.contains(u"[Pollinations] Video fallback failed with OpenAI: API error (429): busy"_s));
     http.answer(429, "busy");
     EXPECT_EQ(describeFrame(nullptr), u"! All models failed to process request"_s);
     service.visionModels = {PollinationsModel::nvidiaNemotron, PollinationsModel::glmVisionFlash};

@@ -8,9 +8,85 @@
 namespace tavrelon::hotkeys {
 
 using namespace std::chrono_literals;
-using platform::TapVerdict;
 using tavrelon::testing::InputDesk;
+using tavrelon::testing::Taken;
 using Case = input::InputState::Case;
+using Fires = platform::WantedHotkey::Fires;
+
+namespace {
+
+/// Idle, listening, listening to a voice, recording, processing, completed, error.
+constexpr std::array states{Case::idle,       Case::listening, Case::listeningVoice, Case::recordingVideo,
+                            Case::processing, Case::completed, Case::error};
+
+/// For each state: p where a press counts, r and d where modifiers alone count released or down, - where nothing does.
+std::string row(const keys::HotkeySet& settings, HotkeyAction action, FrontWindow front) {
+    std::string cells;
+    for (const auto state : states) {
+        const auto wanted = wantedHotkeys(settings, state, front);
+        const auto found = std::ranges::find(wanted, action, &DeclaredHotkey::action);
+        const auto letter = [&] {
+            switch (found->hotkey.fires) {
+                case Fires::OnPress:
+                    return 'p';
+                case Fires::OnModifiersDown:
+                    return 'd';
+                case Fires::OnModifiersReleased:
+                    return 'r';
+            }
+            return '?';
+        };
+        cells += found == wanted.end() ? '-' : letter();
+    }
+    return cells;
+}
+
+}  // namespace
+
+TEST(HotkeyTable, EveryCell) {
+    const struct {
+        HotkeyAction action;
+        const char* cells;
+        const char* inOurWindow;
+        const char* masterOff;
+    } rows[] = {
+        {HotkeyAction::toggleAllHotkeys, "ppppppp", "ppppppp", "ppppppp"},
+        {HotkeyAction::video, "p--p-pp", "p--p-pp", "-------"},
+        {HotkeyAction::toggle, "ppppppp", "ppppppp", "-------"},
+        {HotkeyAction::floatingInput, "p----pp", "p----pp", "-------"},
+        {HotkeyAction::quickAsk, "ppppppp", "-------", "-------"},
+        {HotkeyAction::cancel, "-pppp--", "-pppp--", "-------"},
+        {HotkeyAction::autoReply, "p----pp", "p----pp", "-------"},
+        {HotkeyAction::voice, "r-d--rr", "r-d--rr", "-------"},
+        {HotkeyAction::voiceDictation, "r-d--rr", "r-d--rr", "-------"},
+    };
+    const keys::HotkeySet on;
+    keys::HotkeySet off;
+    off.hotkeysEnabled = false;
+    for (const auto& each : rows) {
+        SCOPED_TRACE(static_cast<int>(each.action));
+        EXPECT_EQ(row(on, each.action, FrontWindow::OfAnotherApplication), each.cells);
+        EXPECT_EQ(row(on, each.action, FrontWindow::OurOwn), each.inOurWindow);
+        EXPECT_EQ(row(off, each.action, FrontWindow::OfAnotherApplication), each.masterOff);
+    }
+    keys::HotkeySet spoken;
+    spoken.voiceHotkey = {9, keys::controlFlag};
+    spoken.voiceDictationHotkey = {};
+    EXPECT_EQ(row(spoken, HotkeyAction::voice, FrontWindow::OfAnotherApplication), "ppppppp") << "a key as any other";
+    EXPECT_EQ(row(spoken, HotkeyAction::voiceDictation, FrontWindow::OfAnotherApplication), "-------")
+        << "no key and no modifiers never fire";
+}
+
+TEST(HotkeyTable, TheFirstInTheOrderHasTheKeysAndForeignBitsDoNotMatter) {
+    keys::HotkeySet set;
+    set.videoHotkey = {set.toggleHotkey.keyCode, set.toggleHotkey.modifiers | keys::Modifiers{0x10000}};
+    set.autoReplyHotkey = set.toggleHotkey;
+    EXPECT_EQ(row(set, HotkeyAction::video, FrontWindow::OfAnotherApplication), "p--p-pp");
+    EXPECT_EQ(row(set, HotkeyAction::toggle, FrontWindow::OfAnotherApplication), "-pp-p--") << "where video is not";
+    EXPECT_EQ(row(set, HotkeyAction::autoReply, FrontWindow::OfAnotherApplication), "-------");
+    set.videoHotkeyEnabled = false;
+    EXPECT_EQ(row(set, HotkeyAction::toggle, FrontWindow::OfAnotherApplication), "ppppppp");
+}
 
 class HotkeyManagerTest : public ::testing::Test {
  public:
@@ -26,101 +102,76 @@ class HotkeyManagerTest : public ::testing::Test {
         desk.hotkeys.onVideoHotkeyPressed = note("video");
         desk.hotkeys.onFloatingInputHotkeyPressed = note("floating");
     }
-    TapVerdict press(keys::VirtualKey key, keys::Modifiers flags = {}) { return desk.eventTap.press(key, flags); }
+    Taken press(keys::VirtualKey key, keys::Modifiers flags = {}) { return desk.keyboard.press(key, flags); }
 };
 
 constexpr auto all = keys::defaults::shiftOptionCommand;
 
-TEST_F(HotkeyManagerTest, TheMasterSwitchLeavesOnlyItself) {
-    desk.toggle();
-    desk.hotkeys.hotkeysEnabled = false;
-    desk.hotkeys.refreshTap();
-    EXPECT_EQ(desk.eventTap.hotkeys(), std::vector{keys::defaults::toggleAllHotkeysHotkey});
-    EXPECT_EQ(press(40, all), TapVerdict::Drop);
-    EXPECT_EQ(press(37, all), TapVerdict::Pass);
-    EXPECT_EQ(press(keys::keyEscape), TapVerdict::Pass);
-    desk.type(QStringLiteral("ab"));
-    EXPECT_EQ(desk.machine->typedInputBuffer(), QStringLiteral("ab")) << "an open input goes on collecting";
-    EXPECT_EQ(called, QStringList{QStringLiteral("toggleAll")});
+TEST_F(HotkeyManagerTest, EachPressDoesWhatItIsFor) {
+    EXPECT_EQ(press(keys::keyA, all), Taken::ByUs) << "code 0 is the key A";
+    EXPECT_EQ(press(40, all), Taken::ByUs);
+    EXPECT_EQ(press(5, all), Taken::ByUs);
+    EXPECT_EQ(press(35, all), Taken::ByUs);
+    EXPECT_EQ(press(keys::keyGrave), Taken::ByUs);
+    EXPECT_EQ(desk.keyboard.chord(keys::controlFlag | keys::optionFlag), Taken::ByUs);
+    EXPECT_EQ(desk.keyboard.chord(keys::controlFlag | keys::shiftFlag), Taken::ByUs);
+    EXPECT_EQ(called, (QStringList{QStringLiteral("autoReply"), QStringLiteral("toggleAll"), QStringLiteral("video"),
+                                   QStringLiteral("floating"), QStringLiteral("floating"), QStringLiteral("voice"),
+                                   QStringLiteral("dictation")}));
 }
 
-TEST_F(HotkeyManagerTest, TheGraveAccentOpensThePromptBoxFromOtherApplicationsOnly) {
-    EXPECT_EQ(press(keys::keyGrave), TapVerdict::Drop);
-    EXPECT_EQ(called, QStringList{QStringLiteral("floating")});
-    EXPECT_EQ(press(keys::keyGrave, keys::shiftFlag), TapVerdict::Pass);
-    desk.workspace.focusOwnWindow();
-    EXPECT_EQ(press(keys::keyGrave), TapVerdict::Pass);
-    EXPECT_EQ(called.size(), 1);
+TEST_F(HotkeyManagerTest, AChangeOfTheStateDeclaresInTheSameTurn) {
+    auto& keyboard = desk.keyboard.hotkeys;
+    EXPECT_FALSE(keyboard.wants(keys::defaults::cancelHotkey));
+    desk.press(desk.hotkeys.toggleHotkey);
+    std::optional<bool> wanted;
+    const auto observer = desk.machine->bindableCurrentState().addNotifier(
+        [&] { desk.loop.post([&] { wanted = keyboard.wants(keys::defaults::cancelHotkey); }); });
+    desk.loop.runUntilIdle();
+    EXPECT_EQ(wanted, true);
+    desk.press(desk.hotkeys.cancelHotkey);
+    EXPECT_EQ(keyboard.fire({keys::defaults::cancelHotkey, Fires::OnPress}), Taken::ByUs) << "still its turn";
+    desk.loop.runUntilIdle();
+    EXPECT_FALSE(keyboard.wants(keys::defaults::cancelHotkey));
+    EXPECT_EQ(desk.state(), Case::idle);
+}
+
+TEST_F(HotkeyManagerTest, TheMasterSwitchLeavesAnOpenInputCollecting) {
+    desk.toggle();
+    desk.hotkeys.hotkeysEnabled = false;
+    desk.hotkeys.refresh();
+    EXPECT_EQ(press(37, all), Taken::ByApplication);
+    desk.type(QStringLiteral("ab"));
+    EXPECT_EQ(desk.machine->typedInputBuffer(), QStringLiteral("ab"));
+    EXPECT_EQ(press(40, all), Taken::ByUs);
+    EXPECT_EQ(called, QStringList{QStringLiteral("toggleAll")});
 }
 
 TEST_F(HotkeyManagerTest, ThePromptBoxStaysShutRightAfterTheToggleHotkey) {
     desk.toggle();
     desk.press(desk.hotkeys.cancelHotkey);
     desk.loop.advance(100ms);
-    EXPECT_EQ(press(35, all), TapVerdict::Drop);
-    EXPECT_EQ(press(keys::keyGrave), TapVerdict::Drop);
+    EXPECT_EQ(press(35, all), Taken::ByUs);
+    EXPECT_EQ(press(keys::keyGrave), Taken::ByUs);
     EXPECT_TRUE(called.isEmpty());
     desk.loop.advance(200ms);
-    EXPECT_EQ(press(35, all), TapVerdict::Drop);
+    EXPECT_EQ(press(35, all), Taken::ByUs);
     EXPECT_EQ(called, QStringList{QStringLiteral("floating")});
 }
 
-TEST_F(HotkeyManagerTest, ModifiersAloneCallOncePerPress) {
-    const auto controlOption = keys::controlFlag | keys::optionFlag;
-    const auto change = [this](keys::Modifiers flags) { return desk.eventTap.flagsChanged(flags); };
-    EXPECT_EQ(change(keys::controlFlag), TapVerdict::Pass);
-    EXPECT_EQ(change(controlOption), TapVerdict::Drop);
-    EXPECT_EQ(change(controlOption | keys::commandFlag), TapVerdict::Pass);
-    EXPECT_EQ(change(keys::controlFlag), TapVerdict::Drop) << "the release that clears the latch";
-    EXPECT_EQ(change({}), TapVerdict::Pass);
-    EXPECT_EQ(called, QStringList{QStringLiteral("voice")});
-    EXPECT_TRUE(desk.log.contains(QStringLiteral("[Hotkey] Voice hotkey pressed (Control+Option)")));
-    change(keys::controlFlag | keys::shiftFlag);
-    EXPECT_EQ(called.back(), QStringLiteral("dictation"));
-    desk.hotkeys.voiceHotkey.modifiers = {};
-    change({});
-    change(controlOption);
-    EXPECT_EQ(called.size(), 2) << "no key and no modifiers never fire";
+TEST_F(HotkeyManagerTest, RecordingSwitchesHotkeysOffOnlyInOurOwnWindow) {
+    desk.hotkeys.setRecordingKeys(true);
+    EXPECT_FALSE(desk.keyboard.hotkeys.wanted().empty()) << "a key cap was left recording";
+    desk.hotkeys.setOwnWindowActive(true);
+    EXPECT_TRUE(desk.keyboard.hotkeys.wanted().empty());
+    desk.hotkeys.setOwnWindowActive(false);
+    EXPECT_FALSE(desk.keyboard.hotkeys.wanted().empty());
 }
 
-TEST_F(HotkeyManagerTest, KeyCodeZeroMeansTheKeyAOnlyOutsideTheVoiceHotkeys) {
-    EXPECT_EQ(press(keys::keyA, all), TapVerdict::Drop);
-    EXPECT_EQ(called, QStringList{QStringLiteral("autoReply")});
-    EXPECT_EQ(press(keys::keyA, keys::controlFlag | keys::optionFlag), TapVerdict::Pass);
-    desk.hotkeys.voiceHotkey = {9, keys::controlFlag | keys::optionFlag};
-    desk.hotkeys.refreshTap();
-    EXPECT_EQ(press(9, keys::controlFlag | keys::optionFlag), TapVerdict::Drop);
-    EXPECT_EQ(called.back(), QStringLiteral("voice"));
-    desk.eventTap.flagsChanged(keys::controlFlag | keys::optionFlag);
-    EXPECT_EQ(called.size(), 2);
-}
-
-TEST_F(HotkeyManagerTest, TheFirstInTheOrderWinsAndForeignBitsDoNotMatter) {
-    desk.hotkeys.autoReplyHotkey = desk.hotkeys.toggleHotkey;
-    desk.hotkeys.videoHotkey = desk.hotkeys.toggleHotkey;
-    press(37, all | keys::Modifiers{0x10000});
-    EXPECT_EQ(called, QStringList{QStringLiteral("video")});
-    desk.hotkeys.videoHotkeyEnabled = false;
-    press(37, all);
-    desk.loop.runUntilIdle();
-    EXPECT_EQ(desk.state(), Case::listening);
-    EXPECT_EQ(called.size(), 1);
-}
-
-TEST_F(HotkeyManagerTest, AHeldToggleHotkeyStartsAndThenCommits) {
-    desk.editor.open(QStringLiteral("word"));
-    desk.editor.select(0, 4);
-    press(37, all);
-    desk.loop.runUntilIdle();
-    desk.eventTap.repeat(37, all);
-    desk.loop.runUntilIdle();
-    EXPECT_EQ(desk.state(), Case::processing);
-}
-
-TEST_F(HotkeyManagerTest, AKeyboardThatCannotBeWatchedIsAnError) {
+TEST_F(HotkeyManagerTest, AKeyboardThatCannotBeHadIsAnError) {
     desk.hotkeys.stopListening();
-    EXPECT_FALSE(desk.eventTap.isRunning());
-    desk.eventTap.failToStart(QStringLiteral("no XInput"));
+    EXPECT_FALSE(desk.keyboard.hotkeys.isRunning());
+    desk.keyboard.hotkeys.failToStart(QStringLiteral("no XInput"));
     EXPECT_THROW(desk.hotkeys.startListening(), TavrelonError);
     desk.accessibility.trusted = false;
     EXPECT_THROW(desk.hotkeys.startListening(), TavrelonError);

@@ -7,9 +7,9 @@
 namespace tavrelon::input {
 
 using namespace std::chrono_literals;
-using platform::TapVerdict;
 using tavrelon::testing::FakeGenerator;
 using tavrelon::testing::InputDesk;
+using tavrelon::testing::Taken;
 using Case = InputState::Case;
 
 /// What the application root wires on top of the listener.
@@ -18,7 +18,7 @@ struct Table : InputDesk {
         generator.delay = 10s;
         hotkeys.voiceHotkey = {96, keys::noModifiers};  // real keys, so that one press is one event
         hotkeys.voiceDictationHotkey = {97, keys::noModifiers};
-        hotkeys.refreshTap();
+        hotkeys.refresh();
         hotkeys.onVoiceHotkeyPressed = [this] { machine->handleVoiceHotkey(); };
         hotkeys.onVoiceDictationHotkeyPressed = [this] { machine->handleVoiceDictationHotkey(); };
         hotkeys.onAutoReplyHotkeyPressed = [this] { machine->startAutoReply(); };
@@ -78,7 +78,7 @@ struct Row {
     const char* name;
     keys::HotkeyConfig hotkey;
     const char* after;                                   ///< the state after the event, for each state before it
-    const char* verdicts;                                ///< d where the key is dropped, - where it passes
+    const char* taken;                                   ///< t where the press is ours, - where the application gets it
     std::optional<InputTrigger> trigger = std::nullopt;  ///< set where a new input begins
     std::array<const char*, states.size()> logged{};
 };
@@ -92,7 +92,7 @@ TEST_P(StateTable, EveryCell) {
         const auto before = stateNamed(states[cell]);
         Table table;
         table.bringTo(before);
-        EXPECT_EQ(table.press(row.hotkey), row.verdicts[cell] == 'd' ? TapVerdict::Drop : TapVerdict::Pass);
+        EXPECT_EQ(table.press(row.hotkey), row.taken[cell] == 't' ? Taken::ByUs : Taken::ByApplication);
         table.pass();
         EXPECT_EQ(table.state(), stateNamed(row.after[cell]));
         if (row.logged[cell])
@@ -107,17 +107,17 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(Row{"toggle",
                           keys::defaults::toggleHotkey,
                           "LPVRPLL",
-                          "ddddddd",
+                          "ttttttt",
                           InputTrigger::text,
                           {"[Hotkey] Starting text listening", "[Hotkey] Committing text input",
                            "[Hotkey] Ignored - voice mode active", "[Hotkey] Ignored - video mode active",
                            "[Hotkey] Ignored while processing"}},
-                      Row{"voice", {96, keys::noModifiers}, "VLPRPVV", "ddddddd", InputTrigger::voice},
+                      Row{"voice", {96, keys::noModifiers}, "VLPRPVV", "ttttttt", InputTrigger::voice},
                       // A recording for voice input is not a dictation.
-                      Row{"dictation", {97, keys::noModifiers}, "VLVRPVV", "ddddddd", InputTrigger::voiceDictation},
-                      Row{"video", keys::defaults::videoHotkey, "RLVPPRR", "d--d-dd", InputTrigger::video},
-                      Row{"autoReply", keys::defaults::autoReplyHotkey, "PLVRPPP", "d----dd", InputTrigger::autoReply},
-                      Row{"cancel", keys::defaults::cancelHotkey, "IIIIICE", "-dddd--"}),
+                      Row{"dictation", {97, keys::noModifiers}, "VLVRPVV", "ttttttt", InputTrigger::voiceDictation},
+                      Row{"video", keys::defaults::videoHotkey, "RLVPPRR", "t--t-tt", InputTrigger::video},
+                      Row{"autoReply", keys::defaults::autoReplyHotkey, "PLVRPPP", "t----tt", InputTrigger::autoReply},
+                      Row{"cancel", keys::defaults::cancelHotkey, "IIIIICE", "-tttt--"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(StateTableOther, FloatingTextAndResetInEachState) {

@@ -61,7 +61,27 @@ TEST_F(SpokenTest, AFieldThatRefusesTheTranscriptStillGetsTheAnswer) {
     desk.machine->handleVoiceHotkey();
     desk.loop.advance(1ms);
     EXPECT_TRUE(desk.log.contains(
-        QStringLiteral("[StateMachine] Failed to insert voice transcript: No frontmost application found")));
+        QStringLiteral("[StateMachine] Failed to insert voice transcript: Answer is on the clipboard")));
+}
+
+TEST_F(SpokenTest, WhatIsSaidForOneWindowIsNotWrittenIntoAnother) {
+    const auto elsewhere = [this](auto begin) {
+        desk.editor.open(QString());
+        const auto home = *desk.workspace.frontmostApplication();
+        begin();
+        pass();
+        hear("words");
+        desk.workspace.focusOwnWindow();
+        desk.loop.advance(6s);
+        EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Answer is on the clipboard")));
+        EXPECT_EQ(desk.editor.text(), QString());
+        desk.workspace.activate(home);
+        return desk.pasteboard.text();
+    };
+    EXPECT_EQ(elsewhere([this] { desk.machine->handleVoiceDictationHotkey(); }), QStringLiteral("words"));
+    EXPECT_EQ(elsewhere([this] { desk.machine->handleVoiceHotkey(); }), QStringLiteral("ANSWER"));
+    desk.generator.delay = 3s;
+    EXPECT_EQ(elsewhere([this] { desk.machine->startAutoReply(); }), QStringLiteral("ANSWER"));
 }
 
 TEST_F(SpokenTest, ARecognizerThatCannotStartIsAnError) {

@@ -1,6 +1,7 @@
 // The road of a typed request, from the hotkey to the field, on a desktop of fakes.
 #include <gtest/gtest.h>
 
+#include "persistence/taught.h"
 #include "support/input_desk.h"
 #include "support/qt_gtest.h"
 
@@ -182,6 +183,46 @@ TEST_F(TextRequestTest, EmptyInputOfTheModelIsNotTriedAgain) {
     EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Empty input; stopping without error UI")));
 }
 
+TEST_F(TextRequestTest, AnAnswerThatComesWhileAnotherWindowIsInFrontIsLeftOnTheClipboard) {
+    desk.generator.delay = 5s;
+    desk.request(QStringLiteral("question"));
+    desk.loop.advance(1s);
+    desk.workspace.focusOwnWindow();
+    desk.loop.advance(5s);
+    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Answer is on the clipboard")));
+    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Error processing: Answer is on the clipboard")));
+    EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("ANSWER"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("question"));
+    EXPECT_TRUE(desk.keyPoster.strokes().empty());
+    ASSERT_EQ(desk.history.entries().size(), 1U) << "the record is as ever";
+    EXPECT_EQ(desk.history.entries().front().outputText, QStringLiteral("ANSWER"));
+}
+
+TEST_F(TextRequestTest, AnAnswerToThePromptBoxIsForTheWindowItWasOpenedOver) {
+    const auto before = desk.workspace.frontmostApplication();
+    desk.workspace.focusOwnWindow();  // the focus has not come back yet
+    desk.machine->submitFloatingInput(QStringLiteral("hello"), before);
+    desk.workspace.activate(*before);
+    finish();
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
+    desk.workspace.focusOwnWindow();
+    desk.machine->submitFloatingInput(QStringLiteral("hello"), before);
+    desk.loop.advance(1s);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER")) << "it never came back";
+    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Answer is on the clipboard")));
+}
+
+TEST_F(TextRequestTest, TheRecordHoldsNoControlCharacters) {
+    desk.generator.script = {generation::GenerationResult{.text = QStringLiteral("a\u001b]0;x\u0007\n")}};
+    desk.workspace.focus(*desk.workspace.frontmostApplication(), QStringLiteral("ignored"));
+    desk.accessibility.windowTitle = QStringLiteral("one\nSelected Text: \u202etwo");
+    desk.request(QStringLiteral("question"));
+    finish();
+    const auto& entry = desk.history.entries().front();
+    EXPECT_EQ(entry.outputText, QStringLiteral("a]0;x\n"));
+    EXPECT_EQ(entry.windowTitle, QStringLiteral("one Selected Text: two"));
+}
+
 TEST_F(TextRequestTest, PromptBoxTextGoesAsItIsAndDeletesNothing) {
     desk.editor.open(QStringLiteral("draft"));
     desk.machine->submitFloatingInput(QStringLiteral("  hello"));
@@ -211,10 +252,15 @@ TEST_F(TextRequestTest, SettingsReachTheRequest) {
     EXPECT_EQ(first.voice.cloneSystemPrompt, std::nullopt);
     EXPECT_FALSE(first.enhanceImagePrompts);
 
-    desk.change([](auto& settings) { settings.adaptiveSystemPrompt.clear(); });
+    desk.change([](auto& settings) {
+        persistence::adoptTaught(settings);
+        settings.enableNvidiaLocal = true;
+    });
     desk.request(QStringLiteral("two"));
     finish();
-    EXPECT_TRUE(desk.generator.requests.back().voice.userStyle);
+    const auto& second = desk.generator.requests.back().voice;
+    EXPECT_FALSE(second.adaptivePrompt || second.languageStyle) << "taught by another provider";
+    EXPECT_TRUE(second.userStyle);
 }
 
 class CompositionTest : public TextRequestTest {
@@ -299,12 +345,13 @@ TEST_F(ImageRequestTest, APictureReplacesWhatWasTypedAndIsKept) {
     EXPECT_EQ(backspaces(), 10);
     EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1);
     ASSERT_EQ(desk.pasteboard.contents().size(), 1U);
-    EXPECT_EQ(desk.pasteboard.contents().front().dataByType.front().second, "picture of a cat");
+    EXPECT_EQ(desk.pasteboard.contents().front().dataByType.front().second, "PNG of picture of a cat");
     ASSERT_EQ(desk.history.entries().size(), 1U);
     const auto& entry = desk.history.entries().front();
     EXPECT_EQ(entry.outputText, QStringLiteral("图片已复制到剪贴板"));
     ASSERT_TRUE(entry.outputImagePath);
-    EXPECT_EQ(desk.fileSystem.read(*desk.history.resolvedImagePath(*entry.outputImagePath)), "picture of a cat");
+    EXPECT_EQ(desk.fileSystem.read(*desk.history.resolvedImagePath(*entry.outputImagePath)), "PNG of picture of a cat")
+        << "only what was decoded and encoded anew is kept";
 }
 
 TEST_F(ImageRequestTest, APictureOverASelectionSendsNoBackspace) {
@@ -316,15 +363,14 @@ TEST_F(ImageRequestTest, APictureOverASelectionSendsNoBackspace) {
     EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1);
 }
 
-TEST_F(ImageRequestTest, BytesThatAreNoPictureAreAnError) {
+TEST_F(ImageRequestTest, BytesThatAreNoPictureAreAnErrorAndChangeNothing) {
     desk.generator.script = {generation::GenerationResult{.imageData = "<html>"}};
-    desk.editor.open(QStringLiteral("a cat"));
-    desk.editor.select(0, 5);
-    desk.request(QString());
+    desk.request(QStringLiteral("draw a cat"));
     finish();
     EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("Invalid image data")));
     EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Error processing: Invalid image data")));
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("a cat"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("draw a cat"));
+    EXPECT_TRUE(desk.history.entries().empty());
 }
 
 }  // namespace tavrelon::input

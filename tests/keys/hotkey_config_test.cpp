@@ -7,18 +7,35 @@
 
 namespace tavrelon::keys {
 
-TEST(HotkeyConfig, ShowsModifiersInFixedOrderAndThenTheKey) {
-    EXPECT_EQ(displayName(0, noModifiers), QStringLiteral("Not Set"));
-    EXPECT_EQ(displayName(0, controlFlag | optionFlag), QStringLiteral("⌃⌥"));
-    EXPECT_EQ(displayName(37, defaults::shiftOptionCommand), QStringLiteral("⌥⇧⌘L"));
-    EXPECT_EQ(displayName(122, noModifiers), QStringLiteral("Key122"));
-    EXPECT_EQ(displayName(122, commandFlag), QStringLiteral("⌘Key122"));
-    EXPECT_EQ(displayName(keySpace, controlFlag | Modifiers{0x1}), QStringLiteral("⌃Space"));
-    // The A of the auto-reply hotkey is not shown, though a direct call knows it.
-    EXPECT_EQ(displayName(defaults::autoReplyHotkey.keyCode, defaults::autoReplyHotkey.modifiers),
-              QStringLiteral("⌥⇧⌘"));
-    EXPECT_EQ(keyDisplayName(0), QStringLiteral("A"));
-    EXPECT_EQ(keyDisplayName(18), QStringLiteral("Key18"));
+TEST(HotkeyConfig, IsShownBySymbolsAndToldInWords) {
+    const struct {
+        VirtualKey key;
+        Modifiers modifiers;
+        ZeroKey zero;
+        const char* symbols;
+        const char* words;
+    } cases[] = {
+        {0, noModifiers, ZeroKey::None, "Not Set", "Not Set"},
+        {0, noModifiers, ZeroKey::A, "A", "A"},
+        {0, controlFlag | optionFlag, ZeroKey::None, "⌃⌥", "Ctrl+Alt"},
+        {0, defaults::shiftOptionCommand, ZeroKey::A, "⌥⇧⌘A", "Super+Shift+Alt+A"},
+        {37, controlFlag | optionFlag, ZeroKey::None, "⌃⌥L", "Ctrl+Alt+L"},
+        {keySpace, controlFlag | Modifiers{0x1}, ZeroKey::None, "⌃Space", "Ctrl+Space"},
+        {keyReturn, commandFlag, ZeroKey::A, "⌘↩", "Super+Return"},
+        {126, shiftFlag, ZeroKey::A, "⇧↑", "Shift+Up"},
+        {122, noModifiers, ZeroKey::A, "F1", "F1"},
+        {111, commandFlag, ZeroKey::None, "⌘F12", "Super+F12"},
+        {29, noModifiers, ZeroKey::None, "0", "0"},
+        {200, optionFlag, ZeroKey::A, "⌥Key200", "Alt+Key200"},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(displayName(each.key, each.modifiers, each.zero), QString::fromUtf8(each.symbols));
+        EXPECT_EQ(plainName(each.key, each.modifiers, each.zero), QString::fromUtf8(each.words));
+    }
+    for (const VirtualKey writing : {keyA, keyGrave, keyBackspace, VirtualKey{29}, VirtualKey{123}})
+        EXPECT_TRUE(isUsedInWriting(writing)) << writing;
+    for (const VirtualKey other : {keyEscape, VirtualKey{122}, VirtualKey{200}})
+        EXPECT_FALSE(isUsedInWriting(other)) << other;
 }
 
 TEST(HotkeyConfig, EveryBitSurvivesJson) {

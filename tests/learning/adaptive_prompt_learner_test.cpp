@@ -4,9 +4,9 @@
 
 #include "generation/gateway_fixture.h"
 #include "learning/adaptive_prompt.h"
+#include "support/failing_file_system.h"
 #include "support/fake_serial_queue.h"
 #include "support/memory_defaults_store.h"
-#include "support/memory_file_system.h"
 
 namespace tavrelon::learning {
 
@@ -17,7 +17,7 @@ class AdaptivePromptLearnerTest : public testing::GatewayFixture {
  public:
     const QString folder = u"/data/Tavrelon"_s;
     const QString statePath = folder + u"/adaptive_prompt_state.json"_s;
-    testing::MemoryFileSystem files;
+    testing::FailingFileSystem files;
     testing::MemoryDefaultsStore store;
     testing::FakeSerialQueues queues{loop};
     persistence::StorageManager storage{store, files, log, loop, folder};
@@ -83,6 +83,7 @@ TEST_F(AdaptivePromptLearnerTest, TheFortiethSampleStartsOneUpdateWithExactlyFor
                 ElementsAre(u"later 41"_s, u"later 42"_s, u"later 43"_s, u"later 44"_s, u"later 45"_s));
     EXPECT_TRUE(stored().lastUpdatedAt);
     EXPECT_TRUE(storage.settings().adaptiveSystemPromptUpdatedAt);
+    EXPECT_EQ(storage.settings().adaptiveSystemPromptSource, u"NVIDIA Nemotron Nano 12B VL (nvidia.test)"_s);
     EXPECT_TRUE(store.data(persistence::defaults_keys::settings)->contains("Be terse."));
 }
 

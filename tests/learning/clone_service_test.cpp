@@ -49,7 +49,8 @@ TEST_F(CloneServiceTest, SamplesAreCountedAfterTheirWhiteSpaceIsNormalised) {
     EXPECT_EQ(failure([&] { learnText(spread(100)); }), u"Content must be at least 100 characters."_s) << "99";
     EXPECT_EQ(http.requests().size(), 0U);
     http.answer(200, chatReply(good));
-    EXPECT_EQ(learnText(spread(102)), (CloneProfile{u"Be Zoe."_s, u"dry"_s}));
+    EXPECT_EQ(learnText(spread(102)),
+              (CloneProfile{u"Be Zoe."_s, u"dry"_s, u"NVIDIA Nemotron Nano 12B VL (nvidia.test)"_s}));
     EXPECT_EQ(heardSamples(0), u"Samples:\n"_s + u"字 "_s.repeated(51).trimmed());
 
     http.answer(200, chatReply(good));

@@ -35,14 +35,14 @@ class LearningInApp : public ::testing::Test {
         desktop.loop.runUntilIdle();
     }
     void toggle() {
-        desktop.eventTap.press(keys::defaults::toggleHotkey.keyCode, keys::defaults::toggleHotkey.modifiers);
+        desktop.keyboard.press(keys::defaults::toggleHotkey.keyCode, keys::defaults::toggleHotkey.modifiers);
         desktop.loop.runUntilIdle();
     }
     void request(const QString& text) {
         desktop.editor.open(QString());
         toggle();
         for (const auto& character : text::characters(text))
-            desktop.eventTap.press(0, {}, character.toString());
+            desktop.keyboard.press(1000, {}, character.toString());
         desktop.editor.type(text);
         toggle();
         desktop.loop.runToEnd();

@@ -17,6 +17,7 @@ class OutputWriterTest : public ::testing::Test {
  public:
     TestDesktop desk;
     OutputWriter writer{desk.platform};
+    const platform::PasteboardItem picture{{{QStringLiteral("image/png"), "pixels"}}};
 
     std::chrono::nanoseconds write(Method method, std::optional<qint64> count, qint64 fallback = 0) {
         const auto start = desk.loop.now();
@@ -120,14 +121,112 @@ TEST_F(OutputWriterTest, NothingIsPastedFromAClipboardThatAnotherHolds) {
     desk.pasteboard.refusesOurs = true;
     desk.editor.open(QString());
     EXPECT_THROW(write(Method::deleteChars, 0), OutputWriterError);
-    EXPECT_THROW(runTask(desk.loop, writer.writeImage("picture", std::nullopt, AutoPaste::Yes)), OutputWriterError);
+    EXPECT_THROW(runTask(desk.loop, writer.writeImage(picture, std::nullopt, AutoPaste::Yes)), OutputWriterError);
     EXPECT_EQ(desk.editor.text(), QString());
+}
+
+/// What a write does where its place is not in front: no key, nothing written, the answer on the clipboard.
+class AnswerPlaceTest : public OutputWriterTest {
+ public:
+    AnswerPlaceTest() {
+        desk.editor.open(QStringLiteral("kept words"));
+        writer.aim();
+    }
+    Placement place(Method method) { return runTask(desk.loop, writer.writeText(QStringLiteral("new"), method, 5, 0)); }
+    void expectUntouched() {
+        for (const auto method : {Method::deleteChars, Method::replaceSelection, Method::replaceComposition}) {
+            desk.pasteboard.clearContents();
+            EXPECT_EQ(place(method), Placement::OnClipboard);
+            EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("new"));
+        }
+        EXPECT_EQ(runTask(desk.loop, writer.pasteText(QStringLiteral("reply"))), Placement::OnClipboard);
+        EXPECT_EQ(runTask(desk.loop, writer.deleteBackward(1)), Placement::OnClipboard);
+        const platform::PasteboardItem picture{{{QStringLiteral("image/png"), "pixels"}}};
+        const auto outcome = runTask(desk.loop, writer.writeImage(picture, std::nullopt, AutoPaste::Yes));
+        EXPECT_EQ(outcome.placement, Placement::OnClipboard);
+        EXPECT_EQ(desk.pasteboard.contents().size(), 1U);
+        desk.keyPoster.compositionOpen = true;
+        runTask(desk.loop, writer.cancelComposition());
+        EXPECT_TRUE(desk.keyPoster.strokes().empty());
+        EXPECT_EQ(desk.editor.text(), QStringLiteral("kept words"));
+    }
+    void focusOther(qint64 process, quint64 window) {
+        desk.workspace.focus({.processIdentifier = process,
+                              .bundleIdentifier = std::nullopt,
+                              .localizedName = std::nullopt,
+                              .windowIdentifier = window});
+    }
+};
+
+TEST_F(AnswerPlaceTest, AnotherWindowGetsNothing) {
+    focusOther(1234, 2);  // of the same application
+    expectUntouched();
+}
+
+TEST_F(AnswerPlaceTest, AProgramThatHoldsTheKeyboardGetsNothing) {
+    desk.keyPoster.keyboardHeld = true;  // the screen is locked; the window beneath is still in front
+    expectUntouched();
+}
+
+TEST_F(AnswerPlaceTest, AnotherProgramUnderTheOldWindowsNumberGetsNothing) {
+    focusOther(99, 1);
+    expectUntouched();
+}
+
+TEST_F(AnswerPlaceTest, APasswordFieldGetsNothingEvenInTheSameWindow) {
+    desk.accessibility.fieldKind = platform::FocusKind::Password;
+    expectUntouched();
+}
+
+TEST_F(AnswerPlaceTest, AnotherElementOfTheWindowGetsNothingUnlessTheOldOneIsGone) {
+    desk.accessibility.fieldPath = QStringLiteral("/other");
+    desk.accessibility.answer(platform::AXElement::Kind::Object, platform::AXAttribute::Size, platform::AXSize{9, 9});
+    expectUntouched();
+    desk.keyPoster.compositionOpen = false;
+    desk.accessibility.fail(platform::AXElement::Kind::Object, platform::AXAttribute::Size,
+                            platform::AXError::InvalidUIElement);
+    EXPECT_EQ(place(Method::deleteChars), Placement::Written) << "some make the elements of a field anew";
+}
+
+TEST_F(AnswerPlaceTest, AFocusThatLeavesAmidTheKeysStopsThem) {
+    desk.keyPoster.onPress = [&](const auto&) {
+        if (desk.keyPoster.strokes().size() == 2)
+            focusOther(99, 7);
+    };
+    EXPECT_EQ(place(Method::deleteChars), Placement::OnClipboard);
+    EXPECT_EQ(desk.keyPoster.strokes().size(), 2U);
+    EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("new"));
+}
+
+TEST_F(OutputWriterTest, ATerminalGetsOneLineWithoutItsEndAndNothingGetsControls) {
+    const auto paste = [this](const QString& answer) {
+        desk.editor.open(QString());
+        return runTask(desk.loop, writer.writeText(answer, Method::deleteChars, 0, 0));
+    };
+    EXPECT_EQ(paste(QStringLiteral("a\u001b[201~\nb\r\n")), Placement::Written);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("a[201~\nb\n"));
+    const auto inTerminal = [&] {
+        EXPECT_EQ(paste(QStringLiteral("rm -r x\r\n\n")), Placement::Written);
+        EXPECT_EQ(desk.editor.text(), QStringLiteral("rm -r x"));
+        desk.keyPoster.clear();
+        EXPECT_EQ(paste(QStringLiteral("one\ntwo")), Placement::OnClipboard);
+        EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("one\ntwo"));
+        EXPECT_TRUE(desk.keyPoster.strokes().empty());
+    };
+    desk.workspace.windowKind = platform::WindowKind::Terminal;
+    inTerminal();
+    desk.workspace.windowKind = platform::WindowKind::Ordinary;
+    desk.accessibility.fieldKind = platform::FocusKind::Terminal;  // within another program's window
+    inTerminal();
 }
 
 TEST_F(OutputWriterTest, ACancelledWriteStopsBetweenItsKeys) {
     desk.editor.open(QStringLiteral("abcdef"));
+    const auto body = [](OutputWriter& to) -> async::Task<void> {
+        co_await to.writeText(QStringLiteral("new"), Method::deleteChars, 2, 0);
+    };
     async::TaskScope scope(desk.loop);
-    const auto task = scope.spawn(writer.writeText(QStringLiteral("new"), Method::deleteChars, 2, 0));
+    const auto task = scope.spawn(body(writer));
     desk.loop.advance(75ms);  // deleted, on the pasteboard, not yet pasted
     task.cancel();
     desk.loop.runToEnd();
@@ -136,16 +235,17 @@ TEST_F(OutputWriterTest, ACancelledWriteStopsBetweenItsKeys) {
 }
 
 TEST_F(OutputWriterTest, Pictures) {
-    const auto write = [this](const QByteArray& data, const std::optional<QString>& caption, AutoPaste autoPaste) {
-        return runTask(desk.loop, writer.writeImage(data, caption, autoPaste));
+    const auto write = [this](const std::optional<platform::PasteboardItem>& item,
+                              const std::optional<QString>& caption, AutoPaste autoPaste) {
+        return runTask(desk.loop, writer.writeImage(item, caption, autoPaste)).text;
     };
-    EXPECT_EQ(write("picture", std::nullopt, AutoPaste::No), QStringLiteral("图片已复制到剪贴板"));
+    EXPECT_EQ(write(picture, std::nullopt, AutoPaste::No), QStringLiteral("图片已复制到剪贴板"));
     EXPECT_TRUE(desk.keyPoster.strokes().empty());
-    EXPECT_EQ(write("picture", QStringLiteral("a cat"), AutoPaste::Yes), QStringLiteral("a cat"));
+    EXPECT_EQ(write(picture, QStringLiteral("a cat"), AutoPaste::Yes), QStringLiteral("a cat"));
     EXPECT_EQ(desk.keyPoster.count(keys::keyV, keys::commandFlag), 1);
-    EXPECT_EQ(write("junk", QStringLiteral("a cat"), AutoPaste::Yes), QStringLiteral("a cat"));
+    EXPECT_EQ(write(std::nullopt, QStringLiteral("a cat"), AutoPaste::Yes), QStringLiteral("a cat"));
     EXPECT_TRUE(desk.pasteboard.contents().empty());
-    EXPECT_THROW(write("junk", std::nullopt, AutoPaste::Yes), OutputWriterError);
+    EXPECT_THROW(write(std::nullopt, std::nullopt, AutoPaste::Yes), OutputWriterError);
 }
 
 }  // namespace tavrelon::output

@@ -1,9 +1,8 @@
-#include "persistence/app_settings.h"
-
 #include <gtest/gtest.h>
 
 #include <limits>
 
+#include "persistence/taught.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::persistence {
@@ -39,7 +38,8 @@ text::Json documentWithEveryKey() {
         "cloneLanguageStyleUpdatedAt": -2000.25,
         "enableNvidiaLocal": false, "enableNvidiaThink": false,
         "enableHistory": true, "maxHistoryEntries": 20, "enableLocalLearning": true, "shareImprovements": false,
-        "appLanguage": "en"})");
+        "appLanguage": "en", "quickAskHotkeyEnabled": true,
+        "adaptiveSystemPromptSource": "", "adaptiveSystemPromptProvider": "", "cloneSource": "", "cloneProvider": ""})");
     json["pollinationsBaseURL"] = text::toJson(defaultPollinationsBaseURL());
     json["ollamaLocalEndpoint"] = text::toJson(defaultOllamaLocalEndpoint());
     json["cloneApiBaseURL"] = text::toJson(defaultCloneApiBaseURL());
@@ -70,7 +70,7 @@ AppSettings decoded(const char* json) {
 
 TEST(AppSettings, DefaultsAreWrittenInFixedOrderWithoutTheAbsentDates) {
     auto expected = documentWithEveryKey();
-    ASSERT_EQ(expected.size(), 53U);
+    ASSERT_EQ(expected.size(), 58U);
     expected.erase("adaptiveSystemPromptUpdatedAt");
     expected.erase("cloneLanguageStyleUpdatedAt");
     EXPECT_EQ(text::compactJson(toJson(defaultSettings())), text::compactJson(expected));
@@ -141,6 +141,49 @@ TEST(AppSettings, ANumberThatJsonCannotHoldIsNotWritten) {
     AppSettings settings;
     settings.aiTimeout = std::numeric_limits<double>::infinity();
     EXPECT_THROW(toJson(settings), text::JsonError);
+}
+
+TEST(AppSettings, WhatWasTaughtForOneProviderIsSetAsideForEveryOther) {
+    const auto withProvider = [](AppSettings settings, const char* json) {
+        auto document = toJson(settings);
+        document.update(text::parseJson(json));
+        return appSettingsFrom(document);
+    };
+    AppSettings taught;
+    taught.adaptiveSystemPrompt = QStringLiteral("terse");
+    taught.cloneLanguageStyle = QStringLiteral("dry");
+    taught.cloneSource = QStringLiteral("OpenAI (a.test)");
+    EXPECT_TRUE(adoptTaught(taught));
+    EXPECT_FALSE(adoptTaught(taught)) << "once";
+    AppSettings untaught;
+    EXPECT_FALSE(adoptTaught(untaught));
+    for (const char* harmless : {R"({"pollinationsBaseURL":"https://elsewhere.test"})", R"({"ollamaMode":"local"})",
+                                 R"({"enableNvidiaThink":true})"})
+        EXPECT_FALSE(isSetAside(withProvider(taught, harmless), Taught::CloneProfile)) << harmless;
+    const char* providers[] = {
+        R"({"enableNvidiaLocal":true})",
+        R"({"enableOllamaVision":true})",
+        R"({"enableOllamaVision":true,"ollamaMode":" local","ollamaLocalEndpoint":"http://localhost:1/api"})",
+        R"({"enableOllamaVision":true,"ollamaMode":"local","ollamaLocalEndpoint":"http://localhost:2/api"})",
+        R"({"enableCustomPollinations":true,"pollinationsBaseURL":"https://a.test/v1"})",
+        R"({"enableCustomPollinations":true,"pollinationsBaseURL":"b.test"})",
+    };
+    for (const char* provider : providers) {
+        auto changed = withProvider(taught, provider);
+        EXPECT_TRUE(isSetAside(changed, Taught::AdaptivePrompt) && isSetAside(changed, Taught::CloneProfile))
+            << provider;
+        keepTaught(changed, Taught::AdaptivePrompt);
+        EXPECT_FALSE(isSetAside(changed, Taught::AdaptivePrompt)) << provider;
+        EXPECT_EQ(std::ranges::count_if(providers,
+                                        [&](const char* other) {
+                                            return providerOf(withProvider(taught, other)) == providerOf(changed);
+                                        }),
+                  1)
+            << provider;
+    }
+    forgetTaught(taught, Taught::CloneProfile);
+    forgetTaught(taught, Taught::AdaptivePrompt);
+    EXPECT_EQ(taught, defaultSettings());
 }
 
 }  // namespace tavrelon::persistence

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/memory_file_system.h"
+#include "support/failing_file_system.h"
 #include "support/qt_gtest.h"
 #include "support/recording_log.h"
 
@@ -33,7 +33,7 @@ class HistoryManagerTest : public ::testing::Test {
         return found;
     }
 
-    testing::MemoryFileSystem files;
+    testing::FailingFileSystem files;
     testing::RecordingLog log;
 };
 

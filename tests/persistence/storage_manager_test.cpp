@@ -4,8 +4,8 @@
 
 #include <limits>
 
+#include "support/failing_file_system.h"
 #include "support/memory_defaults_store.h"
-#include "support/memory_file_system.h"
 #include "support/qt_gtest.h"
 #include "support/recording_log.h"
 #include "support/virtual_main_loop.h"
@@ -33,7 +33,7 @@ class StorageManagerTest : public ::testing::Test {
     }
 
     testing::MemoryDefaultsStore store;
-    testing::MemoryFileSystem files;
+    testing::FailingFileSystem files;
     testing::RecordingLog log;
     testing::VirtualMainLoop loop;
 };

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "scenes/decision_object.h"
-#include "scenes/intent_type.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::scenes {
@@ -83,20 +82,6 @@ TEST(ResultContent, HoldsExactlyOneKnownAlternative) {
     EXPECT_EQ(text::compactJson(toJson(structured)), R"({"structured":{"_0":{"k":"v"}}})");
     EXPECT_EQ(resultContentFrom(toJson(structured)), structured);
     EXPECT_EQ(text::compactJson(toJson(ResultContent(StructuredContent{}))), R"({"structured":{"_0":{}}})");
-}
-
-TEST(Enumerations, GoByTheirRawTexts) {
-    EXPECT_EQ(caseOf<IntentType>(QStringLiteral("continue")), IntentType::continue_);
-    EXPECT_EQ(caseOf<IntentType>(QStringLiteral("continue_")), std::nullopt);
-    EXPECT_EQ(displayName(IntentType::continue_), QStringLiteral("续写"));
-    EXPECT_EQ(caseOf<ImageSize>(QStringLiteral("1024x1792")), ImageSize::tall);
-    EXPECT_EQ(caseOf<ImageSize>(QStringLiteral("1024x1024")), ImageSize::large);
-    std::set<QString> labels;
-    for (const auto& row : rawValues<IntentType>) {
-        EXPECT_EQ(caseOf<IntentType>(rawValue(row.value)), row.value);
-        labels.insert(displayName(row.value));
-    }
-    EXPECT_EQ(labels.size(), 12U);
 }
 
 TEST(ResolvedStyle, NamesTheLengthByTheUpperBound) {

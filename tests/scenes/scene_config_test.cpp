@@ -66,23 +66,11 @@ TEST(DefaultScenes, SurviveTheFileAndGetNewIdentifiersAtEachCall) {
     const auto scenes = defaultScenes();
     EXPECT_EQ(sceneListFrom(text::parseJson(text::compactJson(toJson(scenes)))), scenes);
     std::set<QUuid> ids;
-    QStringList names;
-    QList<qint64> priorities;
-    for (const auto& scene : scenes) {
+    for (const auto& scene : scenes)
         ids.insert(scene.id);
-        names << scene.name;
-        priorities << scene.priority;
-        EXPECT_TRUE(scene.isEnabled && scene.allowScreenshot && !scene.allowShare && scene.domainPatterns.isEmpty());
-        EXPECT_EQ(scene.outputContract.prohibitedTerms, std::nullopt);
-    }
     for (const auto& scene : defaultScenes())
         ids.insert(scene.id);
     EXPECT_EQ(ids.size(), 10U);
-    EXPECT_EQ(names.join(u'|'), QStringLiteral("Slack 消息|邮件回复|浏览器|代码编辑|笔记"));
-    EXPECT_EQ(priorities, (QList<qint64>{100, 100, 50, 100, 80}));
-    EXPECT_EQ(scenes[0].outputContract.lengthRange, (LengthRange{10, 500}));
-    EXPECT_EQ(scenes[2].outputContract, OutputContract{});
-    EXPECT_EQ(scenes[3].outputContract, OutputContract{.format = QStringLiteral("code")});
 }
 
 }  // namespace tavrelon::scenes

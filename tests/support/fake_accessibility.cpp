@@ -8,7 +8,7 @@ using platform::AXAttributedString;
 using text::Utf16Range;
 
 FakeAccessibility::AXElement FakeAccessibility::fieldElement() const {
-    return {Kind::Object, 0, QStringLiteral(":field"), QStringLiteral("/field")};
+    return {Kind::Object, 0, QStringLiteral(":field"), fieldPath};
 }
 
 void FakeAccessibility::focus(const QString& value) {
@@ -94,6 +94,9 @@ FakeAccessibility::Result FakeAccessibility::ofWindow(AXAttribute attribute) con
 FakeAccessibility::Result FakeAccessibility::ofField(const AXElement& element, AXAttribute attribute) const {
     if (!field || element != fieldElement())
         return std::unexpected(AXError::InvalidUIElement);
+    const bool isPlace = attribute == AXAttribute::Position || attribute == AXAttribute::Size;
+    if (fieldKind == platform::FocusKind::Password && !isPlace)
+        return std::unexpected(AXError::SecureField);
     switch (attribute) {
         case AXAttribute::Value:
             return field->value;
@@ -125,6 +128,8 @@ FakeAccessibility::Result FakeAccessibility::copyParameterizedAttribute(const AX
         return std::unexpected(AXError::ParameterizedAttributeUnsupported);
     if (!field || element != fieldElement())
         return std::unexpected(AXError::InvalidUIElement);
+    if (fieldKind == platform::FocusKind::Password)
+        return std::unexpected(AXError::SecureField);
     if (range.location < 0 || range.length < 0 || range.location > field->value.size())
         return std::unexpected(AXError::IllegalArgument);
     if (attribute == AXAttribute::BoundsForRange)
@@ -139,6 +144,8 @@ FakeAccessibility::AXError FakeAccessibility::setAttribute(const AXElement& elem
         return AXError::AttributeUnsupported;
     if (!field || element != fieldElement())
         return AXError::InvalidUIElement;
+    if (fieldKind == platform::FocusKind::Password)
+        return AXError::SecureField;
     if (setSelectedTextResult != AXError::Success)
         return setSelectedTextResult;
     field->value.replace(field->selection.location, field->selection.length, value);

@@ -34,11 +34,13 @@ class FakeAccessibility : public platform::Accessibility {
     };
 
     bool trusted = true;
-    std::optional<qint64> frontmostProcess = 4711;     ///< absent: no application is in front
-    std::optional<QString> windowTitle;                ///< absent: the window gives no title
-    std::optional<Field> field;                        ///< absent: nothing that holds text has the focus
-    std::optional<platform::AXRect> caretBounds;       ///< absent: the field does not tell where its text is
-    std::optional<platform::AXRect> fieldFrame;        ///< absent: nor where it is itself
+    std::optional<qint64> frontmostProcess = 4711;  ///< absent: no application is in front
+    std::optional<QString> windowTitle;             ///< absent: the window gives no title
+    std::optional<Field> field;                     ///< absent: nothing that holds text has the focus
+    std::optional<platform::AXRect> caretBounds;    ///< absent: the field does not tell where its text is
+    std::optional<platform::AXRect> fieldFrame;     ///< absent: nor where it is itself
+    platform::FocusKind fieldKind = platform::FocusKind::Ordinary;  ///< a password tells nothing and takes nothing
+    QString fieldPath = QStringLiteral("/field");                   ///< another one is another element
     AXError setSelectedTextResult = AXError::Success;  ///< any other refuses the text and leaves the field alone
 
     /// The element that `field` is.
@@ -47,6 +49,12 @@ class FakeAccessibility : public platform::Accessibility {
     /// Gives the focus to a field with the caret at the end of `value`.
     void focus(const QString& value);
     void focus(const QString& value, text::Utf16Range selection);
+
+    /// Says that an element has got the focus.
+    void tellOfFocus() {
+        if (focusHandler_)
+            focusHandler_();
+    }
 
     /// Lets every read of the attribute of that kind of element fail, or answer `value` whatever the field holds.
     void fail(Kind kind, AXAttribute attribute, AXError error);
@@ -62,6 +70,8 @@ class FakeAccessibility : public platform::Accessibility {
     Result copyAttribute(const AXElement& element, AXAttribute attribute) override;
     Result copyParameterizedAttribute(const AXElement& element, AXAttribute attribute, text::Utf16Range range) override;
     AXError setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) override;
+    platform::FocusKind focusKind() override { return field ? fieldKind : platform::FocusKind::Unknown; }
+    void onFocusChange(std::function<void()> handler) override { focusHandler_ = std::move(handler); }
 
  private:
     std::optional<Result> scripted(const AXElement& element, AXAttribute attribute) const;
@@ -72,6 +82,7 @@ class FakeAccessibility : public platform::Accessibility {
 
     std::map<std::pair<Kind, AXAttribute>, Result> scripts_;
     std::vector<Call> calls_;
+    std::function<void()> focusHandler_;
 };
 
 }  // namespace tavrelon::testing

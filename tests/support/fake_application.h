@@ -8,9 +8,11 @@ class FakeApplication : public platform::Application {
  public:
     int aboutShown = 0;
     bool terminated = false;
+    std::function<void(bool)> onActiveChanged;
 
     void orderFrontStandardAboutPanel() override { ++aboutShown; }
     void terminate() override { terminated = true; }
+    void setOnActiveChanged(std::function<void(bool)> changed) override { onActiveChanged = std::move(changed); }
 };
 
 }  // namespace tavrelon::testing

@@ -14,7 +14,7 @@ class FakeImageCodec : public platform::ImageCodec {
     async::Task<std::optional<platform::PasteboardItem>> pasteboardItem(QByteArray image) override {
         if (!image.startsWith("picture"))
             co_return std::nullopt;
-        co_return platform::PasteboardItem{{{QStringLiteral("image/png"), image}}};
+        co_return platform::PasteboardItem{{{QStringLiteral("image/png"), "PNG of " + image}}};
     }
 
     async::Task<std::optional<QByteArray>> jpegRepresentation(platform::Image image, double quality) override {

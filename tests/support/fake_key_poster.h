@@ -26,6 +26,7 @@ class FakeKeyPoster : public platform::KeyPoster {
 
     void press(keys::VirtualKey key, keys::Modifiers flags) override;
     bool isCompositionOpen() override { return compositionOpen; }
+    bool isKeyboardHeld() override { return keyboardHeld; }
     void putModifiersAside() override { ++asideDepth_; }
     void giveModifiersBack() override;
 
@@ -35,6 +36,7 @@ class FakeKeyPoster : public platform::KeyPoster {
     void clear() { strokes_.clear(); }
 
     bool compositionOpen = false;
+    bool keyboardHeld = false;
 
     /// Runs inside each `press`, after it was kept: what the focused application makes of the key.
     std::function<void(const Stroke&)> onPress;

@@ -14,12 +14,14 @@ class FakePanel : public platform::Panel {
         : kind(description.kind),
           view(description.view),
           contentSize(description.contentSize),
+          model(description.model),
           workspace_(workspace),
           scale_(scale) {}
 
     platform::PanelKind kind;
     QString view;
     QSizeF contentSize;
+    QObject* model;
     QPointF origin{-1, -1};
     bool visible = false;
     double alpha = 1;  ///< the one that the last fade leads to

@@ -12,6 +12,14 @@ std::optional<RunningApplication> FakeWorkspace::frontmostApplication() {
     return windows_[*frontmost_].application;
 }
 
+std::optional<platform::FrontmostWindow> FakeWorkspace::frontmostWindow() {
+    if (!frontmost_)
+        return std::nullopt;
+    const auto& application = windows_[*frontmost_].application;
+    return platform::FrontmostWindow{application.windowIdentifier, tellsProcess ? application.processIdentifier : 0,
+                                     windowKind};
+}
+
 std::optional<QString> FakeWorkspace::frontmostWindowTitle() {
     if (!frontmost_)
         return std::nullopt;

@@ -13,6 +13,7 @@ class FakeWorkspace : public platform::Workspace {
     static constexpr qint64 ownProcessIdentifier = 4711;
 
     std::optional<platform::RunningApplication> frontmostApplication() override;
+    std::optional<platform::FrontmostWindow> frontmostWindow() override;
     std::optional<QString> frontmostWindowTitle() override;
     std::optional<platform::WindowPlace> frontmostWindowPlace() override {
         return frontmost_ ? std::optional(windowPlace) : std::nullopt;
@@ -38,6 +39,7 @@ class FakeWorkspace : public platform::Workspace {
     /// Whether the window in front has the keys too, or waits for them.
     void setKeyboardFollows(bool follows) { keyboardFollows_ = follows; }
 
+    platform::WindowKind windowKind = platform::WindowKind::Ordinary;  ///< of whichever window is in front
     bool tellsProcess = true;  ///< otherwise there is a window in front, but no application
 
     /// Of whichever window is in front.

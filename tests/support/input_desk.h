@@ -19,7 +19,7 @@ class FakeInputRecorder : public learning::InputRecorder {
 struct InputCore {
     explicit InputCore(platform::Platform& desktop) : ports(desktop) {
         machine->setSpeechRecognizer(recognizer);
-        hotkeys.stateMachine = machine;
+        hotkeys.setStateMachine(machine);
         hotkeys.startListening();
     }
 
@@ -53,9 +53,9 @@ struct InputDesk : TestDesktop, InputCore {
         storage.changeSettings(settings);
     }
 
-    platform::TapVerdict press(const keys::HotkeyConfig& hotkey) {
-        return eventTap.press(hotkey.keyCode, hotkey.modifiers);
-    }
+    Taken press(const keys::HotkeyConfig& hotkey) { return keyboard.press(hotkey.keyCode, hotkey.modifiers); }
+
+    static constexpr keys::VirtualKey noKey = 1000;
 
     /// Presses the toggle hotkey and lets the turn pass.
     void toggle() {
@@ -73,7 +73,7 @@ struct InputDesk : TestDesktop, InputCore {
     /// Types into the editor under the eyes of the listener.
     void type(const QString& text) {
         for (const auto& character : text::characters(text))
-            eventTap.press(0, {}, character.toString());
+            keyboard.press(noKey, {}, character.toString());
         editor.type(text);
     }
 };

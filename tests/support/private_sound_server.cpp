@@ -4,7 +4,6 @@
 #include <QDir>
 #include <QFile>
 #include <QThread>
-#include <algorithm>
 #include <csignal>
 #include <stdexcept>
 
@@ -23,7 +22,7 @@ QByteArray outputOf(const QString& program, const QStringList& arguments) {
 
 }  // namespace
 
-PrivateSoundServer::PrivateSoundServer(Microphone microphone) : microphone_(microphone) {
+PrivateSoundServer::PrivateSoundServer() {
     const auto socket = folder_.filePath(QStringLiteral("native"));
     QFile script(folder_.filePath(QStringLiteral("script")));
     if (!script.open(QIODevice::WriteOnly))
@@ -46,18 +45,11 @@ PrivateSoundServer::PrivateSoundServer(Microphone microphone) : microphone_(micr
         QThread::msleep(10);
     }
     qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(socket));
-    if (microphone_ == Microphone::HearsSpeakers)
-        listen();
-    plugMicrophone();
-}
-
-/// Speakers that are no device play in blocks of seconds unless somebody is in a hurry.
-void PrivateSoundServer::listen() {
-    control({QStringLiteral("load-module"), QStringLiteral("module-null-sink"), QStringLiteral("sink_name=speakers")});
-    listener_.setStandardOutputFile(QProcess::nullDevice());
-    listener_.start(QStringLiteral("parec"),
-                    {QStringLiteral("--device=speakers.monitor"), QStringLiteral("--latency-msec=10")});
-    listener_.waitForStarted();
+    microphoneModule_ =
+        QString::fromLatin1(control({QStringLiteral("load-module"), QStringLiteral("module-null-source"),
+                                     QStringLiteral("source_name=microphone")}))
+            .trimmed();
+    control({QStringLiteral("set-default-source"), QStringLiteral("microphone")});
 }
 
 PrivateSoundServer::~PrivateSoundServer() {
@@ -65,32 +57,13 @@ PrivateSoundServer::~PrivateSoundServer() {
     qunsetenv("PULSE_SERVER");
 }
 
-void PrivateSoundServer::plugMicrophone() {
-    const auto kind = microphone_ == Microphone::HearsSpeakers ? QStringList{QStringLiteral("module-remap-source"),
-                                                                             QStringLiteral("master=speakers.monitor")}
-                                                               : QStringList{QStringLiteral("module-null-source")};
-    microphoneModule_ = QString::fromLatin1(control(QStringList{QStringLiteral("load-module")} + kind +
-                                                    QStringList{QStringLiteral("source_name=microphone")}))
-                            .trimmed();
-    control({QStringLiteral("set-default-source"), QStringLiteral("microphone")});
-}
-
 void PrivateSoundServer::unplugMicrophone() {
     control({QStringLiteral("unload-module"), microphoneModule_});
 }
 
-void PrivateSoundServer::say(const QString& sentence) {
-    const auto file = folder_.filePath(QStringLiteral("speech.wav"));
-    outputOf(QStringLiteral("espeak-ng"), {QStringLiteral("-v"), QStringLiteral("en-us"), QStringLiteral("-s"),
-                                           QStringLiteral("140"), QStringLiteral("-w"), file, sentence});
-    outputOf(QStringLiteral("paplay"), {QStringLiteral("--device=speakers"), file});
-}
-
 int PrivateSoundServer::recordings() const {
-    const auto lines =
-        control({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("source-outputs")}).trimmed();
-    const auto clients = static_cast<int>(lines.count("protocol-native"));
-    return listener_.state() == QProcess::Running ? clients - 1 : clients;
+    return static_cast<int>(control({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("source-outputs")})
+                                .count("protocol-native"));
 }
 
 void PrivateSoundServer::signal(int number) const {
@@ -100,10 +73,6 @@ void PrivateSoundServer::signal(int number) const {
 void PrivateSoundServer::end() {
     if (process_.state() == QProcess::NotRunning)
         return;
-    if (listener_.state() != QProcess::NotRunning) {
-        listener_.kill();
-        listener_.waitForFinished(5000);
-    }
     signal(SIGCONT);
     process_.kill();
     process_.waitForFinished(5000);
@@ -113,28 +82,9 @@ QByteArray PrivateSoundServer::control(const QStringList& command) const {
     return outputOf(QStringLiteral("pactl"), command);
 }
 
-namespace {
-
-QStringList threadNames(const QString& process) {
-    const QDir tasks(QStringLiteral("/proc/%1/task").arg(process));
-    QStringList names;
-    for (const auto& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        QFile file(tasks.filePath(task + QStringLiteral("/comm")));
-        names << (file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).trimmed() : QString());
-    }
-    return names;
-}
-
-}  // namespace
-
 int threadCount() {
-    return static_cast<int>(threadNames(QStringLiteral("self")).size());
-}
-
-int soundThreadCount(qint64 process) {
-    return static_cast<int>(std::ranges::count_if(threadNames(QString::number(process)), [](const QString& name) {
-        return name.startsWith(QStringLiteral("audio input")) || name.startsWith(QStringLiteral("speech"));
-    }));
+    return static_cast<int>(
+        QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size());
 }
 
 }  // namespace tavrelon::testing

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QThread>
-#include <atomic>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -21,12 +20,6 @@ class StandInLedger {
     std::pair<std::size_t, StandInAnswer> receive(const ReceivedRequest& request);
     void markAbandoned(std::size_t index);
 
-    /// How often a connection fell silent for good, and how many pieces of dripping bodies went out.
-    std::size_t silences() const { return silences_; }
-    std::size_t pieces() const { return pieces_; }
-    void noteSilence() { ++silences_; }
-    void notePiece() { ++pieces_; }
-
     std::vector<ReceivedRequest> requests() const;
 
  private:
@@ -35,8 +28,6 @@ class StandInLedger {
     StandInAnswer default_;
     std::vector<ReceivedRequest> requests_;
     std::size_t forgotten_ = 0;  ///< requests recorded before the last reset
-    std::atomic<std::size_t> silences_ = 0;
-    std::atomic<std::size_t> pieces_ = 0;
 };
 
 class StandInListener;

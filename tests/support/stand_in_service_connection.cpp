@@ -64,7 +64,7 @@ void StandInConnection::serve(const ReceivedRequest& request) {
     auto [index, answer] = ledger_.receive(request);
     underWay_ = index;
     if (answer.fault == StandInAnswer::Fault::Stall && !answer.raw)
-        return fallSilent();
+        return;
     if (answer.delayMs == 0)
         return give(request, answer);
     QTimer::singleShot(answer.delayMs, this, [this, request, late = std::move(answer)] { give(request, late); });
@@ -100,7 +100,7 @@ void StandInConnection::giveRaw(const StandInAnswer& answer) {
     sendFiller(answer.fillerBytes, [this, fault = answer.fault] {
         socket_->flush();
         if (fault == StandInAnswer::Fault::Stall)
-            return fallSilent();
+            return;
         if (fault == StandInAnswer::Fault::Reset)
             return resetOnTheWire();
         hangUp();
@@ -119,7 +119,6 @@ void StandInConnection::sendHead(int status, const HeaderList& headers, qint64 l
 void StandInConnection::drip(const QByteArray& body, qsizetype from, qsizetype piece, int pauseMs) {
     socket_->write(body.sliced(from, std::min(piece, body.size() - from)));
     socket_->flush();
-    ledger_.notePiece();
     if (from + piece >= body.size())
         return complete();
     QTimer::singleShot(pauseMs, this,
@@ -144,10 +143,6 @@ void StandInConnection::pumpFiller() {
         if (auto then = std::exchange(afterFiller_, nullptr))
             then();
     }
-}
-
-void StandInConnection::fallSilent() {
-    ledger_.noteSilence();
 }
 
 void StandInConnection::complete() {

@@ -37,7 +37,6 @@ class StandInConnection : public QObject {
     void drip(const QByteArray& body, qsizetype from, qsizetype piece, int pauseMs);
     void sendFiller(qint64 length, std::move_only_function<void()> then);
     void pumpFiller();
-    void fallSilent();
     void complete();
     void hangUp();
     void resetOnTheWire();

@@ -2,15 +2,16 @@
 
 #include "platform/platform.h"
 #include "platform/user_interface.h"
+#include "support/failing_file_system.h"
 #include "support/fake_accessibility.h"
 #include "support/fake_application.h"
 #include "support/fake_audio_input.h"
 #include "support/fake_document_reader.h"
-#include "support/fake_event_tap.h"
 #include "support/fake_http_session.h"
 #include "support/fake_image_codec.h"
 #include "support/fake_input_source.h"
 #include "support/fake_key_poster.h"
+#include "support/fake_keyboard.h"
 #include "support/fake_panel.h"
 #include "support/fake_pasteboard.h"
 #include "support/fake_screen_capture.h"
@@ -20,7 +21,6 @@
 #include "support/fake_status_item.h"
 #include "support/fake_workspace.h"
 #include "support/memory_defaults_store.h"
-#include "support/memory_file_system.h"
 #include "support/recording_log.h"
 #include "support/simulated_editor.h"
 #include "support/virtual_main_loop.h"
@@ -32,7 +32,7 @@ struct TestDesktop {
     VirtualMainLoop loop;
     RecordingLog log;
     FakeAccessibility accessibility;
-    FakeEventTap eventTap;
+    FakeKeyboard keyboard;
     FakeKeyPoster keyPoster{loop};
     FakePasteboard pasteboard{loop};
     FakeWorkspace workspace;
@@ -41,7 +41,7 @@ struct TestDesktop {
     FakeImageCodec imageCodec;
     FakeHttpSession httpSession{loop};
     MemoryDefaultsStore defaultsStore;
-    MemoryFileSystem fileSystem;
+    FailingFileSystem fileSystem;
     FakeSerialQueues serialQueues{loop};
     FakeDocumentReader documentReader{loop};
     FakeAudioInput audioInput;
@@ -52,10 +52,25 @@ struct TestDesktop {
     FakeStatusItem statusItem;
     platform::UserInterface userInterface{application, panels, screens, statusItem};
     SimulatedEditor editor{accessibility, pasteboard, keyPoster};
-    platform::Platform platform{
-        loop,       log,          accessibility,  eventTap,   keyPoster,   pasteboard,
-        workspace,  inputSource,  screenCapture,  imageCodec, httpSession, defaultsStore,
-        fileSystem, serialQueues, documentReader, audioInput, speech,      QStringLiteral("/data/Tavrelon")};
+    platform::Platform platform{loop,
+                                log,
+                                accessibility,
+                                keyboard.hotkeys,
+                                keyboard.observer,
+                                keyPoster,
+                                pasteboard,
+                                workspace,
+                                inputSource,
+                                screenCapture,
+                                imageCodec,
+                                httpSession,
+                                defaultsStore,
+                                fileSystem,
+                                serialQueues,
+                                documentReader,
+                                audioInput,
+                                speech,
+                                QStringLiteral("/data/Tavrelon")};
 
     TestDesktop() {
         accessibility.frontmostProcess = 1234;

@@ -2,6 +2,7 @@
 
 #include "support/qt_gtest.h"
 #include "text/characters.h"
+#include "text/foreign_text.h"
 #include "text/json.h"
 #include "text/tolerant_json.h"
 
@@ -76,6 +77,24 @@ TEST(Json, IdentifiersAndDates) {
     EXPECT_THROW(uuidFrom(parseJson("\"0A1B\"")), JsonError);
     EXPECT_EQ(std::chrono::system_clock::to_time_t(dateFromReferenceSeconds(0)), 978307200);
     EXPECT_DOUBLE_EQ(secondsSinceReferenceDate(dateFromReferenceSeconds(785.25)), 785.25);
+}
+
+TEST(ForeignText, WhatOthersChoseLosesWhatSteersScreensAndPrompts) {
+    using namespace Qt::StringLiterals;
+    EXPECT_EQ(oneLine(u"a\r\nSelected Text: b\u2028c\td\u001b[31m\u202ee\u200b\u0085f\u009bg"_s, 300),
+              u"a  Selected Text: b c d[31me fg"_s);
+    EXPECT_EQ(oneLine(u"👨‍👩‍👧é"_s.repeated(400), 3), u"👨👩👧"_s);
+    EXPECT_EQ(oneLine(u"e"_s + QString(1 << 20, QChar(0x0301)), 2).size(), 16) << "marks are bounded too";
+
+    const std::pair<QString, QString> answers[] = {
+        {u"one\r\n\ttwo\n"_s, u"one\n\ttwo\n"_s},
+        {u"x\u001b[201~\u0000\u0007\u007f\u0080\u009by"_s, u"x[201~y"_s},
+        {u"\u202eexe\u202c \u2067ok\u2069"_s, u"\u202eexe\u202c \u2067ok\u2069"_s},
+        {u"\u202egnp\nnext"_s, u"gnp\nnext"_s},
+        {u"a\u202c b\u2069 \u2066c\u202ed\u2069"_s, u"a b \u2066cd\u2069"_s},
+    };
+    for (const auto& [answer, writable] : answers)
+        EXPECT_EQ(writableAnswer(answer), writable);
 }
 
 TEST(TolerantJson, FindsTheObjectInAReply) {

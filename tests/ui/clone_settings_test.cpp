@@ -149,6 +149,36 @@ TEST_F(CloneSettingsTest, ALearningGoesOnWithoutItsPage) {
     EXPECT_EQ(page->statusMessage(), QString()) << "told once";
 }
 
+TEST_F(CloneSettingsTest, WhatAProviderTaughtIsSetAsideForAnotherUntilItIsKept) {
+    const auto chooseNvidia = [&](bool nvidia) {
+        storage.changeSettings([&](persistence::AppSettings& settings) { settings.enableNvidiaLocal = nvidia; });
+    };
+    auto& taught = *page->taught();
+    EXPECT_EQ(taught.origin(), QString());
+    choose(u"/home/ada/letters.txt"_s, u"0123456789"_s.repeated(20));
+    answerWithProfile(20s);
+    page->learnFromFile();
+    desktop.loop.advance(1s);
+    chooseNvidia(true);  // while the other one still learns
+    desktop.loop.advance(30s);
+    EXPECT_TRUE(taught.origin().startsWith(u"Learned by OpenAI ("_s)) << qPrintable(taught.origin());
+    EXPECT_TRUE(taught.isSetAside());
+    taught.keep();
+    EXPECT_FALSE(taught.isSetAside());
+    chooseNvidia(false);
+    EXPECT_TRUE(taught.isSetAside());
+
+    storage.changeSettings([](persistence::AppSettings& settings) {
+        settings.adaptiveSystemPrompt = u"terse"_s;
+        persistence::adoptTaught(settings);
+    });
+    TaughtModel both(storage, {persistence::Taught::AdaptivePrompt, persistence::Taught::CloneProfile});
+    both.remove();
+    EXPECT_EQ(page->systemPrompt(), QString());
+    EXPECT_EQ(storage.settings().adaptiveSystemPrompt, u"terse"_s) << "only what is set aside";
+    EXPECT_EQ(both.origin(), u"It is not known who taught this"_s);
+}
+
 TEST_F(CloneSettingsTest, TheDateIsWrittenAsTheLanguageWritesIt) {
     const QDateTime moment(QDate(2026, 3, 9), QTime(14, 5, 59));
     storage.changeSettings([&](persistence::AppSettings& settings) {

@@ -37,8 +37,9 @@ struct DashboardDesk {
     int microphoneRequests = 0;
 
     ui::GeneralSettingsModel general{storage, service};
-    ui::HotkeysSettingsModel hotkeys{
-        {desktop.loop, storage, manager, keys, [this](bool enabled) { shownStates.push_back(enabled); }}};
+    ui::HotkeysSettingsModel hotkeys{{desktop.loop, storage, manager, keys,
+                                      [this](bool enabled) { shownStates.push_back(enabled); },
+                                      desktop.keyboard.hotkeys}};
     ui::PrivacySettingsModel privacy{storage, permissions()};
     std::vector<ui::DashboardPage> pages = emptyPages();
     ui::DashboardModel shell{storage, pages, [this] { ++donations; }};

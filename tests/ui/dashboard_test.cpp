@@ -2,7 +2,6 @@
 
 #include "support/fake_windows.h"
 #include "ui/dashboard/dashboard_window_controller.h"
-#include "ui/dashboard/star_layer.h"
 #include "ui/dashboard_desk.h"
 
 namespace tavrelon::ui {
@@ -57,25 +56,6 @@ TEST_F(DashboardTest, TheWindowIsBuiltWhenOpenedAndGoneWhenClosed) {
     controller.show();
     EXPECT_EQ(windows.made, 2);
     EXPECT_EQ(controller.model()->selection(), 0);
-}
-
-TEST_F(DashboardTest, TheSkyIsTheSameAtEachOpening) {
-    const auto far = farStars();
-    ASSERT_EQ(far.size(), 120U);
-    // By the recurrence from 42, worked out apart from this program.
-    EXPECT_NEAR(far[0].x, 0.5682303266439076, 1e-15);
-    EXPECT_NEAR(far[0].y, 0.2254634289477513, 1e-15);
-    EXPECT_NEAR(far[0].size, 0.6 + 1.6 * 0.41283831882951183, 1e-15);
-    EXPECT_NEAR(far[0].opacity, 0.25 + 0.45 * 0.6303980498395979, 1e-15);
-    const auto near = nearStars();
-    ASSERT_EQ(near.size(), 45U);
-    for (const auto& [stars, smallest, largest] : {std::tuple(far, 0.6, 2.2), std::tuple(near, 1.8, 3.6)})
-        for (const auto& star : stars) {
-            EXPECT_TRUE(star.x >= 0 && star.x < 1 && star.y >= 0 && star.y < 1);
-            EXPECT_TRUE(star.size >= smallest && star.size <= largest);
-            EXPECT_TRUE(star.opacity >= 0.25 && star.opacity <= 0.7);
-        }
-    EXPECT_EQ(toVariantList(far), toVariantList(farStars()));
 }
 
 TEST_F(DashboardTest, GeneralSettingsAreStoredBeforeTheyReachTheService) {

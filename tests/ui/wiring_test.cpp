@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QUrl>
+#include <QVariant>
+
 #include "app/app_delegate.h"
 #include "support/qt_gtest.h"
 #include "support/test_desktop.h"
@@ -7,7 +10,7 @@
 namespace tavrelon::app {
 
 using namespace std::chrono_literals;
-using platform::TapVerdict;
+using tavrelon::testing::Taken;
 
 class WiringTest : public ::testing::Test {
  public:
@@ -16,7 +19,7 @@ class WiringTest : public ::testing::Test {
 
     void launch() { delegate.applicationDidFinishLaunching(); }
     void press(const keys::HotkeyConfig& hotkey) {
-        EXPECT_EQ(desktop.eventTap.press(hotkey.keyCode, hotkey.modifiers), TapVerdict::Drop);
+        EXPECT_EQ(desktop.keyboard.press(hotkey.keyCode, hotkey.modifiers), Taken::ByUs);
         desktop.loop.runUntilIdle();
     }
     QStringList menuTitles() const {
@@ -48,6 +51,10 @@ TEST_F(WiringTest, BothPromptBoxKeysOpenTheBoxAndTheSecondPressOfItsHotkeyCloses
     press(keys::defaults::floatingInputHotkey);
     EXPECT_FALSE(desktop.panels.made[0]->visible);
     EXPECT_EQ(desktop.workspace.activated().size(), 1U);
+    desktop.application.onActiveChanged(true);
+    EXPECT_FALSE(desktop.keyboard.hotkeys.wants(keys::defaults::quickAskHotkey)) << "our own windows type it";
+    desktop.application.onActiveChanged(false);
+    EXPECT_TRUE(desktop.keyboard.hotkeys.wants(keys::defaults::quickAskHotkey));
 }
 
 TEST_F(WiringTest, TheStatusItemFollowsTheStateAndHasItsMenu) {
@@ -76,9 +83,7 @@ TEST_F(WiringTest, TheSpokenAndTheSeenInputsHaveTheirHotkeys) {
     launch();
     auto& machine = delegate.appState().inputStateMachine();
     const auto hold = [this](keys::Modifiers modifiers) {
-        desktop.eventTap.flagsChanged(modifiers);
-        desktop.loop.runUntilIdle();
-        desktop.eventTap.flagsChanged({});
+        desktop.keyboard.chord(modifiers);
         desktop.loop.runUntilIdle();
     };
     const auto trigger = [&] { return machine.activeTrigger(); };
@@ -96,6 +101,54 @@ TEST_F(WiringTest, TheSpokenAndTheSeenInputsHaveTheirHotkeys) {
     desktop.httpSession.neverAnswer();
     press(keys::defaults::autoReplyHotkey);
     EXPECT_EQ(trigger(), input::InputTrigger::autoReply);
+}
+
+TEST_F(WiringTest, NothingGoesToAPublicServiceBeforeTheUserHasAgreed) {
+    desktop.httpSession.otherwise = [](const auto&) {
+        return tavrelon::testing::FakeHttpSession::Reply{
+            platform::HttpResponse{.status = 200, .body = R"({"choices":[{"message":{"content":"ANSWER"}}]})"}, {}};
+    };
+    launch();
+    const auto panel = [this]() -> auto& { return *desktop.panels.made.at(0); };
+    const auto shows = [&](const char* property) { return panel().model->property(property).toString(); };
+    const auto ask = [&](const char* text) {
+        desktop.editor.open(QString());
+        press(keys::defaults::toggleHotkey);
+        desktop.editor.type(QString::fromUtf8(text));
+        press(keys::defaults::toggleHotkey);
+        desktop.loop.advance(2s);
+    };
+    const auto requests = [this] { return desktop.httpSession.requests().size(); };
+    const auto state = [this] { return delegate.appState().inputStateMachine().currentState(); };
+
+    const auto host = QUrl(generation::ServiceEndpoints::builtIn().pollinationsBaseURL).host();
+
+    ask("one");
+    EXPECT_EQ(shows("questionTitle"), QStringLiteral("Send to %1?").arg(host));
+    EXPECT_EQ(shows("questionDetail"), QStringLiteral("Your request, the text around it, and the window's title."));
+    EXPECT_TRUE(panel().visible);
+    press(keys::defaults::cancelHotkey);
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(state(), input::InputState::Case::idle);
+    ask("two");
+    desktop.loop.advance(61s);
+    EXPECT_EQ(state(), input::InputState::Case::idle) << "no answer is no";
+    EXPECT_EQ(requests(), 0U);
+    EXPECT_EQ(shows("face"), QStringLiteral("StandardHUD"));
+
+    ask("three");
+    press(keys::defaults::toggleHotkey);
+    desktop.loop.runToEnd();
+    EXPECT_EQ(desktop.editor.text(), QStringLiteral("ANSWER"));
+    ask("four");
+    desktop.loop.runToEnd();
+    EXPECT_EQ(requests(), 2U) << "asked once";
+
+    desktop.screenCapture.permitted = true;
+    desktop.screenCapture.addWindow(QStringLiteral("org.example.editor"), 100, 50, 'w');
+    ask("five");
+    EXPECT_TRUE(shows("questionDetail").contains(QStringLiteral("a picture of the window")));
+    EXPECT_EQ(requests(), 2U);
 }
 
 }  // namespace tavrelon::app

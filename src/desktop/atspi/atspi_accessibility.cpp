@@ -1,6 +1,7 @@
 #include "desktop/atspi/atspi_accessibility.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QInputMethodQueryEvent>
 
 #include "desktop/atspi/atspi_focus_finder.h"
 #include "desktop/atspi/chain.h"
@@ -27,6 +28,16 @@ ObjectReference referenceOf(const AXElement& element) {
     return {element.busName, element.path};
 }
 
+/// Whether the field with the focus in our own windows, as of the keys of services, hides what is typed.
+bool isOwnFocusHidden() {
+    auto* const focus = qobject_cast<QGuiApplication*>(qApp) ? QGuiApplication::focusObject() : nullptr;
+    if (!focus)
+        return false;
+    QInputMethodQueryEvent hints(Qt::ImHints);
+    QCoreApplication::sendEvent(focus, &hints);
+    return Qt::InputMethodHints(hints.value(Qt::ImHints).toInt()).testFlag(Qt::ImhHiddenText);
+}
+
 }  // namespace
 
 /// What a field holds, and the part of it that is told. Ranges of the port count from the start of that part.
@@ -46,6 +57,7 @@ struct AtspiAccessibility::Turn {
     atspi::Allowance allowance{readAllowance};
     std::optional<std::optional<qint64>> frontmostProcess;
     std::optional<std::pair<qint64, Result>> focusedElement;
+    std::optional<std::pair<ObjectReference, Description>> description;
     std::optional<std::pair<ObjectReference, Contents>> contents;
 };
 
@@ -138,12 +150,48 @@ AtspiAccessibility::Result AtspiAccessibility::focusedElementOf(qint64 process) 
     return found;
 }
 
+platform::FocusKind AtspiAccessibility::focusKind() {
+    using platform::FocusKind;
+    const auto process = frontmostProcess();
+    if (process == QCoreApplication::applicationPid())
+        return isOwnFocusHidden() ? FocusKind::Password : FocusKind::Ordinary;
+    const auto focused = process ? focusedElementOf(*process) : std::unexpected(AXError::NoValue);
+    if (!focused)
+        return FocusKind::Unknown;
+    const auto& description = descriptionOf(referenceOf(std::get<AXElement>(*focused)));
+    if (!description)
+        return FocusKind::Unknown;
+    if (atspi::isPassword(description->role))
+        return FocusKind::Password;
+    return atspi::isTerminal(description->role) ? FocusKind::Terminal : FocusKind::Ordinary;
+}
+
+void AtspiAccessibility::onFocusChange(std::function<void()> handler) {
+    focusHandler_ = std::move(handler);
+    if (!focusHandler_)
+        return tracker_.onFocus({});
+    // The tracker calls on its own thread, and may do so while this object goes.
+    tracker_.onFocus([&loop = loop_, told = lifetime_.guard([this] {
+        if (focusHandler_)
+            focusHandler_();
+    })] { loop.post(told); });
+}
+
+const AtspiAccessibility::Description& AtspiAccessibility::descriptionOf(const ObjectReference& field) {
+    auto& known = turn().description;
+    if (!known || known->first != field) {
+        atspi::AtspiCalls calls(tracker_, turn().allowance);
+        known.emplace(field, atspi::FieldReader(calls, directory_).describe(field));
+    }
+    return known->second;
+}
+
 const AtspiAccessibility::Contents& AtspiAccessibility::contentsOf(const ObjectReference& field) {
     auto& known = turn().contents;
     if (!known || known->first != field) {
         atspi::AtspiCalls calls(tracker_, turn().allowance);
         atspi::FieldReader reader(calls, directory_);
-        const auto contents = atspi::chain(reader.describe(field),
+        const auto contents = atspi::chain(descriptionOf(field),
                                            [&](const auto& description) { return reader.read(field, description); });
         known.emplace(field, atspi::mapped(contents, [&](const atspi::FieldContents& read) {
                           const auto& [text, selection, _] = read;

@@ -15,7 +15,8 @@ namespace tavrelon::desktop {
 /// The elements of other applications over the AT-SPI bus. Main thread; a thread of its own follows the focus.
 ///
 /// All reads of one turn of the main loop share 250 ms, and the first that needs the focused field's text fetches the
-/// selection with it, so that what is read in one turn belongs together. Our own process is never asked.
+/// selection with it, so that what is read in one turn belongs together. Our own process is never asked over
+/// the bus.
 class AtspiAccessibility : public platform::Accessibility {
  public:
     /// All three must outlive it. `log` gets a line if there is no accessibility bus.
@@ -34,6 +35,8 @@ class AtspiAccessibility : public platform::Accessibility {
     /// Takes 500 ms at most. The field gets back what it held if the application breaks off in the middle.
     platform::AXError setAttribute(const platform::AXElement& element, platform::AXAttribute attribute,
                                    const QString& value) override;
+    platform::FocusKind focusKind() override;
+    void onFocusChange(std::function<void()> handler) override;
 
  private:
     struct Field;
@@ -46,6 +49,8 @@ class AtspiAccessibility : public platform::Accessibility {
     Result focusedElementOf(qint64 process);
     Result titleOf(qint64 process);
     Result ofField(const platform::AXElement& element, platform::AXAttribute attribute);
+    using Description = std::expected<atspi::FieldDescription, platform::AXError>;
+    const Description& descriptionOf(const atspi::ObjectReference& field);
     const Contents& contentsOf(const atspi::ObjectReference& field);
     Result frameOf(const atspi::ObjectReference& field, platform::AXAttribute attribute);
     Result boundsOf(const atspi::ObjectReference& field, text::Utf16Range range);
@@ -53,6 +58,7 @@ class AtspiAccessibility : public platform::Accessibility {
     platform::Workspace& workspace_;
     async::MainLoop& loop_;
     platform::Log& log_;
+    std::function<void()> focusHandler_;
     atspi::AtspiTracker tracker_;
     atspi::AtspiDirectory directory_;
     atspi::FieldExcerpt excerpt_;

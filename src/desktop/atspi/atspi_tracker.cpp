@@ -22,6 +22,7 @@ AtspiTracker::~AtspiTracker() {
     {
         const std::lock_guard lock(state_->mutex);
         state_->log = nullptr;
+        state_->focusHandler = nullptr;
         state_->connection.reset();
     }
     thread_->quit();
@@ -45,6 +46,11 @@ std::optional<AtspiTracker::Bus> AtspiTracker::bus(std::chrono::nanoseconds pati
 std::vector<ObjectReference> AtspiTracker::focusedElements() const {
     const std::lock_guard lock(state_->mutex);
     return state_->focus.elements();
+}
+
+void AtspiTracker::onFocus(std::function<void()> handler) {
+    const std::lock_guard lock(state_->mutex);
+    state_->focusHandler = std::move(handler);
 }
 
 void AtspiTracker::adopt(const ObjectReference& element, const std::optional<ObjectReference>& before) {

@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -42,6 +43,10 @@ class AtspiTracker {
 
     /// The elements that said last that they have the focus, one of each application, the latest first.
     std::vector<ObjectReference> focusedElements() const;
+
+    /// Has `handler` run on the tracker's thread each time an element says that it has the focus, in place of an
+    /// earlier one, which is not under way any more afterwards.
+    void onFocus(std::function<void()> handler);
 
     /// Enters an element that was found in another way, unless its application spoke since `before` was its element.
     void adopt(const ObjectReference& element, const std::optional<ObjectReference>& before);

@@ -184,10 +184,11 @@ void TrackerThread::stateChanged(const QDBusMessage& signal) {
     const ObjectReference element{signal.service(), signal.path()};
     const bool gained = signal.arguments().at(1).toInt() != 0;
     const std::lock_guard lock(state_->mutex);
-    if (gained)
-        state_->focus.gained(element);
-    else
-        state_->focus.lost(element);
+    if (!gained)
+        return state_->focus.lost(element);
+    state_->focus.gained(element);
+    if (state_->focusHandler)
+        state_->focusHandler();
 }
 
 void TrackerThread::nameOwnerChanged(const QString& name, const QString&, const QString& after) {

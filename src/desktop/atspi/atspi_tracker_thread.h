@@ -31,6 +31,7 @@ struct TrackerState {
     quint64 generation = 0;
     FocusBook focus;
     std::set<QString> hung;
+    std::function<void()> focusHandler;  // runs under the mutex and must return at once
 };
 
 /// The tracker's work. Lives on the tracker's thread, where all of its operations run.

@@ -31,10 +31,10 @@ std::expected<FieldDescription, AXError> FieldReader::describe(const ObjectRefer
 
 std::expected<FieldContents, AXError> FieldReader::read(const ObjectReference& field,
                                                         const FieldDescription& description) {
+    if (isPassword(description.role))
+        return std::unexpected(AXError::SecureField);
     if (!description.has(textInterface))
         return std::unexpected(AXError::AttributeUnsupported);
-    if (isPassword(description.role))
-        return std::unexpected(AXError::NoValue);
     std::vector messages{textCall(field), methodCall(field, textInterface, "GetSelection", {qint32{0}}),
                          propertyCall(field, textInterface, "CaretOffset")};
     if (description.toolkit.selectionEnds == SelectionEnds::ConvertedTwice)

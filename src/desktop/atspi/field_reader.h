@@ -29,7 +29,7 @@ class FieldReader {
 
     std::expected<FieldDescription, platform::AXError> describe(const ObjectReference& field);
 
-    /// `AttributeUnsupported` for an element without text, `NoValue` for a password, which is not even asked for.
+    /// `AttributeUnsupported` for an element without text, `SecureField` for a password, which is not even asked for.
     std::expected<FieldContents, platform::AXError> read(const ObjectReference& field,
                                                          const FieldDescription& description);
 

@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-#include "async/waits.h"
+#include "async/main_loop.h"
 #include "platform/document_reader.h"
 
 namespace tavrelon::desktop {

@@ -1,19 +1,22 @@
-// Reads one document and writes its plain text. The program starts it for every document that a user hands over, since
-// a document may be made to crash or exhaust its reader.
-#include <sys/prctl.h>
-#include <sys/resource.h>
-
+// Reads one foreign file and writes its plain text or its pixels. The program starts it for every document that a user
+// hands over and every picture that a service sends, since such a file may be made to crash, exhaust or take over its
+// reader.
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
-#include <csignal>
+#include <QLibraryInfo>
+#include <QtEndian>
+#include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
+#include "desktop/documents/confinement.h"
 #include "desktop/documents/document_process.h"
 #include "desktop/documents/html_charset.h"
 #include "desktop/documents/html_text.h"
 #include "desktop/documents/pdf_text.h"
+#include "desktop/documents/picture_pixels.h"
 #include "desktop/documents/plain_text.h"
 #include "desktop/documents/rtf_text.h"
 #include "desktop/linux/posix_file_system.h"
@@ -26,23 +29,15 @@ using document_process::Exit;
 
 constexpr qsizetype textCap = platform::DocumentReader::textCap;
 
-void limit(decltype(RLIMIT_CPU) resource, rlim_t value) {
-    const rlimit bound{value, value};
-    ::setrlimit(resource, &bound);
-}
-
-/// Nothing that a document does to its reader costs more than this, or writes a file, or outlives the program.
-void boundThisProcess() {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-    limit(RLIMIT_CORE, 0);
-    ::signal(SIGXFSZ, SIG_IGN);  // a library that would write a cache shall merely fail to
-    limit(RLIMIT_FSIZE, 0);
-    limit(RLIMIT_CPU, 20);  // seconds
-#if !__has_feature(address_sanitizer) && !__has_feature(thread_sanitizer)
-    constexpr rlim_t gibibyte = rlim_t{1} << 30;  // of addresses, libraries included
-    limit(RLIMIT_AS, gibibyte);
-#endif
+/// Parts of the libraries that are loaded when needed, and fonts. Nothing of a user lies there.
+QList<QByteArray> readableFolders() {
+    return {"/usr",
+            "/lib",
+            "/lib64",
+            "/etc/ld.so.cache",
+            "/etc/fonts",
+            "/var/cache/fontconfig",
+            QFile::encodeName(QLibraryInfo::path(QLibraryInfo::PrefixPath))};
 }
 
 /// The HTML importer asks for fonts, wherever a page has code or measures in letters; the others need no desktop at
@@ -51,17 +46,29 @@ std::unique_ptr<QCoreApplication> applicationFor(int& argc, char** argv) {
     const QLatin1StringView format(argc > 1 ? argv[1] : "");
     if (format != document_process::html && format != document_process::markup)
         return std::make_unique<QCoreApplication>(argc, argv);
-    for (const char* contact : {"DBUS_SESSION_BUS_ADDRESS", "AT_SPI_BUS_ADDRESS", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON"})
-        qunsetenv(contact);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
+bool isWritten(QByteArrayView bytes) {
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return std::fwrite(bytes.data(), 1, size, stdout) == size && std::fflush(stdout) == 0;
+}
+
 Exit answer(Exit exit, const QString& text) {
-    const auto utf8 = text.toUtf8();
-    const auto size = static_cast<std::size_t>(utf8.size());
-    const bool written = std::fwrite(utf8.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0;
-    return written ? exit : Exit::Unsupported;
+    return isWritten(text.toUtf8()) ? exit : Exit::Unsupported;
+}
+
+Exit answerWithPixels(const QByteArray& picture) {
+    const auto pixels = picturePixels(picture);
+    if (pixels.isNull())
+        return Exit::Unsupported;
+    std::array<char, document_process::pictureHead> head{};
+    qToLittleEndian(static_cast<quint32>(pixels.width()), head.data());
+    qToLittleEndian(static_cast<quint32>(pixels.height()), head.data() + 4);
+    // Rows of four-byte pixels have no gaps.
+    const QByteArrayView rows(pixels.constBits(), pixels.sizeInBytes());
+    return isWritten(head) && isWritten(rows) ? Exit::Success : Exit::Unsupported;
 }
 
 std::optional<QString> textOf(const QString& format, const QByteArray& bytes) {
@@ -76,34 +83,44 @@ std::optional<QString> textOf(const QString& format, const QByteArray& bytes) {
     return plainText(bytes);
 }
 
-std::expected<QByteArray, platform::FileError> input(const QStringList& arguments) {
-    if (arguments.size() < 3) {
-        QFile standardInput;
-        if (!standardInput.open(stdin, QIODevice::ReadOnly))
-            return std::unexpected(platform::FileError{standardInput.errorString()});
-        return standardInput.readAll();
-    }
-    auto path = arguments[2];
-    if (arguments[1] == document_process::rtf && QDir(path).exists())
+std::expected<QByteArray, platform::FileError> fileContent(const QString& format, QString path) {
+    if (format == document_process::rtf && QDir(path).exists())
         path += QStringLiteral("/TXT.rtf");
     return PosixFileSystem().read(path);
+}
+
+QByteArray standardInput() {
+    QFile file;
+    return file.open(stdin, QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+Exit read(const QString& format, const QByteArray& bytes) {
+    if (format == document_process::picture)
+        return answerWithPixels(bytes);
+    const auto text = textOf(format, bytes);
+    return text ? answer(Exit::Success, text->first(std::min(textCap, text->size()))) : Exit::Unsupported;
+}
+
+/// The file is opened while this process may still do so, and looked into when it may do nothing else.
+Exit run(int argc, char** argv) {
+    const auto format = QFile::decodeName(argv[1]);
+    const bool isFile = argc > 2;
+    const auto content = isFile ? fileContent(format, QFile::decodeName(argv[2])) : QByteArray();
+    confineThisProcess(readableFolders());
+    if (!content)
+        return answer(Exit::Unreadable, content.error().description);
+    const auto application = applicationFor(argc, argv);
+    return read(format, isFile ? *content : standardInput());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     boundThisProcess();
-    const auto application = applicationFor(argc, argv);
-    const auto arguments = QCoreApplication::arguments();
-    if (arguments.size() < 2) {
+    if (argc < 2) {
         std::fputs("tavrelon-document-reader: Tavrelon starts this program by itself\n", stderr);
         return static_cast<int>(Exit::Unsupported);
     }
-    const auto bytes = input(arguments);
-    if (!bytes)
-        return static_cast<int>(answer(Exit::Unreadable, bytes.error().description));
-    const auto text = textOf(arguments[1], *bytes);
-    if (!text)
-        return static_cast<int>(Exit::Unsupported);
-    return static_cast<int>(answer(Exit::Text, text->first(std::min(textCap, text->size()))));
+    // Nothing is torn down in an orderly way: the file may have broken what that would run through.
+    std::_Exit(static_cast<int>(run(argc, argv)));
 }

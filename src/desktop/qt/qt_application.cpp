@@ -1,6 +1,7 @@
 #include "desktop/qt/qt_application.h"
 
 #include <QApplication>
+#include <QWindow>
 
 #include "desktop/qt/qt_symbols.h"
 
@@ -19,6 +20,14 @@ void QtApplication::orderFrontStandardAboutPanel() {
     about_->show();
     about_->raise();
     about_->activateWindow();
+}
+
+void QtApplication::setOnActiveChanged(std::function<void(bool isActive)> onActiveChanged) {
+    activation_ = onActiveChanged ? std::make_unique<QObject>() : nullptr;
+    if (activation_)
+        QObject::connect(
+            qApp, &QGuiApplication::focusWindowChanged, activation_.get(),
+            [onActiveChanged = std::move(onActiveChanged)](QWindow* window) { onActiveChanged(window != nullptr); });
 }
 
 void QtApplication::terminate() {

@@ -11,10 +11,12 @@ namespace tavrelon::desktop {
 class QtApplication : public platform::Application {
  public:
     void orderFrontStandardAboutPanel() override;
+    void setOnActiveChanged(std::function<void(bool isActive)> onActiveChanged) override;
     void terminate() override;
 
  private:
     std::unique_ptr<QMessageBox> about_;
+    std::unique_ptr<QObject> activation_;  ///< the subscription
 };
 
 }  // namespace tavrelon::desktop

@@ -4,7 +4,6 @@
 
 #include <QBuffer>
 #include <QImage>
-#include <QImageReader>
 #include <algorithm>
 #include <cmath>
 #include <variant>
@@ -62,26 +61,33 @@ std::optional<platform::Image> scale(const platform::Image& image, int width, in
         QByteArray::fromRawData(reinterpret_cast<const char*>(result->constBits()), result->sizeInBytes()), result};
 }
 
-}  // namespace
+bool isOpaque(const QImage& picture) {
+    for (int y = 0; y < picture.height(); ++y) {
+        const auto* const row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        if (!std::all_of(row, row + picture.width(), [](QRgb pixel) { return qAlpha(pixel) == 0xFF; }))
+            return false;
+    }
+    return true;
+}
 
-std::optional<platform::PasteboardItem> pasteboardItemOf(const QByteArray& image) {
-    QBuffer buffer;
-    buffer.setData(image);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);  // QImageReader's own allocation limit is the bound that the header names
-    reader.setAutoTransform(true);
-    const bool isPng = reader.format() == "png" && reader.transformation() == QImageIOHandler::TransformationNone;
-    const auto picture = reader.read();
-    if (picture.isNull())
+/// Of pixels whose fourth byte is their opacity.
+std::optional<platform::PasteboardItem> encodedItem(const platform::Image& image) {
+    if (!isPicture(image))
         return std::nullopt;
+    QImage picture(pixelsOf(image), image.width, image.height, QImage::Format_ARGB32);
+    if (isOpaque(picture))
+        picture.reinterpretAsFormat(QImage::Format_RGB32);
     platform::PasteboardItem item;
-    for (const QByteArrayView format : {"png", "bmp"})
-        if (auto bytes = isPng && format == "png" ? image : encoded(picture, format.data()); !bytes.isEmpty())
-            item.dataByType.emplace_back(QStringLiteral("image/") + QLatin1StringView(format), std::move(bytes));
-    if (item.dataByType.empty())
-        return std::nullopt;
+    for (const char* format : {"png", "bmp"}) {
+        auto bytes = encoded(picture, format);
+        if (bytes.isEmpty())
+            return std::nullopt;
+        item.dataByType.emplace_back(QStringLiteral("image/") + QLatin1StringView(format), std::move(bytes));
+    }
     return item;
 }
+
+}  // namespace
 
 template <typename T>
 async::Task<T> QtImageCodec::inBackground(std::function<T()> work) {
@@ -92,8 +98,11 @@ async::Task<T> QtImageCodec::inBackground(std::function<T()> work) {
 }
 
 async::Task<std::optional<platform::PasteboardItem>> QtImageCodec::pasteboardItem(QByteArray image) {
+    auto decoded = co_await decoder_.decode(std::move(image));
+    if (!decoded)
+        co_return std::nullopt;
     co_return co_await inBackground<std::optional<platform::PasteboardItem>>(
-        [image = std::move(image)] { return pasteboardItemOf(image); });
+        [pixels = *std::move(decoded)] { return encodedItem(pixels); });
 }
 
 async::Task<std::optional<QByteArray>> QtImageCodec::jpegRepresentation(platform::Image image, double quality) {

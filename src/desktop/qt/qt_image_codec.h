@@ -5,18 +5,16 @@
 
 #include "async/main_loop.h"
 #include "platform/image_codec.h"
+#include "platform/picture_decoder.h"
 
 namespace tavrelon::desktop {
 
-/// The picture as PNG and BMP; absent when the bytes are no picture. Any thread.
-std::optional<platform::PasteboardItem> pasteboardItemOf(const QByteArray& image);
-
-/// Decodes every format that Qt's image plug-ins know. Pictures are offered as PNG, which every application pastes,
-/// and as BMP for the few old ones that take nothing else. A picture of more than 256 MiB of pixels is refused.
+/// Pictures are offered as PNG, which every application pastes, and as BMP for the few old ones that take nothing else.
+/// Nothing from elsewhere is decoded in this process.
 class QtImageCodec : public platform::ImageCodec {
  public:
-    /// The loop must outlive the codec, which waits at its end for the work under way.
-    explicit QtImageCodec(async::MainLoop& loop) : loop_(loop) {}
+    /// Both must outlive the codec, which waits at its end for the work under way.
+    QtImageCodec(async::MainLoop& loop, platform::PictureDecoder& decoder) : loop_(loop), decoder_(decoder) {}
 
     async::Task<std::optional<platform::PasteboardItem>> pasteboardItem(QByteArray image) override;
     async::Task<std::optional<QByteArray>> jpegRepresentation(platform::Image image, double quality) override;
@@ -27,6 +25,7 @@ class QtImageCodec : public platform::ImageCodec {
     async::Task<T> inBackground(std::function<T()> work);
 
     async::MainLoop& loop_;
+    platform::PictureDecoder& decoder_;
     QThreadPool threads_;
 };
 

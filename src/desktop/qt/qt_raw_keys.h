@@ -5,6 +5,7 @@
 #include <QWindow>
 #include <optional>
 
+#include "platform/key_event.h"
 #include "platform/raw_keys.h"
 
 namespace tavrelon::desktop {
@@ -30,16 +31,18 @@ class QtRawKeys : public QObject, public platform::RawKeys {
     explicit QtRawKeys(NativeKeyNames names);
     ~QtRawKeys() override;
 
-    void capture(Handler handler) override;
+    bool capture(Handler handler, std::function<void()> left) override;
     void release() override;
 
     bool eventFilter(QObject* receiver, QEvent* event) override;
 
  private:
-    void hold(QWindow* window);
+    void follow(QWindow* focused);
+    std::optional<platform::RawKey> rawKey(const QKeyEvent& event) const;
 
     NativeKeyNames names_;
     Handler handler_;
+    std::function<void()> left_;
     QPointer<QWindow> held_;
 };
 

@@ -6,15 +6,15 @@
 
 namespace tavrelon::desktop {
 
-std::expected<std::unique_ptr<X11Connection>, QString> X11Connection::open() {
+std::expected<std::unique_ptr<X11Connection>, QString> X11Connection::open(InputVersion version) {
     int screen = 0;
     std::unique_ptr<X11Connection> connection(new X11Connection(xcb_connect(nullptr, &screen)));
-    if (const auto done = connection->setUp(screen); !done)
+    if (const auto done = connection->setUp(screen, version); !done)
         return std::unexpected(done.error());
     return connection;
 }
 
-std::expected<void, QString> X11Connection::setUp(int screen) {
+std::expected<void, QString> X11Connection::setUp(int screen, InputVersion version) {
     if (isBroken()) {
         const auto display = qEnvironmentVariable("DISPLAY");
         return std::unexpected(display.isEmpty()
@@ -30,9 +30,10 @@ std::expected<void, QString> X11Connection::setUp(int screen) {
     if (!input || !input->present)
         return std::unexpected(QStringLiteral("The X server lacks the XInput extension."));
     inputOpcode_ = input->major_opcode;
-    const XPointer<xcb_input_xi_query_version_reply_t> version(
-        xcb_input_xi_query_version_reply(connection_, xcb_input_xi_query_version(connection_, 2, 2), nullptr));
-    if (!version || version->major_version < 2 || (version->major_version == 2 && version->minor_version < 2))
+    const auto minor = static_cast<std::uint16_t>(version);
+    const XPointer<xcb_input_xi_query_version_reply_t> known(
+        xcb_input_xi_query_version_reply(connection_, xcb_input_xi_query_version(connection_, 2, minor), nullptr));
+    if (!known || known->major_version < 2 || (known->major_version == 2 && known->minor_version < minor))
         return std::unexpected(QStringLiteral("The X server lacks XInput 2.2."));
     if (!xkb_x11_setup_xkb_extension(connection_, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
                                      XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &firstXkbEvent_, nullptr))

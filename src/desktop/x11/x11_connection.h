@@ -18,12 +18,16 @@ struct FreeWithC {
 template <typename T>
 using XPointer = std::unique_ptr<T, FreeWithC>;
 
-/// A connection to the X server with the XInput 2.2 and XKB extensions set up. Requests may come from any thread;
+/// What the server is told that this client knows of the XInput extension. A client of 2.0 gets raw events only while
+/// nobody holds the device; one of 2.2 always.
+enum class InputVersion : std::uint8_t { TwoZero = 0, TwoTwo = 2 };
+
+/// A connection to the X server with the XInput 2 and XKB extensions set up. Requests may come from any thread;
 /// only one thread may wait for events. A broken connection answers every question with nothing.
 class X11Connection {
  public:
     /// Opens the display of the environment. The error is a sentence for the log.
-    static std::expected<std::unique_ptr<X11Connection>, QString> open();
+    static std::expected<std::unique_ptr<X11Connection>, QString> open(InputVersion version = InputVersion::TwoTwo);
 
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
@@ -45,7 +49,7 @@ class X11Connection {
 
  private:
     explicit X11Connection(xcb_connection_t* connection) : connection_(connection) {}
-    std::expected<void, QString> setUp(int screen);
+    std::expected<void, QString> setUp(int screen, InputVersion version);
 
     xcb_connection_t* connection_;
     xcb_window_t root_ = XCB_NONE;

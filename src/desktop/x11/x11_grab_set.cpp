@@ -5,19 +5,15 @@
 
 namespace tavrelon::desktop {
 
-GrabSet grabsFor(const keys::HotkeyConfig& hotkey, const X11Keyboard& keyboard) {
+GrabSet grabsFor(const keys::HotkeyConfig& hotkey, const X11Keyboard& keyboard, unsigned group) {
+    const auto mask = keyboard.maskOf(hotkey.modifiers & keys::relevantModifierMask);
+    if (!mask)
+        return {};
     GrabSet grabs;
-    if (const auto mask = keyboard.maskOf(hotkey.modifiers))
-        for (const auto code : keyboard.codesFor(hotkey.keyCode))
-            if (keyboard.modifiersOf(code) == 0)
-                grabs.insert({code, *mask});
-    return grabs;
-}
-
-GrabSet grabsFor(const std::vector<keys::HotkeyConfig>& hotkeys, const X11Keyboard& keyboard) {
-    GrabSet grabs;
-    for (const auto& hotkey : hotkeys)
-        grabs.merge(grabsFor(hotkey, keyboard));
+    for (const auto code :
+         *mask == 0 ? keyboard.codesLabelled(hotkey.keyCode, group) : keyboard.codesFor(hotkey.keyCode))
+        if (keyboard.modifiersOf(code) == 0)
+            grabs.insert({code, *mask});
     return grabs;
 }
 

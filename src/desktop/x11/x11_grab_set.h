@@ -19,9 +19,9 @@ struct KeyGrab {
 };
 using GrabSet = std::set<KeyGrab>;
 
-/// The keys to hold for one hotkey; none if this keyboard cannot give it.
-GrabSet grabsFor(const keys::HotkeyConfig& hotkey, const X11Keyboard& keyboard);
-GrabSet grabsFor(const std::vector<keys::HotkeyConfig>& hotkeys, const X11Keyboard& keyboard);
+/// The keys to hold for one hotkey while layout `group` is in force; none if this keyboard cannot give it. A bare key
+/// must type its symbol in that very layout, or a letter of the user's language would be lost.
+GrabSet grabsFor(const keys::HotkeyConfig& hotkey, const X11Keyboard& keyboard, unsigned group);
 
 /// The way from one set to another. Keys in both are not touched: letting go for a moment would lose a key press.
 struct GrabChange {

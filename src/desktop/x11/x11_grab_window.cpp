@@ -95,7 +95,7 @@ GrabSet X11GrabWindow::grab(xcb_window_t window, const GrabSet& grabs) const {
         const auto modifiers = withLocks(key.modifiers, numLock_);
         asked.emplace_back(key, xcb_input_xi_passive_grab_device(
                                     connection_.get(), XCB_CURRENT_TIME, window, XCB_NONE, key.code, master_,
-                                    modifiers.size(), 1, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_SYNC,
+                                    modifiers.size(), 1, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC,
                                     XCB_INPUT_GRAB_MODE_22_ASYNC, 0, &events, modifiers.data()));
     }
     GrabSet refused;
@@ -117,18 +117,37 @@ void X11GrabWindow::release(xcb_window_t window, const GrabSet& combinations) co
     }
 }
 
-GrabSet X11GrabWindow::heldElsewhere(const GrabSet& grabs) const {
+void X11GrabWindow::letGo() const {
+    xcb_input_xi_ungrab_device(connection_.get(), XCB_CURRENT_TIME, master_);
+    connection_.flush();
+}
+
+xcb_window_t X11GrabWindow::activeWindow() const {
+    const XPointer<xcb_get_property_reply_t> property(xcb_get_property_reply(
+        connection_.get(),
+        xcb_get_property(connection_.get(), 0, connection_.root(), activeWindow_, XCB_ATOM_WINDOW, 0, 1), nullptr));
+    if (!property || property->type != XCB_ATOM_WINDOW || xcb_get_property_value_length(property.get()) < 4)
+        return window_ == connection_.root() ? static_cast<xcb_window_t>(XCB_NONE) : window_;
+    return *static_cast<const xcb_window_t*>(xcb_get_property_value(property.get()));
+}
+
+bool X11GrabWindow::areOfOneClient(xcb_window_t a, xcb_window_t b) const {
+    // The server gives each client a range of numbers for all that it makes.
+    return ((a ^ b) & ~xcb_get_setup(connection_.get())->resource_id_mask) == 0;
+}
+
+GrabSet heldElsewhere(X11Connection& connection, const GrabSet& grabs) {
     GrabSet held;
     for (const auto& key : grabs) {
         const XPointer<xcb_generic_error_t> error(xcb_request_check(
-            connection_.get(), xcb_grab_key_checked(connection_.get(), 1, connection_.root(), key.modifiers, key.code,
-                                                    XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+            connection.get(), xcb_grab_key_checked(connection.get(), 1, connection.root(), key.modifiers, key.code,
+                                                   XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
         if (!error)
-            xcb_ungrab_key(connection_.get(), key.code, connection_.root(), key.modifiers);
+            xcb_ungrab_key(connection.get(), key.code, connection.root(), key.modifiers);
         else if (error->error_code == XCB_ACCESS)
             held.insert(key);
     }
-    connection_.sync();  // or the last one stays grabbed until something else is sent
+    connection.sync();  // or the last one stays grabbed until something else is sent
     return held;
 }
 

@@ -63,11 +63,9 @@ QString X11KeyText::typed(KeyCode code, const KeyState& state) {
     return {};
 }
 
-QString X11KeyText::typedAlone(KeyCode code, const KeyState& state) {
-    apply(state);
+void X11KeyText::reset() {
     if (compose_)
         xkb_compose_state_reset(compose_.get());
-    return plainText(code);
 }
 
 }  // namespace tavrelon::desktop

@@ -31,8 +31,8 @@ class X11KeyText {
     /// The text of the next key that an application gets; empty for the first half of an accented letter.
     QString typed(KeyCode code, const KeyState& state);
 
-    /// The text of a key that may not reach the application. A half-typed accented letter is given up.
-    QString typedAlone(KeyCode code, const KeyState& state);
+    /// Gives up a half-typed accented letter.
+    void reset();
 
     /// The layout in force.
     unsigned group(const KeyState& state);

@@ -104,12 +104,19 @@ std::vector<KeyCode> X11Keyboard::codesFor(keys::VirtualKey key) const {
     return codes;
 }
 
-std::optional<KeyCode> X11Keyboard::codeToPress(keys::VirtualKey key, unsigned group) const {
-    // The label in force first: on a second layout another key may carry it.
+std::vector<KeyCode> X11Keyboard::codesLabelled(keys::VirtualKey key, unsigned group) const {
+    std::vector<KeyCode> codes;
     for (unsigned code = firstCode; code <= lastCode; ++code)
         if (labelOf(static_cast<KeyCode>(code), group % static_cast<unsigned>(namesByGroup_.size())) == key)
-            return static_cast<KeyCode>(code);
-    const auto codes = codesFor(key);
+            codes.push_back(static_cast<KeyCode>(code));
+    return codes;
+}
+
+std::optional<KeyCode> X11Keyboard::codeToPress(keys::VirtualKey key, unsigned group) const {
+    // The label in force first: on a second layout another key may carry it.
+    auto codes = codesLabelled(key, group);
+    if (codes.empty())
+        codes = codesFor(key);
     return codes.empty() ? std::nullopt : std::optional(codes.front());
 }
 

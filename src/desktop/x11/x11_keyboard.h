@@ -49,6 +49,9 @@ class X11Keyboard {
     /// All keys that are this virtual key under some layout.
     std::vector<KeyCode> codesFor(keys::VirtualKey key) const;
 
+    /// The keys that give the symbol of this virtual key, without modifiers, while layout `group` is in force.
+    std::vector<KeyCode> codesLabelled(keys::VirtualKey key, unsigned group) const;
+
     /// Whether no label names this key, so that it goes by its place.
     bool goesByPlace(keys::VirtualKey key) const { return !labelled_.test(key); }
 

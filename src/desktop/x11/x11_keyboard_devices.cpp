@@ -64,6 +64,12 @@ void watchKeys(X11Connection& connection, const KeyboardDevices& devices) {
     connection.flush();
 }
 
+void watchButtons(X11Connection& connection, ButtonWatch watch) {
+    select(connection, XCB_INPUT_DEVICE_ALL_MASTER,
+           watch == ButtonWatch::On ? XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS : 0U);
+    connection.flush();
+}
+
 KeySet keysDown(X11Connection& connection, DeviceId device) {
     const XPointer<xcb_input_query_device_state_reply_t> reply(xcb_input_query_device_state_reply(
         connection.get(), xcb_input_query_device_state(connection.get(), static_cast<std::uint8_t>(device)), nullptr));

@@ -29,6 +29,11 @@ std::optional<KeyboardDevices> keyboardDevices(X11Connection& connection);
 /// come or go.
 void watchKeys(X11Connection& connection, const KeyboardDevices& devices);
 
+enum class ButtonWatch : std::uint8_t { Off, On };
+
+/// Whether the connection receives the presses of all mouse buttons, whoever gets them.
+void watchButtons(X11Connection& connection, ButtonWatch watch);
+
 /// The keys that are down on one device.
 KeySet keysDown(X11Connection& connection, DeviceId device);
 

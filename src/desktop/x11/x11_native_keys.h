@@ -5,11 +5,11 @@
 #include "desktop/x11/x11_connection.h"
 #include "desktop/x11/x11_key_posts.h"
 #include "desktop/x11/x11_keyboard.h"
-#include "platform/event_tap.h"
+#include "platform/key_event.h"
 
 namespace tavrelon::desktop {
 
-/// Names keys as the key tap names them, by the code and the state that the X server puts into its key events. Main
+/// Names keys as hotkeys name them, by the code and the state that the X server puts into its key events. Main
 /// thread.
 class X11NativeKeys {
  public:

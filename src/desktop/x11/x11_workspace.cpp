@@ -5,6 +5,7 @@
 #include "desktop/linux/process_info.h"
 #include "desktop/linux/process_launcher.h"
 #include "desktop/x11/application_identifiers.h"
+#include "desktop/x11/terminal_shortcuts.h"
 
 namespace tavrelon::desktop {
 
@@ -66,6 +67,18 @@ std::optional<RunningApplication> X11Workspace::applicationBehind(xcb_window_t w
             {entry ? entry->id : QString(), found.applicationId, found.windowClass, found.windowInstance}),
         .localizedName = entry ? entry->name : notEmpty(found.windowClass),
         .windowIdentifier = window};
+}
+
+std::optional<platform::FrontmostWindow> X11Workspace::frontmostWindow() {
+    const auto window = windows_->activeWindow();
+    if (window == XCB_NONE)
+        return std::nullopt;
+    const auto found = windows_->properties(window);
+    const bool isTerminal = terminalShortcutsOf(found.windowClass, found.windowInstance).has_value();
+    return platform::FrontmostWindow{
+        .identifier = window,
+        .processIdentifier = trustedProcess(found),
+        .kind = isTerminal ? platform::WindowKind::Terminal : platform::WindowKind::Ordinary};
 }
 
 std::optional<QString> X11Workspace::frontmostWindowTitle() {

@@ -15,6 +15,7 @@ class X11Workspace : public platform::Workspace {
         const QByteArray& displayName = {}, DesktopEntryCatalog entries = DesktopEntryCatalog::ofEnvironment());
 
     std::optional<platform::RunningApplication> frontmostApplication() override;
+    std::optional<platform::FrontmostWindow> frontmostWindow() override;
     std::optional<QString> frontmostWindowTitle() override;
     std::optional<platform::WindowPlace> frontmostWindowPlace() override;
     bool isOwnApplicationActive() override;

@@ -30,12 +30,17 @@ X11HeldModifiers::~X11HeldModifiers() {
     {
         const std::lock_guard lock(mutex_);
         stop_ = true;
-        releaseRestored();
-        xtest_.send();
     }
+    letGo();
     wake_.signal();
     watchConnection_->breakOff();
     thread_.join();
+}
+
+void X11HeldModifiers::letGo() {
+    const std::lock_guard lock(mutex_);
+    releaseRestored();
+    xtest_.send();
 }
 
 void X11HeldModifiers::releaseRestored() {
@@ -48,6 +53,16 @@ KeySet X11HeldModifiers::physicallyDown(X11Connection& connection) {
     for (const auto device : devices_.physical)
         down |= keysDown(connection, device);
     return down;
+}
+
+void X11HeldModifiers::releaseLeftOver() {
+    const auto keyboard = xtest_.keyboard();
+    const std::lock_guard lock(mutex_);
+    forEachKey(keysDown(xtest_.connection(), devices_.posted), [&](KeyCode code) {
+        if (keyboard && keyboard->modifiersOf(code) != 0)
+            xtest_.post(code, KeyAction::Release);
+    });
+    xtest_.send();
 }
 
 void X11HeldModifiers::putAside(const X11Keyboard& keyboard) {

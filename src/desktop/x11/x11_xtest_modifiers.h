@@ -23,6 +23,12 @@ class X11HeldModifiers {
     /// Leaves nothing down on the posting device.
     ~X11HeldModifiers();
 
+    /// Main thread. Leaves nothing of ours down, whatever the user holds.
+    void letGo();
+
+    /// Main thread, once at the start. Lets go of modifiers that a run which was killed left down.
+    void releaseLeftOver();
+
     /// Main thread. A second call takes out what the user pressed since the first.
     void putAside(const X11Keyboard& keyboard);
 

@@ -24,6 +24,7 @@ Column {
         visible: text
         width: parent.width
         text: header.subtitle
+        textFormat: Text.PlainText
         color: Look.secondary
         wrapMode: Text.Wrap
         font { family: Look.fontFamily; pixelSize: header.level === 1 ? Look.bodySize : Look.smallSize }

@@ -114,7 +114,7 @@ async::Task<void> FloatingInputWindowController::send(QString text) {
     const auto deadline = loop.now() + focusLimit;
     while (!hasFocusBack() && loop.now() < deadline)
         co_await async::ignoringCancellation(async::pause(loop, focusPollInterval));
-    stateMachine_->submitFloatingInput(text);
+    stateMachine_->submitFloatingInput(text, previousApp_);
 }
 
 }  // namespace tavrelon::ui

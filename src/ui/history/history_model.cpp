@@ -1,8 +1,9 @@
 #include "ui/history/history_model.h"
 
+#include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 
+#include "platform/picture_header.h"
 #include "ui/history/history_texts.h"
 
 namespace tavrelon::ui {
@@ -67,17 +68,19 @@ void HistoryModel::refresh() {
     Q_EMIT changed();
 }
 
-/// Reads no more than the size of the picture. What is no ordinary file might keep its reader waiting for ever.
+/// Pictures that the program keeps are PNGs of its own encoding. What else lies there is not shown, since the view
+/// would decode it in this process. Reads no more than the size of the picture. What is no ordinary file might keep its
+/// reader waiting for ever.
 std::optional<HistoryImage> HistoryModel::findImage(const QString& outputImagePath) const {
     const auto path = history_.resolvedImagePath(outputImagePath);
     if (!path || !QFileInfo(*path).isFile())
         return std::nullopt;
-    QImageReader reader(*path);
-    reader.setDecideFormatFromContent(true);
-    const auto pixels = reader.size();
-    if (pixels.isEmpty())
+    constexpr qint64 head = 64;  // bytes; a PNG tells its size in its first 24
+    QFile file(*path);
+    const auto header = platform::pictureHeader(file.open(QIODevice::ReadOnly) ? file.read(head) : QByteArray());
+    if (!header || header->format != platform::PictureFormat::Png)
         return std::nullopt;
-    return HistoryImage{QUrl::fromLocalFile(*path), pixels};
+    return HistoryImage{QUrl::fromLocalFile(*path), QSize(header->width, header->height)};
 }
 
 }  // namespace tavrelon::ui

@@ -6,6 +6,16 @@ using input::InputState;
 using input::InputTrigger;
 using Case = InputState::Case;
 
+namespace {
+
+/// What the user must know at once, such as that an answer is on the clipboard, is short; what a service says is not.
+bool isShortEnoughToShow(const QString& message) {
+    constexpr qsizetype longest = 40;
+    return !message.isEmpty() && message.size() <= longest;
+}
+
+}  // namespace
+
 HUDFace hudFace(const InputState& state, std::optional<InputTrigger> trigger) {
     switch (state.value) {
         case Case::listening:
@@ -35,6 +45,8 @@ QString hudFaceName(HUDFace face) {
             return QStringLiteral("VideoProcessingHUD");
         case HUDFace::AutoReply:
             return QStringLiteral("AutoReplyHUD");
+        case HUDFace::Question:
+            return QStringLiteral("QuestionHUD");
         case HUDFace::Standard:
             break;
     }
@@ -51,10 +63,12 @@ QSizeF hudContentSize(const InputState& state, std::optional<InputTrigger> trigg
         case HUDFace::VideoProcessing:
         case HUDFace::AutoReply:
             return {220, 70};
+        case HUDFace::Question:
+            return hudQuestionSize;
         case HUDFace::Standard:
             break;
     }
-    return {200, 60};
+    return {state == Case::error && isShortEnoughToShow(state.message) ? 320.0 : 200.0, 60};
 }
 
 HUDLook hudLook(const InputState& state) {
@@ -72,7 +86,8 @@ HUDLook hudLook(const InputState& state) {
         case Case::completed:
             return {QStringLiteral("Done"), QStringLiteral("checkmark"), QStringLiteral("green")};
         case Case::error:
-            return {QStringLiteral("Error"), QStringLiteral("exclamationmark.triangle.fill"), QStringLiteral("red")};
+            return {isShortEnoughToShow(state.message) ? state.message : QStringLiteral("Error"),
+                    QStringLiteral("exclamationmark.triangle.fill"), QStringLiteral("red")};
     }
     return {QStringLiteral("Ready"), QStringLiteral("command"), QStringLiteral("grey")};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRectF>
+#include <QSizeF>
 #include <QString>
 #include <optional>
 
@@ -10,12 +11,13 @@
 namespace tavrelon::ui {
 
 /// The faces of the input HUD. A face's name is the name of its view.
-enum class HUDFace { Standard, Listening, VoiceListening, VideoRecording, VideoProcessing, AutoReply };
+enum class HUDFace { Standard, Listening, VoiceListening, VideoRecording, VideoProcessing, AutoReply, Question };
 
 HUDFace hudFace(const input::InputState& state, std::optional<input::InputTrigger> trigger);
 QString hudFaceName(HUDFace face);
 
 /// In points.
+inline constexpr QSizeF hudQuestionSize{440, 124};
 QSizeF hudContentSize(const input::InputState& state, std::optional<input::InputTrigger> trigger);
 
 /// What the standard face says of a state.

@@ -6,11 +6,21 @@ void InputHUDModel::show(const input::InputState& state, std::optional<input::In
     look_ = hudLook(state);
     isPulsing_ = !state.acceptsNewInput();
     isRotating_ = state == input::InputState::Case::processing;
-    // The face last: a view that builds a new face reads the rest right away.
-    const auto face = hudFace(state, trigger);
-    const bool isOther = std::exchange(face_, face) != face;
+    const auto earlier = shownFace();
+    face_ = hudFace(state, trigger);
+    announceSince(earlier);
+}
+
+void InputHUDModel::setQuestion(const std::optional<HUDQuestion>& question) {
+    const auto earlier = shownFace();
+    question_ = question;
+    announceSince(earlier);
+}
+
+/// The face last: a view that builds a new face reads the rest right away.
+void InputHUDModel::announceSince(HUDFace earlier) {
     Q_EMIT stateChanged();
-    if (isOther)
+    if (shownFace() != earlier)
         Q_EMIT faceChanged();
 }
 

@@ -6,6 +6,13 @@
 
 namespace tavrelon::ui {
 
+/// A question that the user answers by hotkeys, since the HUD takes neither keys nor clicks.
+struct HUDQuestion {
+    QString title;
+    QString detail;
+    QString hint;  ///< which key means what
+};
+
 /// What the input HUD shows, for its view to observe.
 class InputHUDModel : public QObject {
     Q_OBJECT
@@ -15,16 +22,26 @@ class InputHUDModel : public QObject {
     Q_PROPERTY(QString tint READ tint NOTIFY stateChanged)
     Q_PROPERTY(bool isPulsing READ isPulsing NOTIFY stateChanged)
     Q_PROPERTY(bool isRotating READ isRotating NOTIFY stateChanged)
+    Q_PROPERTY(QString questionTitle READ questionTitle NOTIFY stateChanged)
+    Q_PROPERTY(QString questionDetail READ questionDetail NOTIFY stateChanged)
+    Q_PROPERTY(QString questionHint READ questionHint NOTIFY stateChanged)
     Q_PROPERTY(QString transcript READ transcript NOTIFY transcriptChanged)
 
  public:
     void show(const input::InputState& state, std::optional<input::InputTrigger> trigger);
     void setTranscript(const QString& transcript);
 
-    QString face() const { return hudFaceName(face_); }
+    /// A question stands in place of every face until it is taken away.
+    void setQuestion(const std::optional<HUDQuestion>& question);
+    bool isAsking() const { return question_.has_value(); }
+
+    QString face() const { return hudFaceName(shownFace()); }
     QString label() const { return look_.label; }
     QString symbol() const { return look_.symbol; }
     QString tint() const { return look_.tint; }
+    QString questionTitle() const { return question_ ? question_->title : QString(); }
+    QString questionDetail() const { return question_ ? question_->detail : QString(); }
+    QString questionHint() const { return question_ ? question_->hint : QString(); }
     QString transcript() const { return transcript_; }
 
     /// Whether the icon's circle breathes, and whether the icon turns once a second.
@@ -36,6 +53,10 @@ class InputHUDModel : public QObject {
     Q_SIGNAL void transcriptChanged();
 
  private:
+    HUDFace shownFace() const { return question_ ? HUDFace::Question : face_; }
+    void announceSince(HUDFace earlier);
+
+    std::optional<HUDQuestion> question_;
     HUDFace face_ = HUDFace::Standard;
     HUDLook look_ = hudLook({});
     QString transcript_;

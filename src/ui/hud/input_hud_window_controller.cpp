@@ -1,5 +1,6 @@
 #include "ui/hud/input_hud_window_controller.h"
 
+#include <algorithm>
 #include <chrono>
 
 namespace tavrelon::ui {
@@ -42,8 +43,11 @@ void InputHUDWindowController::react(const InputState& state) {
             if (!window_ || !window_->isVisible())
                 placeAndShow(state);
             break;
-        case Case::completed:
         case Case::error:
+            if (!window_ || !window_->isVisible())  // it may be all that is seen of an input that was refused
+                placeAndShow(state);
+            [[fallthrough]];
+        case Case::completed:
             scheduleReturnToIdle();
             break;
     }
@@ -51,7 +55,7 @@ void InputHUDWindowController::react(const InputState& state) {
 }
 
 void InputHUDWindowController::resize(const InputState& state) {
-    const auto size = hudContentSize(state, stateMachine_->activeTrigger());
+    const auto size = model_.isAsking() ? hudQuestionSize : hudContentSize(state, stateMachine_->activeTrigger());
     if (size == contentSize_)
         return;
     contentSize_ = size;
@@ -63,8 +67,33 @@ void InputHUDWindowController::placeAndShow(const InputState& state) {
     if (!window_)
         window_ = desktop_.userInterface.panels.create(
             {platform::PanelKind::Overlay, contentSize_, QStringLiteral("hud/InputHUDView"), &model_});
-    window_->setFrameOrigin(hudOrigin(state, desktop_.caretRect(), desktop_.userInterface.screens.mainScreen()));
+    origin_ = hudOrigin(state, desktop_.caretRect(), desktop_.userInterface.screens.mainScreen());
+    window_->setFrameOrigin(origin_);
     window_->orderFront();
+}
+
+void InputHUDWindowController::ask(const std::optional<HUDQuestion>& question) {
+    model_.setQuestion(question);
+    const auto state = stateMachine_->currentState();
+    resize(state);
+    if (!question) {
+        if (window_)
+            window_->setFrameOrigin(origin_);
+        return;
+    }
+    if (!window_ || !window_->isVisible())
+        placeAndShow(state);
+    keepOnScreen();
+}
+
+void InputHUDWindowController::keepOnScreen() {
+    const auto screen = desktop_.userInterface.screens.mainScreen();
+    if (!screen)
+        return;
+    const auto size = window_->frameSize();
+    const auto& area = screen->visibleFrame;
+    window_->setFrameOrigin({std::max(area.left(), std::min(origin_.x(), area.right() - size.width())),
+                             std::max(area.top(), std::min(origin_.y(), area.bottom() - size.height()))});
 }
 
 void InputHUDWindowController::scheduleReturnToIdle() {
@@ -73,9 +102,7 @@ void InputHUDWindowController::scheduleReturnToIdle() {
 
 void InputHUDWindowController::returnToIdle() {
     returns_.pop_front();  // all wait equally long, so it is the oldest that is due
-    const auto state = stateMachine_->currentState();
-    if (state == Case::completed || state == Case::error)
-        stateMachine_->resetToIdle();
+    stateMachine_->returnToIdle();
 }
 
 }  // namespace tavrelon::ui

@@ -29,10 +29,15 @@ class InputHUDWindowController {
     InputHUDWindowController(const InputHUDWindowController&) = delete;
     InputHUDWindowController& operator=(const InputHUDWindowController&) = delete;
 
+    /// Asks in place of what is shown, or shows that again where there is no question. The panel stands within the
+    /// screen while it asks.
+    void ask(const std::optional<HUDQuestion>& question);
+
  private:
     void react(const input::InputState& state);
     void placeAndShow(const input::InputState& state);
     void resize(const input::InputState& state);
+    void keepOnScreen();
     void scheduleReturnToIdle();
     void returnToIdle();
 
@@ -41,6 +46,7 @@ class InputHUDWindowController {
     InputHUDModel model_;
     std::unique_ptr<platform::Panel> window_;  ///< built when first needed, then kept
     QSizeF contentSize_;
+    QPointF origin_;                    ///< where the panel was placed beside the caret
     std::deque<async::Timer> returns_;  ///< one for each end of an input that is not yet two seconds old
     QPropertyNotifier stateSubscription_;
     QPropertyNotifier transcriptSubscription_;

@@ -92,6 +92,7 @@ ScrollPage {
     }
     MessageLine { text: page.model.statusMessage; icon: "checkmark.circle.fill"; tint: Look.accent }
     MessageLine { text: page.model.errorMessage }
+    TaughtNotice { taught: page.model.taught }
     CloneResultCard {
         title: page.texts.systemPrompt
         emptyText: page.texts.noSystemPrompt
@@ -109,14 +110,21 @@ ScrollPage {
 
         Text {
             visible: page.model.updatedAt
-            anchors { left: parent.left; leftMargin: 4; verticalCenter: parent.verticalCenter }
-            text: page.texts.updated + " " + page.model.updatedAt
+            anchors {
+                left: parent.left; leftMargin: 4
+                right: clear.left; rightMargin: 12
+                verticalCenter: parent.verticalCenter
+            }
+            text: [page.texts.updated + " " + page.model.updatedAt, page.model.taught.origin].filter(part => part).join(" · ")
+            textFormat: Text.PlainText
+            elide: Text.ElideRight
             color: Look.secondary
             font { family: Look.fontFamily; pixelSize: Look.smallSize }
             Accessible.role: Accessible.StaticText
             Accessible.name: text
         }
         GlassButton {
+            id: clear
             visible: page.model.canClear
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
             icon: "trash"

@@ -69,6 +69,36 @@ ScrollPage {
         isOn: page.model.isLocalLearningEnabled
         onToggled: isOn => page.model.isLocalLearningEnabled = isOn
     }
+    TaughtNotice { taught: page.model.taught }
+    GlassCard {
+        visible: page.model.taught.isTaught
+        width: parent.width
+
+        Item {
+            width: parent.width
+            height: Math.max(learned.height, remove.height)
+
+            SectionHeader {
+                id: learned
+                width: parent.width - remove.width - 16
+                anchors.verticalCenter: parent.verticalCenter
+                title: page.texts.learned
+                subtitle: [page.model.taught.origin, page.model.learnedAt].filter(part => part).join(" · ")
+            }
+            GlassButton {
+                id: remove
+                visible: !page.model.taught.isSetAside
+                anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+                icon: "trash"
+                text: page.model.taught.texts.remove
+                onTriggered: page.model.taught.remove()
+            }
+        }
+        LongText {
+            pieces: page.model.learnedPieces
+            name: page.texts.learned
+        }
+    }
     SettingCardToggle {
         title: page.texts.share
         subtitle: page.texts.shareHint

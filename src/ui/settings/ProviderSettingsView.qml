@@ -47,6 +47,7 @@ ScrollPage {
             onTriggered: page.model.selection = "nvidia"
         }
     }
+    TaughtNotice { taught: page.model.taught }
     Loader {
         width: parent.width
         sourceComponent: ({ pollinations: pollinationsSection, ollama: ollamaSection, nvidia: nvidiaSection })[page.model.selection]

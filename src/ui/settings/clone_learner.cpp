@@ -1,6 +1,7 @@
 #include "ui/settings/clone_learner.h"
 
 #include "learning/clone_error.h"
+#include "persistence/taught.h"
 #include "text/characters.h"
 
 namespace tavrelon::ui {
@@ -30,13 +31,13 @@ async::Task<CloneProfile> CloneLearner::learnFile(QUrl file) {
 void CloneLearner::start(CloneLearningTarget target, async::Task<CloneProfile> learning) {
     activeTarget_ = target;
     outcome_.reset();
-    tasks_.spawn(finish(std::move(learning)));
+    tasks_.spawn(finish(std::move(learning), persistence::providerOf(services_.storage.settings())));
     Q_EMIT changed();
 }
 
-async::Task<void> CloneLearner::finish(async::Task<CloneProfile> learning) {
+async::Task<void> CloneLearner::finish(async::Task<CloneProfile> learning, QString provider) {
     try {
-        keep(co_await std::move(learning));
+        keep(co_await std::move(learning), provider);
         outcome_.emplace(nullptr);
     } catch (const std::exception&) {
         outcome_.emplace(std::current_exception());
@@ -45,11 +46,12 @@ async::Task<void> CloneLearner::finish(async::Task<CloneProfile> learning) {
     Q_EMIT changed();
 }
 
-void CloneLearner::keep(const CloneProfile& profile) {
+void CloneLearner::keep(const CloneProfile& profile, const QString& provider) {
     services_.storage.changeSettings([&](persistence::AppSettings& changed) {
         changed.cloneLanguageStyle = profile.languageStyle;
         changed.cloneSystemPrompt = profile.systemPrompt;
         changed.cloneLanguageStyleUpdatedAt = services_.mainLoop.wallTime();
+        noteSource(changed, persistence::Taught::CloneProfile, profile.source, provider);
     });
     services_.storage.saveSettings();
 }

@@ -44,8 +44,8 @@ class CloneLearner : public QObject {
  private:
     void start(CloneLearningTarget target, async::Task<learning::CloneProfile> learning);
     async::Task<learning::CloneProfile> learnFile(QUrl file);
-    async::Task<void> finish(async::Task<learning::CloneProfile> learning);
-    void keep(const learning::CloneProfile& profile);
+    async::Task<void> finish(async::Task<learning::CloneProfile> learning, QString provider);
+    void keep(const learning::CloneProfile& profile, const QString& provider);
 
     Services services_;
     std::optional<CloneLearningTarget> activeTarget_;

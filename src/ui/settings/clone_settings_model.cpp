@@ -1,12 +1,10 @@
 #include "ui/settings/clone_settings_model.h"
 
-#include <QDateTime>
-#include <QLocale>
-
 #include "learning/clone_error.h"
 #include "text/characters.h"
 #include "text/pieces.h"
 #include "ui/settings/clone_texts.h"
+#include "ui/settings/date_text.h"
 
 namespace tavrelon::ui {
 
@@ -59,13 +57,7 @@ QStringList CloneSettingsModel::languageStylePieces() const {
 }
 
 QString CloneSettingsModel::updatedAt() const {
-    const auto& date = settings().cloneLanguageStyleUpdatedAt;
-    if (!date)
-        return {};
-    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(date->time_since_epoch());
-    const auto moment = QDateTime::fromMSecsSinceEpoch(sinceEpoch.count());
-    return isEnglish() ? QLocale(u"en_US"_s).toString(moment, u"MMM d, yyyy 'at' h:mm AP"_s)
-                       : QLocale(u"zh_CN"_s).toString(moment, u"yyyy年M月d日 HH:mm"_s);
+    return dateText(settings().cloneLanguageStyleUpdatedAt, isEnglish());
 }
 
 void CloneSettingsModel::showError(const QString& message) {
@@ -125,11 +117,7 @@ async::Task<void> CloneSettingsModel::pickFile() {
 
 void CloneSettingsModel::clear() {
     clearMessages();
-    store([](persistence::AppSettings& changed) {
-        changed.cloneLanguageStyle.clear();
-        changed.cloneSystemPrompt.clear();
-        changed.cloneLanguageStyleUpdatedAt.reset();
-    });
+    store([](persistence::AppSettings& changed) { forgetTaught(changed, persistence::Taught::CloneProfile); });
 }
 
 }  // namespace tavrelon::ui

@@ -3,6 +3,7 @@
 #include "platform/file_picker.h"
 #include "ui/dashboard/page_model.h"
 #include "ui/settings/clone_learner.h"
+#include "ui/settings/taught_model.h"
 
 namespace tavrelon::ui {
 
@@ -21,6 +22,7 @@ class CloneSettingsModel : public PageModel {
     Q_PROPERTY(QStringList languageStylePieces READ languageStylePieces NOTIFY changed)
     Q_PROPERTY(QString updatedAt READ updatedAt NOTIFY changed)
     Q_PROPERTY(bool canClear READ canClear NOTIFY changed)
+    Q_PROPERTY(tavrelon::ui::TaughtModel* taught READ taught CONSTANT)
 
  public:
     /// The referents outlive this object. `learner` may be at work already, from an earlier showing of the page.
@@ -48,6 +50,8 @@ class CloneSettingsModel : public PageModel {
     QString updatedAt() const;
     bool canClear() const { return !systemPrompt().isEmpty() || !languageStyle().isEmpty(); }
 
+    TaughtModel* taught() { return &taught_; }
+
     // The page's buttons. One learning at a time: a press that would start another does nothing.
     Q_INVOKABLE void learnFromLink();
     Q_INVOKABLE void chooseFile();
@@ -62,6 +66,7 @@ class CloneSettingsModel : public PageModel {
 
     CloneLearner& learner_;
     platform::FilePicker& filePicker_;
+    TaughtModel taught_{storage(), {persistence::Taught::CloneProfile}};
     QString profileURLInput_;
     bool isImportingFile_ = false;
     std::optional<QUrl> selectedFileURL_;

@@ -2,6 +2,9 @@
 
 #include <array>
 
+#include "text/pieces.h"
+#include "ui/settings/date_text.h"
+
 namespace tavrelon::ui {
 
 using generation::VisionModelPreference;
@@ -12,7 +15,7 @@ namespace {
 constexpr QLatin1StringView speed("speed");
 constexpr QLatin1StringView quality("quality");
 
-constexpr std::array<PageText, 13> pageTexts{{
+constexpr std::array<PageText, 14> pageTexts{{
     {u"vision", u"Vision Preference", u"视觉偏好"},
     {u"visionHint", u"Prioritize speed or quality for vision models", u"选择视觉模型的速度或质量优先级"},
     {u"speed", u"Speed", u"速度优先"},
@@ -22,6 +25,7 @@ constexpr std::array<PageText, 13> pageTexts{{
     {u"thinkHint", u"Use /think for vision replies", u"视觉回复时使用 /think"},
     {u"memory", u"Local Memory", u"本地记忆"},
     {u"memoryHint", u"Record phrases locally", u"本地记录短语"},
+    {u"learned", u"Learned Voice", u"已学习的语气"},
     {u"share", u"Share Improvements", u"分享改进"},
     {u"shareHint", u"Help improve products", u"帮助改进产品"},
     {u"enhancement", u"Image Prompt Enhancement", u"图片提示增强"},
@@ -33,6 +37,16 @@ constexpr std::array<PageText, 13> pageTexts{{
 GeneralSettingsModel::GeneralSettingsModel(persistence::StorageManager& storage,
                                            generation::PollinationsService& service)
     : PageModel(storage, pageTexts), service_(service) {}
+
+QStringList GeneralSettingsModel::learnedPieces() const {
+    const auto& learned = settings().adaptiveSystemPrompt;
+    const auto pieces = text::piecesOf(learned);
+    return learned.isEmpty() ? QStringList() : QStringList(pieces.begin(), pieces.end());
+}
+
+QString GeneralSettingsModel::learnedAt() const {
+    return dateText(settings().adaptiveSystemPromptUpdatedAt, isEnglish());
+}
 
 QString GeneralSettingsModel::visionModelPreference() const {
     return settings().visionModelPreference == quality ? quality : speed;

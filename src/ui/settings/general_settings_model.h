@@ -2,6 +2,7 @@
 
 #include "generation/pollinations_service.h"
 #include "ui/dashboard/page_model.h"
+#include "ui/settings/taught_model.h"
 
 namespace tavrelon::ui {
 
@@ -13,6 +14,9 @@ class GeneralSettingsModel : public PageModel {
     Q_PROPERTY(bool isLocalLearningEnabled READ isLocalLearningEnabled WRITE setLocalLearningEnabled NOTIFY changed)
     Q_PROPERTY(bool sharesImprovements READ sharesImprovements WRITE setSharesImprovements NOTIFY changed)
     Q_PROPERTY(bool enhancesImagePrompts READ enhancesImagePrompts WRITE setEnhancesImagePrompts NOTIFY changed)
+    Q_PROPERTY(QStringList learnedPieces READ learnedPieces NOTIFY changed)
+    Q_PROPERTY(QString learnedAt READ learnedAt NOTIFY changed)
+    Q_PROPERTY(tavrelon::ui::TaughtModel* taught READ taught CONSTANT)
 
  public:
     /// Both outlive the model.
@@ -31,8 +35,14 @@ class GeneralSettingsModel : public PageModel {
     bool enhancesImagePrompts() const { return settings().enableImagePromptEnhancement; }
     void setEnhancesImagePrompts(bool enhances);
 
+    // What a model wrote about the user's way of writing; empty where nothing was learned.
+    QStringList learnedPieces() const;  ///< for views, which draw a long text piece by piece
+    QString learnedAt() const;
+    TaughtModel* taught() { return &taught_; }
+
  private:
     generation::PollinationsService& service_;
+    TaughtModel taught_{storage(), {persistence::Taught::AdaptivePrompt}};
 };
 
 }  // namespace tavrelon::ui

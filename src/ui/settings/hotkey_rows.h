@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "keys/key_names.h"
 #include "persistence/app_settings.h"
 #include "ui/dashboard/page_model.h"
 
@@ -15,15 +16,27 @@ struct HotkeyRow {
     bool keys::HotkeySet::* isEnabled;
     double persistence::AppSettings::* silenceTimeout = nullptr;  ///< of the voice hotkeys
 
+    bool isStored = true;  ///< else the key is always the same one
+
     /// Only voice hotkeys may consist of modifiers alone.
     bool allowModifiersOnly() const { return silenceTimeout != nullptr; }
+    keys::ZeroKey zeroKey() const { return allowModifiersOnly() ? keys::ZeroKey::None : keys::ZeroKey::A; }
+    bool hasKey(const keys::HotkeyConfig& hotkey) const { return hotkey.keyCode != 0 || !allowModifiersOnly(); }
 };
+
+/// Whether one press means both.
+inline bool isSameHotkey(const HotkeyRow& one, const HotkeyRow& other, const keys::HotkeySet& set) {
+    const auto& hotkey = set.*one.key;
+    const auto& otherHotkey = set.*other.key;
+    return hotkey.matches(otherHotkey.keyCode, otherHotkey.modifiers) &&
+           one.hasKey(hotkey) == other.hasKey(otherHotkey);
+}
 
 /// From the top of the page to its bottom.
 inline constexpr auto hotkeyRows = [] {
     using Settings = persistence::AppSettings;
     using Set = keys::HotkeySet;
-    return std::array<HotkeyRow, 8>{{
+    return std::array<HotkeyRow, 9>{{
         {{u"", u"Text Input", u"文本输入"},
          {u"", u"Toggle to listen/send", u"切换监听/发送"},
          &Set::toggleHotkey,
@@ -32,6 +45,12 @@ inline constexpr auto hotkeyRows = [] {
          {u"", u"Show on-screen prompt box", u"显示屏幕输入框"},
          &Set::floatingInputHotkey,
          &Set::floatingInputHotkeyEnabled},
+        {{u"", u"Quick Ask", u"快速提问"},
+         {u"", u"Prompt box by the grave accent alone", u"单按反引号键打开输入框"},
+         &Set::quickAskHotkey,
+         &Set::quickAskHotkeyEnabled,
+         nullptr,
+         false},
         {{u"", u"Hotkeys Toggle", u"快捷键开关"},
          {u"", u"Enable/disable all hotkeys", u"启用/禁用所有快捷键"},
          &Set::toggleAllHotkeysHotkey,
@@ -62,7 +81,7 @@ inline constexpr auto hotkeyRows = [] {
 }();
 
 /// The rest of the page.
-inline constexpr std::array<PageText, 10> hotkeysPageTexts{{
+inline constexpr std::array<PageText, 14> hotkeysPageTexts{{
     {u"title", u"Hotkeys", u"快捷键"},
     {u"restore", u"Restore Defaults", u"恢复默认"},
     {u"master", u"Hotkeys Enabled", u"启用快捷键"},
@@ -73,6 +92,10 @@ inline constexpr std::array<PageText, 10> hotkeysPageTexts{{
     {u"timeoutUnit", u"s", u"秒"},
     {u"timeoutTip", u"Auto stop after Xs of silence", u"静默 X 秒后自动结束"},
     {u"recording", u"Press keys...", u"Press keys..."},
+    {u"refused", u"A cannot be the key of this hotkey", u"此快捷键不能使用 A 键"},
+    {u"clash", u"Same keys as: %1", u"按键相同：%1"},
+    {u"held", u"Another program holds these keys", u"此组合键已被其他程序占用"},
+    {u"bare", u"No longer types anything elsewhere: add a modifier", u"在其他应用中将无法输入：请加上修饰键"},
 }};
 
 }  // namespace tavrelon::ui

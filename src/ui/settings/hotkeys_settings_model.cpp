@@ -11,7 +11,7 @@ namespace tavrelon::ui {
 
 using keys::HotkeyConfig;
 using persistence::AppSettings;
-using platform::KeyEvent;
+using platform::RawKey;
 
 namespace {
 
@@ -44,8 +44,8 @@ HotkeysSettingsModel::HotkeysSettingsModel(Services services)
     : PageModel(services.storage, hotkeysPageTexts), services_(std::move(services)) {}
 
 HotkeysSettingsModel::~HotkeysSettingsModel() {
-    setRecording({});
-    services_.manager.isRecordingKeys = false;
+    endRecording({});
+    services_.manager.setRecordingKeys(false);
 }
 
 int HotkeysSettingsModel::rowCount() const {
@@ -54,22 +54,66 @@ int HotkeysSettingsModel::rowCount() const {
 
 QVariantList HotkeysSettingsModel::rows() const {
     QVariantList list;
-    for (const auto& row : hotkeyRows) {
-        const auto& hotkey = settings().*row.key;
-        const bool records = isRecording(static_cast<int>(list.size()));
-        const auto timeout = row.silenceTimeout
-                                 ? QString::number(settings().*row.silenceTimeout, 'g', QLocale::FloatingPointShortest)
-                                 : QString();
-        list << QVariantMap{
-            {QStringLiteral("title"), textOf(row.title, isEnglish())},
-            {QStringLiteral("subtitle"), textOf(row.subtitle, isEnglish())},
-            {QStringLiteral("isEnabled"), settings().*row.isEnabled},
-            {QStringLiteral("key"), records ? text(u"recording") : keys::displayName(hotkey.keyCode, hotkey.modifiers)},
-            {QStringLiteral("isRecording"), records},
-            {QStringLiteral("timeout"), timeout},
-        };
-    }
+    for (int row = 0; row < rowCount(); ++row)
+        list << shown(row);
     return list;
+}
+
+QVariantMap HotkeysSettingsModel::shown(int index) const {
+    const auto& row = *rowAt(index);
+    const bool records = isRecording(index);
+    const auto hotkey = records ? recording_->keys.hotkey() : std::optional(settings().*row.key);
+    const auto named = [&](auto name) {
+        return hotkey ? name(hotkey->keyCode, hotkey->modifiers, row.zeroKey()) : text(u"recording");
+    };
+    const bool isRefused = records && recording_->keys.wasRefused();
+    return {
+        {QStringLiteral("title"), textOf(row.title, isEnglish())},
+        {QStringLiteral("subtitle"), isRefused ? text(u"refused") : textOf(row.subtitle, isEnglish())},
+        {QStringLiteral("isEnabled"), settings().*row.isEnabled},
+        {QStringLiteral("key"), named(keys::displayName)},
+        {QStringLiteral("keyName"), named(keys::plainName)},
+        {QStringLiteral("canRecord"), row.isStored},
+        {QStringLiteral("isRecording"), records},
+        {QStringLiteral("warning"), warning(index)},
+        {QStringLiteral("timeout"),
+         row.silenceTimeout ? QString::number(settings().*row.silenceTimeout, 'g', QLocale::FloatingPointShortest)
+                            : QString()},
+    };
+}
+
+/// What the user had better know of a hotkey that is switched on.
+QString HotkeysSettingsModel::warning(int index) const {
+    const auto& row = *rowAt(index);
+    const auto& hotkey = settings().*row.key;
+    if (!(settings().*row.isEnabled))
+        return {};
+    QStringList lines, twins;
+    for (const auto& other : hotkeyRows)
+        if (&other != &row && settings().*other.isEnabled && isSameHotkey(row, other, settings()))
+            twins << textOf(other.title, isEnglish());
+    if (!twins.isEmpty())
+        lines << text(u"clash").arg(twins.join(isEnglish() ? QStringLiteral(", ") : QStringLiteral("、")));
+    if (std::ranges::find(heldElsewhere_, hotkey) != heldElsewhere_.end())
+        lines << text(u"held");
+    const bool isBare = ((hotkey.modifiers & keys::relevantModifierMask).raw & ~keys::shiftFlag.raw) == 0;
+    if (row.isStored && row.hasKey(hotkey) && isBare && keys::isUsedInWriting(hotkey.keyCode))
+        lines << text(u"bare");
+    return lines.join(u'\n');
+}
+
+/// The desktop is asked once for each look at the page and each change, not at each drawing.
+void HotkeysSettingsModel::lookForHolders() {
+    std::vector<HotkeyConfig> hotkeys;
+    for (const auto& row : hotkeyRows)
+        if (const auto& hotkey = settings().*row.key; row.hasKey(hotkey))
+            hotkeys.push_back(hotkey);
+    heldElsewhere_ = services_.desktop.heldElsewhere(hotkeys);
+}
+
+void HotkeysSettingsModel::appear() {
+    lookForHolders();
+    PageModel::appear();
 }
 
 void HotkeysSettingsModel::setEnabled(int row, bool enabled) {
@@ -77,8 +121,7 @@ void HotkeysSettingsModel::setEnabled(int row, bool enabled) {
     if (!fields)
         return;
     store([&](AppSettings& settings) { settings.*fields->isEnabled = enabled; });
-    services_.manager.*fields->isEnabled = enabled;
-    services_.manager.refreshTap();
+    applyToManager();
 }
 
 void HotkeysSettingsModel::setTimeout(int row, const QString& typed) {
@@ -92,13 +135,12 @@ void HotkeysSettingsModel::setTimeout(int row, const QString& typed) {
 
 void HotkeysSettingsModel::setHotkeysEnabled(bool enabled) {
     store([&](AppSettings& settings) { settings.hotkeysEnabled = enabled; });
-    services_.manager.hotkeysEnabled = enabled;
-    services_.manager.clearLatches();
-    services_.manager.refreshTap();
+    applyToManager();
     services_.showStatus(enabled);
 }
 
 void HotkeysSettingsModel::restoreDefaults() {
+    endRecording(afterglow);
     const auto& defaults = persistence::defaultSettings();
     store([&](AppSettings& settings) {
         static_cast<keys::HotkeySet&>(settings) = defaults;
@@ -112,66 +154,74 @@ void HotkeysSettingsModel::restoreDefaults() {
 
 void HotkeysSettingsModel::applyToManager() {
     static_cast<keys::HotkeySet&>(services_.manager) = settings();
-    services_.manager.clearLatches();
-    services_.manager.refreshTap();
-}
-
-bool HotkeysSettingsModel::isRecording(int row) const {
-    return std::ranges::find(recording_, row) != recording_.end();
-}
-
-void HotkeysSettingsModel::toggleRecording(int row) {
-    if (!rowAt(row))
-        return;
-    auto rows = recording_;
-    if (std::erase(rows, row) == 0)
-        rows.push_back(row);
-    setRecording(std::move(rows));
-}
-
-void HotkeysSettingsModel::disappear() {
-    setRecording({});
-}
-
-void HotkeysSettingsModel::setRecording(std::vector<int> rows) {
-    if (rows == recording_)
-        return;
-    recording_ = std::move(rows);
-    if (recording_.empty()) {
-        services_.keys.release();
-        afterglow_ = services_.mainLoop.after(afterglow, [this] { services_.manager.isRecordingKeys = false; });
-    } else {
-        afterglow_.reset();
-        services_.manager.isRecordingKeys = true;
-        services_.keys.capture([this](const KeyEvent& event) { return handle(event); });
-    }
+    services_.manager.refresh();
+    lookForHolders();
     Q_EMIT changed();
 }
 
-/// True if the key is used for the recording. What is recorded is written a turn later, when the key is through.
-bool HotkeysSettingsModel::handle(const KeyEvent& event) {
-    if (recording_.empty())
-        return false;
-    const int row = recording_.back();
-    const auto flags = event.modifierFlags & keys::relevantModifierMask;
-    HotkeyConfig hotkey{event.keyCode, flags};
-    if (event.type == KeyEvent::Type::FlagsChanged) {
-        if (!rowAt(row)->allowModifiersOnly() || flags.isEmpty())
-            return false;
-        hotkey.keyCode = 0;
+void HotkeysSettingsModel::toggleRecording(int row) {
+    const auto* fields = rowAt(row);
+    if (!fields || !fields->isStored)
+        return;
+    const bool isSecondPress = isRecording(row);
+    endRecording(afterglow);
+    if (!isSecondPress)
+        startRecording(row);
+    Q_EMIT changed();
+}
+
+void HotkeysSettingsModel::disappear() {
+    endRecording(afterglow);
+}
+
+void HotkeysSettingsModel::startRecording(int row) {
+    const auto take = [this](const RawKey& key) { handle(key); };
+    const auto leave = [this] {
+        endRecording({});
+        Q_EMIT changed();
+    };
+    if (!services_.keys.capture(take, leave))
+        return;
+    const auto content =
+        rowAt(row)->allowModifiersOnly() ? HotkeyRecording::Content::KeyOrModifiers : HotkeyRecording::Content::Key;
+    recording_ = Recording{row, HotkeyRecording(content)};
+    afterglow_.reset();
+    services_.manager.setRecordingKeys(true);
+}
+
+/// For `pause` the hotkeys still sleep.
+void HotkeysSettingsModel::endRecording(std::chrono::milliseconds pause) {
+    if (!recording_)
+        return;
+    recording_.reset();
+    services_.keys.release();
+    afterglow_ = services_.mainLoop.after(pause, [this] { services_.manager.setRecordingKeys(false); });
+}
+
+/// What is recorded is written a turn later, when the key is through.
+void HotkeysSettingsModel::handle(const RawKey& key) {
+    if (!recording_)
+        return;
+    using enum HotkeyRecording::Outcome;
+    switch (recording_->keys.take(key)) {
+        case GoesOn:
+            break;
+        case Taken:
+            services_.mainLoop.post(lifetime_.guard(
+                [this, row = recording_->row, hotkey = *recording_->keys.hotkey()] { record(row, hotkey); }));
+            endRecording(afterglow);
+            break;
+        case Left:
+            endRecording(afterglow);
+            break;
     }
-    services_.mainLoop.post(lifetime_.guard([this, row, hotkey] { record(row, hotkey); }));
-    return true;
+    Q_EMIT changed();
 }
 
 void HotkeysSettingsModel::record(int row, const HotkeyConfig& hotkey) {
     const auto* fields = rowAt(row);
     store([&](AppSettings& settings) { settings.*fields->key = hotkey; });
-    services_.manager.*fields->key = hotkey;
-    services_.manager.refreshTap();
-    auto rows = recording_;
-    std::erase(rows, row);
-    setRecording(std::move(rows));
+    applyToManager();
 }
 
 }  // namespace tavrelon::ui

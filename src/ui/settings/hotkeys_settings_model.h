@@ -6,13 +6,15 @@
 
 #include "async/lifetime.h"
 #include "hotkeys/hotkey_manager.h"
+#include "platform/hotkeys.h"
 #include "platform/raw_keys.h"
 #include "ui/dashboard/page_model.h"
+#include "ui/settings/hotkey_recording.h"
 
 namespace tavrelon::ui {
 
-/// The page of hotkeys: eight rows, each with a switch and a key cap that records; a master switch; the defaults. Every
-/// change is stored and in force at once.
+/// The page of hotkeys: rows of a switch and a key cap that records; a master switch; the defaults. Every change is
+/// stored and in force at once; what is unwise about a hotkey is said under it.
 class HotkeysSettingsModel : public PageModel {
     Q_OBJECT
     Q_PROPERTY(bool hotkeysEnabled READ hotkeysEnabled WRITE setHotkeysEnabled NOTIFY changed)
@@ -26,6 +28,8 @@ class HotkeysSettingsModel : public PageModel {
         hotkeys::HotkeyManager& manager;
         platform::RawKeys& keys;
         std::function<void(bool enabled)> showStatus;  ///< the overlay that tells the state of all hotkeys
+
+        platform::Hotkeys& desktop;  ///< knows which keys something else holds
     };
 
     explicit HotkeysSettingsModel(Services services);
@@ -36,14 +40,15 @@ class HotkeysSettingsModel : public PageModel {
 
     int rowCount() const;
 
-    /// Each a record of `title`, `subtitle`, `isEnabled`, `key` (the key cap's text), `isRecording`, and `timeout`: the
-    /// silence in seconds as text, empty for rows without one.
+    /// Each a record of `title`, `subtitle`, `isEnabled`, `key` (the key cap's text), `keyName` (the same in words),
+    /// `canRecord`, `isRecording`, `warning` (empty where all is well), and `timeout`: the silence in seconds as text,
+    /// empty for rows without one.
     QVariantList rows() const;
 
     Q_INVOKABLE void setEnabled(int row, bool enabled);
 
-    /// A second call ends the recording and keeps the old key. Of several key caps that record, the one that began last
-    /// gets the keys.
+    /// A second call ends the recording and keeps the old key, as Escape does and leaving the window; another row's
+    /// takes its place. Nothing is recorded while none of our windows has the keyboard.
     Q_INVOKABLE void toggleRecording(int row);
 
     /// Seconds, clamped; a text that is no number changes nothing.
@@ -51,19 +56,31 @@ class HotkeysSettingsModel : public PageModel {
 
     Q_INVOKABLE void restoreDefaults();
 
+    void appear() override;
+
     /// A recording does not outlast the page.
     void disappear() override;
 
  private:
-    bool isRecording(int row) const;
-    bool handle(const platform::KeyEvent& event);
+    struct Recording {
+        int row;
+        HotkeyRecording keys;
+    };
+
+    bool isRecording(int row) const { return recording_ && recording_->row == row; }
+    QVariantMap shown(int row) const;
+    QString warning(int row) const;
+    void handle(const platform::RawKey& key);
     void record(int row, const keys::HotkeyConfig& hotkey);
-    void setRecording(std::vector<int> rows);
+    void startRecording(int row);
+    void endRecording(std::chrono::milliseconds pause);
     void applyToManager();
+    void lookForHolders();
 
     Services services_;
-    std::vector<int> recording_;  ///< the rows whose key caps record, the latest last
-    async::Timer afterglow_;      ///< runs while keys that were recorded may still reach the hotkeys
+    std::optional<Recording> recording_;
+    std::vector<keys::HotkeyConfig> heldElsewhere_;
+    async::Timer afterglow_;  ///< runs while keys that were recorded may still reach the hotkeys
     async::Lifetime lifetime_;
 };
 

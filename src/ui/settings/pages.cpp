@@ -13,11 +13,11 @@ DashboardPage generalSettingsPage(app::AppState& appState) {
             }};
 }
 
-DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys) {
-    return {DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"), [&appState, &keys] {
+DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys, platform::Hotkeys& desktop) {
+    return {DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"), [&appState, &keys, &desktop] {
                 return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
                     appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
-                    [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }});
+                    [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }, desktop});
             }};
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/app_state.h"
+#include "platform/hotkeys.h"
 #include "platform/permissions.h"
 #include "platform/raw_keys.h"
 #include "ui/dashboard/dashboard_page.h"
@@ -9,7 +10,7 @@ namespace tavrelon::ui {
 
 // The pages of settings, for the window to show. What they refer to outlives the window.
 DashboardPage generalSettingsPage(app::AppState& appState);
-DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys);
+DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys, platform::Hotkeys& desktop);
 DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions);
 
 }  // namespace tavrelon::ui

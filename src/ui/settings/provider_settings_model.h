@@ -4,6 +4,7 @@
 #include "platform/workspace.h"
 #include "ui/dashboard/page_model.h"
 #include "ui/settings/ollama_cloud_models.h"
+#include "ui/settings/taught_model.h"
 
 namespace tavrelon::ui {
 
@@ -14,6 +15,7 @@ class ProviderSettingsModel : public PageModel {
     Q_OBJECT
     Q_PROPERTY(QString selection READ selection WRITE select NOTIFY selectionChanged)
     Q_PROPERTY(tavrelon::ui::OllamaCloudModels* cloudModels READ cloudModels CONSTANT)
+    Q_PROPERTY(tavrelon::ui::TaughtModel* taught READ taught CONSTANT)
 
     Q_PROPERTY(bool enableNvidiaLocal READ enableNvidiaLocal WRITE setEnableNvidiaLocal NOTIFY changed)
     Q_PROPERTY(bool enableOllamaVision READ enableOllamaVision WRITE setEnableOllamaVision NOTIFY changed)
@@ -60,6 +62,7 @@ class ProviderSettingsModel : public PageModel {
     explicit ProviderSettingsModel(Services services);
 
     OllamaCloudModels* cloudModels() { return &cloudModels_; }
+    TaughtModel* taught() { return &taught_; }
 
     /// The section on view: "nvidia", "ollama" or "pollinations". It says nothing of what is in use.
     QString selection() const { return selection_; }
@@ -149,6 +152,7 @@ class ProviderSettingsModel : public PageModel {
     Keys keys_;
     QString selection_;
     OllamaCloudModels cloudModels_;
+    TaughtModel taught_{storage(), {persistence::Taught::AdaptivePrompt, persistence::Taught::CloneProfile}};
 };
 
 }  // namespace tavrelon::ui

@@ -1,0 +1,62 @@
+#include "output/answer_place.h"
+
+namespace tavrelon::output {
+
+using platform::AXAttribute;
+using platform::AXElement;
+
+void AnswerPlace::remember() {
+    const auto window = platform_.workspace.frontmostWindow().value_or(platform::FrontmostWindow());
+    target_ = platform::KeyTarget{window.identifier, window.processIdentifier, std::nullopt};
+    if (const auto element = focusedElement(); element && holdsText(*element))
+        target_->element = element;
+}
+
+void AnswerPlace::remember(const platform::RunningApplication& application) {
+    target_ = platform::KeyTarget{application.windowIdentifier, application.processIdentifier, std::nullopt};
+}
+
+bool AnswerPlace::isInFront() const {
+    return !platform_.accessibility.isFocusSecure() && isWindowInFront() && !isOtherElement();
+}
+
+bool AnswerPlace::isWindowInFront() const {
+    if (platform_.keyPoster.isKeyboardHeld())
+        return false;
+    if (!target_)
+        return true;
+    // Numbers of windows are given anew once a window is gone, hence the process.
+    const auto now = platform_.workspace.frontmostWindow().value_or(platform::FrontmostWindow());
+    return now.identifier == target_->windowIdentifier && now.processIdentifier == target_->processIdentifier;
+}
+
+bool AnswerPlace::isTerminal() const {
+    const auto window = platform_.workspace.frontmostWindow();
+    return (window && window->kind == platform::WindowKind::Terminal) ||
+           platform_.accessibility.focusKind() == platform::FocusKind::Terminal;
+}
+
+std::optional<AXElement> AnswerPlace::focusedElement() const {
+    const auto focused =
+        platform_.accessibility.copyAttribute(platform::axSystemWideElement(), AXAttribute::FocusedUIElement);
+    const auto* element = focused ? std::get_if<AXElement>(&*focused) : nullptr;
+    return element ? std::optional(*element) : std::nullopt;
+}
+
+bool AnswerPlace::holdsText(const AXElement& element) const {
+    return platform_.accessibility.copyAttribute(element, AXAttribute::SelectedTextRange).has_value();
+}
+
+bool AnswerPlace::isOtherElement() const {
+    if (!target_ || !target_->element)
+        return false;
+    // A container that claims the focus of what is in it is no other place.
+    const auto focused = focusedElement();
+    if (!focused || *focused == *target_->element || !holdsText(*focused))
+        return false;
+    // Some applications make their elements anew while the user sees the same field.
+    return platform_.accessibility.copyAttribute(*target_->element, AXAttribute::Size) !=
+           std::unexpected(platform::AXError::InvalidUIElement);
+}
+
+}  // namespace tavrelon::output

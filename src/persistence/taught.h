@@ -1,0 +1,35 @@
+#pragma once
+
+#include "persistence/app_settings.h"
+
+/// What a service taught about the way the user writes is personal: it goes to the provider that taught it, and to
+/// another only when the user says so.
+namespace tavrelon::persistence {
+
+enum class Taught { AdaptivePrompt, CloneProfile };
+
+/// The provider that the settings choose, by name and host.
+QString providerOf(const AppSettings& settings);
+
+bool isTaught(const AppSettings& settings, Taught what);
+
+/// Whether it was taught for another provider than the one chosen now: it is kept but not used.
+bool isSetAside(const AppSettings& settings, Taught what);
+
+/// Who taught it, as the user may read it; empty where that is not known.
+const QString& sourceOf(const AppSettings& settings, Taught what);
+
+/// Notes who taught what has just been stored, and for which provider.
+void noteSource(AppSettings& settings, Taught what, const QString& source, const QString& provider);
+
+/// Lets the provider chosen now have it.
+void keepTaught(AppSettings& settings, Taught what);
+
+/// Removes it with all that is known about it.
+void forgetTaught(AppSettings& settings, Taught what);
+
+/// Older documents do not tell the provider: what they hold was used with the one chosen now. False if there was
+/// nothing to note.
+bool adoptTaught(AppSettings& settings);
+
+}  // namespace tavrelon::persistence

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "gallery/dashboard_gallery.h"
+
+namespace tavrelon::testing {
+
+// The pages that set up services, and the history: as they are at first, busy, filled, and with what may go wrong.
+void pictureClone(DashboardGallery& gallery);
+void pictureProviders(DashboardGallery& gallery);
+void pictureHistory(DashboardGallery& gallery);
+
+}  // namespace tavrelon::testing
