@@ -71,25 +71,6 @@ TEST_F(TaskTest, CancellationReachesTheInnermostWaitAndComesBackAsAnError) {
     EXPECT_FALSE(loop.hasTimers());
 }
 
-TEST_F(TaskTest, ATaskCancelledBeforeItStartsFailsAtItsFirstWait) {
-    TaskScope scope(loop);
-    const auto handle = scope.spawn(note("late", 1s));
-    handle.cancel();
-    loop.runUntilIdle();
-    EXPECT_EQ(events, std::vector<std::string>{"late cancelled"});
-}
-
-TEST_F(TaskTest, IgnoringCancellationGoesOn) {
-    TaskScope scope(loop);
-    const auto body = [](TaskTest& test) -> Task<void> {
-        co_await ignoringCancellation(pause(test.loop, 1s));
-        test.events.emplace_back((co_await currentCancellation())->requested() ? "seen" : "missed");
-    };
-    scope.spawn(body(*this)).cancel();
-    loop.runUntilIdle();
-    EXPECT_EQ(events, std::vector<std::string>{"seen"});
-}
-
 TEST_F(TaskTest, AScopeThatEndsTakesItsTasksAlong) {
     int destroyed = 0;
     const auto body = [](TaskTest& test, int& count) -> Task<void> {
@@ -121,32 +102,6 @@ TEST_F(TaskTest, RaceGivesTheResultOrTheDeadline) {
     EXPECT_EQ(loop.now() - start, 30s);
     EXPECT_FALSE(loop.hasTimers()) << "the loser is gone, not merely forgotten";
     EXPECT_EQ(std::count(events.begin(), events.end(), "late"), 0);
-}
-
-TEST_F(TaskTest, CancellingARaceCancelsTheRequest) {
-    TaskScope scope(loop);
-    const auto body = [](TaskTest& test) -> Task<void> {
-        co_await raceWithDeadline(test.loop, 30s, test.note("request", 10s));
-    };
-    const auto handle = scope.spawn(body(*this));
-    loop.advance(1s);
-    handle.cancel();
-    loop.runUntilIdle();
-    EXPECT_EQ(events, std::vector<std::string>{"request cancelled"});
-    EXPECT_FALSE(loop.hasTimers());
-}
-
-TEST_F(TaskTest, ConcurrentChildrenRunBesideTheirParent) {
-    const auto body = [](TaskTest& test) -> Task<int> {
-        const auto own = co_await currentCancellation();
-        Concurrent first(test.slowly(1, 100ms), own);
-        Concurrent second(test.slowly(2, 50ms), own);
-        co_await pause(test.loop, 60ms);
-        co_return co_await std::move(first) * 10 + co_await std::move(second);
-    };
-    const auto start = loop.now();
-    EXPECT_EQ(runTask(loop, body(*this)), 12);
-    EXPECT_EQ(loop.now() - start, 100ms);
 }
 
 class CallbackTest : public TaskTest {

@@ -66,14 +66,6 @@ TEST_F(ContextCapturerTest, AnUnresponsiveApplicationIsLeftAloneForAWhile) {
     EXPECT_EQ(logged(line), 2);
 }
 
-TEST_F(ContextCapturerTest, OtherErrorsAreRetriedAtOnceButLoggedSparsely) {
-    desk.accessibility.fail(Kind::SystemWide, AXAttribute::FocusedUIElement, AXError::NoValue);
-    for (int i = 0; i < 5; ++i)
-        capturer.fetchFocusedTextSnapshot();
-    EXPECT_EQ(systemReads(), 5);
-    EXPECT_EQ(logged("[ContextCapturer] Failed to get focused element (system-wide), error: kAXErrorNoValue"), 1);
-}
-
 TEST_F(ContextCapturerTest, FallsBackToTheFrontmostApplication) {
     desk.editor.open(QStringLiteral("text"));
     desk.accessibility.fail(Kind::SystemWide, AXAttribute::FocusedUIElement, AXError::NoValue);
@@ -83,14 +75,6 @@ TEST_F(ContextCapturerTest, FallsBackToTheFrontmostApplication) {
     desk.workspace.focusNothing();
     EXPECT_FALSE(capturer.fetchFocusedTextSnapshot());
     EXPECT_EQ(logged("[ContextCapturer] No frontmost application available for fallback"), 1);
-}
-
-TEST_F(ContextCapturerTest, AValueOfAnotherTypeIsNamed) {
-    desk.accessibility.answer(Kind::SystemWide, AXAttribute::FocusedUIElement, QStringLiteral("?"));
-    desk.accessibility.answer(Kind::Application, AXAttribute::FocusedUIElement, QStringLiteral("?"));
-    EXPECT_FALSE(capturer.fetchFocusedTextSnapshot());
-    EXPECT_EQ(logged("[ContextCapturer] focused element (app) is not AXUIElement: string"), 1);
-    EXPECT_EQ(runTask(desk.loop, capturer.selectedText()), std::nullopt);
 }
 
 class WindowedValueTest : public ContextCapturerTest {
@@ -120,20 +104,6 @@ TEST_F(WindowedValueTest, ABlankValueIsReadNearTheSelection) {
     EXPECT_EQ(found, (AccessibilityTextSnapshot{QStringLiteral(" \n"), std::nullopt}));
 }
 
-TEST_F(WindowedValueTest, WithoutValueAndWindowThereIsNoSnapshot) {
-    desk.editor.open(QString());
-    desk.accessibility.fail(Kind::Object, AXAttribute::Value, AXError::AttributeUnsupported);
-    desk.accessibility.fail(Kind::Object, AXAttribute::AttributedStringForRange, AXError::Failure);
-    EXPECT_FALSE(capturer.fetchFocusedTextSnapshot());
-    EXPECT_EQ(logged("[ContextCapturer] No value string found, returning nil"), 1);
-    desk.accessibility.answer(Kind::Object, AXAttribute::Value, platform::AXAttributedString{QStringLiteral("rich")});
-    EXPECT_EQ(capturer.fetchFocusedTextSnapshot()->value, QStringLiteral("rich"));
-    EXPECT_EQ(logged("[ContextCapturer] Got attributed string"), 1);
-    desk.accessibility.answer(Kind::Object, AXAttribute::Value, platform::AXOtherValue{QStringLiteral("number")});
-    EXPECT_FALSE(capturer.fetchFocusedTextSnapshot());
-    EXPECT_EQ(logged("[ContextCapturer] Value object is not string type: number"), 1);
-}
-
 class ClipboardSelectionTest : public ContextCapturerTest {
  public:
     std::vector<platform::PasteboardItem> before{
@@ -148,17 +118,6 @@ class ClipboardSelectionTest : public ContextCapturerTest {
     }
     bool restoredOnce() const { return desk.pasteboard.journal().count(QStringLiteral("writeItems")) == 1; }
 };
-
-TEST_F(ClipboardSelectionTest, ASelectionIsReadAndTheClipboardGivenBack) {
-    desk.editor.open(QStringLiteral("one two "));
-    desk.editor.select(4, 4);
-    const auto start = desk.loop.now();
-    EXPECT_EQ(read(SelectAll::Allowed), QStringLiteral("two "));
-    EXPECT_EQ(desk.loop.now() - start, 60ms);
-    EXPECT_EQ(desk.pasteboard.contents(), before);
-    EXPECT_TRUE(restoredOnce());
-    EXPECT_EQ(logged("[ContextCapturer] Clipboard fallback captured selection"), 1);
-}
 
 TEST_F(ClipboardSelectionTest, InAPasswordFieldNoKeyIsPressed) {
     desk.editor.open(QStringLiteral("hunter2"));
@@ -197,13 +156,6 @@ TEST_F(ClipboardSelectionTest, ACopiedPictureIsNoTextAndTheClipboardIsGivenBack)
     EXPECT_EQ(desk.keyPoster.strokes().size(), 3U);
     EXPECT_TRUE(restoredOnce());
     EXPECT_EQ(desk.pasteboard.contents(), before);
-}
-
-TEST_F(ClipboardSelectionTest, AnEmptyClipboardEndsEmpty) {
-    desk.pasteboard.clearContents();
-    desk.editor.open(QStringLiteral("text"));
-    EXPECT_EQ(read(SelectAll::Allowed), QStringLiteral("text"));
-    EXPECT_TRUE(desk.pasteboard.contents().empty());
 }
 
 TEST_F(ClipboardSelectionTest, AHungOwnerCostsABoundedWaitAndNothingIsPretended) {

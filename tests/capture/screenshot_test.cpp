@@ -60,18 +60,6 @@ TEST_F(Screenshots, NothingIsPhotographedWhileAPasswordFieldHasTheFocus) {
     EXPECT_EQ(runTask(desktop.loop, capturer.captureFocusedWindowImage()), std::nullopt) << "nor filmed";
 }
 
-TEST_F(Screenshots, TwoAbsentIdentifiersAreTheSame) {
-    desktop.workspace.focus({.processIdentifier = 77,
-                             .bundleIdentifier = std::nullopt,
-                             .localizedName = std::nullopt,
-                             .windowIdentifier = 9});
-    desktop.screenCapture.addWindow(front, 100, 100, 'o');
-    desktop.screenCapture.addWindow(std::nullopt, 10, 10, 'n');
-    EXPECT_EQ(screenshot(), "jpeg 10x10 n 0.7");
-    desktop.workspace.focusNothing();
-    EXPECT_EQ(screenshot(), std::nullopt) << "without an application there is no window to show";
-}
-
 TEST_F(Screenshots, FollowModeAndQuality) {
     desktop.screenCapture.addWindow(front, 300, 200, 'w');
     capturer.screenshotQuality = 0.25;

@@ -3,6 +3,7 @@
 
 #include <csignal>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -93,6 +94,25 @@ class DocumentFiles : public ::testing::Test {
 
 }  // namespace
 
+TEST_F(DocumentFiles, ATextIsGivenUpToTheCapAndADroppedReadingEnds) {
+    EXPECT_EQ(read(put(u"a\nname é.txt"_s, "Grüße 你好 👋\n\nzwei"), DocumentFormat::PlainText),
+              u"Grüße 你好 👋\n\nzwei"_s);
+    constexpr auto cap = platform::DocumentReader::textCap;
+    const auto path = put(u"long.txt"_s, QString(cap + 5, u'字').toUtf8());
+    EXPECT_EQ(read(path, DocumentFormat::PlainText), QString(cap, u'字'));
+    bool answered = false;
+    {
+        async::TaskScope scope(loop);
+        scope.spawn([](DocumentProcessReader& from, QString name, bool& done) -> async::Task<void> {
+            static_cast<void>(co_await from.readFile(std::move(name), DocumentFormat::PlainText));
+            done = true;
+        }(reader, path, answered));
+        QCoreApplication::processEvents();
+    }
+    EXPECT_TRUE(read(path, DocumentFormat::PlainText));
+    EXPECT_FALSE(answered);
+}
+
 TEST_F(DocumentFiles, APdfGivesTheTextOfItsPages) {
     const auto text = read(put(u"a.pdf"_s, pdf({"First page", "", "Third \\(page\\)"})), DocumentFormat::Pdf);
     ASSERT_TRUE(text);
@@ -151,6 +171,8 @@ TEST_F(DocumentFiles, WhatIsNoReadableFileIsToldWithItsPath) {
     const auto folder = read(directory.path(), DocumentFormat::PlainText);
     ASSERT_FALSE(folder);
     EXPECT_EQ(folder.error().description, directory.path() + u": Is a directory"_s);
+    const auto missing = read(directory.filePath(u"missing"_s), DocumentFormat::Pdf);
+    EXPECT_EQ(missing.error().description, directory.filePath(u"missing"_s) + u": No such file or directory"_s);
     EXPECT_EQ(read(u"relative.txt"_s, DocumentFormat::PlainText).error().code, DocumentError::Code::Unreadable);
     const auto closed = put(u"closed.txt"_s, "text");
     QFile::setPermissions(closed, {});

@@ -50,7 +50,7 @@ Row packed(const QString& name, const QByteArray& coding, const QByteArray& byte
 
 Row redirect(int status, const QString& to, const QString& seen) {
     return {u"%1 to %2"_s.arg(status).arg(to),
-            {.status = status, .headers = {{"Location", to.toUtf8()}}, .body = "", .standing = true},
+            {.status = status, .headers = {{"Location", to.toUtf8()}}, .body = ""},
             seen};
 }
 

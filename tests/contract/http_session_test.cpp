@@ -79,21 +79,6 @@ TEST_F(HttpSessionTest, ATaskCancelledBeforeItsRequestSendsNothing) {
     EXPECT_EQ(requests().size(), 0U);
 }
 
-TEST_F(HttpSessionTest, ExchangesRunBesideEachOther) {
-    willAnswer(200, "slow", 300ms);
-    willAnswer(200, "fast");
-    PendingAnswer slow;
-    PendingAnswer fast;
-    async::TaskScope scope(loop);
-    scope.spawn(awaitAnswer(session, post("1"), slow));
-    ASSERT_TRUE(runUntil([&] { return requests().size() == 1; }));
-    scope.spawn(awaitAnswer(session, post("2"), fast));
-    ASSERT_TRUE(runUntil([&] { return fast.ended(); }));
-    EXPECT_FALSE(slow.ended());
-    EXPECT_TRUE(runUntil([&] { return slow.ended(); }));
-    EXPECT_EQ(slow.outcome->value().body, "slow");
-}
-
 TEST_F(HttpSessionTest, ABodyThatKeepsComingOutlastsTheRequestTimeOut) {
     StandInAnswer slow;
     slow.body = QByteArray(80, 'd');

@@ -1,10 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QDBusConnection>
-#include <QLocalServer>
-#include <QTemporaryDir>
-
-#include "desktop/linux/bus_state.h"
 #include "desktop/linux/dbus_input_source.h"
 #include "desktop/linux/input_method_decoding.h"
 #include "desktop/qt/qt_main_loop.h"
@@ -74,51 +69,6 @@ TEST_P(InputSourceOnTheBus, AHungFrameworkCostsABoundedWaitAndIsHeardAgain) {
     framework().hang(false);
     EXPECT_TRUE(answers(true));
     endFramework();
-    EXPECT_TRUE(answers(false));
-}
-
-TEST(IBusDaemon, OneThatTakesConnectionsAndSaysNothingHoldsNobodyUp) {
-    const QTemporaryDir folder;
-    QLocalServer daemon;
-    ASSERT_TRUE(daemon.listen(folder.filePath(QStringLiteral("ibus"))));
-    qputenv("IBUS_ADDRESS", "unix:path=" + daemon.fullServerName().toUtf8());
-    desktop::QtMainLoop loop;
-    desktop::DBusInputSource source(loop);
-    // Once its own limit is over, it is in the midst of its attempt.
-    EXPECT_FALSE(source.isInputMethodActive());
-    const auto before = std::chrono::steady_clock::now();
-    const auto name = QStringLiteral("the rest of the program");
-    EXPECT_TRUE(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name).isConnected());
-    QDBusConnection::disconnectFromBus(name);
-    EXPECT_LT(std::chrono::steady_clock::now() - before, 5s) << "the library waits without a bound";
-}
-
-TEST(BusState, TellsASilentServerFromNone) {
-    const QTemporaryDir folder;
-    QLocalServer silent;
-    silent.setListenBacklogSize(1);  // further clients do not even get a connection
-    ASSERT_TRUE(silent.listen(folder.filePath(QStringLiteral("a%20socket"))));
-    const auto silentAddress = QStringLiteral("unix:guid=00,path=") + folder.filePath(QStringLiteral("a%2520socket"));
-    for (int attempt = 0; attempt < 4; ++attempt) {
-        const auto before = std::chrono::steady_clock::now();
-        EXPECT_EQ(desktop::busState(silentAddress, 50ms), desktop::BusState::Silent);
-        EXPECT_LT(std::chrono::steady_clock::now() - before, 2s);
-    }
-    const auto missing = QStringLiteral("unix:path=") + folder.filePath(QStringLiteral("missing"));
-    const auto session = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
-    for (const auto& address : {session, missing + QLatin1Char(';') + session, QStringLiteral("tcp:host=localhost")})
-        EXPECT_EQ(desktop::busState(address, 5s), desktop::BusState::Speaks) << address.toStdString();
-    for (const auto& address : {missing, QString(), QStringLiteral(";"), QStringLiteral("unix:abstract=tavrelon-none")})
-        EXPECT_EQ(desktop::busState(address, 5s), desktop::BusState::Absent) << address.toStdString();
-}
-
-TEST_P(InputSourceOnTheBus, IsAskedOnceInATurn) {
-    use(Method::Composing);
-    ASSERT_TRUE(answers(true));
-    QCoreApplication::processEvents();
-    const bool first = source.isInputMethodActive();
-    use(Method::Keyboard);
-    EXPECT_EQ(source.isInputMethodActive(), first);
     EXPECT_TRUE(answers(false));
 }
 

@@ -3,14 +3,10 @@
 #include <unistd.h>
 
 #include <QList>
-#include <QTemporaryFile>
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <latch>
 #include <stdexcept>
-#include <thread>
-#include <vector>
 
 #include "desktop/linux/standard_output_log.h"
 #include "support/qt_gtest.h"
@@ -55,30 +51,6 @@ TEST(StandardOutputLog, WritesEachLineAtOnceAndEscapesControlCharacters) {
     EXPECT_EQ(pipe.read(), QByteArray("a\\x9b2J\\x85b\\x2028c\\x2029d\\x202e\\x2066e\\x200f\\x61c\\xfeff \u200d👩\n"));
     log.line(QString());
     EXPECT_EQ(pipe.read(), QByteArray("\n"));
-}
-
-TEST(StandardOutputLog, LinesOfManyThreadsStayWhole) {
-    constexpr int threads = 4;
-    constexpr int linesEach = 200;
-    QTemporaryFile file;
-    ASSERT_TRUE(file.open());
-    StandardOutputLog log(file.handle());
-    {
-        std::latch start(threads);
-        std::vector<std::jthread> writers;
-        for (int i = 0; i < threads; ++i)
-            writers.emplace_back([&log, &start, letter = static_cast<char16_t>(u'a' + i)] {
-                start.arrive_and_wait();
-                for (int line = 0; line < linesEach; ++line)
-                    log.line(QString(9'000, letter));  // more than is written as one unit
-            });
-        writers.clear();
-    }
-    ASSERT_TRUE(file.seek(0));
-    const auto lines = file.readAll().trimmed().split('\n');
-    EXPECT_EQ(lines.size(), threads * linesEach);
-    for (const auto& line : lines)
-        ASSERT_EQ(line, QByteArray(9'000, line.at(0)));
 }
 
 TEST(StandardOutputLog, AReaderThatStalledOrWentHoldsNothingUp) {

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/capability.h>
 #include <sys/resource.h>
@@ -212,6 +213,34 @@ TEST_F(PosixFileSystemTest, PipesAndDevicesNeverHoldItUp) {
     EXPECT_FALSE(files.read(QStringLiteral("/dev/zero")));
     EXPECT_TRUE(files.write(at("nowhere"), "x"));
     EXPECT_TRUE(QFileInfo(at("nowhere")).isSymLink());
+}
+
+TEST_F(PosixFileSystemTest, AKillAtAnyMomentLeavesTheFileWholeAndLittleBesideIt) {
+    bool interrupted = false;
+    for (int kill = 0; kill < 200; ++kill) {
+        const auto letter = static_cast<char>('a' + kill % 26);
+        std::array<int, 2> started{};
+        ASSERT_EQ(::pipe2(started.data(), O_CLOEXEC), 0);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            for (;;)
+                if (!files.write(at("f"), QByteArray(20'000, letter)) || ::write(started[1], "!", 1) != 1)
+                    ::_exit(1);
+        }
+        ::close(started[1]);
+        char saved = 0;
+        ASSERT_EQ(::read(started[0], &saved, 1), 1);
+        ::usleep(static_cast<useconds_t>(kill * 7 % 97));
+        ::kill(child, SIGKILL);
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        ::close(started[0]);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "it ended by itself";
+        ASSERT_EQ(contentOf("f"), QByteArray(20'000, letter)) << "kill " << kill;
+        ASSERT_LE(names().size(), 2) << "what killed writes leave behind must not pile up";
+        interrupted |= names().size() > 1;
+    }
+    EXPECT_TRUE(interrupted) << "no kill came in the midst of a write";
 }
 
 TEST_F(PosixFileSystemTest, ManyThreadsWriteWithoutMixingTheirContents) {

@@ -2,13 +2,10 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/resource.h>
 
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "desktop/linux/private_memory.h"
 #include "support/waiting.h"
 
 namespace tavrelon::desktop {
@@ -31,26 +28,5 @@ TEST(ProcessLauncher, AStartedProgramGetsTheSignalsThatThisOneHoldsBack) {
     EXPECT_EQ(mask.readAll().simplified(), "SigBlk: 0000000000000000");
     EXPECT_FALSE(startProgram(folder.filePath(QStringLiteral("missing")), {}));
 }
-
-/// Whether a debugger is allowed.
-class PrivateMemory : public ::testing::TestWithParam<bool> {};
-
-TEST_P(PrivateMemory, NeitherDebuggersNorDumpsTellIt) {
-    const bool debugged = GetParam();
-    const auto keepAndLook = [debugged] {
-        rlimit dumps{};
-        ::getrlimit(RLIMIT_CORE, &dumps);
-        dumps.rlim_cur = dumps.rlim_max;
-        ::setrlimit(RLIMIT_CORE, &dumps);
-        if (debugged)
-            qputenv("TAVRELON_ALLOW_DEBUGGER", "1");
-        keepMemoryPrivate();
-        ::getrlimit(RLIMIT_CORE, &dumps);
-        std::_Exit(dumps.rlim_cur == 0 && ::prctl(PR_GET_DUMPABLE) == (debugged ? 1 : 0) ? 0 : 1);
-    };
-    EXPECT_EXIT(keepAndLook(), ::testing::ExitedWithCode(0), "");
-}
-
-INSTANTIATE_TEST_SUITE_P(WithAndWithoutADebugger, PrivateMemory, ::testing::Bool());
 
 }  // namespace tavrelon::desktop

@@ -4,10 +4,8 @@
 #include <QImage>
 #include <QPainter>
 #include <QProcess>
-#include <QScreen>
 #include <QWindow>
 
-#include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_status_item.h"
 #include "desktop/qt/qt_symbols.h"
 #include "support/run_task_on_qt.h"
@@ -20,20 +18,6 @@ using input::InputState;
 using Case = InputState::Case;
 
 namespace {
-
-TEST(ScreensTest, TheMainScreenGivesTheOriginAndTheMouseCountsFromTheLowerEdge) {
-    desktop::QtScreens screens;
-    const auto main = screens.mainScreen();
-    ASSERT_TRUE(main);
-    EXPECT_EQ(main->frame, QRectF(QPointF(0, 0), QSizeF(QGuiApplication::primaryScreen()->size())));
-    for (const auto& screen : screens.screens())
-        EXPECT_TRUE(screen.frame.contains(screen.visibleFrame));
-    const auto height = screens.mainScreen()->frame.height();
-    QProcess::execute(QStringLiteral("xdotool"),
-                      {QStringLiteral("mousemove"), QStringLiteral("300"), QStringLiteral("100")});
-    EXPECT_TRUE(runQtUntil([&] { return screens.mouseLocation() == QPointF(300, height - 100); }, 5s))
-        << screens.mouseLocation().y();
-}
 
 TEST(StatusItemTest, EveryStateHasASymbolThatIsDrawn) {
     for (const auto state : {Case::idle, Case::listening, Case::listeningVoice, Case::recordingVideo, Case::processing,

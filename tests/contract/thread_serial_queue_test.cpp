@@ -46,13 +46,4 @@ TEST_F(ThreadSerialQueueTest, PostingReturnsBeforeTheBlockHasRun) {
     queue.reset();
 }
 
-TEST_F(ThreadSerialQueueTest, ABlockGoesWithWhatItHoldsOnceItHasRun) {
-    auto held = std::make_shared<int>(1);
-    const std::weak_ptr<int> watched = held;
-    auto queue = create();
-    queue->post([kept = std::move(held)] {});
-    queue.reset();
-    EXPECT_TRUE(watched.expired());
-}
-
 }  // namespace tavrelon

@@ -118,18 +118,6 @@ TEST_F(VoskTest, PartialResultsGrowIntoOneFinalOne) {
     EXPECT_EQ(reports.texts(), expected);
 }
 
-TEST_F(VoskTest, ACancelledTaskReportsNoEnd) {
-    install("1600 partial 你\n3200 utterance 你 好\n");
-    const auto request = speech->createRequest({.locale = locale, .reportsPartialResults = true});
-    const auto task = speech->startTask(request, reports.handler());
-    request->append(std::vector<std::int16_t>(1600));
-    EXPECT_TRUE(reports.come({QStringLiteral("你")}));
-    task->cancel();
-    request->endAudio();
-    QThread::msleep(50);
-    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("你")});
-}
-
 TEST_F(VoskTest, WhatIsMissingIsToldInOneLineAndAnInstallationNeedsNoRestart) {
     EXPECT_FALSE(speech->isAvailable(locale));
     ASSERT_EQ(log.lines().size(), 1);
@@ -186,13 +174,6 @@ TEST_F(VoskTest, NothingIsLeftBehindByAnyRecognition) {
     speech.reset();
     EXPECT_EQ(threadCount(), threads);
     EXPECT_EQ(reports.texts().size(), 2);
-}
-
-TEST_F(VoskTest, AModelThatCannotBeReadIsAnError) {
-    install("");
-    QFile::remove(folder.path() + QStringLiteral("/speech/zh-CN/script"));
-    EXPECT_EQ(reportsOf(1600), QStringList{QStringLiteral("error")});
-    EXPECT_TRUE(log.contains(QStringLiteral("[Speech] The recognition failed: the model cannot be read")));
 }
 
 TEST_F(VoskTest, ALibraryThatFailsOrTalksNonsenseEndsInOneError) {

@@ -11,10 +11,7 @@ namespace tavrelon::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using platform::AXAttribute;
-using platform::AXElement;
 using platform::AXError;
-using platform::AXValue;
 
 pid_t busDaemon() {
     const AccessibilityBus bus;
@@ -24,7 +21,7 @@ pid_t busDaemon() {
 
 TEST(AccessibilityBusLoss, ASilentBusIsBoundedAndAStopToo) {
     std::optional<AccessibilitySession> session(std::in_place);
-    session->workspace.pretend = 1;
+    session->putInFront(1);
     ASSERT_TRUE(eventually([&] {
         nextTurn();
         return session->focused() == std::unexpected(AXError::NoValue);
@@ -51,7 +48,7 @@ TEST(AccessibilityBusLoss, ABusThatHangsWhileItIsConnectedToHoldsNobodyUp) {
     ASSERT_GT(daemon, 1);
     ::kill(daemon, SIGSTOP);
     AccessibilitySession session;
-    session.workspace.pretend = 1;
+    session.putInFront(1);
     EXPECT_TRUE(eventually([&] {
         nextTurn();
         return session.focused() == std::unexpected(AXError::APIDisabled);
@@ -70,7 +67,7 @@ TEST(AccessibilityBusLoss, ABusThatHangsWhileItIsConnectedToHoldsNobodyUp) {
 
 TEST(AccessibilityBusLoss, ABusThatEndedIsConnectedToAgain) {
     AccessibilitySession session;
-    session.workspace.pretend = 1;
+    session.putInFront(1);
     const auto answers = [&](AXError error) {
         return eventually([&] {
             nextTurn();

@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include "desktop/accessibility_session.h"
+#include "support/fake_accessibility.h"
 #include "support/fake_accessible_app.h"
 #include "support/qt_gtest.h"
 
@@ -29,7 +30,7 @@ class AccessibilityFaults : public ::testing::Test {
         app = std::make_unique<RunningProgram>(QStringLiteral(FAKE_ACCESSIBLE_APP),
                                                QStringList{QString::number(static_cast<int>(manners)), toolkit, text,
                                                            QString::number(from), QString::number(to)});
-        session.workspace.pretend = app->process();
+        session.putInFront(app->process());
         nextTurn();
         ASSERT_TRUE(eventually([&] {
             const auto found = session.focused();
@@ -50,6 +51,51 @@ class AccessibilityFaults : public ::testing::Test {
         return session.accessibility.setAttribute(field, AXAttribute::SelectedText, with);
     }
 };
+
+/// What a field with the text "ab😀cd", of which "😀c" is selected, tells and takes: units are those of UTF-16, and a
+/// write is seen in its own turn.
+void expectHonest(platform::Accessibility& accessibility, const AXElement& field) {
+    const auto read = [&](AXAttribute attribute) { return accessibility.copyAttribute(field, attribute); };
+    const auto part = [&](Utf16Range range) {
+        return accessibility.copyParameterizedAttribute(field, AXAttribute::AttributedStringForRange, range);
+    };
+    const auto replace = [&](const QString& with) {
+        return accessibility.setAttribute(field, AXAttribute::SelectedText, with);
+    };
+    EXPECT_EQ(accessibility.focusKind(), platform::FocusKind::Ordinary);
+    EXPECT_EQ(read(AXAttribute::SelectedTextRange), AXValue(Utf16Range{2, 3}));
+    EXPECT_EQ(read(AXAttribute::SelectedText), AXValue(QStringLiteral("😀c")));
+    EXPECT_EQ(part({1, 3}), AXValue(platform::AXAttributedString{QStringLiteral("b😀")}));
+    EXPECT_EQ(part({4, 1024}), AXValue(platform::AXAttributedString{QStringLiteral("cd")}));
+    for (const auto outside : {Utf16Range{7, 1}, Utf16Range{-1, 1}, Utf16Range{0, -1}})
+        EXPECT_EQ(part(outside), std::unexpected(AXError::IllegalArgument));
+    EXPECT_EQ(replace(QStringLiteral("X😀Y")), AXError::Success);
+    EXPECT_EQ(read(AXAttribute::Value), AXValue(QStringLiteral("abX😀Yd")));
+    EXPECT_EQ(read(AXAttribute::SelectedTextRange), AXValue(Utf16Range{6, 0}));
+    EXPECT_EQ(replace(QStringLiteral("中\nz")), AXError::Success);
+    EXPECT_EQ(read(AXAttribute::Value), AXValue(QStringLiteral("abX😀Y中\nzd")));
+    EXPECT_EQ(read(AXAttribute::Title), std::unexpected(AXError::AttributeUnsupported));
+    EXPECT_EQ(accessibility.setAttribute(field, AXAttribute::Value, QStringLiteral("x")),
+              AXError::AttributeUnsupported);
+    EXPECT_EQ(accessibility.copyAttribute(platform::axApplicationElement(1), AXAttribute::FocusedUIElement),
+              std::unexpected(AXError::NoValue));
+    auto gone = field;
+    gone.path = QStringLiteral("/org/a11y/atspi/accessible/987654");
+    EXPECT_EQ(accessibility.copyAttribute(gone, AXAttribute::Value), std::unexpected(AXError::InvalidUIElement));
+    EXPECT_EQ(accessibility.setAttribute(gone, AXAttribute::SelectedText, QString()), AXError::InvalidUIElement);
+}
+
+TEST_F(AccessibilityFaults, AnHonestFieldIsAsTheFakeOfTheLogicTests) {
+    FakeAccessibility fake;
+    fake.focus(QStringLiteral("ab😀cd"), {2, 3});
+    expectHonest(fake, fake.fieldElement());
+    for (const auto& [toolkit, end] : {std::pair(QStringLiteral("gtk"), 4), std::pair(QStringLiteral("Qt"), 5)}) {
+        SCOPED_TRACE(toolkit.toStdString());
+        start(Manners::Honest, QStringLiteral("ab😀cd"), 2, end, toolkit);
+        expectHonest(session.accessibility, field);
+        EXPECT_EQ(text(), QStringLiteral("abX😀Y中\nzd"));
+    }
+}
 
 TEST_F(AccessibilityFaults, AFieldThatOnlySaysThatItChangedIsReportedAndKeepsTextAndSelection) {
     start(Manners::Lies, QStringLiteral("keep this text"), 5, 9);
@@ -215,7 +261,7 @@ TEST_F(AccessibilityFaults, AnApplicationThatEndedLeavesAnInvalidElement) {
 }
 
 TEST_F(AccessibilityFaults, OurOwnProcessIsNotAsked) {
-    session.workspace.pretend = QCoreApplication::applicationPid();
+    session.putInFront(QCoreApplication::applicationPid());
     EXPECT_EQ(session.focused(), std::unexpected(AXError::NoValue));
 }
 

@@ -17,7 +17,6 @@ using text::Utf16Range;
 const auto gtk = toolkitNamed(QStringLiteral("gtk"));
 const auto qt = toolkitNamed(QStringLiteral("Qt"));
 const auto chromium = toolkitNamed(QStringLiteral("Chromium"));
-const auto gecko = toolkitNamed(QStringLiteral("Gecko"));
 
 TEST(FieldText, OffsetsGoBothWaysBetweenCodePointsAndUtf16) {
     const auto text = QStringLiteral("ab😀cd👩‍👩‍👧");
@@ -32,25 +31,6 @@ TEST(FieldText, OffsetsGoBothWaysBetweenCodePointsAndUtf16) {
         EXPECT_EQ(toApplicationOffset(text, toUtf16Offset(text, point, OffsetUnit::CodePoints), OffsetUnit::CodePoints),
                   point);
     EXPECT_EQ(toApplicationOffset(text, 4, OffsetUnit::Utf16), 4);
-}
-
-TEST(FieldText, FillersBehindAstralCharactersAreNotText) {
-    const QChar filler(0xFEFF);
-    const QString face = QStringLiteral("😀");
-    EXPECT_EQ(shownText(u'a' + face + filler + u'b', gecko.offsets), u'a' + face + u'b');
-    // Only one goes with each character; what the user has is kept.
-    EXPECT_EQ(shownText(face + filler + filler, gecko.offsets), face + filler);
-    EXPECT_EQ(shownText(filler + face, gecko.offsets), filler + face);
-    EXPECT_EQ(shownText(face + filler, gtk.offsets), face + filler);
-    // The application counts the filler as the second unit.
-    EXPECT_EQ(selectionOf(u'a' + face + u'b', {{{1, 3}}, 3}, gecko), (Utf16Range{1, 2}));
-}
-
-TEST(FieldText, SelectionsOfAllToolkitsBecomeUtf16Ranges) {
-    const auto text = QStringLiteral("ab😀cd");
-    EXPECT_EQ(selectionOf(text, {{{2, 4}}, 4}, gtk), (Utf16Range{2, 3}));
-    EXPECT_EQ(selectionOf(text, {{{2, 5}}, 5}, qt), (Utf16Range{2, 3}));
-    EXPECT_EQ(selectionOf(text, {{{4, 2}}, 2}, gtk), (Utf16Range{2, 3}));
 }
 
 TEST(FieldText, OffsetsThatWereConvertedTwiceAreConvertedBack) {
@@ -76,11 +56,6 @@ TEST(FieldText, WithoutASelectionTheCaretCounts) {
     EXPECT_EQ(selectionOf(text, {{}, -1}, gtk), std::nullopt);
 }
 
-TEST(FieldText, InsertedLengthsAreInTheToolkitsUnit) {
-    EXPECT_EQ(insertLength(QStringLiteral("X😀é"), gtk.insertLength), 7);
-    EXPECT_EQ(insertLength(QStringLiteral("X😀é"), qt.insertLength), 4);
-}
-
 TEST(FieldRepair, LeadsFromAnyTextToAnyOtherWithoutSplittingCharacters) {
     EXPECT_EQ(editBetween(QStringLiteral("one  three"), QStringLiteral("one two three")),
               (TextEdit{{4, 0}, QStringLiteral("two")}));
@@ -104,24 +79,6 @@ TEST(FieldRepair, LeadsFromAnyTextToAnyOtherWithoutSplittingCharacters) {
         ASSERT_EQ(QString::fromUtf8(edit.inserted.toUtf8()), edit.inserted) << to.toStdString();
         ASSERT_TRUE(text::substring(from, edit.removed)) << from.toStdString();
     }
-}
-
-TEST(FocusBook, KeepsTheNewElementWhenTheOldOnesNewsComesLate) {
-    const ObjectReference first{QStringLiteral(":1.1"), QStringLiteral("/first")};
-    const ObjectReference second{QStringLiteral(":1.1"), QStringLiteral("/second")};
-    const ObjectReference elsewhere{QStringLiteral(":1.2"), QStringLiteral("/first")};
-    FocusBook book;
-    book.gained(first);
-    book.gained(elsewhere);
-    book.gained(second);
-    book.lost(first);
-    EXPECT_EQ(book.elements(), (std::vector{second, elsewhere}));
-    book.lost(second);
-    EXPECT_EQ(book.elements(), std::vector{elsewhere});
-    book.gained({QStringLiteral(":1.2"), QStringLiteral("/org/a11y/atspi/null")});
-    EXPECT_EQ(book.elements(), std::vector{elsewhere});
-    book.forget(elsewhere.busName);
-    EXPECT_TRUE(book.elements().empty());
 }
 
 TEST(FocusBook, AFindingDoesNotOverruleWhatTheApplicationSaidMeanwhile) {
@@ -157,20 +114,6 @@ TEST(FieldExcerpt, GrowsByWhatIsTypedInALongTextAndByNothingElse) {
             expected.insert(caret - before.location, request);
             EXPECT_EQ(typed.mid(after.location, after.length), expected);
         }
-}
-
-TEST(FieldExcerpt, IsChosenAnewWhereItNoLongerHoldsTheCaret) {
-    const ObjectReference field{QStringLiteral(":1.7"), QStringLiteral("/text")};
-    const auto text = QStringLiteral("x").repeated(100000);
-    FieldExcerpt excerpt;
-    const auto first = excerpt.of(field, text, {50000, 10});
-    EXPECT_EQ(first, (Utf16Range{44000, 12010}));
-    EXPECT_EQ(excerpt.of(field, text, {55000, 0}), first);
-    EXPECT_EQ(excerpt.of({QStringLiteral(":1.8"), field.path}, text, {55000, 0}), (Utf16Range{49000, 12000}));
-    EXPECT_EQ(excerpt.of(field, text, {90000, 0}), (Utf16Range{84000, 12000}));
-    EXPECT_EQ(excerpt.of(field, text.first(70000), {65000, 0}), (Utf16Range{59000, 11000}));
-    excerpt.forget();
-    EXPECT_EQ(excerpt.of(field, text, {60000, 0}), (Utf16Range{54000, 12000}));
 }
 
 }  // namespace

@@ -149,20 +149,4 @@ TEST_F(HUDDesktopTest, AHiddenOverlayDrawsNothing) {
     EXPECT_FALSE(view->rootObject()->property("live").toBool());
 }
 
-TEST_F(HUDDesktopTest, TheStatusOverlayTellsBothStates) {
-    HotkeyStatusHUDModel status;
-    const auto panel = panels.create(
-        {platform::PanelKind::StatusOverlay, {260, 80}, QStringLiteral("hud/HotkeyStatusHUDView"), &status});
-    panel->setFrameOrigin({510, 640});
-    QImage pictures[2];
-    for (const bool enabled : {false, true}) {
-        status.show(enabled);
-        panel->orderFront();
-        pass(1200ms);  // past its short animation
-        pictures[enabled ? 1 : 0] = screenshot({510, 80, 260, 80});
-    }
-    EXPECT_NE(pictures[0], pictures[1]);
-    EXPECT_EQ(log.lines(), QStringList());
-}
-
 }  // namespace tavrelon::ui

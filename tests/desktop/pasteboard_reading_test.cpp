@@ -81,12 +81,6 @@ TEST_F(PasteboardReading, ATargetThatFailsAloneIsLeftOut) {
     EXPECT_EQ(items(), Items{item({{utf8String, "t"}})});
 }
 
-TEST_F(PasteboardReading, ASlowOwnerIsReadWithinTheBound) {
-    const ClipboardOwner owner({data(utf8String, mixedText.toUtf8())}, {.delay = 600ms});
-    EXPECT_EQ(string(), mixedText);
-    EXPECT_EQ(items(), Items{item({{utf8String, mixedText.toUtf8()}})});
-}
-
 TEST_F(PasteboardReading, AnOwnerThatNeverAnswersCostsTheBoundOnceAndTheMainLoopLives) {
     const ClipboardOwner owner({data(utf8String, "x")}, {.answers = ClipboardManners::Answers::Never});
     int ticks = 0;
@@ -187,30 +181,6 @@ TEST_F(PasteboardReading, AServerThatIsHeldCostsTheBoundOfEachCall) {
     clock.restart();
     pasteboard.reset();
     EXPECT_LT(clock.elapsed(), 6000);
-}
-
-TEST(PasteboardWithoutServer, ThatEndsFailsEveryCallAndNothingElse) {
-    BareServer server;
-    desktop::QtMainLoop loop;
-    RecordingLog log;
-    auto pasteboard = desktop::X11Pasteboard::create(loop, log, server.display()).value();
-    pasteboard->setString(mixedText);
-    ASSERT_TRUE(log.lines().isEmpty());
-    server.kill();
-
-    EXPECT_EQ(runTaskOnQt(loop, pasteboard->items()), std::unexpected(PasteboardError::Failed));
-    EXPECT_EQ(runTaskOnQt(loop, pasteboard->string()), std::nullopt);
-    pasteboard->setString(mixedText);
-    EXPECT_FALSE(log.lines().isEmpty());
-    EXPECT_GT(pasteboard->changeCount(), 0);
-}
-
-TEST(PasteboardWithoutServer, SaysSo) {
-    desktop::QtMainLoop loop;
-    RecordingLog log;
-    const auto made = desktop::X11Pasteboard::create(loop, log, ":997");
-    ASSERT_FALSE(made);
-    EXPECT_FALSE(made.error().isEmpty());
 }
 
 }  // namespace

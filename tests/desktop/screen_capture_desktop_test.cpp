@@ -222,13 +222,6 @@ TEST_F(ScreenPictures, PixelsComeThroughMemoryThatIsUsedAgainOnceNobodyHasThePic
     EXPECT_EQ(countOf(kept, red), targetPixels) << "stays as it was";
 }
 
-TEST_F(ScreenPictures, AWindowHalfOffTheScreenIsShownWhole) {
-    moveTo(-150, 150);
-    ASSERT_LT(painter.onScreen(target.window()).x, -100);
-    EXPECT_LT(countOf(displayPicture(), red), targetPixels);
-    EXPECT_EQ(countOf(windowPicture(), red), targetPixels);
-}
-
 TEST_F(ScreenPictures, ThePointerIsInThePictureWhereItStands) {
     const auto origin = painter.onScreen(target.window());
     painter.point(target.window(), {origin.x + 50, origin.y + 60}, 0, 0xFFFF);

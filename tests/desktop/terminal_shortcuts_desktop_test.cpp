@@ -76,30 +76,6 @@ class Terminals : public PasteboardSession, public ::testing::WithParamInterface
     }
 };
 
-TEST_P(Terminals, LineBreaksComeInBracketsWhereTheProgramAsksForThem) {
-    open(QStringLiteral("\\033[?2004h"));
-    paste(QStringLiteral("touch one\ntouch two"));
-    EXPECT_TRUE(gets("\033[200~touch one\ntouch two\033[201~")) << typed().toStdString();
-}
-
-TEST_P(Terminals, ASelectionIsCopiedWithoutEndingTheProgram) {
-    open(QStringLiteral("oneword"));
-    copyByXclip("kept", QStringLiteral("UTF8_STRING"));
-    const auto window = QString::number(workspace->frontmostApplication()->windowIdentifier);
-    ASSERT_TRUE(runQtUntil([&] {
-        // The first pixels below a menu bar, if there is one, are the first row.
-        run(QStringLiteral("xdotool"),
-            {QStringLiteral("mousemove"), QStringLiteral("--window"), window, QStringLiteral("20"),
-             isLx() ? QStringLiteral("40") : QStringLiteral("8"), QStringLiteral("click"), QStringLiteral("--repeat"),
-             QStringLiteral("2"), QStringLiteral("1")});
-        runQtUntil([] { return false; }, 600ms);  // longer than a double click
-        return selectionViaClipboard() == QStringLiteral("oneword");
-    }));
-    EXPECT_EQ(string(), QStringLiteral("kept"));
-    paste(QStringLiteral("alive"));
-    EXPECT_TRUE(gets("alive")) << "no key of the copy reached the program";
-}
-
 TEST_P(Terminals, WithoutASelectionNothingIsCopiedOrTyped) {
     open(QStringLiteral("oneword"));
     copyByXclip("kept", QStringLiteral("UTF8_STRING"));

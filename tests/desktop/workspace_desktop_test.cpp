@@ -156,14 +156,6 @@ TEST_F(Workspace, ANumberFromAnotherMachineIsNotTrusted) {
     EXPECT_FALSE(workspace->isOwnApplicationActive());
 }
 
-TEST_F(Workspace, AnOldTitleIsReadInItsOwnEncoding) {
-    auto properties = own({});
-    properties.title.reset();
-    properties.oldTitleOnly = QStringLiteral("café");
-    const TestWindow window(properties);
-    EXPECT_TRUE(titleInFront(QStringLiteral("café")));
-}
-
 TEST_F(Workspace, AWindowThatIsDestroyedBetweenTwoRequestsIsNoError) {
     const auto queries = desktop::X11WindowQueries::open({}).value();
     TestWindow window(own(QStringLiteral("soon gone")));

@@ -97,32 +97,11 @@ TEST_F(Catalog, TheUsersEntryGoesFirstAndCanHideTheSystems) {
         EXPECT_EQ(nameOf({.windowClass = QString::fromLatin1(byIdOrClass)}), QStringLiteral("nothing"));
 }
 
-TEST(ApplicationIdentifiers, ProductsOfTheScenesReportTheirKnownIdentifier) {
-    const std::pair<const char*, const char*> expected[] = {
-        {"Google-chrome", "com.google.Chrome"},
-        {"jetbrains-idea-ce", "com.jetbrains.intellij"},
-        {"org.gnome.Evolution", "com.apple.mail"},
-        {"Claws-mail", "com.apple.mail"},
-    };
-    for (const auto& [name, identifier] : expected)
-        EXPECT_EQ(knownIdentifier(QString::fromLatin1(name)), QString::fromLatin1(identifier)) << name;
-    EXPECT_EQ(knownIdentifier(QStringLiteral("mousepad")), std::nullopt);
-    EXPECT_EQ(knownIdentifier({}), std::nullopt);
-}
-
 TEST(ApplicationIdentifiers, AKnownNameGoesBeforeTheFirstOne) {
     const auto first = QStringLiteral("org.xfce.mousepad");
     EXPECT_EQ(bundleIdentifierOf({QString(), first, QStringLiteral("Mousepad")}), first);
     EXPECT_EQ(bundleIdentifierOf({first, QStringLiteral("Slack")}), QStringLiteral("com.tinyspeck.slackmacgap"));
     EXPECT_EQ(bundleIdentifierOf({QString(), QString()}), std::nullopt);
-}
-
-TEST(WindowClass, HasTwoPartsOrLess) {
-    EXPECT_EQ(decodeWindowClass(QByteArray("xterm\0XTerm\0", 12)),
-              std::pair(QStringLiteral("xterm"), QStringLiteral("XTerm")));
-    EXPECT_EQ(decodeWindowClass("alone"), std::pair(QStringLiteral("alone"), QString()));
-    EXPECT_EQ(decodeWindowClass({}), std::pair(QString(), QString()));
-    EXPECT_EQ(decodeWindowClass(QByteArray("a\0B\xff", 4)).first, QStringLiteral("a")) << "whatever its bytes";
 }
 
 TEST(ProcessInfo, KnowsTheLivingFromTheDead) {

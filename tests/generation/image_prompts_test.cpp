@@ -72,15 +72,6 @@ TEST_F(PromptEnhancementTest, AStructuredTemplateBecomesPhrases) {
     EXPECT_TRUE(http.requests()[0].body.contains(R"("temperature":0.6,)"));
 }
 
-TEST_F(PromptEnhancementTest, WhatIsNotStructuredGoesOnAsItsJson) {
-    http.answer(200, chatReply(u"{ \"subject\": {\"age\": 30} }"_s));
-    EXPECT_EQ(enhance(u"a cat"_s), u"{\"subject\":{\"age\":30}}"_s);
-    http.answer(200, chatReply(u" {broken} "_s));
-    EXPECT_EQ(enhance(u"a cat"_s), u"{broken}"_s);
-    http.answer(200, chatReply(u"{\"meta\": {\"a\": \"\"}, \"scene\": {}}"_s));
-    EXPECT_EQ(enhance(u"a cat"_s), u"{\"meta\":{\"a\":\"\"},\"scene\":{}}"_s);
-}
-
 TEST_F(PromptEnhancementTest, WithoutATemplateAShortPromptIsAskedForAndThenTheTextItself) {
     http.answer(200, chatReply(u"no idea"_s));
     http.answer(500, "down");
@@ -99,16 +90,6 @@ TEST_F(PromptEnhancementTest, WithoutATemplateAShortPromptIsAskedForAndThenTheTe
     EXPECT_EQ(enhance(u" 猫 "_s), u"猫"_s);
     EXPECT_TRUE(text::stringFrom(body(6)["messages"][0]["content"]).endsWith(u"\n6. 禁止NSFW/裸体/色情内容"_s));
     EXPECT_EQ(enhance(u" "_s), u" "_s);
-}
-
-TEST_F(PromptEnhancementTest, GLMModelsEnhanceOnlyWhenAllowedOrAlone) {
-    using enum PollinationsModel;
-    EXPECT_EQ(service.promptEnhancementModels(), (std::vector{nvidiaNemotron, openai}));
-    service.allowGLMFallbackForPromptEnhancement = true;
-    EXPECT_EQ(service.promptEnhancementModels(), service.textModels);
-    service.allowGLMFallbackForPromptEnhancement = false;
-    service.textModels = {glmTextFlash};
-    EXPECT_EQ(service.promptEnhancementModels(), std::vector{glmTextFlash});
 }
 
 }  // namespace tavrelon::generation

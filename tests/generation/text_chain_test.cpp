@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 
 #include "generation/destinations.h"
 #include "generation/gateway_fixture.h"
@@ -8,8 +7,6 @@ namespace tavrelon::generation {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using tavrelon::testing::runTask;
-using ::testing::ElementsAre;
-using ::testing::Not;
 
 namespace {
 const QString nemotron = u"nvidia/nemotron-nano-12b-v2-vl"_s;
@@ -60,42 +57,6 @@ TEST_F(TextChainTest, AnImageGoesToTheVisionModelsFirstAndIsThenLeftOut) {
     http.answer(500, "no");
     http.answer(200, chatReply(u"blind"_s));
     EXPECT_EQ(generate(jpeg), u"blind"_s);
-}
-
-TEST_F(TextChainTest, TheSpecialLinesOfTheFirstWalk) {
-    service.visionModels = {PollinationsModel::glmVision};
-    service.textModels = {};
-    http.answer(400, "code 1210");
-    EXPECT_EQ(generateError(jpeg), u"API error (400): code 1210"_s);
-    EXPECT_TRUE(logged(u"GLM error 1210 with image input. Skipping model."_s));
-
-    service.textModels = {PollinationsModel::glmTextFlash, PollinationsModel::openai,
-                          PollinationsModel::nvidiaNemotron};
-    http.answer(400, "bad");
-    http.answer(400, "code 1210");
-    http.answer(200, "[]");
-    EXPECT_EQ(generateError(), u"Parse error: Invalid NVIDIA response format"_s);
-    EXPECT_TRUE(logged(u"Text generation failed with GLM 4 Flash 250414: bad"_s));
-    EXPECT_TRUE(logged(u"Text generation failed with OpenAI: code 1210"_s)) << "the rule is for GLM alone";
-
-    service.textModels = {};
-    EXPECT_EQ(generateError(), u"All models failed to process request"_s);
-    service.visionModels = {PollinationsModel::glmVisionFlash};
-    EXPECT_EQ(generateError(jpeg), u"All models failed to process request"_s);
-}
-
-TEST_F(TextChainTest, MissingKeysFailTheirModelsAndTheWalkGoesOn) {
-    auto bare = endpoints();
-    bare.builtInNvidiaApiKey = u" "_s;
-    PollinationsService keyless(loop, http, log, bare, {});
-    http.answer(200, chatReply(u"ok"_s));
-    EXPECT_EQ(runTask(loop, keyless.generateText(u"S"_s, u"U"_s, {}, 10, 0.7F)), u"ok"_s);
-    ASSERT_EQ(http.requests().size(), 1U);
-    EXPECT_EQ(header(http.requests()[0], "Authorization"), "") << "no key, no header";
-    EXPECT_TRUE(logged(u"Text generation failed with NVIDIA Nemotron Nano 12B VL: NVIDIA API key not configured"_s));
-    keyless.textModels = {PollinationsModel::glmTextFlash};
-    EXPECT_THROW(runTask(loop, keyless.generateText(u"S"_s, u"U"_s, {}, 10, 0.7F)), PollinationsError);
-    EXPECT_TRUE(logged(u"Text generation failed with GLM 4 Flash 250414: GLM API key not configured"_s));
 }
 
 TEST_F(TextChainTest, ARefusedKeyEndsTheChainBeforeAnotherServiceIsAsked) {
@@ -216,30 +177,6 @@ TEST_F(TextChainTest, ACancellationEndsTheWalk) {
     EXPECT_TRUE(cancelled);
     EXPECT_EQ(http.requests().size(), 1U) << "no other model is asked";
     EXPECT_EQ(http.abandoned(), 1);
-}
-
-TEST_F(TextChainTest, VisionModelsFollowThePreference) {
-    using enum PollinationsModel;
-    service.setVisionModelPreference(VisionModelPreference::quality);
-    EXPECT_THAT(service.visionModels, ElementsAre(openai, glmVisionFlash, nvidiaNemotron));
-    EXPECT_THAT(PollinationsService::availableModels(service.visionModels, jpeg), ElementsAre(openai, nvidiaNemotron));
-    EXPECT_THAT(PollinationsService::availableModels({mistral, glmVision, gemini, glmTextFlash}, jpeg),
-                ElementsAre(glmVision, gemini));
-    service.setVisionModelPreference(VisionModelPreference::speed);
-    EXPECT_THAT(service.visionModels, ElementsAre(nvidiaNemotron, openai, glmVisionFlash));
-}
-
-TEST_F(TextChainTest, NormalizesWhatTheUserTyped) {
-    EXPECT_EQ(PollinationsService::normalizedBaseURL(u"  https://a.test/b// \n"_s), u"https://a.test/b"_s);
-    EXPECT_EQ(PollinationsService::normalizedBaseURL(u" "_s), std::nullopt);
-    EXPECT_EQ(PollinationsService::normalizedModelName(u" openai.pollinations "_s), u"openai"_s);
-    EXPECT_EQ(PollinationsService::normalizedModelName(u"mistral"_s), u"mistral"_s);
-    EXPECT_EQ(PollinationsService::normalizedModelName(u"\t"_s), std::nullopt);
-
-    service.nvidiaApiKey = u" own "_s;
-    EXPECT_EQ(service.effectiveNvidiaApiKey(), u"nvapi-built-in"_s) << "not while NVIDIA is off";
-    service.nvidiaEnabled = true;
-    EXPECT_EQ(service.effectiveNvidiaApiKey(), u"own"_s);
 }
 
 TEST(Destinations, OnlyWhatLeavesTheUsersNetworkIsPublic) {

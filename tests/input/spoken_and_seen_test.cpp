@@ -20,19 +20,6 @@ class SpokenTest : public ::testing::Test {
     }
 };
 
-TEST_F(SpokenTest, TheAnswerReplacesWhatWasSaid) {
-    desk.editor.open(QStringLiteral("Dear "));
-    desk.machine->handleVoiceHotkey();
-    pass();
-    hear(" hello there ");
-    EXPECT_EQ(desk.machine->currentTranscript(), QStringLiteral(" hello there "));
-    desk.machine->handleVoiceHotkey();
-    desk.loop.runToEnd();
-    ASSERT_EQ(desk.generator.requests.size(), 1U);
-    EXPECT_EQ(desk.generator.requests.front().input, QStringLiteral("hello there"));
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("Dear ANSWER"));
-}
-
 TEST_F(SpokenTest, AFinalResultAfterTheStopIsUsedAndABlankUpdateRestartsNothing) {
     desk.change([](auto& settings) { settings.enableAI = false; });
     desk.machine->handleVoiceDictationHotkey();
@@ -82,20 +69,6 @@ TEST_F(SpokenTest, WhatIsSaidForOneWindowIsNotWrittenIntoAnother) {
     EXPECT_EQ(elsewhere([this] { desk.machine->handleVoiceHotkey(); }), QStringLiteral("ANSWER"));
     desk.generator.delay = 3s;
     EXPECT_EQ(elsewhere([this] { desk.machine->startAutoReply(); }), QStringLiteral("ANSWER"));
-}
-
-TEST_F(SpokenTest, ARecognizerThatCannotStartIsAnError) {
-    desk.audioInput.plugged = false;
-    desk.machine->handleVoiceHotkey();
-    desk.loop.runToEnd();
-    EXPECT_EQ(desk.state(), InputState::error(QStringLiteral("No microphone input device is available.")));
-    EXPECT_EQ(desk.machine->lastError(), std::nullopt);
-    EXPECT_TRUE(desk.log.contains(
-        QStringLiteral("[StateMachine] Failed to start voice recording: No microphone input device is available.")));
-    desk.audioInput.plugged = true;
-    desk.machine->handleVoiceHotkey();
-    pass();
-    EXPECT_EQ(desk.state(), Case::listeningVoice) << "the next try begins afresh";
 }
 
 TEST_F(SpokenTest, WhoeverFallsSilentEndsInIdleWithTheWordsWrittenIfThereWereAny) {
@@ -190,29 +163,6 @@ TEST_F(SpokenTest, AutoReplyAnswersTheSelectionOrTheContext) {
     EXPECT_EQ(desk.history.entries().front().intent, QStringLiteral("reply"));
     EXPECT_TRUE(desk.learner.recorded.isEmpty());
     EXPECT_EQ(desk.state(), Case::idle);
-}
-
-TEST_F(SpokenTest, VideoFramesAreDescribedInPlaceOfTheTypedPrompt) {
-    desk.machine->startVideoInput();
-    pass();
-    desk.editor.type(QStringLiteral("what moves?"));
-    desk.machine->stopVideoInput();
-    desk.loop.runToEnd();
-    ASSERT_EQ(desk.generator.videos.size(), 1U);
-    EXPECT_EQ(desk.generator.videos.front(), (std::vector<QByteArray>{"jpeg 100x50 w 0.7"}));
-    EXPECT_EQ(desk.generator.requests.front().input, QStringLiteral("what moves?"));
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
-    EXPECT_EQ(desk.history.entries().front().intent, QStringLiteral("video"));
-}
-
-TEST_F(SpokenTest, AVideoWithNothingTypedLeavesTheFieldsTextAlone) {
-    desk.editor.open(QStringLiteral("before "));
-    desk.machine->startVideoInput();
-    pass();
-    desk.machine->stopVideoInput();
-    desk.loop.runToEnd();
-    EXPECT_EQ(desk.generator.requests.front().input, QStringLiteral("Describe the video."));
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("before ANSWER"));
 }
 
 TEST_F(SpokenTest, VideoWithoutRightOrFramesIsAnError) {

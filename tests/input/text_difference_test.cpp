@@ -62,23 +62,6 @@ TEST(TextDifference, StopsAtItsLimit) {
     EXPECT_FALSE(textDifference(exact, exact + u'a', 20000));
 }
 
-TEST(InsertedText, LongFieldsAreComparedNearTheCaret) {
-    const QString filler(30000, u'x');
-    const auto typed = QStringLiteral("what is this");
-    const auto before = snapshot(filler, text::Utf16Range{15000, 0});
-    auto after = filler;
-    after.insert(15000, typed);
-    // The window moves with the caret, so its ends differ; of equal filler only the length of the insertion is known.
-    const auto found = insertedText(before, snapshot(after, text::Utf16Range{15000 + typed.size(), 0}));
-    ASSERT_TRUE(found);
-    EXPECT_TRUE(found->contains(typed));
-
-    const QString wide = filler.first(19990);
-    EXPECT_EQ(insertedText(snapshot(wide), snapshot(wide + QStringLiteral("0123456789"))), QStringLiteral("0123456789"))
-        << "20000 characters are still compared whole";
-    EXPECT_EQ(insertedText(snapshot(QStringLiteral("a")), snapshot(QStringLiteral("a \n"))), std::nullopt);
-}
-
 TEST(CaretWindow, HoldsTheCaretWithinTheText) {
     const auto text = QStringLiteral("0123456789");
     EXPECT_EQ(caretWindow(text, std::nullopt, 3), QStringLiteral("789"));

@@ -47,28 +47,6 @@ TEST_F(TextRequestTest, TheAnswerTakesThePlaceOfWhatWasTyped) {
     EXPECT_EQ(context->inputBuffer, QStringLiteral("hello👨‍👩‍👧"));
 }
 
-TEST_F(TextRequestTest, ASelectionAndNothingTypedIsReplacedWithoutAKey) {
-    desk.editor.open(QStringLiteral("fix this please"));
-    desk.editor.select(4, 4);
-    desk.request(QString());
-    finish();
-    EXPECT_EQ(asked(), QStringLiteral("this"));
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("fix ANSWER please"));
-    EXPECT_TRUE(desk.keyPoster.strokes().empty());
-    EXPECT_FALSE(desk.pasteboard.text());
-}
-
-TEST_F(TextRequestTest, ASelectionThatAccessibilityCannotReplaceIsPastedOver) {
-    desk.editor.open(QStringLiteral("fix this please"));
-    desk.editor.select(4, 4);
-    desk.accessibility.setSelectedTextResult = platform::AXError::AttributeUnsupported;
-    desk.request(QString());
-    finish();
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("fix ANSWER please"));
-    EXPECT_EQ(backspaces(), 0);
-    EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("ANSWER")) << "the answer stays on the clipboard";
-}
-
 TEST_F(TextRequestTest, AHalfComposedWordIsGivenUpAndNotCountedWhereverItStands) {
     for (const auto& shown : {QString(), QStringLiteral("wo")}) {
         const auto committed = QStringLiteral("你好");
@@ -102,15 +80,6 @@ TEST_F(TextRequestTest, EmptyInputEndsWithoutAMessage) {
     finish();
     EXPECT_TRUE(desk.generator.requests.empty());
     EXPECT_EQ(desk.machine->lastError(), std::nullopt);
-}
-
-TEST_F(TextRequestTest, AnOpaqueFieldIsAnsweredFromTheKeys) {
-    desk.editor.open(QStringLiteral("before "), SimulatedEditor::Visibility::Opaque);
-    desk.request(QStringLiteral("hello"));
-    finish();
-    EXPECT_TRUE(desk.log.contains(QStringLiteral("[StateMachine] Using keystroke buffer fallback")));
-    EXPECT_EQ(asked(), QStringLiteral("hello"));
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("before ANSWER"));
 }
 
 TEST_F(TextRequestTest, AFieldThatIsSeenAtOneEndOnlyKeepsWhatStoodInIt) {
@@ -223,19 +192,6 @@ TEST_F(TextRequestTest, TheRecordHoldsNoControlCharacters) {
     EXPECT_EQ(entry.windowTitle, QStringLiteral("one Selected Text: two"));
 }
 
-TEST_F(TextRequestTest, PromptBoxTextGoesAsItIsAndDeletesNothing) {
-    desk.editor.open(QStringLiteral("draft"));
-    desk.machine->submitFloatingInput(QStringLiteral("  hello"));
-    finish();
-    EXPECT_EQ(asked(), QStringLiteral("  hello"));
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("draftANSWER"));
-    EXPECT_EQ(backspaces(), 0);
-    desk.machine->submitFloatingInput(QStringLiteral("  "));
-    finish();
-    EXPECT_EQ(desk.generator.requests.size(), 1U);
-    EXPECT_EQ(desk.state(), Case::idle);
-}
-
 TEST_F(TextRequestTest, SettingsReachTheRequest) {
     desk.change([](auto& settings) {
         settings.adaptiveSystemPrompt = QStringLiteral(" voice\n");
@@ -263,26 +219,7 @@ TEST_F(TextRequestTest, SettingsReachTheRequest) {
     EXPECT_TRUE(second.userStyle);
 }
 
-class CompositionTest : public TextRequestTest {
- public:
-    void commitAfter(std::chrono::milliseconds delay, const QString& whole) {
-        desk.loop.advance(delay);
-        desk.accessibility.focus(whole);
-    }
-};
-
-TEST_F(CompositionTest, WaitsForTheInputMethodToCommit) {
-    desk.inputSource.active = true;
-    desk.request(QStringLiteral("nihao"));
-    commitAfter(300ms, QStringLiteral("你好"));
-    finish();
-    EXPECT_EQ(asked(), QStringLiteral("你好"));
-    EXPECT_EQ(backspaces(), 2);
-    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
-    EXPECT_EQ(desk.learner.recorded, QStringList{QStringLiteral("你好")});
-}
-
-TEST_F(CompositionTest, TakesTheLettersWhenNothingIsCommitted) {
+TEST_F(TextRequestTest, TakesTheLettersWhenNothingIsCommitted) {
     desk.inputSource.active = true;
     desk.request(QStringLiteral("nihao"));
     const auto start = desk.loop.now();
@@ -295,7 +232,7 @@ TEST_F(CompositionTest, TakesTheLettersWhenNothingIsCommitted) {
     EXPECT_TRUE(desk.learner.recorded.isEmpty()) << "raw letters teach nothing";
 }
 
-TEST_F(CompositionTest, RunsOnlyWhereTheTextNearTheCaretTellsOfAnotherScript) {
+TEST_F(TextRequestTest, RunsOnlyWhereTheTextNearTheCaretTellsOfAnotherScript) {
     desk.editor.open(QStringLiteral("Latin only. "));
     desk.request(QStringLiteral("hello"));
     desk.loop.advance(50ms);
@@ -316,22 +253,12 @@ TEST_F(CompositionTest, RunsOnlyWhereTheTextNearTheCaretTellsOfAnotherScript) {
     EXPECT_EQ(desk.generator.requests.size(), 3U);
 }
 
-TEST_F(CompositionTest, FallsBackToTheTextNearTheCaretWhenNoCandidateIsCommitted) {
+TEST_F(TextRequestTest, FallsBackToTheTextNearTheCaretWhenNoCandidateIsCommitted) {
     desk.inputSource.active = true;
     desk.editor.open(QStringLiteral("你好 "));
     desk.request(QStringLiteral("abc"));
     finish();
     EXPECT_EQ(asked(), QStringLiteral("你好 abc"));
-}
-
-TEST_F(CompositionTest, EscapeDuringTheWaitEndsIt) {
-    desk.inputSource.active = true;
-    desk.request(QStringLiteral("nihao"));
-    desk.loop.advance(300ms);
-    desk.press(desk.hotkeys.cancelHotkey);
-    finish();
-    EXPECT_TRUE(desk.generator.requests.empty());
-    EXPECT_EQ(desk.state(), Case::idle);
 }
 
 class ImageRequestTest : public TextRequestTest {

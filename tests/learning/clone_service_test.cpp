@@ -229,14 +229,4 @@ TEST_F(CloneServiceTest, TheEndingOfAFileTellsItsFormat) {
     EXPECT_EQ(documents.files.back(), (std::pair{u"/d/a.rtfd"_s, Format::Rtf}));
 }
 
-TEST_F(CloneServiceTest, AFileThatCannotBeReadIsToldInWords) {
-    const auto reading = [&](const QString& path) {
-        return [this, path] { runTask(loop, clone.readFileText(QUrl::fromLocalFile(path))); };
-    };
-    documents.putUnsupported(u"/d/locked.pdf"_s);
-    EXPECT_EQ(failure(reading(u"/d/locked.pdf"_s)), u"Unsupported or unreadable file."_s);
-    EXPECT_EQ(failure(reading(u"/d/locked.pdf"_s), MessageLanguage::Chinese), u"文件不支持或无法读取。"_s);
-    EXPECT_EQ(failure(reading(u"/d/missing.txt"_s), MessageLanguage::Chinese), u"/d/missing.txt: No such file"_s);
-}
-
 }  // namespace tavrelon::learning

@@ -92,29 +92,6 @@ TEST_F(SpeechRecognizerTest, AStopStillBringsTheFinalResult) {
     EXPECT_EQ(listener->told.last(), QStringLiteral("stop"));
 }
 
-TEST_F(SpeechRecognizerTest, ACancelledRecordingLeavesNothing) {
-    start();
-    desk.speech.hear(QStringLiteral("said"));
-    pass();
-    desk.speech.hear(QStringLiteral("on its way"));
-    recognizer.cancelRecording();
-    pass();
-    EXPECT_EQ(transcript(), QString());
-    EXPECT_FALSE(isRecording());
-    EXPECT_EQ(desk.speech.cancelled, 1);
-    EXPECT_FALSE(desk.audioInput.running);
-}
-
-TEST_F(SpeechRecognizerTest, AnErrorOfTheRecogniserEndsTheRecordingAndKeepsTheWords) {
-    start();
-    desk.speech.hear(QStringLiteral("so far"));
-    desk.speech.fail();
-    pass();
-    EXPECT_EQ(transcript(), QStringLiteral("so far"));
-    EXPECT_FALSE(isRecording());
-    EXPECT_EQ(listener->told.last(), QStringLiteral("stop"));
-}
-
 TEST_F(SpeechRecognizerTest, ASecondStartCancelsTheFirst) {
     start();
     const auto first = desk.speech.request;
@@ -126,19 +103,6 @@ TEST_F(SpeechRecognizerTest, ASecondStartCancelsTheFirst) {
     desk.audioInput.sound(10);
     EXPECT_EQ(first->samples, 0U);
     EXPECT_EQ(desk.speech.request->samples, 10U);
-}
-
-TEST_F(SpeechRecognizerTest, AnUnpluggedMicrophoneDoesNotCostWhatWasSaid) {
-    start();
-    desk.speech.hear(QStringLiteral("half a sen"));
-    desk.audioInput.unplug();
-    pass();
-    EXPECT_FALSE(isRecording());
-    EXPECT_TRUE(desk.speech.request->ended);
-    desk.speech.hearFinally(QStringLiteral("half a sentence"));
-    pass();
-    EXPECT_EQ(transcript(), QStringLiteral("half a sentence"));
-    EXPECT_EQ(refusal(), Code::microphoneUnavailable);
 }
 
 TEST_F(SpeechRecognizerTest, WhatIsMissingIsToldInTheOrderOfTheQuestions) {

@@ -49,14 +49,6 @@ TEST_F(OutputWriterTest, EachWayTakesItsTime) {
     EXPECT_EQ(write(Method::replaceSelection, std::nullopt), 120ms);
 }
 
-TEST_F(OutputWriterTest, HeldModifiersStayAsideFromTheFirstKeyToTheLast) {
-    desk.editor.open(QStringLiteral("abc"));
-    write(Method::deleteChars, 3);
-    for (const auto& stroke : desk.keyPoster.strokes())
-        EXPECT_GE(stroke.asideDepth, 1);
-    EXPECT_EQ(desk.keyPoster.asideDepth(), 0);
-}
-
 TEST_F(OutputWriterTest, TheEarlierClipboardIsGoneAndTheAnswerStays) {
     desk.pasteboard.copyElsewhere({{{{QStringLiteral("image/png"), "pixels"}}}});
     desk.editor.open(QString());

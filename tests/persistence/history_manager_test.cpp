@@ -123,21 +123,6 @@ TEST_F(HistoryManagerTest, ALongFileIsCutAtTheNextEntryAndOnlyOurPicturesGoWithI
     EXPECT_EQ(files.files().size(), before - 1) << files.files().join(u'\n').toStdString();
 }
 
-TEST_F(HistoryManagerTest, ClearingRemovesEntriesAndImages) {
-    auto history = start();
-    history.clearHistory();
-    EXPECT_EQ(files.content(file), "[]");
-    auto withImage = entry(QStringLiteral("a"));
-    withImage.outputImagePath = history.saveImage("jpeg", withImage.id);
-    history.addEntry(withImage);
-    int changes = 0;
-    const auto subscription = history.onChange([&] { changes += history.entries().empty() ? 1 : 100; });
-    history.clearHistory();
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(files.files(), QStringList{file});
-    EXPECT_EQ(files.content(file), "[]");
-}
-
 TEST_F(HistoryManagerTest, WithoutRoomOnTheDiskAClearedHistoryIsGoneAndPicturesStayWithTheirEntries) {
     files.put(file + QStringLiteral(".broken"), "[{}]");
     auto history = start();

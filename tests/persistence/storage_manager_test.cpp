@@ -135,11 +135,4 @@ TEST_F(StorageManagerTest, AUsersSceneFileReplacesTheBuiltInScenes) {
     EXPECT_EQ(files.content(scenesPath), text::compactJson(reversed));
 }
 
-TEST_F(StorageManagerTest, StartsWithoutItsFolder) {
-    files.refuseAll();
-    const auto storage = start();
-    EXPECT_EQ(storage->scenes().size(), 5U);
-    EXPECT_EQ(log.lines(), QStringList());
-}
-
 }  // namespace tavrelon::persistence

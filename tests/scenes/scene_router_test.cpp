@@ -33,14 +33,6 @@ class SceneRouterTest : public ::testing::Test {
         return found;
     }
 
-    /// The only scene's score for an input typed into an unknown application.
-    float scoreOf(const QString& sceneName, const QString& input) {
-        router.updateScenes({named(sceneName)});
-        capture::CapturedContext context;
-        context.inputBuffer = input;
-        return best(context).score;
-    }
-
     SceneRouter router;
 };
 
@@ -102,37 +94,6 @@ TEST_F(SceneRouterTest, PriorityOnlyBreaksTies) {
     EXPECT_EQ(names(inApplication("app"), 2).join(u' '), QStringLiteral("bound b"));
     EXPECT_EQ(router.route({}, 2).back().matchReason, QStringLiteral("优先级: 10"));
     EXPECT_NE(best({}).id, best({}).id);
-}
-
-TEST_F(SceneRouterTest, TextSignalsGoByTheNameOfTheScene) {
-    EXPECT_EQ(scoreOf(QStringLiteral("My EMAIL"), QStringLiteral("so Dear to me")), 0.2F);
-    EXPECT_EQ(scoreOf(QStringLiteral("My EMAIL"), QStringLiteral("dear")), 0.1F);  // words are case-sensitive
-    EXPECT_EQ(scoreOf(QStringLiteral("My EMAIL"), QStringLiteral("Hi")), 0.1F);    // the blank is part of "Hi "
-    EXPECT_EQ(scoreOf(QStringLiteral("barcodes"), QStringLiteral("a // b")), 0.2F);
-    EXPECT_EQ(scoreOf(QStringLiteral("notes"), QStringLiteral("Dear class import //")), 0.1F);
-    EXPECT_EQ(scoreOf(QStringLiteral("email code chat"), QStringLiteral("Regards //")), 0.2F + 0.2F + 0.1F);
-
-    router.updateScenes({named(QStringLiteral("聊天"))});
-    const auto reason = [this](const QString& input) {
-        capture::CapturedContext context;
-        context.inputBuffer = input;
-        return best(context).matchReason;
-    };
-    const auto chat = QStringLiteral("内容匹配");
-    EXPECT_EQ(reason(QStringLiteral("👍🏽").repeated(99)), chat);  // characters, not units
-    EXPECT_NE(reason(QStringLiteral("x").repeated(100)), chat);
-    EXPECT_NE(reason(QStringLiteral("a\nb")), chat);
-    EXPECT_EQ(reason({}), chat);
-}
-
-TEST_F(SceneRouterTest, TheScoreEndsAtOne) {
-    auto scene = named(QStringLiteral("email code chat"));
-    scene.appBundleIDs = {QStringLiteral("app")};
-    scene.windowTitleKeywords = {QStringLiteral("t")};
-    router.updateScenes({scene});
-    auto context = inApplication("app", QStringLiteral("Dear //"));
-    context.windowTitle = QStringLiteral("T");
-    EXPECT_EQ(best(context).score, 1.0F);
 }
 
 }  // namespace tavrelon::scenes

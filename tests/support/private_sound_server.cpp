@@ -61,11 +61,6 @@ void PrivateSoundServer::unplugMicrophone() {
     control({QStringLiteral("unload-module"), microphoneModule_});
 }
 
-int PrivateSoundServer::recordings() const {
-    return static_cast<int>(control({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("source-outputs")})
-                                .count("protocol-native"));
-}
-
 void PrivateSoundServer::signal(int number) const {
     ::kill(static_cast<pid_t>(process_.processId()), number);
 }

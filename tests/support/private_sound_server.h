@@ -15,9 +15,6 @@ class PrivateSoundServer {
 
     void unplugMicrophone();
 
-    /// How many clients record at the moment.
-    int recordings() const;
-
     void signal(int number) const;
     void end();
 

@@ -31,8 +31,6 @@ std::pair<std::size_t, StandInAnswer> StandInLedger::receive(const ReceivedReque
     const auto index = forgotten_ + requests_.size() - 1;
     for (auto answer = script_.begin(); answer != script_.end(); ++answer) {
         if (answer->fits(request)) {
-            if (answer->standing)
-                return {index, *answer};
             auto found = std::move(*answer);
             script_.erase(answer);
             return {index, std::move(found)};

@@ -33,9 +33,8 @@ class StandInLedger {
 class StandInListener;
 
 /// A model service on the loopback interface, on a thread of its own. It speaks the chat protocols of the gateways (an
-/// Ollama reply for paths that end in "/api/chat", else a chat completion) and answers by script; without one a chat
-/// gives the last user message in capital letters, an image address a picture, the GLM images API the same picture in
-/// base64, and the list of Ollama models two names.
+/// Ollama reply for paths that end in "/api/chat", else a chat completion) and answers by script; without one an
+/// image address gives a picture, and a chat "ANSWER".
 ///
 /// Under /control it is steered over HTTP: POST /control/script takes a list of answers, or an object with "answers"
 /// and "default"; GET /control/requests gives what came; POST /control/reset forgets both.

@@ -44,8 +44,6 @@ void StandInConnection::serveNext() {
         return;
     switch (parser_.state()) {
         case RequestParser::State::NeedsMore:
-            if (parser_.wantsContinue())
-                socket_->write("HTTP/1.1 100 Continue\r\n\r\n");
             return;
         case RequestParser::State::Malformed:
             sendHead(400, {}, 0);

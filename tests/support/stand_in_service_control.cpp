@@ -27,12 +27,10 @@ Json readable(const QByteArray& body) {
 }
 
 Json toJson(const ReceivedRequest& request) {
-    auto headers = Json::object();
-    for (const auto& [name, value] : request.headers)
-        headers[name.toStdString()] = value.toStdString();
-    return {{"method", request.method.toStdString()}, {"path", text::toJson(request.path)},
-            {"target", request.target.toStdString()}, {"headers", headers},
-            {"body", readable(request.body)},         {"abandoned", request.abandoned}};
+    return {{"path", text::toJson(request.path)},
+            {"target", request.target.toStdString()},
+            {"body", readable(request.body)},
+            {"abandoned", request.abandoned}};
 }
 
 }  // namespace

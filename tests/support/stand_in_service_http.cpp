@@ -30,7 +30,6 @@ bool RequestParser::parseHead() {
     }
     bodyLength_ = request.header("Content-Length").toLongLong();
     buffer_.remove(0, end + 4);
-    continueAsked_ = request.header("Expect").toLower() == "100-continue";
     head_ = std::move(request);
     return true;
 }
@@ -51,10 +50,6 @@ ReceivedRequest RequestParser::take() {
     request.body = buffer_.first(bodyLength_);
     buffer_.remove(0, bodyLength_);
     return request;
-}
-
-bool RequestParser::wantsContinue() {
-    return head_ && std::exchange(continueAsked_, false) && buffer_.size() < bodyLength_;
 }
 
 }  // namespace tavrelon::testing

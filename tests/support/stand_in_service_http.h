@@ -34,16 +34,12 @@ class RequestParser {
     State state();
     ReceivedRequest take();
 
-    /// True once for each request that waits for "100 Continue" before its body.
-    bool wantsContinue();
-
  private:
     bool parseHead();
 
     QByteArray buffer_;
     std::optional<ReceivedRequest> head_;
     qsizetype bodyLength_ = 0;
-    bool continueAsked_ = false;
 };
 
 }  // namespace tavrelon::testing

@@ -22,8 +22,6 @@ TestWindow::TestWindow(const TestWindowProperties& properties) {
         put(QStringLiteral("WM_CLASS"), latin1, name->toLower().toUtf8() + '\0' + name->toUtf8() + '\0');
     if (properties.title)
         put(QStringLiteral("_NET_WM_NAME"), utf8, properties.title->toUtf8());
-    if (properties.oldTitleOnly)
-        put(QStringLiteral("WM_NAME"), latin1, properties.oldTitleOnly->toLatin1());
     const std::uint32_t size[] = {300, 200};
     xcb_configure_window(peer_.xcb(), window(), XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
     // A window manager that is still starting announces itself before it listens, and loses what it was asked for.

@@ -13,7 +13,6 @@ struct TestWindowProperties {
     std::optional<QString> machine{};
     std::optional<QString> windowClass{};  ///< the instance is the same in lower case
     std::optional<QString> title{};
-    std::optional<QString> oldTitleOnly{};  ///< in Latin-1, without a modern title
 };
 
 /// A visible window of a client of its own, for the window manager to put in front; it is destroyed with this object.

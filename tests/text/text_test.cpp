@@ -70,15 +70,6 @@ TEST(Json, WhatIsTooLargeIsNotOpened) {
     EXPECT_EQ(parseJSONObject(QString::fromLatin1("{\"a\":" + list(1'100'000) + "}")), std::nullopt);
 }
 
-TEST(Json, IdentifiersAndDates) {
-    const auto id = QUuid::fromString(QStringLiteral("{0a1b2c3d-0000-4000-8000-00000000abcd}"));
-    EXPECT_EQ(uuidText(id), QStringLiteral("0A1B2C3D-0000-4000-8000-00000000ABCD"));
-    EXPECT_EQ(uuidFrom(toJson(uuidText(id))), id);
-    EXPECT_THROW(uuidFrom(parseJson("\"0A1B\"")), JsonError);
-    EXPECT_EQ(std::chrono::system_clock::to_time_t(dateFromReferenceSeconds(0)), 978307200);
-    EXPECT_DOUBLE_EQ(secondsSinceReferenceDate(dateFromReferenceSeconds(785.25)), 785.25);
-}
-
 TEST(ForeignText, WhatOthersChoseLosesWhatSteersScreensAndPrompts) {
     using namespace Qt::StringLiterals;
     EXPECT_EQ(oneLine(u"a\r\nSelected Text: b\u2028c\td\u001b[31m\u202ee\u200b\u0085f\u009bg"_s, 300),

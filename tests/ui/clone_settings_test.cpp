@@ -47,28 +47,6 @@ class CloneSettingsTest : public ::testing::Test {
     }
 };
 
-TEST_F(CloneSettingsTest, LearnsFromAFileAndKeepsIt) {
-    choose(u"/home/ada/letters.pdf"_s, u"  "_s + u"0123456789"_s.repeated(10) + u"\n"_s);
-    EXPECT_EQ(page->selectedFileName(), u"letters.pdf"_s);
-    answerWithProfile();
-    page->learnFromFile();
-    page->learnFromLink();
-    EXPECT_TRUE(page->isLearningFromFile());
-    EXPECT_FALSE(page->isLearningFromLink());
-    desktop.loop.runToEnd();
-    EXPECT_FALSE(page->isLearningFromFile());
-    EXPECT_EQ(page->statusMessage(), u"Clone profile updated."_s);
-    EXPECT_EQ(page->errorMessage(), QString());
-    EXPECT_EQ(page->systemPrompt(), u"I am Ada."_s);
-    EXPECT_EQ(page->languageStyle(), u"Dry."_s);
-    EXPECT_TRUE(desktop.defaultsStore.string(persistence::defaults_keys::settings)->contains("I am Ada."_L1));
-
-    page->clear();
-    EXPECT_EQ(page->systemPrompt() + page->languageStyle() + page->updatedAt(), QString());
-    EXPECT_FALSE(page->canClear());
-    EXPECT_FALSE(desktop.defaultsStore.string(persistence::defaults_keys::settings)->contains("I am Ada."_L1));
-}
-
 TEST_F(CloneSettingsTest, WhatCannotBeLearnedFromAsksNobody) {
     page->setProfileURLInput(u" \n "_s);
     page->learnFromLink();
@@ -111,25 +89,6 @@ TEST_F(CloneSettingsTest, ChoosingAFileMayEndInThreeWays) {
     desktop.loop.runUntilIdle();
     EXPECT_EQ(page->errorMessage(), u"Choose a file first."_s);
     EXPECT_EQ(page->selectedFileName(), QString());
-}
-
-TEST_F(CloneSettingsTest, AFailedPageKeepsWhatWasLearnedBefore) {
-    storage.changeSettings([](persistence::AppSettings& settings) { settings.cloneSystemPrompt = u"before"_s; });
-    page->setProfileURLInput(u" https://example.org/ada "_s);
-    desktop.httpSession.answer(500, "busy");
-    desktop.httpSession.answer(500, "still busy");
-    page->learnFromLink();
-    desktop.loop.runToEnd();
-    EXPECT_EQ(page->errorMessage(), u"still busy"_s);
-    EXPECT_EQ(page->systemPrompt(), u"before"_s);
-    EXPECT_TRUE(desktop.httpSession.requests()[0].body.contains("\"https://example.org/ada\""));
-
-    desktop.httpSession.neverAnswer();
-    desktop.httpSession.neverAnswer();
-    page->learnFromLink();
-    EXPECT_EQ(page->errorMessage(), QString());
-    desktop.loop.runToEnd();
-    EXPECT_EQ(page->errorMessage(), u"Scrape timed out. Try again or use file/text instead."_s);
 }
 
 TEST_F(CloneSettingsTest, ALearningGoesOnWithoutItsPage) {
@@ -177,17 +136,6 @@ TEST_F(CloneSettingsTest, WhatAProviderTaughtIsSetAsideForAnotherUntilItIsKept) 
     EXPECT_EQ(page->systemPrompt(), QString());
     EXPECT_EQ(storage.settings().adaptiveSystemPrompt, u"terse"_s) << "only what is set aside";
     EXPECT_EQ(both.origin(), u"It is not known who taught this"_s);
-}
-
-TEST_F(CloneSettingsTest, TheDateIsWrittenAsTheLanguageWritesIt) {
-    const QDateTime moment(QDate(2026, 3, 9), QTime(14, 5, 59));
-    storage.changeSettings([&](persistence::AppSettings& settings) {
-        settings.cloneLanguageStyleUpdatedAt =
-            std::chrono::system_clock::time_point(std::chrono::milliseconds(moment.toMSecsSinceEpoch()));
-    });
-    EXPECT_EQ(page->updatedAt(), u"Mar 9, 2026 at 2:05 PM"_s);
-    setLanguage(u"de"_s);
-    EXPECT_EQ(page->updatedAt(), u"2026年3月9日 14:05"_s);
 }
 
 }  // namespace tavrelon::ui

@@ -4,7 +4,6 @@
 #include "support/fake_raw_keys.h"
 #include "support/qt_gtest.h"
 #include "support/test_desktop.h"
-#include "ui/dashboard/dashboard_model.h"
 #include "ui/settings/general_settings_model.h"
 #include "ui/settings/hotkeys_settings_model.h"
 #include "ui/settings/privacy_settings_model.h"
@@ -21,7 +20,7 @@ class WatchedDefaultsStore : public MemoryDefaultsStore {
     }
 };
 
-/// The models of the shell and of the pages of settings over fakes.
+/// The models of the pages of settings over fakes.
 struct DashboardDesk {
     TestDesktop desktop;
     WatchedDefaultsStore store;
@@ -32,7 +31,6 @@ struct DashboardDesk {
     hotkeys::HotkeyManager manager{desktop.platform};
     FakeRawKeys keys;
     std::vector<bool> shownStates;  ///< what the overlay of all hotkeys showed
-    int donations = 0;
     platform::AuthorizationStatus microphone = platform::AuthorizationStatus::NotDetermined;
     int microphoneRequests = 0;
 
@@ -41,8 +39,6 @@ struct DashboardDesk {
                                       [this](bool enabled) { shownStates.push_back(enabled); },
                                       desktop.keyboard.hotkeys}};
     ui::PrivacySettingsModel privacy{storage, permissions()};
-    std::vector<ui::DashboardPage> pages = emptyPages();
-    ui::DashboardModel shell{storage, pages, [this] { ++donations; }};
 
     persistence::AppSettings stored() const {
         return persistence::appSettingsFrom(text::parseJson(*store.data(persistence::defaults_keys::settings)));
@@ -58,14 +54,6 @@ struct DashboardDesk {
                      ++microphoneRequests;
                      microphone = Authorized;
                  }}};
-    }
-    std::vector<ui::DashboardPage> emptyPages() {
-        std::vector<ui::DashboardPage> list;
-        for (const auto& look : ui::dashboardTabs)
-            list.push_back({look.tab, look.english.toString(), [this] {
-                                return std::make_unique<ui::PageModel>(storage, std::span<const ui::PageText>());
-                            }});
-        return list;
     }
 };
 

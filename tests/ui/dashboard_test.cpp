@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "support/fake_windows.h"
-#include "ui/dashboard/dashboard_window_controller.h"
 #include "ui/dashboard_desk.h"
 
 namespace tavrelon::ui {
@@ -9,54 +7,6 @@ namespace tavrelon::ui {
 using generation::VisionModelPreference;
 
 class DashboardTest : public ::testing::Test, public tavrelon::testing::DashboardDesk {};
-
-TEST_F(DashboardTest, TheChipSwitchesTheLanguageAndAnyOtherLanguageIsChinese) {
-    storage.changeSettings([](persistence::AppSettings& settings) { settings.appLanguage = QStringLiteral("fr"); });
-    EXPECT_FALSE(shell.isEnglish());
-    int changes = 0;
-    QObject::connect(&general, &PageModel::changed, [&] { ++changes; });
-    shell.switchLanguage();
-    EXPECT_EQ(stored().appLanguage, QStringLiteral("en"));
-    shell.switchLanguage();
-    EXPECT_EQ(stored().appLanguage, QStringLiteral("zh"));
-    EXPECT_EQ(changes, 2) << "the pages follow";
-}
-
-TEST_F(DashboardTest, ATabShowsItsPageAndItsModelLivesOn) {
-    EXPECT_EQ(shell.pageView(), QStringLiteral("qrc:/tavrelon/ui/Settings.qml"));
-    auto* first = shell.pageModel();
-    shell.setProperty("searchText", QStringLiteral("history"));
-    EXPECT_EQ(shell.selection(), 0) << "the search filters nothing";
-    shell.select(5);
-    EXPECT_EQ(shell.pageView(), QStringLiteral("qrc:/tavrelon/ui/Permissions.qml"));
-    for (const int nowhere : {-1, 6})
-        shell.select(nowhere);
-    EXPECT_EQ(shell.selection(), 5);
-    shell.select(0);
-    EXPECT_EQ(shell.pageModel(), first);
-    shell.donate();
-    EXPECT_EQ(donations, 1);
-}
-
-TEST_F(DashboardTest, TheWindowIsBuiltWhenOpenedAndGoneWhenClosed) {
-    tavrelon::testing::FakeWindows windows;
-    DashboardWindowController controller(windows, storage, pages, [] {});
-    EXPECT_EQ(windows.made, 0);
-    controller.show();
-    controller.model()->select(3);
-    controller.show();
-    EXPECT_EQ(windows.made, 1);
-    EXPECT_EQ(windows.broughtToFront, 2);
-    EXPECT_EQ(windows.last.contentSize, QSizeF(800, 600));
-    EXPECT_EQ(controller.model()->selection(), 3) << "an open window stays as it is";
-    windows.closeLast();
-    EXPECT_EQ(windows.open, 0);
-    EXPECT_FALSE(controller.isOpen());
-    EXPECT_EQ(controller.model(), nullptr);
-    controller.show();
-    EXPECT_EQ(windows.made, 2);
-    EXPECT_EQ(controller.model()->selection(), 0);
-}
 
 TEST_F(DashboardTest, GeneralSettingsAreStoredBeforeTheyReachTheService) {
     store.onWrite = [&] {

@@ -28,28 +28,6 @@ class FloatingInputTest : public ::testing::Test {
     }
 };
 
-TEST_F(FloatingInputTest, ThePromptIsSentOnceTheKeyboardIsBack) {
-    box->show();
-    EXPECT_TRUE(panel().visible);
-    EXPECT_EQ(panel().kind, platform::PanelKind::PromptBox);
-    EXPECT_EQ(panel().contentSize, QSizeF(420, 74));
-    EXPECT_TRUE(desk.workspace.isOwnApplicationActive());
-
-    box->model().setText(QStringLiteral("  a poem"));
-    box->model().submit();
-    EXPECT_FALSE(panel().visible);
-    EXPECT_EQ(desk.workspace.frontmostApplication(), editor);
-    EXPECT_EQ(box->model().text(), QString());
-    desk.loop.advance(79ms);
-    EXPECT_TRUE(desk.state() == Case::idle);
-    desk.loop.advance(1ms);
-    EXPECT_TRUE(desk.state() == Case::processing);
-    EXPECT_EQ(desk.machine->activeTrigger(), input::InputTrigger::floatingInput);
-    desk.loop.runToEnd();
-    ASSERT_EQ(desk.generator.requests.size(), 1U);
-    EXPECT_TRUE(desk.generator.requests[0].input.startsWith(QStringLiteral("  a poem"))) << "as it was typed";
-}
-
 TEST_F(FloatingInputTest, ASlowDesktopIsWaitedForAndADeadOneOnlySoLong) {
     desk.workspace.setKeyboardFollows(false);
     send(QStringLiteral("first"));
@@ -81,14 +59,6 @@ TEST_F(FloatingInputTest, ABlankPromptAndEscapeOnlyGiveTheFocusBack) {
     EXPECT_EQ(desk.panels.made.size(), 1U);
 }
 
-TEST_F(FloatingInputTest, TheHotkeyClosesAnOpenBox) {
-    box->toggle();
-    EXPECT_TRUE(box->isVisible());
-    box->toggle();
-    EXPECT_FALSE(box->isVisible());
-    EXPECT_EQ(desk.workspace.frontmostApplication(), editor);
-}
-
 TEST_F(FloatingInputTest, ABusyMachineKeepsTheBoxShutAndAFinishedOneDoesNot) {
     desk.toggle();
     box->show();
@@ -108,16 +78,6 @@ TEST_F(FloatingInputTest, AnApplicationThatEndedMeanwhileIsLeftInPeace) {
     EXPECT_TRUE(desk.workspace.activated().empty());
     desk.loop.advance(100ms);
     EXPECT_FALSE(desk.state() == Case::idle);
-}
-
-TEST_F(FloatingInputTest, TheLanguageAndAFreshFocusTokenComeWithEachShowing) {
-    const auto token = box->model().focusToken();
-    isEnglish = false;
-    box->show();
-    EXPECT_FALSE(box->model().isEnglish());
-    EXPECT_NE(box->model().focusToken(), token);
-    isEnglish = true;
-    EXPECT_FALSE(box->model().isEnglish()) << "an open box keeps its language";
 }
 
 TEST_F(FloatingInputTest, ItStandsAboveTheCaretWithinTheVisibleFrame) {

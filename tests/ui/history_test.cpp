@@ -80,41 +80,6 @@ TEST_F(HistoryTest, SearchesAllTextsAndHidesTheRest) {
     EXPECT_EQ(turkish.groups()->rowCount(), 1);
 }
 
-TEST_F(HistoryTest, ATurnShowsWhatBefellIt) {
-    add({.inputText = u"ask"_s,
-         .outputText = u"answer"_s,
-         .wasReverted = true,
-         .wasEdited = true,
-         .editedText = u"mine"_s,
-         .retryCount = 2});
-    add({.inputText = u"again"_s, .outputText = u"well"_s, .editedText = QString()});
-    page.selectApp(u"unknown"_s);
-    const auto& conversation = *page.conversation();
-    EXPECT_EQ(shown(conversation, "label"),
-              (QStringList{u"你"_s, u"你"_s, u"AI"_s, u"用户编辑后"_s, u"你"_s, u"你"_s, u"AI"_s}));
-    EXPECT_EQ(shown(conversation, "time")[0],
-              QLocale(u"en_US"_s)
-                  .toString(QDateTime::fromMSecsSinceEpoch(std::chrono::duration_cast<std::chrono::milliseconds>(
-                                                               history.entries()[1].timestamp.time_since_epoch())
-                                                               .count()),
-                            QLocale::ShortFormat));
-    const auto badges = [&](int row) {
-        QStringList texts;
-        for (const auto& badge :
-             conversation.data(conversation.index(row, 0), conversation.roleNames().key("badges")).toList())
-            texts << badge.toMap().value(u"text"_s).toString();
-        return texts;
-    };
-    EXPECT_EQ(badges(0), (QStringList{u"已撤销"_s, u"已编辑"_s, u"重试 2 次"_s}));
-    EXPECT_EQ(badges(4), QStringList());
-
-    page.clear();
-    EXPECT_TRUE(page.isEmpty());
-    EXPECT_FALSE(page.hasConversation());
-    EXPECT_EQ(page.selectedAppID(), QString());
-    EXPECT_TRUE(history.entries().empty());
-}
-
 TEST_F(HistoryTest, APictureStandsForItsNoticeUnlessItCannotBeRead) {
     const auto save = [&](const QString& name, const QByteArray& bytes) {
         QFile file(folder.filePath(name));
@@ -162,22 +127,6 @@ TEST_F(HistoryTest, ALongTextIsDrawnInPiecesAndNoneOfItIsLost) {
     page.setSearchText(u"REPORT"_s);
     EXPECT_GT(page.conversation()->rowCount(), 500);
     EXPECT_EQ(shown(*page.conversation(), "isLast").count(u"true"_s), 3) << "the head and two bubbles";
-}
-
-TEST_F(HistoryTest, OnlyRowsThatDifferAreReplaced) {
-    add({.appName = u"A"_s});
-    add({.appName = u"B"_s});
-    int removed = 0;
-    int inserted = 0;
-    QObject::connect(page.groups(), &QAbstractItemModel::rowsRemoved, &page,
-                     [&](const QModelIndex&, int first, int last) { removed += last - first + 1; });
-    QObject::connect(page.groups(), &QAbstractItemModel::rowsInserted, &page,
-                     [&](const QModelIndex&, int first, int last) { inserted += last - first + 1; });
-    add({.appName = u"C"_s});
-    EXPECT_EQ(std::pair(removed, inserted), std::pair(0, 1));
-    page.setSearchText(u"a"_s);
-    EXPECT_EQ(std::pair(removed, inserted), std::pair(2, 1));
-    EXPECT_EQ(groups(), QStringList{u"A"_s});
 }
 
 }  // namespace tavrelon::ui

@@ -8,7 +8,6 @@ namespace tavrelon::ui {
 
 using namespace std::chrono_literals;
 using input::InputState;
-using input::InputTrigger;
 using Case = InputState::Case;
 
 namespace {
@@ -40,41 +39,7 @@ class InputHUDTest : public ::testing::Test {
     tavrelon::testing::FakePanel& panel() { return *desk.panels.made.at(0); }
     const QString& symbol() { return desk.statusItem.symbols.last(); }
     bool isPanelVisible() { return !desk.panels.made.empty() && panel().visible; }
-    void advanceTo(const InputState& state) {
-        for (int step = 0; step < 200 && desk.state() != state; ++step)
-            desk.loop.advance(50ms);
-        ASSERT_TRUE(desk.state() == state);
-        desk.loop.runUntilIdle();
-    }
 };
-
-TEST_F(InputHUDTest, ARequestIsShownFromTheHotkeyToTwoSecondsAfterItsEnd) {
-    EXPECT_TRUE(desk.panels.made.empty()) << "an idle process has no panel";
-    desk.toggle();
-    ASSERT_EQ(desk.panels.made.size(), 1U);
-    EXPECT_EQ(panel().kind, platform::PanelKind::Overlay);
-    EXPECT_TRUE(panel().visible);
-    EXPECT_EQ(panel().contentSize, QSizeF(60, 60));
-    EXPECT_EQ(panel().origin, QPointF(310, 710));
-    EXPECT_EQ(symbol(), QStringLiteral("text.cursor"));
-
-    desk.type(QStringLiteral("Dear Anna"));
-    caret = QRectF(500, 600, 2, 18);
-    desk.toggle();
-    ASSERT_TRUE(desk.state() == Case::processing);
-    EXPECT_EQ(panel().contentSize, QSizeF(200, 60));
-    EXPECT_EQ(panel().placings, 1) << "it stays where it stood";
-    EXPECT_EQ(symbol(), QStringLiteral("brain.head.profile"));
-
-    advanceTo(Case::completed);
-    EXPECT_TRUE(panel().visible);
-    EXPECT_EQ(symbol(), QStringLiteral("checkmark.circle.fill"));
-    desk.loop.advance(3s);
-    EXPECT_TRUE(desk.state() == Case::idle);
-    EXPECT_FALSE(panel().visible);
-    EXPECT_EQ(symbol(), QStringLiteral("key.fill"));
-    EXPECT_EQ(desk.panels.made.size(), 1U);
-}
 
 TEST_F(InputHUDTest, AFailureShowsForTwoSecondsWhereItHappened) {
     desk.toggle();
@@ -117,35 +82,6 @@ TEST_F(InputHUDTest, AnInputWithoutListeningIsPlacedWhenItIsProcessed) {
     ASSERT_TRUE(isPanelVisible());
     EXPECT_EQ(panel().contentSize, QSizeF(220, 70));
     EXPECT_EQ(panel().origin, QPointF(565, 400));
-}
-
-TEST_F(InputHUDTest, ADestroyedControllerLeavesTheMachineAlone) {
-    desk.machine->failInput(QStringLiteral("No answer"));
-    controller.reset();
-    desk.loop.advance(3s);
-    EXPECT_TRUE(desk.state() == InputState::error(QStringLiteral("No answer")));
-}
-
-TEST(InputHUDModelTest, ItAnnouncesWhatItsViewHasToDraw) {
-    InputHUDModel model;
-    QStringList announced;
-    QObject::connect(&model, &InputHUDModel::faceChanged, [&] { announced << model.face(); });
-    QObject::connect(&model, &InputHUDModel::stateChanged, [&] { announced << model.label(); });
-    QObject::connect(&model, &InputHUDModel::transcriptChanged, [&] { announced << model.transcript(); });
-    model.show(Case::listening, InputTrigger::text);
-    EXPECT_TRUE(model.isPulsing());
-    EXPECT_FALSE(model.isRotating());
-    model.show(Case::processing, InputTrigger::text);
-    EXPECT_TRUE(model.isRotating());
-    EXPECT_EQ(model.tint(), QStringLiteral("purple"));
-    model.show(Case::completed, InputTrigger::text);
-    EXPECT_FALSE(model.isPulsing());
-    EXPECT_FALSE(model.isRotating());
-    model.setTranscript(QStringLiteral("hello"));
-    model.setTranscript(QStringLiteral("hello"));
-    EXPECT_EQ(announced, (QStringList{QStringLiteral("Listening..."), QStringLiteral("GlassListeningHUD"),
-                                      QStringLiteral("Thinking..."), QStringLiteral("StandardHUD"),
-                                      QStringLiteral("Done"), QStringLiteral("hello")}));
 }
 
 }  // namespace tavrelon::ui

@@ -159,15 +159,4 @@ TEST_F(ProviderSettingsTest, ModelsAreListedOnceUnlessAskedAgain) {
     EXPECT_FALSE(models.isLoading());
 }
 
-TEST_F(ProviderSettingsTest, TheLanguageAndTheLinksFollowTheUser) {
-    EXPECT_EQ(page.texts().value(u"subtitle"_s).toString(),
-              u"Choose the active vision provider and customize service configs."_s);
-    storage.changeSettings([](persistence::AppSettings& settings) { settings.appLanguage = u"fr"_s; });
-    EXPECT_EQ(page.texts().value(u"subtitle"_s).toString(), u"选择当前视觉提供商并配置服务。"_s);
-    page.openNvidiaKeyPortal();
-    page.openPollinationsKeyPortal();
-    EXPECT_EQ(desktop.workspace.openedUrls(),
-              (std::vector{QUrl(page.nvidiaKeyPortal()), QUrl(page.pollinationsKeyPortal())}));
-}
-
 }  // namespace tavrelon::ui
