@@ -34,13 +34,15 @@ void collectTexts(const Json& json, QStringList& texts) {
     }
 }
 
+/// None for a request without a document.
 QStringList textsSent(const QByteArray& sent) {
     QStringList texts;
     try {
         collectTexts(text::parseJson(sent), texts);
-    } catch (const text::JsonError&) {  // a request without a document
+        return texts;
+    } catch (const text::JsonError&) {
+        return {};
     }
-    return texts;
 }
 
 /// Letters of these scripts stand in words; others follow each other without a space.

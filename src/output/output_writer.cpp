@@ -177,7 +177,7 @@ async::Task<Placement> OutputWriter::pressPaste() {
 }
 
 async::Task<ImageOutcome> OutputWriter::writeImage(std::optional<platform::PasteboardItem> picture,
-                                                    std::optional<QString> caption, AutoPaste autoPaste) {
+                                                   std::optional<QString> caption, AutoPaste autoPaste) {
     platform_.pasteboard.clearContents();
     if (!picture) {
         if (caption)

@@ -135,6 +135,8 @@ TEST_F(ClipboardSelectionTest, WithoutASelectionTheWholeFieldIsTaken) {
     EXPECT_EQ(desk.loop.now() - start, 160ms);
     EXPECT_EQ(desk.pasteboard.contents(), before);
     EXPECT_EQ(read(SelectAll::Forbidden), QStringLiteral("all of it")) << "it stays selected";
+    for (const auto& line : desk.log.lines())
+        EXPECT_FALSE(line.contains(QLatin1Char('9'))) << "no line tells how long a text is: " << line.toStdString();
 }
 
 TEST_F(ClipboardSelectionTest, AnApplicationThatIgnoresCopyLeavesTheClipboardUntouched) {

@@ -10,7 +10,7 @@ using keys::HotkeyConfig;
 
 class HotkeysSettingsTest : public ::testing::Test, public tavrelon::testing::DashboardDesk {
  public:
-    enum Row { textInput, floatingInput, quickAsk, togglesAll, video, voice, dictation, autoReply, interrupt };
+    enum Row { textInput, floatingInput, togglesAll, video, voice, dictation, autoReply, interrupt, quickAsk };
 
     QVariant shown(int row, const char* what) const {
         return hotkeys.rows().at(row).toMap().value(QString::fromLatin1(what));

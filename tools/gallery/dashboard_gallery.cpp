@@ -61,7 +61,7 @@ void pictureHotkeys(DashboardGallery& gallery) {
             settings.autoReplyHotkey = settings.cancelHotkey = {keys::keyL, {}};
             settings.voiceInputSilenceTimeoutSeconds = 12.5;
         });
-        shown.page<ui::HotkeysSettingsModel>().toggleRecording(5);
+        shown.page<ui::HotkeysSettingsModel>().toggleRecording(4);
         shown.scrollDown();
         shown.keys.hold(keys::controlFlag | keys::optionFlag);
     });

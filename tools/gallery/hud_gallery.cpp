@@ -121,7 +121,7 @@ void pictureFaces(Gallery& gallery) {
         {"auto-reply", InputState::Case::processing, InputTrigger::autoReply},
         {"processing", InputState::Case::processing, InputTrigger::text},
         {"completed", InputState::Case::completed, InputTrigger::text},
-        {"error", InputState::error(QStringLiteral("No answer")), InputTrigger::text},
+        {"error", InputState::error(QStringLiteral("Answer is on the clipboard")), InputTrigger::text},
     };
     for (const auto& face : faces) {
         ui::InputHUDModel model;

@@ -27,7 +27,8 @@ ModifierMask X11TypedKeys::modifiersDown() const {
 }
 
 KeyGrab X11TypedKeys::grabOf(const DeviceKey& key) const {
-    const unsigned effective = unsigned{key.state.effective()} | modifiersDown();  // those of the other keyboards count too
+    const unsigned effective =
+        unsigned{key.state.effective()} | modifiersDown();  // those of the other keyboards count too
     return {key.code, static_cast<ModifierMask>(effective & ~unsigned{keyboard_->locks()})};
 }
 

@@ -45,12 +45,6 @@ inline constexpr auto hotkeyRows = [] {
          {u"", u"Show on-screen prompt box", u"显示屏幕输入框"},
          &Set::floatingInputHotkey,
          &Set::floatingInputHotkeyEnabled},
-        {{u"", u"Quick Ask", u"快速提问"},
-         {u"", u"Prompt box by the grave accent alone", u"单按反引号键打开输入框"},
-         &Set::quickAskHotkey,
-         &Set::quickAskHotkeyEnabled,
-         nullptr,
-         false},
         {{u"", u"Hotkeys Toggle", u"快捷键开关"},
          {u"", u"Enable/disable all hotkeys", u"启用/禁用所有快捷键"},
          &Set::toggleAllHotkeysHotkey,
@@ -77,6 +71,12 @@ inline constexpr auto hotkeyRows = [] {
          {u"", u"Stop AI reply", u"停止 AI 回复"},
          &Set::cancelHotkey,
          &Set::cancelHotkeyEnabled},
+        {{u"", u"Quick Ask", u"快速提问"},
+         {u"", u"Prompt box by the grave accent alone", u"单按反引号键打开输入框"},
+         &Set::quickAskHotkey,
+         &Set::quickAskHotkeyEnabled,
+         nullptr,
+         false},
     }};
 }();
 
