@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-
 #include "support/qt_gtest.h"
 
 namespace tavrelon::scenes {
