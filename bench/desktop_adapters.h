@@ -5,13 +5,13 @@
 #include "desktop/audio/pulse_audio_input.h"
 #include "desktop/documents/document_process_reader.h"
 #include "desktop/documents/picture_process_decoder.h"
-#include "desktop/linux/directory_defaults_store.h"
-#include "desktop/linux/posix_file_system.h"
-#include "desktop/linux/thread_serial_queue.h"
+#include "desktop/linux/files/directory_defaults_store.h"
+#include "desktop/linux/files/posix_file_system.h"
+#include "desktop/linux/process/thread_serial_queue.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_image_codec.h"
 #include "desktop/typing_adapters.h"
-#include "desktop/x11/x11_screen_capture.h"
+#include "desktop/x11/screen/x11_screen_capture.h"
 #include "platform/platform.h"
 
 namespace tavrelon::bench {

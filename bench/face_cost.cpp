@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/process/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_panels.h"
 #include "ui/hud/input_hud_model.h"

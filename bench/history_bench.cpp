@@ -1,7 +1,7 @@
 #include <benchmark/benchmark.h>
 #include <QTemporaryDir>
 
-#include "desktop/linux/posix_file_system.h"
+#include "desktop/linux/files/posix_file_system.h"
 #include "persistence/history_manager.h"
 
 namespace tavrelon::bench {

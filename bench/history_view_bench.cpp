@@ -6,8 +6,8 @@
 #include <QQuickView>
 #include <QTemporaryDir>
 
-#include "desktop/linux/directory_defaults_store.h"
-#include "desktop/linux/posix_file_system.h"
+#include "desktop/linux/files/directory_defaults_store.h"
+#include "desktop/linux/files/posix_file_system.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_view_engine.h"
 #include "persistence/history_manager.h"

@@ -3,9 +3,9 @@
 #include <chrono>
 #include <cstdio>
 
-#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/process/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_hotkeys.h"
+#include "desktop/x11/keys/x11_hotkeys.h"
 
 int main(int argc, char** argv) {
     using namespace tavrelon;

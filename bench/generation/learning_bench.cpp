@@ -2,9 +2,9 @@
 
 #include <QTemporaryDir>
 
-#include "desktop/linux/directory_defaults_store.h"
-#include "desktop/linux/posix_file_system.h"
-#include "desktop/linux/thread_serial_queue.h"
+#include "desktop/linux/files/directory_defaults_store.h"
+#include "desktop/linux/files/posix_file_system.h"
+#include "desktop/linux/process/thread_serial_queue.h"
 #include "learning/adaptive_prompt_learner.h"
 
 namespace tavrelon::bench {

@@ -18,14 +18,16 @@ FLOORS = [
     ["ui/dashboard"],
     ["ui/settings", "ui/history"],
 ]
-ADAPTERS = ["desktop/audio", "desktop/linux", "desktop/documents", "desktop/qt", "desktop/x11", "desktop/atspi"]
+ADAPTERS = ["desktop/applications", "desktop/atspi", "desktop/audio", "desktop/documents", "desktop/linux", "desktop/qt",
+            "desktop/x11"]
 
 # Neighbours on one floor that may be used in this one direction, with the reason.
 NEIGHBOURS = {
     ("keys", "text"): "hotkey records are written as JSON",
     ("desktop/atspi", "desktop/linux"): "a bus that may hang is tried before the library connects to it",
     ("desktop/documents", "desktop/linux"): "the document process reads files with the same care as the program",
-    ("desktop/x11", "desktop/linux"): "the process behind a window and its desktop entry are found in /proc and on disk",
+    ("desktop/x11", "desktop/linux"): "the process behind a window is found in /proc",
+    ("desktop/x11", "desktop/applications"): "a window's class tells its application, and which chords that takes",
 }
 
 ROOF = "program"

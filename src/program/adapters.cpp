@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 
 #include "desktop/documents/confinement.h"
-#include "desktop/x11/x11_terminal_shortcuts.h"
+#include "desktop/x11/windows/x11_terminal_shortcuts.h"
 
 namespace tavrelon::program {
 

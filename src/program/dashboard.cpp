@@ -1,6 +1,6 @@
 #include "program/dashboard.h"
 
-#include "desktop/linux/settings_panes.h"
+#include "desktop/linux/process/settings_panes.h"
 #include "ui/dashboard/donation_page.h"
 #include "ui/history/history_page.h"
 #include "ui/settings/pages.h"

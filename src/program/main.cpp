@@ -5,9 +5,9 @@
 #include <cstdio>
 
 #include "app/app_delegate.h"
-#include "desktop/linux/private_memory.h"
-#include "desktop/linux/process_signals.h"
-#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/process/private_memory.h"
+#include "desktop/linux/process/process_signals.h"
+#include "desktop/linux/process/standard_output_log.h"
 #include "desktop/qt/qt_application.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_panels.h"

@@ -1,7 +1,7 @@
 #include "program/silent_buses.h"
 
-#include "desktop/linux/bus_state.h"
-#include "desktop/linux/input_method_inquiry.h"
+#include "desktop/linux/input_method/input_method_inquiry.h"
+#include "desktop/linux/process/bus_state.h"
 
 namespace tavrelon::program {
 

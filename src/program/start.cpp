@@ -5,8 +5,8 @@
 #include <QFile>
 #include <cstdio>
 
-#include "desktop/linux/private_folder.h"
-#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/files/private_folder.h"
+#include "desktop/linux/process/standard_output_log.h"
 #include "persistence/history_manager.h"
 
 namespace tavrelon::program {

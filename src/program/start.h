@@ -3,10 +3,10 @@
 #include <expected>
 #include <memory>
 
-#include "desktop/linux/command_line.h"
-#include "desktop/linux/single_instance.h"
-#include "desktop/linux/user_folders.h"
-#include "desktop/x11/x11_connection.h"
+#include "desktop/linux/files/user_folders.h"
+#include "desktop/linux/process/command_line.h"
+#include "desktop/linux/process/single_instance.h"
+#include "desktop/x11/connection/x11_connection.h"
 
 namespace tavrelon::program {
 

@@ -2,8 +2,8 @@
 
 #include <QTemporaryDir>
 
-#include "desktop/linux/directory_defaults_store.h"
-#include "desktop/linux/posix_file_system.h"
+#include "desktop/linux/files/directory_defaults_store.h"
+#include "desktop/linux/files/posix_file_system.h"
 #include "support/qt_gtest.h"
 #include "support/recording_log.h"
 

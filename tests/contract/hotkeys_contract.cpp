@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_key_observer.h"
+#include "desktop/x11/keys/x11_key_observer.h"
 #include "support/fake_keyboard.h"
 #include "support/key_window.h"
 #include "support/qt_gtest.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "desktop/linux/dbus_input_source.h"
-#include "desktop/linux/input_method_decoding.h"
+#include "desktop/linux/input_method/dbus_input_source.h"
+#include "desktop/linux/input_method/input_method_decoding.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "support/run_task_on_qt.h"
 #include "support/stand_in_input_method.h"

@@ -8,7 +8,7 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/process/standard_output_log.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::desktop {

@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-#include "desktop/linux/posix_file_system.h"
+#include "desktop/linux/files/posix_file_system.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::desktop {

@@ -1,4 +1,4 @@
-#include "desktop/linux/process_launcher.h"
+#include "desktop/linux/process/process_launcher.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>

@@ -4,7 +4,7 @@
 #include <atomic>
 #include <thread>
 
-#include "desktop/linux/thread_serial_queue.h"
+#include "desktop/linux/process/thread_serial_queue.h"
 
 namespace tavrelon {
 

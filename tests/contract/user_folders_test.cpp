@@ -1,4 +1,4 @@
-#include "desktop/linux/user_folders.h"
+#include "desktop/linux/files/user_folders.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -13,9 +13,9 @@
 #include <csignal>
 #include <future>
 
-#include "desktop/linux/posix_file_system.h"
-#include "desktop/linux/private_folder.h"
-#include "desktop/linux/single_instance.h"
+#include "desktop/linux/files/posix_file_system.h"
+#include "desktop/linux/files/private_folder.h"
+#include "desktop/linux/process/single_instance.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::desktop {

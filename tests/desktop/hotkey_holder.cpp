@@ -2,9 +2,9 @@
 #include <QCoreApplication>
 #include <cstdio>
 
-#include "desktop/linux/process_signals.h"
+#include "desktop/linux/process/process_signals.h"
 #include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_hotkeys.h"
+#include "desktop/x11/keys/x11_hotkeys.h"
 #include "support/recording_log.h"
 
 int main(int argc, char** argv) {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_key_observer.h"
+#include "desktop/x11/keys/x11_key_observer.h"
 #include "support/key_window.h"
 #include "support/recording_log.h"
 #include "support/waiting.h"

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "desktop/hotkeys_fixture.h"
-#include "desktop/x11/x11_key_poster.h"
+#include "desktop/x11/keys/x11_key_poster.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::testing {

@@ -9,7 +9,7 @@
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_panels.h"
 #include "desktop/qt/qt_screens.h"
-#include "desktop/x11/x11_panel_surroundings.h"
+#include "desktop/x11/windows/x11_panel_surroundings.h"
 #include "support/recording_log.h"
 #include "support/run_task_on_qt.h"
 #include "support/xtest_keyboard.h"

@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "desktop/hotkeys_fixture.h"
-#include "desktop/x11/x11_key_poster.h"
+#include "desktop/x11/keys/x11_key_poster.h"
 
 namespace tavrelon::testing {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "desktop/x11/x11_selection_codec.h"
+#include "desktop/x11/selection/x11_selection_codec.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::desktop {

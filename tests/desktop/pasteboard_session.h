@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_pasteboard.h"
+#include "desktop/x11/selection/x11_pasteboard.h"
 #include "support/clipboard_owner.h"
 #include "support/clipboard_requestor.h"
 #include "support/qt_gtest.h"

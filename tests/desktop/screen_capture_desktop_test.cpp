@@ -1,7 +1,7 @@
 #include <unistd.h>
 
 #include "desktop/pasteboard_session.h"
-#include "desktop/x11/x11_screen_capture.h"
+#include "desktop/x11/screen/x11_screen_capture.h"
 #include "support/test_window.h"
 
 namespace tavrelon::testing {

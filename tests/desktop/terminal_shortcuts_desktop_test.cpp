@@ -3,9 +3,9 @@
 #include "capture/clipboard_selection.h"
 #include "desktop/pasteboard_session.h"
 #include "desktop/tools.h"
-#include "desktop/x11/x11_key_poster.h"
-#include "desktop/x11/x11_terminal_shortcuts.h"
-#include "desktop/x11/x11_workspace.h"
+#include "desktop/x11/keys/x11_key_poster.h"
+#include "desktop/x11/windows/x11_terminal_shortcuts.h"
+#include "desktop/x11/windows/x11_workspace.h"
 
 namespace tavrelon::testing {
 

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "desktop/atspi/atspi_accessibility.h"
-#include "desktop/linux/dbus_input_source.h"
+#include "desktop/linux/input_method/dbus_input_source.h"
 #include "desktop/qt/qt_main_loop.h"
-#include "desktop/x11/x11_key_observer.h"
-#include "desktop/x11/x11_key_poster.h"
-#include "desktop/x11/x11_pasteboard.h"
-#include "desktop/x11/x11_terminal_shortcuts.h"
-#include "desktop/x11/x11_workspace.h"
+#include "desktop/x11/keys/x11_key_observer.h"
+#include "desktop/x11/keys/x11_key_poster.h"
+#include "desktop/x11/selection/x11_pasteboard.h"
+#include "desktop/x11/windows/x11_terminal_shortcuts.h"
+#include "desktop/x11/windows/x11_workspace.h"
 
 namespace tavrelon::testing {
 

@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 
 #include "desktop/tools.h"
-#include "desktop/x11/x11_workspace.h"
+#include "desktop/x11/windows/x11_workspace.h"
 #include "support/qt_gtest.h"
 #include "support/run_task_on_qt.h"
 #include "support/test_window.h"

@@ -6,10 +6,10 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include "desktop/linux/desktop_entry_catalog.h"
-#include "desktop/linux/process_info.h"
-#include "desktop/x11/application_identifiers.h"
-#include "desktop/x11/x11_window_queries.h"
+#include "desktop/applications/application_identifiers.h"
+#include "desktop/applications/desktop_entry_catalog.h"
+#include "desktop/linux/process/process_info.h"
+#include "desktop/x11/windows/x11_window_queries.h"
 #include "support/qt_gtest.h"
 
 namespace tavrelon::desktop {

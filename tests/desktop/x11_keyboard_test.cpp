@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "desktop/x11/x11_hotkey_grabs.h"
-#include "desktop/x11/x11_modifier_chords.h"
-#include "desktop/x11/x11_typed_keys.h"
+#include "desktop/x11/keys/x11_hotkey_grabs.h"
+#include "desktop/x11/keys/x11_modifier_chords.h"
+#include "desktop/x11/keys/x11_typed_keys.h"
 #include "support/qt_gtest.h"
 #include "support/xtest_keyboard.h"
 

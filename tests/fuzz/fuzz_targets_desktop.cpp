@@ -5,13 +5,13 @@
 #include <array>
 #include <ranges>
 
+#include "desktop/applications/application_identifiers.h"
 #include "desktop/atspi/field_excerpt.h"
 #include "desktop/atspi/field_repair.h"
 #include "desktop/atspi/field_text.h"
 #include "desktop/documents/picture_pixels.h"
-#include "desktop/x11/application_identifiers.h"
-#include "desktop/x11/x11_selection_codec.h"
-#include "desktop/x11/x11_window_queries.h"
+#include "desktop/x11/selection/x11_selection_codec.h"
+#include "desktop/x11/windows/x11_window_queries.h"
 #include "fuzz/require.h"
 #include "platform/picture_header.h"
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "desktop/x11/x11_connection.h"
+#include "desktop/x11/connection/x11_connection.h"
 #include "support/waiting.h"
 
 namespace tavrelon::testing {

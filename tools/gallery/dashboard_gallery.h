@@ -7,7 +7,7 @@
 #include <QTemporaryDir>
 
 #include "app/app_state.h"
-#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/process/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_windows.h"
 #include "support/fake_file_picker.h"

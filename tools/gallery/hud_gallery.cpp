@@ -4,11 +4,11 @@
 #include <QWidget>
 
 #include "app/consent_question.h"
-#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/process/standard_output_log.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/qt/qt_panels.h"
 #include "desktop/qt/qt_screens.h"
-#include "desktop/x11/x11_panel_surroundings.h"
+#include "desktop/x11/windows/x11_panel_surroundings.h"
 #include "gallery/gallery.h"
 #include "support/waiting.h"
 #include "ui/floating/floating_input_model.h"

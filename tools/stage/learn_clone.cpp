@@ -7,9 +7,9 @@
 
 #include "async/task_scope.h"
 #include "desktop/documents/document_process_reader.h"
-#include "desktop/linux/directory_defaults_store.h"
-#include "desktop/linux/posix_file_system.h"
-#include "desktop/linux/standard_output_log.h"
+#include "desktop/linux/files/directory_defaults_store.h"
+#include "desktop/linux/files/posix_file_system.h"
+#include "desktop/linux/process/standard_output_log.h"
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "learning/clone_service.h"

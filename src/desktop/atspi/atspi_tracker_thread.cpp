@@ -6,7 +6,7 @@
 #include <QUuid>
 #include <vector>
 
-#include "desktop/linux/bus_state.h"
+#include "desktop/linux/process/bus_state.h"
 
 namespace tavrelon::desktop::atspi {
 

@@ -19,7 +19,7 @@
 #include "desktop/documents/picture_pixels.h"
 #include "desktop/documents/plain_text.h"
 #include "desktop/documents/rtf_text.h"
-#include "desktop/linux/posix_file_system.h"
+#include "desktop/linux/files/posix_file_system.h"
 
 namespace {
 

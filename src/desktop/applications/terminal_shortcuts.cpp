@@ -1,0 +1,90 @@
+#include "desktop/applications/terminal_shortcuts.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace tavrelon::desktop {
+
+namespace {
+
+struct KnownTerminal {
+    std::string_view windowClass;  ///< in lower case
+    TerminalShortcuts shortcuts;
+};
+
+constexpr TerminalShortcuts controlShift{TerminalShortcuts::Copy::ByChord, TerminalShortcuts::Paste::OfClipboard};
+constexpr TerminalShortcuts primary{TerminalShortcuts::Copy::OfPrimary, TerminalShortcuts::Paste::OfPrimary};
+/// Nearly all terminals of today paste with Control+Shift+V; where one does not, it does nothing.
+constexpr TerminalShortcuts unknownTerminal{TerminalShortcuts::Copy::Never, TerminalShortcuts::Paste::OfClipboard};
+
+constexpr KnownTerminal knownTerminals[] = {
+    // With the VTE widget
+    {"gnome-terminal", controlShift},
+    {"gnome-terminal-server", controlShift},
+    {"xfce4-terminal", controlShift},
+    {"lxterminal", controlShift},
+    {"mate-terminal", controlShift},
+    {"terminator", controlShift},
+    {"tilix", controlShift},
+    {"com.gexperts.tilix", controlShift},
+    {"guake", controlShift},
+    {"tilda", controlShift},
+    {"sakura", controlShift},
+    {"roxterm", controlShift},
+    {"termite", controlShift},
+    {"kgx", controlShift},
+    {"org.gnome.console", controlShift},
+    {"org.gnome.terminal", controlShift},
+    {"org.gnome.ptyxis", controlShift},
+    {"com.raggesilver.blackbox", controlShift},
+    {"io.elementary.terminal", controlShift},
+    // Of other make
+    {"konsole", controlShift},
+    {"org.kde.konsole", controlShift},
+    {"yakuake", controlShift},
+    {"org.kde.yakuake", controlShift},
+    {"qterminal", controlShift},
+    {"cool-retro-term", controlShift},
+    {"deepin-terminal", controlShift},
+    {"terminology", controlShift},
+    {"alacritty", controlShift},
+    {"kitty", controlShift},
+    {"org.wezfurlong.wezterm", controlShift},
+    {"com.mitchellh.ghostty", controlShift},
+    {"ghostty", controlShift},
+    {"contour", controlShift},
+    {"st-256color", controlShift},
+    {"hyper", controlShift},
+    {"tabby", controlShift},
+    {"dev.warp.warp", controlShift},
+    // Those that go by the primary selection
+    {"xterm", primary},
+    {"uxterm", primary},
+    {"lxterm", primary},
+    {"koi8rxterm", primary},
+    {"rxvt", primary},
+    {"rxvt-unicode", primary},
+    {"urxvt", primary},
+    {"urxvtd", primary},
+    {"mlterm", primary},
+    {"eterm", primary},
+    {"aterm", primary},
+    {"mrxvt", primary},
+};
+
+}  // namespace
+
+std::optional<TerminalShortcuts> terminalShortcutsOf(const QString& windowClass, const QString& windowInstance) {
+    for (const auto& name : {windowClass.toLower(), windowInstance.toLower()}) {
+        const auto wanted = name.toStdString();
+        const auto* const found = std::ranges::find(knownTerminals, wanted, &KnownTerminal::windowClass);
+        if (found != std::ranges::end(knownTerminals))
+            return found->shortcuts;
+    }
+    const auto name = windowClass.toLower();
+    if (name.contains(QStringLiteral("terminal")) || name.endsWith(QStringLiteral("term")))
+        return unknownTerminal;
+    return std::nullopt;
+}
+
+}  // namespace tavrelon::desktop

@@ -1,0 +1,37 @@
+#include "desktop/x11/keys/x11_keyboard_notices.h"
+
+// The C header has a field named like a C++ keyword.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
+namespace tavrelon::desktop {
+
+void watchKeyboardMap(X11Connection& connection) {
+    constexpr auto events =
+        static_cast<std::uint16_t>(XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY);
+    constexpr std::uint16_t everyPart = 0xFF;
+    xcb_xkb_select_events(connection.get(), XCB_XKB_ID_USE_CORE_KBD, events, 0, events, everyPart, everyPart, nullptr);
+    // Of the state the group alone: notices of modifiers would wake us with every Shift.
+    xcb_xkb_select_events_details_t details{};
+    details.affectState = details.stateDetails = XCB_XKB_STATE_PART_GROUP_STATE;
+    xcb_xkb_select_events_aux(connection.get(), XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0,
+                              &details);
+    connection.flush();
+}
+
+bool isKeyboardMapNotice(const xcb_generic_event_t& event) {
+    return event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY;
+}
+
+bool isKeyboardGroupNotice(const xcb_generic_event_t& event) {
+    return event.pad0 == XCB_XKB_STATE_NOTIFY;
+}
+
+unsigned keyboardGroup(X11Connection& connection) {
+    const XPointer<xcb_xkb_get_state_reply_t> state(xcb_xkb_get_state_reply(
+        connection.get(), xcb_xkb_get_state(connection.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+    return state ? state->group : 0;
+}
+
+}  // namespace tavrelon::desktop

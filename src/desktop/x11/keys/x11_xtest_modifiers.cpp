@@ -1,0 +1,131 @@
+#include "desktop/x11/keys/x11_xtest_modifiers.h"
+
+#include <poll.h>
+#include <xcb/xinput.h>
+
+#include <array>
+
+namespace tavrelon::desktop {
+
+namespace {
+
+template <typename Visit>
+void forEachKey(const KeySet& keys, Visit visit) {
+    for (std::size_t code = 0; code < keys.size(); ++code)
+        if (keys.test(code))
+            visit(static_cast<KeyCode>(code));
+}
+
+}  // namespace
+
+X11HeldModifiers::X11HeldModifiers(X11XTest& xtest, std::unique_ptr<X11Connection> watch)
+    : xtest_(xtest), watchConnection_(std::move(watch)) {
+    devices_ = keyboardDevices(*watchConnection_).value_or(KeyboardDevices());
+    watchKeys(*watchConnection_, devices_);
+    watchConnection_->sync();
+    thread_ = std::thread([this] { this->watch(); });
+}
+
+X11HeldModifiers::~X11HeldModifiers() {
+    {
+        const std::lock_guard lock(mutex_);
+        stop_ = true;
+    }
+    letGo();
+    wake_.signal();
+    watchConnection_->breakOff();
+    thread_.join();
+}
+
+void X11HeldModifiers::letGo() {
+    const std::lock_guard lock(mutex_);
+    releaseRestored();
+    xtest_.send();
+}
+
+void X11HeldModifiers::releaseRestored() {
+    forEachKey(restored_, [this](KeyCode code) { xtest_.post(code, KeyAction::Release); });
+    restored_.reset();
+}
+
+KeySet X11HeldModifiers::physicallyDown(X11Connection& connection) {
+    KeySet down;
+    for (const auto device : devices_.physical)
+        down |= keysDown(connection, device);
+    return down;
+}
+
+void X11HeldModifiers::releaseLeftOver() {
+    const auto keyboard = xtest_.keyboard();
+    const std::lock_guard lock(mutex_);
+    forEachKey(keysDown(xtest_.connection(), devices_.posted), [&](KeyCode code) {
+        if (keyboard && keyboard->modifiersOf(code) != 0)
+            xtest_.post(code, KeyAction::Release);
+    });
+    xtest_.send();
+}
+
+void X11HeldModifiers::putAside(const X11Keyboard& keyboard) {
+    const std::lock_guard lock(mutex_);
+    const auto down = keysDown(xtest_.connection());
+    releaseRestored();
+    forEachKey(down, [&](KeyCode code) {
+        if ((keyboard.modifiersOf(code) & ~unsigned{keyboard.locks()}) == 0)
+            return;
+        xtest_.post(code, KeyAction::Release);
+        aside_.set(code);
+    });
+    xtest_.send();
+}
+
+void X11HeldModifiers::giveBack() {
+    const std::lock_guard lock(mutex_);
+    // A release from here on finds the key among the restored ones, because the watching thread waits for its turn.
+    const auto down = aside_.any() ? physicallyDown(xtest_.connection()) : KeySet();
+    restored_ |= aside_ & down;
+    aside_.reset();
+    forEachKey(restored_, [this](KeyCode code) { xtest_.post(code, KeyAction::Press); });
+    xtest_.send();
+}
+
+void X11HeldModifiers::watch() {
+    for (;;) {
+        while (const XPointer<xcb_generic_event_t> event{xcb_poll_for_event(watchConnection_->get())})
+            handle(*event);
+        {
+            const std::lock_guard lock(mutex_);
+            if (stop_ || watchConnection_->isBroken())
+                return;
+        }
+        std::array<pollfd, 2> sources{
+            {{xcb_get_file_descriptor(watchConnection_->get()), POLLIN, 0}, {wake_.descriptor(), POLLIN, 0}}};
+        ::poll(sources.data(), sources.size(), -1);
+        wake_.clear();
+    }
+}
+
+void X11HeldModifiers::handle(const xcb_generic_event_t& event) {
+    const auto& input = reinterpret_cast<const xcb_input_key_press_event_t&>(event);
+    if ((event.response_type & 0x7F) != XCB_GE_GENERIC || input.extension != watchConnection_->inputOpcode())
+        return;
+    if (input.event_type == XCB_INPUT_KEY_RELEASE && input.deviceid != devices_.posted)
+        released(static_cast<KeyCode>(input.detail));
+    if (input.event_type != XCB_INPUT_HIERARCHY)
+        return;
+    if (auto devices = keyboardDevices(*watchConnection_)) {
+        watchKeys(*watchConnection_, *devices);
+        const std::lock_guard lock(mutex_);
+        devices_ = std::move(*devices);
+    }
+}
+
+void X11HeldModifiers::released(KeyCode code) {
+    const std::lock_guard lock(mutex_);
+    if (!restored_.test(code) || physicallyDown(*watchConnection_).test(code))
+        return;
+    restored_.reset(code);
+    xtest_.post(code, KeyAction::Release);
+    xtest_.send();
+}
+
+}  // namespace tavrelon::desktop

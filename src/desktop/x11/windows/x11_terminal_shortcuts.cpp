@@ -1,0 +1,68 @@
+#include "desktop/x11/windows/x11_terminal_shortcuts.h"
+
+namespace tavrelon::desktop {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A copy that came later would stay on the user's clipboard: nobody waits for it any more.
+constexpr SelectionReadLimits copyLimits{.answer = 50ms, .total = 50ms};
+
+}  // namespace
+
+std::expected<std::unique_ptr<X11TerminalShortcuts>, QString> X11TerminalShortcuts::create(
+    async::MainLoop& loop, platform::Log& log, X11Pasteboard& pasteboard, const QByteArray& displayName) {
+    auto windows = X11WindowQueries::open(displayName);
+    if (!windows)
+        return std::unexpected(windows.error());
+    auto primary = X11Pasteboard::create(loop, log, displayName, copyLimits, SelectionName::Primary);
+    if (!primary)
+        return std::unexpected(primary.error());
+    return std::unique_ptr<X11TerminalShortcuts>(
+        new X11TerminalShortcuts(loop, pasteboard, std::move(*windows), std::move(*primary)));
+}
+
+std::optional<KeyChord> X11TerminalShortcuts::translate(KeyChord asked) {
+    const bool isShortcut = asked.flags == keys::commandFlag &&
+                            (asked.key == keys::keyC || asked.key == keys::keyV || asked.key == keys::keyA);
+    if (!isShortcut)
+        return asked;
+    const auto window = windows_->activeWindow();
+    if (window == XCB_NONE)
+        return asked;
+    const auto found = windows_->properties(window);
+    const auto terminal = terminalShortcutsOf(found.windowClass, found.windowInstance);
+    if (!terminal)
+        return asked;
+    if (asked.key == keys::keyC)
+        return copy(terminal->copy, window);
+    if (asked.key == keys::keyV)
+        return paste(terminal->paste);
+    return std::nullopt;
+}
+
+std::optional<KeyChord> X11TerminalShortcuts::copy(TerminalShortcuts::Copy way, xcb_window_t window) {
+    if (way == TerminalShortcuts::Copy::ByChord)
+        return terminalCopyChord;
+    // The selection may be another application's, which would be no copy of this terminal's.
+    if (way == TerminalShortcuts::Copy::OfPrimary && windows_->ownsPrimarySelection(window))
+        copies_.spawn(copyPrimary());
+    return std::nullopt;
+}
+
+std::optional<KeyChord> X11TerminalShortcuts::paste(TerminalShortcuts::Paste way) {
+    if (way == TerminalShortcuts::Paste::OfClipboard)
+        return terminalPasteChord;
+    if (!pasteboard_.lastString())  // a picture: the terminal would paste whatever is selected
+        return std::nullopt;
+    primary_->setString(*pasteboard_.lastString());
+    return primaryPasteChord;
+}
+
+async::Task<void> X11TerminalShortcuts::copyPrimary() {
+    if (const auto selected = co_await primary_->string())
+        pasteboard_.setString(*selected);
+}
+
+}  // namespace tavrelon::desktop
