@@ -29,10 +29,12 @@ class X11HotkeyGrabs {
     /// A key went up. True if `grabs` is another now. While a program keeps the keyboard frozen, as some window
     /// managers do for a moment with every Super, this is told before the press.
     bool released(KeyCode code, std::uint32_t time);
+    bool holdsAny() const { return !held_.empty(); }
     bool releasedAll() { return !std::exchange(held_, {}).empty(); }
 
     const std::vector<platform::WantedHotkey>& wanted() const { return wanted_; }
     const X11Keyboard& keyboard() const { return *keyboard_; }
+    unsigned group() const { return group_; }
     GrabSet grabsOf(const platform::WantedHotkey& hotkey) const;
 
  private:

@@ -31,7 +31,7 @@ std::expected<void, platform::HotkeysError> X11Hotkeys::start(Handler handler) {
         return std::unexpected(platform::HotkeysError{session.error()});
     (*session)->declare(wanted_);
     delivery_ = std::move(delivery);
-    thread_ = std::make_unique<X11KeyboardThread>(log_, *std::move(connection), *std::move(session));
+    thread_ = std::make_unique<X11KeyboardThread>(log_, *std::move(connection), *std::move(session), wanted_);
     return {};
 }
 
@@ -46,6 +46,12 @@ void X11Hotkeys::declare(const std::vector<platform::WantedHotkey>& wanted) {
     wanted_ = wanted;
     if (thread_)
         thread_->declare(wanted);
+}
+
+void X11Hotkeys::observe(platform::KeyObserver::Calls calls) {
+    delivery_->observe(std::move(calls));
+    if (!delivery_->isWatching())
+        thread_->applyAnew();
 }
 
 std::shared_ptr<void> X11Hotkeys::makeWay(const keys::HotkeyConfig& chord) {

@@ -5,6 +5,7 @@
 #include "async/main_loop.h"
 #include "desktop/x11/keys/x11_key_posts.h"
 #include "platform/hotkeys.h"
+#include "platform/key_observer.h"
 #include "platform/log.h"
 
 namespace tavrelon::desktop {
@@ -25,6 +26,9 @@ class X11Hotkeys : public platform::Hotkeys {
     void stop() override;
     void declare(const std::vector<platform::WantedHotkey>& wanted) override;
     std::vector<keys::HotkeyConfig> heldElsewhere(const std::vector<keys::HotkeyConfig>& hotkeys) override;
+
+    /// Only while it runs.
+    void observe(platform::KeyObserver::Calls calls);
 
     /// The way of the keys while it runs; null otherwise.
     const std::shared_ptr<X11KeyDelivery>& delivery() const { return delivery_; }

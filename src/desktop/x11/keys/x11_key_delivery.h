@@ -22,13 +22,18 @@ class X11KeyDelivery : public std::enable_shared_from_this<X11KeyDelivery> {
     /// since it may begin an observation that is to have the very next key.
     bool wantsTypedKeys() const { return wanting_ > 0; }
 
+    /// Whether the keyboards are watched, so that typed keys can be told.
+    void setWatching(bool watching) { watching_ = watching; }
+
     void pressed(const platform::WantedHotkey& hotkey);
     void typed(platform::KeyEvent event);
     void left();
 
     // The main thread.
 
+    /// Typed keys are told from now on if the keyboards are watched already, else once they are.
     void observe(platform::KeyObserver::Calls calls);
+    bool isWatching() const { return watching_; }
     void endObservation();
 
     /// No call follows, also inside one.
@@ -39,6 +44,7 @@ class X11KeyDelivery : public std::enable_shared_from_this<X11KeyDelivery> {
     platform::Hotkeys::Handler handler_;
     std::optional<platform::KeyObserver::Calls> observer_;
     std::atomic<int> wanting_ = 0;
+    std::atomic<bool> watching_ = false;
 };
 
 }  // namespace tavrelon::desktop

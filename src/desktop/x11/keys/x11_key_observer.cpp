@@ -7,7 +7,7 @@ namespace tavrelon::desktop {
 bool X11KeyObserver::start(Calls calls) {
     if (!hotkeys_.delivery())
         return false;
-    hotkeys_.delivery()->observe(std::move(calls));
+    hotkeys_.observe(std::move(calls));
     return true;
 }
 

@@ -7,23 +7,26 @@ namespace tavrelon::desktop {
 void PostedKeys::expect(KeyCode code, KeyAction action, async::Instant now) {
     const std::lock_guard lock(mutex_);
     forgetOld(now);
-    posts_.push_back({code, action, now});
+    for (auto& posts : posts_)
+        posts.push_back({code, action, now});
 }
 
-bool PostedKeys::take(KeyCode code, KeyAction action, async::Instant now) {
+bool PostedKeys::take(Stream stream, KeyCode code, KeyAction action, async::Instant now) {
     const std::lock_guard lock(mutex_);
     forgetOld(now);
+    auto& posts = posts_.at(static_cast<std::size_t>(stream));
     const auto found =
-        std::ranges::find_if(posts_, [&](const Post& post) { return post.code == code && post.action == action; });
-    if (found == posts_.end())
+        std::ranges::find_if(posts, [&](const Post& post) { return post.code == code && post.action == action; });
+    if (found == posts.end())
         return false;
-    posts_.erase(posts_.begin(), std::next(found));
+    posts.erase(posts.begin(), std::next(found));
     return true;
 }
 
 void PostedKeys::forgetOld(async::Instant now) {
-    while (!posts_.empty() && now - posts_.front().at > lifetime)
-        posts_.pop_front();
+    for (auto& posts : posts_)
+        while (!posts.empty() && now - posts.front().at > lifetime)
+            posts.pop_front();
 }
 
 }  // namespace tavrelon::desktop

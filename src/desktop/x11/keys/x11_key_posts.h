@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -13,9 +14,12 @@ namespace tavrelon::desktop {
 
 enum class KeyAction { Press, Release };
 
-/// The keys that this process is about to post, so that the tap knows them when they come by. Any thread.
+/// The keys that this process is about to post, so that they are known when they come by. Any thread.
 class PostedKeys {
  public:
+    /// The two streams in which keys come by; each has all of them.
+    enum class Stream : std::uint8_t { Keys, Strokes };
+
     /// Posts are forgotten after this time: the server leaves out those that change nothing.
     static constexpr std::chrono::seconds lifetime{2};
 
@@ -23,7 +27,7 @@ class PostedKeys {
     void expect(KeyCode code, KeyAction action, async::Instant now);
 
     /// Whether an event on the posting device is the next one of ours; takes it off, and what was left out before it.
-    bool take(KeyCode code, KeyAction action, async::Instant now);
+    bool take(Stream stream, KeyCode code, KeyAction action, async::Instant now);
 
     /// Lets go of our own hotkey of these keys for as long as the value lives.
     using MakeWay = std::function<std::shared_ptr<void>(const keys::HotkeyConfig& chord)>;
@@ -48,7 +52,7 @@ class PostedKeys {
     MakeWay makeWay_;
 
     std::mutex mutex_;
-    std::deque<Post> posts_;
+    std::array<std::deque<Post>, 2> posts_;  ///< of each stream
 };
 
 }  // namespace tavrelon::desktop

@@ -54,9 +54,14 @@ std::optional<KeyboardDevices> keyboardDevices(X11Connection& connection) {
     return devices.master == 0 ? std::nullopt : std::optional(std::move(devices));
 }
 
-void watchKeys(X11Connection& connection, const KeyboardDevices& devices) {
-    constexpr std::uint32_t keyEvents = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE;
+void watchDevices(X11Connection& connection) {
     select(connection, XCB_INPUT_DEVICE_ALL, XCB_INPUT_XI_EVENT_MASK_HIERARCHY);
+    connection.flush();
+}
+
+void watchKeys(X11Connection& connection, const KeyboardDevices& devices, Watch watch) {
+    const std::uint32_t keyEvents =
+        watch == Watch::On ? XCB_INPUT_XI_EVENT_MASK_KEY_PRESS | XCB_INPUT_XI_EVENT_MASK_KEY_RELEASE : 0U;
     for (const auto device : devices.physical)
         select(connection, device, keyEvents);
     if (devices.posted != 0)
@@ -64,9 +69,8 @@ void watchKeys(X11Connection& connection, const KeyboardDevices& devices) {
     connection.flush();
 }
 
-void watchButtons(X11Connection& connection, ButtonWatch watch) {
-    select(connection, XCB_INPUT_DEVICE_ALL_MASTER,
-           watch == ButtonWatch::On ? XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS : 0U);
+void watchButtons(X11Connection& connection, Watch watch) {
+    select(connection, XCB_INPUT_DEVICE_ALL_MASTER, watch == Watch::On ? XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS : 0U);
     connection.flush();
 }
 

@@ -25,14 +25,17 @@ struct KeyboardDevices {
 /// Asks the server; nothing if it has no keyboard.
 std::optional<KeyboardDevices> keyboardDevices(X11Connection& connection);
 
-/// Lets the connection receive every key of these devices, whoever has the focus or grabs, and a notice when devices
-/// come or go.
-void watchKeys(X11Connection& connection, const KeyboardDevices& devices);
+/// Lets the connection receive a notice when devices come or go.
+void watchDevices(X11Connection& connection);
 
-enum class ButtonWatch : std::uint8_t { Off, On };
+enum class Watch : std::uint8_t { Off, On };
+
+/// Whether the connection receives every key of these devices, whoever has the focus or grabs. Each program that is
+/// woken for a key delays it on its way to the application, so nobody watches longer than needed.
+void watchKeys(X11Connection& connection, const KeyboardDevices& devices, Watch watch);
 
 /// Whether the connection receives the presses of all mouse buttons, whoever gets them.
-void watchButtons(X11Connection& connection, ButtonWatch watch);
+void watchButtons(X11Connection& connection, Watch watch);
 
 /// The keys that are down on one device.
 KeySet keysDown(X11Connection& connection, DeviceId device);

@@ -12,9 +12,12 @@ void watchKeyboardMap(X11Connection& connection) {
         static_cast<std::uint16_t>(XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY);
     constexpr std::uint16_t everyPart = 0xFF;
     xcb_xkb_select_events(connection.get(), XCB_XKB_ID_USE_CORE_KBD, events, 0, events, everyPart, everyPart, nullptr);
-    // Of the state the group alone: notices of modifiers would wake us with every Shift.
+    connection.flush();
+}
+
+void watchKeyboardState(X11Connection& connection) {
     xcb_xkb_select_events_details_t details{};
-    details.affectState = details.stateDetails = XCB_XKB_STATE_PART_GROUP_STATE;
+    details.affectState = details.stateDetails = XCB_XKB_STATE_PART_GROUP_STATE | XCB_XKB_STATE_PART_MODIFIER_BASE;
     xcb_xkb_select_events_aux(connection.get(), XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, 0, 0,
                               &details);
     connection.flush();
@@ -24,8 +27,13 @@ bool isKeyboardMapNotice(const xcb_generic_event_t& event) {
     return event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY;
 }
 
-bool isKeyboardGroupNotice(const xcb_generic_event_t& event) {
-    return event.pad0 == XCB_XKB_STATE_NOTIFY;
+std::optional<KeyboardState> keyboardState(const xcb_generic_event_t& event) {
+    if (event.pad0 != XCB_XKB_STATE_NOTIFY)
+        return std::nullopt;
+    const auto& notice = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
+    const bool isPress = notice.eventType == XCB_KEY_PRESS;
+    return KeyboardState{
+        notice.baseMods, notice.group, {notice.time, notice.keycode, isPress ? KeyAction::Press : KeyAction::Release}};
 }
 
 unsigned keyboardGroup(X11Connection& connection) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "desktop/x11/keys/x11_keyboard_notices.h"
 #include "keys/key_names.h"
 
 namespace tavrelon::desktop {
@@ -44,6 +43,8 @@ std::expected<std::unique_ptr<X11KeyboardSession>, QString> X11KeyboardSession::
     if (!session->readKeyboard())
         return std::unexpected(QStringLiteral("The X server gives no keyboard map."));
     watchKeyboardMap(connection);
+    watchKeyboardState(connection);
+    watchDevices(connection);
     session->findDevices();
     return session;
 }
@@ -64,7 +65,7 @@ X11KeyboardSession::X11KeyboardSession(X11Connection& connection, KeyboardDevice
 void X11KeyboardSession::findDevices() {
     if (auto devices = keyboardDevices(connection_))
         devices_ = std::move(*devices);
-    watchKeys(connection_, devices_);
+    watchKeys(connection_, devices_, watching_ ? Watch::On : Watch::Off);
     for (const auto device : devices_.physical)
         keys_.setKeysDown(device, keysDown(connection_, device));
     if (grabs_.releasedAll())  // a keyboard that is gone tells of no release
@@ -84,6 +85,7 @@ void X11KeyboardSession::declare(const std::vector<WantedHotkey>& wanted) {
     chords_.declare(wanted);
     grabs_.declare(wanted);
     applyGrabs();
+    watchAsNeeded();
     reportConflicts();
     connection_.sync();
 }
@@ -131,12 +133,34 @@ void X11KeyboardSession::work() {
 /// What a burst of notices has made necessary, once.
 void X11KeyboardSession::settle() {
     followFocus();
+    if (const auto modifiers = std::exchange(modifiersNow_, std::nullopt)) {
+        const auto before = keys_.flagsDown();
+        keys_.keepOnly(*modifiers);
+        if (keys_.flagsDown() != before)
+            chords_.interrupt();
+    }
     if (std::exchange(devicesChanged_, false))
         findDevices();
     if (std::exchange(keyboardChanged_, false) && readKeyboard()) {
         applyGrabs();
         reportConflicts();
     }
+    watchAsNeeded();
+}
+
+void X11KeyboardSession::watchAsNeeded() {
+    const auto isNeeded = [this] { return delivery_->wantsTypedKeys() || grabs_.holdsAny(); };
+    setWatching(isNeeded());
+    if (!watching_)
+        setWatching(isNeeded());  // an observer that came meanwhile took the word of before
+}
+
+void X11KeyboardSession::setWatching(bool watching) {
+    if (watching == watching_)
+        return;
+    watching_ = watching;
+    delivery_->setWatching(watching);
+    watchKeys(connection_, devices_, watching ? Watch::On : Watch::Off);
 }
 
 void X11KeyboardSession::followFocus() {
@@ -160,10 +184,8 @@ void X11KeyboardSession::handle(const xcb_generic_event_t& event) {
     focusMoved_ |= window_.concerns(event);
     if (type == connection_.firstXkbEvent()) {
         keyboardChanged_ |= isKeyboardMapNotice(event);
-        if (isKeyboardGroupNotice(event)) {
-            grabs_.setGroup(keyboardGroup(connection_));
-            applyGrabs();
-        }
+        if (const auto state = keyboardState(event))
+            stateChanged(*state);
     }
     if (type == XCB_GE_GENERIC)
         handleInput(event);
@@ -194,37 +216,59 @@ void X11KeyboardSession::handleInput(const xcb_generic_event_t& event) {
     }
 }
 
-void X11KeyboardSession::seen(const DeviceKey& key, const Stamp& stamp) {
-    if (key.device == devices_.posted && posted_->take(key.code, key.action, clock_.now())) {
-        if (key.action == KeyAction::Press)
-            postedPress_ = stamp;
+void X11KeyboardSession::stateChanged(const KeyboardState& state) {
+    if (state.group != grabs_.group()) {
+        grabs_.setGroup(state.group);
+        applyGrabs();
+    }
+    follow(state.at);
+    modifiersNow_ = state.base;
+}
+
+/// Takes note of what was struck up to this moment.
+void X11KeyboardSession::follow(const KeyMoment& moment) {
+    for (const auto& stroke : ungrabbed_->upTo(moment))
+        struck(stroke);
+}
+
+void X11KeyboardSession::struck(const KeyStroke& stroke) {
+    if (stroke.device == devices_.posted &&
+        posted_->take(PostedKeys::Stream::Strokes, stroke.code, stroke.action, clock_.now())) {
+        if (stroke.action == KeyAction::Press)
+            postedPress_ = {stroke.code, stroke.time};
         return;
     }
     const auto before = keys_.flagsDown();
-    keys_.track(key);
-    if (key.action == KeyAction::Release && grabs_.released(key.code, stamp.time))
-        applyGrabs();
-    if (keys_.isModifier(key.code))
-        modifierChanged(key, stamp, before);
-    else if (key.action == KeyAction::Press)
-        ordinaryPress(key, stamp);
+    keys_.track(stroke);
+    if (keys_.isModifier(stroke.code))
+        modifierChanged(before, stroke.time);
+    else if (stroke.action == KeyAction::Press)
+        chords_.interrupt();
 }
 
-void X11KeyboardSession::modifierChanged(const DeviceKey& key, const Stamp& stamp, keys::Modifiers before) {
+void X11KeyboardSession::modifierChanged(keys::Modifiers before, std::uint32_t time) {
     const auto after = keys_.flagsDown();
-    if (key.isRepeat || before == after || !chords_.isAnyDeclared())
+    if (const bool inChord = chords_.isAnyDeclared() && !after.isEmpty(); inChord != watchingButtons_) {
+        watchingButtons_ = inChord;
+        watchButtons(connection_, inChord ? Watch::On : Watch::Off);
+    }
+    if (before == after || !chords_.isAnyDeclared())
         return;
-    if (before.isEmpty() || after.isEmpty())
-        watchButtons(connection_, after.isEmpty() ? ButtonWatch::Off : ButtonWatch::On);
-    const auto fired = chords_.changed({before, after, keys_.group(key), clock_.now()});
-    if (!went(stamp, false))
-        chords_.interrupt();
-    else if (fired)
+    if (const auto fired = chords_.changed({before, after, grabs_.group(), std::chrono::milliseconds(time)}))
         delivery_->pressed(*fired);
 }
 
+void X11KeyboardSession::seen(const DeviceKey& key, const Stamp& stamp) {
+    follow({stamp.time, key.code, key.action});
+    if (key.device == devices_.posted && posted_->take(PostedKeys::Stream::Keys, key.code, key.action, clock_.now()))
+        return;
+    if (key.action == KeyAction::Release && grabs_.released(key.code, stamp.time))
+        applyGrabs();
+    if (key.action == KeyAction::Press && !keys_.isModifier(key.code))
+        ordinaryPress(key, stamp);
+}
+
 void X11KeyboardSession::ordinaryPress(const DeviceKey& key, const Stamp& stamp) {
-    chords_.interrupt();
     if (!delivery_->wantsTypedKeys() || window_.grabs().contains(keys_.grabOf(key))) {
         keys_.forgetDeadKey();
         return;
@@ -240,6 +284,7 @@ void X11KeyboardSession::ordinaryPress(const DeviceKey& key, const Stamp& stamp)
     }
 }
 
+/// To be asked after the strokes up to it were followed.
 bool X11KeyboardSession::went(const Stamp& stamp, bool isRepeat) {
     // The server's own repeats have no time of their own to ask for.
     if (isRepeat && stamp.code == wentPress_.code)
@@ -255,7 +300,9 @@ KeyGrab X11KeyboardSession::withoutLocks(KeyCode code, unsigned modifiers) const
 }
 
 void X11KeyboardSession::grabbed(const KeyGrab& key, const Stamp& stamp, bool isRepeat) {
+    setWatching(true);  // no gap: every key comes to us until the keyboard is given back
     window_.letGo();
+    follow({stamp.time, key.code, KeyAction::Press});
     const auto hotkey = stamp == postedPress_ ? std::nullopt : grabs_.pressed(key, stamp.time, isRepeat);
     if (!hotkey)
         return;
@@ -263,6 +310,8 @@ void X11KeyboardSession::grabbed(const KeyGrab& key, const Stamp& stamp, bool is
     delivery_->pressed(*hotkey);
     if (begins)
         origin_ = active_ = window_.activeWindow();
+    if (!keysDown(connection_).test(key.code))  // it went up before its keyboard was watched
+        grabs_.released(key.code, stamp.time);
     applyGrabs();
 }
 

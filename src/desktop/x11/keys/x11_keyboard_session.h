@@ -6,9 +6,9 @@
 #include "desktop/x11/keys/x11_grab_window.h"
 #include "desktop/x11/keys/x11_hotkey_grabs.h"
 #include "desktop/x11/keys/x11_key_delivery.h"
+#include "desktop/x11/keys/x11_keyboard_notices.h"
 #include "desktop/x11/keys/x11_modifier_chords.h"
 #include "desktop/x11/keys/x11_typed_keys.h"
-#include "desktop/x11/keys/x11_ungrabbed_keys.h"
 #include "platform/log.h"
 
 namespace tavrelon::desktop {
@@ -16,8 +16,8 @@ namespace tavrelon::desktop {
 /// Everything that hotkeys and the observation of typed keys do with the X server. Made on the main thread, then used
 /// by the keyboard's thread only.
 ///
-/// Keys are watched as the keyboards report them, beside their way to the application. Only hotkeys are taken out, by
-/// passive grabs that freeze nothing.
+/// Only hotkeys are taken out, by passive grabs that freeze nothing. At rest no other key but a modifier wakes this
+/// thread; while typed keys are wanted, or a hotkey is held, the keyboards are watched beside the keys' way.
 class X11KeyboardSession {
  public:
     /// The connection outlives the session.
@@ -50,14 +50,19 @@ class X11KeyboardSession {
 
     void handle(const xcb_generic_event_t& event);
     void handleInput(const xcb_generic_event_t& event);
+    void follow(const KeyMoment& moment);
+    void struck(const KeyStroke& stroke);
+    void modifierChanged(keys::Modifiers before, std::uint32_t time);
     void seen(const DeviceKey& key, const Stamp& stamp);
-    void modifierChanged(const DeviceKey& key, const Stamp& stamp, keys::Modifiers before);
     void ordinaryPress(const DeviceKey& key, const Stamp& stamp);
     void grabbed(const KeyGrab& key, const Stamp& stamp, bool isRepeat);
     KeyGrab withoutLocks(KeyCode code, unsigned modifiers) const;
     bool went(const Stamp& stamp, bool isRepeat);
 
+    void stateChanged(const KeyboardState& state);
     void followFocus();
+    void watchAsNeeded();
+    void setWatching(bool watching);
     void settle();
     void findDevices();
     bool readKeyboard();
@@ -82,6 +87,9 @@ class X11KeyboardSession {
     Stamp wentPress_;                     ///< the last press that was found to go its ordinary way
     std::set<KeyGrab> probed_;            ///< which keys were tried whether somebody else holds them
     std::set<QString> reported_;
+    std::optional<ModifierMask> modifiersNow_;  ///< as the server told last, until that is settled
+    bool watching_ = false;
+    bool watchingButtons_ = false;
     bool focusMoved_ = false;
     bool devicesChanged_ = false;
     bool keyboardChanged_ = false;

@@ -6,9 +6,20 @@
 
 namespace tavrelon::desktop {
 
+namespace {
+
+constexpr std::chrono::minutes lookAnyway{5};
+
+}  // namespace
+
 X11KeyboardThread::X11KeyboardThread(platform::Log& log, std::unique_ptr<X11Connection> connection,
-                                     std::unique_ptr<X11KeyboardSession> session)
-    : log_(log), connection_(std::move(connection)), session_(std::move(session)), thread_([this] { run(); }) {}
+                                     std::unique_ptr<X11KeyboardSession> session,
+                                     std::vector<platform::WantedHotkey> wanted)
+    : log_(log),
+      connection_(std::move(connection)),
+      session_(std::move(session)),
+      wanted_(std::move(wanted)),
+      thread_([this] { run(); }) {}
 
 X11KeyboardThread::~X11KeyboardThread() {
     {
@@ -24,6 +35,15 @@ X11KeyboardThread::~X11KeyboardThread() {
 void X11KeyboardThread::declare(std::vector<platform::WantedHotkey> wanted) {
     std::unique_lock lock(mutex_);
     wanted_ = std::move(wanted);
+    waitUntilApplied(lock);
+}
+
+void X11KeyboardThread::applyAnew() {
+    std::unique_lock lock(mutex_);
+    waitUntilApplied(lock);
+}
+
+void X11KeyboardThread::waitUntilApplied(std::unique_lock<std::mutex>& lock) {
     const int asked = ++declarationsAsked_;
     wake_.signal();
     changed_.wait_for(lock, std::chrono::milliseconds(250), [&] { return ended_ || declarationsApplied_ >= asked; });
@@ -68,7 +88,8 @@ void X11KeyboardThread::run() {
 void X11KeyboardThread::waitForWork() {
     std::array<pollfd, 2> sources{
         {{xcb_get_file_descriptor(connection_->get()), POLLIN, 0}, {wake_.descriptor(), POLLIN, 0}}};
-    ::poll(sources.data(), sources.size(), -1);
+    // Now and then, or what nobody waits for would pile up under somebody who needs no modifiers, as in a game.
+    ::poll(sources.data(), sources.size(), static_cast<int>(std::chrono::milliseconds(lookAnyway).count()));
     wake_.clear();
 }
 

@@ -13,7 +13,7 @@ namespace tavrelon::desktop {
 class X11KeyboardThread {
  public:
     X11KeyboardThread(platform::Log& log, std::unique_ptr<X11Connection> connection,
-                      std::unique_ptr<X11KeyboardSession> session);
+                      std::unique_ptr<X11KeyboardSession> session, std::vector<platform::WantedHotkey> wanted);
     X11KeyboardThread(const X11KeyboardThread&) = delete;
     X11KeyboardThread& operator=(const X11KeyboardThread&) = delete;
 
@@ -23,7 +23,11 @@ class X11KeyboardThread {
     /// Hands over the wanted hotkeys and waits until their keys are held, for a quarter of a second at most.
     void declare(std::vector<platform::WantedHotkey> wanted);
 
+    /// Lets the thread look anew at what is wanted, and waits for that as long.
+    void applyAnew();
+
  private:
+    void waitUntilApplied(std::unique_lock<std::mutex>& lock);
     void run();
     void applyDeclaration();
     bool stopRequested();

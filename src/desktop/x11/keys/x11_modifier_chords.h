@@ -1,9 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <vector>
 
-#include "async/main_loop.h"
 #include "platform/hotkeys.h"
 
 namespace tavrelon::desktop {
@@ -22,8 +22,8 @@ class ModifierChords {
     struct Change {
         keys::Modifiers before;
         keys::Modifiers after;
-        unsigned group = 0;  ///< the layout in force
-        async::Instant at;
+        unsigned group = 0;            ///< the layout in force
+        std::chrono::milliseconds at;  ///< by the server's clock
     };
 
     /// A modifier went down or up; gives the hotkey that fires by it.
@@ -39,7 +39,7 @@ class ModifierChords {
 
     std::vector<platform::WantedHotkey> chords_;
     keys::Modifiers largest_;
-    async::Instant completedAt_;
+    std::chrono::milliseconds completedAt_{};
     unsigned group_ = 0;
     bool isClean_ = false;  ///< of the chord in progress
 };

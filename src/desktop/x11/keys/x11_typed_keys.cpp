@@ -7,14 +7,16 @@ void X11TypedKeys::setKeyboard(std::shared_ptr<const X11Keyboard> keyboard) {
     text_.setKeyboard(*keyboard_);
 }
 
-void X11TypedKeys::track(const DeviceKey& key) {
-    auto& down = down_[key.device];
-    // A release may have been missed, while the keyboard was unplugged or another console was in front.
-    for (std::size_t code = 0; code < down.size(); ++code)
-        if (down.test(code) && (keyboard_->modifiersOf(static_cast<KeyCode>(code)) & key.state.base) == 0)
-            down.reset(code);
-    if (keyboard_->modifiersOf(key.code) != 0)
-        down.set(key.code, key.action == KeyAction::Press);
+void X11TypedKeys::track(const KeyStroke& stroke) {
+    if (keyboard_->modifiersOf(stroke.code) != 0)
+        down_[stroke.device].set(stroke.code, stroke.action == KeyAction::Press);
+}
+
+void X11TypedKeys::keepOnly(ModifierMask modifiers) {
+    for (auto& [device, down] : down_)
+        for (std::size_t code = 0; code < down.size(); ++code)
+            if ((keyboard_->modifiersOf(static_cast<KeyCode>(code)) & modifiers) == 0)
+                down.reset(code);
 }
 
 ModifierMask X11TypedKeys::modifiersDown() const {

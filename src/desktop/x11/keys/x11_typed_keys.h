@@ -3,14 +3,13 @@
 #include <map>
 
 #include "desktop/x11/keys/x11_grab_set.h"
-#include "desktop/x11/keys/x11_key_posts.h"
 #include "desktop/x11/keys/x11_key_text.h"
-#include "desktop/x11/keys/x11_keyboard_devices.h"
+#include "desktop/x11/keys/x11_ungrabbed_keys.h"
 #include "platform/key_event.h"
 
 namespace tavrelon::desktop {
 
-/// One key going down or up on one keyboard.
+/// One key going down or up on one keyboard, as that keyboard tells it.
 struct DeviceKey {
     DeviceId device = 0;
     KeyCode code = 0;
@@ -27,8 +26,12 @@ class X11TypedKeys {
     /// Says what is down on a keyboard that was not watched before.
     void setKeysDown(DeviceId device, const KeySet& keys) { down_[device] = keys; }
 
-    /// Takes every key, in order.
-    void track(const DeviceKey& key);
+    /// Takes every stroke, in order.
+    void track(const KeyStroke& stroke);
+
+    /// A release may have been missed, while somebody held the keyboard or another console was in front: no modifier
+    /// is down but these.
+    void keepOnly(ModifierMask down);
 
     /// Whether the key holds one of the four flags while it is down.
     bool isModifier(KeyCode code) const { return !keyboard_->flagsHeldBy(code).isEmpty(); }
@@ -38,9 +41,6 @@ class X11TypedKeys {
 
     /// The key with its modifiers, as it would be grabbed.
     KeyGrab grabOf(const DeviceKey& key) const;
-
-    /// The layout in force at this key.
-    unsigned group(const DeviceKey& key) { return text_.group(key.state); }
 
     /// The event of a press that an application gets; accented letters are put together.
     platform::KeyEvent typed(const DeviceKey& key);

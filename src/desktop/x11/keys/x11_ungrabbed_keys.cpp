@@ -9,7 +9,17 @@ namespace tavrelon::desktop {
 namespace {
 
 /// How long a stroke may wait, on however busy a machine, until somebody asks for it.
-constexpr std::uint32_t keptMilliseconds = 10'000;
+constexpr std::int32_t keptMilliseconds = 10'000;
+
+/// The server's clock starts anew every 49 days.
+std::int32_t millisecondsFrom(std::uint32_t earlier, std::uint32_t later) {
+    return static_cast<std::int32_t>(later - earlier);
+}
+
+void forgetOld(std::deque<KeyStroke>& strokes, std::uint32_t now) {
+    while (!strokes.empty() && millisecondsFrom(strokes.front().time, now) > keptMilliseconds)
+        strokes.pop_front();
+}
 
 }  // namespace
 
@@ -30,22 +40,43 @@ std::expected<std::unique_ptr<X11UngrabbedKeys>, QString> X11UngrabbedKeys::open
 void X11UngrabbedKeys::drain() {
     while (const XPointer<xcb_generic_event_t> event{xcb_poll_for_event(connection_->get())}) {
         const auto& key = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(*event);
+        const bool isPress = key.event_type == XCB_INPUT_RAW_KEY_PRESS;
         if ((event->response_type & 0x7F) == XCB_GE_GENERIC && key.extension == connection_->inputOpcode() &&
-            (key.event_type == XCB_INPUT_RAW_KEY_PRESS || key.event_type == XCB_INPUT_RAW_KEY_RELEASE))
-            strokes_.push_back({static_cast<KeyCode>(key.detail), key.time});
+            (isPress || key.event_type == XCB_INPUT_RAW_KEY_RELEASE))
+            strokes_.push_back({key.sourceid, static_cast<KeyCode>(key.detail),
+                                isPress ? KeyAction::Press : KeyAction::Release, key.time});
     }
-    while (!strokes_.empty() && strokes_.back().time - strokes_.front().time > keptMilliseconds)
-        strokes_.pop_front();
+    if (!strokes_.empty())
+        forgetOld(strokes_, strokes_.back().time);
 }
 
-bool X11UngrabbedKeys::had(KeyCode code, std::uint32_t time) {
+std::vector<KeyStroke> X11UngrabbedKeys::upTo(const KeyMoment& moment) {
     // Once the server has answered, its notice of every earlier key is here.
     connection_->sync();
     drain();
-    const auto found = std::ranges::find(strokes_, Stroke{code, time});
-    if (found == strokes_.end())
+    const auto later = std::ranges::find_if(
+        strokes_, [&](const KeyStroke& stroke) { return millisecondsFrom(moment.time, stroke.time) > 0; });
+    const auto isIt = [&](const KeyStroke& stroke) {
+        return stroke.code == moment.code && stroke.action == moment.action;
+    };
+    auto struck = std::find_if(strokes_.begin(), later,
+                               [&](const KeyStroke& stroke) { return isIt(stroke) && stroke.time == moment.time; });
+    if (struck == later)  // some notices are given the time of their sending
+        struck = std::find_if(strokes_.begin(), later, isIt);
+    const auto end = struck == later ? later : std::next(struck);
+    std::vector<KeyStroke> fresh(strokes_.begin(), end);
+    strokes_.erase(strokes_.begin(), end);
+    given_.insert(given_.end(), fresh.begin(), fresh.end());
+    forgetOld(given_, moment.time);
+    return fresh;
+}
+
+bool X11UngrabbedKeys::had(KeyCode code, std::uint32_t time) {
+    const auto found = std::ranges::find_if(
+        given_, [&](const KeyStroke& stroke) { return stroke.code == code && stroke.time == time; });
+    if (found == given_.end())
         return false;
-    strokes_.erase(strokes_.begin(), std::next(found));  // they are asked for in their order
+    given_.erase(given_.begin(), std::next(found));
     return true;
 }
 

@@ -21,7 +21,7 @@ void forEachKey(const KeySet& keys, Visit visit) {
 X11HeldModifiers::X11HeldModifiers(X11XTest& xtest, std::unique_ptr<X11Connection> watch)
     : xtest_(xtest), watchConnection_(std::move(watch)) {
     devices_ = keyboardDevices(*watchConnection_).value_or(KeyboardDevices());
-    watchKeys(*watchConnection_, devices_);
+    watchDevices(*watchConnection_);
     watchConnection_->sync();
     thread_ = std::thread([this] { this->watch(); });
 }
@@ -46,6 +46,7 @@ void X11HeldModifiers::letGo() {
 void X11HeldModifiers::releaseRestored() {
     forEachKey(restored_, [this](KeyCode code) { xtest_.post(code, KeyAction::Release); });
     restored_.reset();
+    watchKeys(*watchConnection_, devices_, Watch::Off);
 }
 
 KeySet X11HeldModifiers::physicallyDown(X11Connection& connection) {
@@ -81,11 +82,16 @@ void X11HeldModifiers::putAside(const X11Keyboard& keyboard) {
 void X11HeldModifiers::giveBack() {
     const std::lock_guard lock(mutex_);
     // A release from here on finds the key among the restored ones, because the watching thread waits for its turn.
+    if (aside_.any()) {
+        watchKeys(*watchConnection_, devices_, Watch::On);
+        watchConnection_->sync();
+    }
     const auto down = aside_.any() ? physicallyDown(xtest_.connection()) : KeySet();
     restored_ |= aside_ & down;
     aside_.reset();
     forEachKey(restored_, [this](KeyCode code) { xtest_.post(code, KeyAction::Press); });
     xtest_.send();
+    wake_.signal();  // the questions above may have read a release, which no poll announces any more
 }
 
 void X11HeldModifiers::watch() {
@@ -113,9 +119,9 @@ void X11HeldModifiers::handle(const xcb_generic_event_t& event) {
     if (input.event_type != XCB_INPUT_HIERARCHY)
         return;
     if (auto devices = keyboardDevices(*watchConnection_)) {
-        watchKeys(*watchConnection_, *devices);
         const std::lock_guard lock(mutex_);
         devices_ = std::move(*devices);
+        watchKeys(*watchConnection_, devices_, restored_.any() ? Watch::On : Watch::Off);
     }
 }
 
@@ -126,6 +132,8 @@ void X11HeldModifiers::released(KeyCode code) {
     restored_.reset(code);
     xtest_.post(code, KeyAction::Release);
     xtest_.send();
+    if (restored_.none())
+        watchKeys(*watchConnection_, devices_, Watch::Off);
 }
 
 }  // namespace tavrelon::desktop

@@ -12,7 +12,7 @@ namespace tavrelon::desktop {
 /// Takes the modifiers that the user holds out of the session's keyboard, and puts them back.
 ///
 /// What is put back is down on the posting device too, which the user's own release does not reach; a thread therefore
-/// watches the keyboards and lets go there as the user lets go.
+/// watches the keyboards while anything is, and lets go there as the user lets go.
 class X11HeldModifiers {
  public:
     /// `watch` is a connection of its own for that thread.
