@@ -94,6 +94,7 @@ void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSette
 }
 
 void AppState::askForConsent(const std::optional<ServiceConsent::Question>& question) {
+    hotkeyManager_.setQuestionOnShow(question.has_value());
     inputHUDController_->ask(question ? std::optional(consentQuestion(*question, storageManager_.settings()))
                                       : std::nullopt);
 }

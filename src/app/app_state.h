@@ -48,6 +48,7 @@ class AppState {
     learning::CloneService& cloneService() { return *cloneService_; }
     input::InputStateMachine& inputStateMachine() { return *inputStateMachine_; }
     ui::HotkeyStatusHUDWindowController& hotkeyStatusHUDController() { return hotkeyStatusHUDController_; }
+    ServiceConsent& serviceConsent() { return consent_; }
     async::MainLoop& mainLoop() { return platform_.mainLoop; }
 
  private:

@@ -1,5 +1,6 @@
 #include "app/service_consent.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/web_origin.h"
@@ -19,9 +20,11 @@ constexpr auto readingTime = 700ms;
 
 /// Holds a line for each origin and what it may get.
 constexpr auto entry = "tavrelon.allowedServices"_L1;
+constexpr auto textTo = "text "_L1;
+constexpr auto picturesTo = "pictures "_L1;
 
 QString lineOf(const QUrl& address, RequestContents contents) {
-    return (contents == RequestContents::Text ? "text "_L1 : "pictures "_L1) + platform::webOrigin(address);
+    return (contents == RequestContents::Text ? textTo : picturesTo) + platform::webOrigin(address);
 }
 
 QStringList stored(const platform::DefaultsStore& store) {
@@ -43,6 +46,26 @@ QStringList ServiceConsent::missing(const std::vector<QUrl>& destinations, Reque
 
 bool ServiceConsent::isAllowed(const std::vector<QUrl>& destinations, RequestContents contents) const {
     return missing(destinations, contents).isEmpty();
+}
+
+std::vector<ServiceConsent::Allowed> ServiceConsent::allowed() const {
+    std::vector<Allowed> services;
+    for (const auto& line : stored(store_)) {
+        const auto origin = line.section(u' ', 1);
+        const auto contents = line.startsWith(picturesTo) ? RequestContents::Picture : RequestContents::Text;
+        const auto known = std::ranges::find(services, origin, &Allowed::origin);
+        if (known == services.end())
+            services.push_back({origin, contents});
+        else if (contents == RequestContents::Picture)
+            known->contents = contents;
+    }
+    return services;
+}
+
+void ServiceConsent::forget(const QString& origin) {
+    auto lines = stored(store_);
+    lines.removeIf([&](const QString& line) { return line.section(u' ', 1) == origin; });
+    store_.setString(entry, lines.join(u'\n'));
 }
 
 async::Task<void> ServiceConsent::obtain(std::vector<QUrl> destinations, RequestContents contents) {

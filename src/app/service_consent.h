@@ -32,6 +32,16 @@ class ServiceConsent {
     /// `async::CancellationError` when the awaiting task was asked to stop or nobody has answered for a minute.
     async::Task<void> obtain(std::vector<QUrl> destinations, generation::RequestContents contents);
 
+    /// A service that the user said yes to.
+    struct Allowed {
+        QString origin;
+        generation::RequestContents contents = generation::RequestContents::Text;  ///< `Picture` includes text
+    };
+    std::vector<Allowed> allowed() const;
+
+    /// Takes the yes back: the next request to this service asks again.
+    void forget(const QString& origin);
+
     bool isAllowed(const std::vector<QUrl>& destinations, generation::RequestContents contents) const;
 
     /// The user's yes to the question on show. Too soon after it came it was meant for something else.

@@ -41,6 +41,11 @@ void HotkeyManager::setOwnWindowActive(bool isActive) {
     refresh();
 }
 
+void HotkeyManager::setQuestionOnShow(bool isOnShow) {
+    question_ = isOnShow ? Question::OnShow : Question::None;
+    refresh();
+}
+
 void HotkeyManager::startListening() {
     if (!platform_.accessibility.isProcessTrusted())
         throw TavrelonError::permissionDenied(PermissionType::accessibility,
@@ -63,7 +68,7 @@ void HotkeyManager::refresh() {
     std::vector<DeclaredHotkey> wanted;
     if (machine && !(isRecordingKeys_ && isOwnWindowActive_))
         wanted = wantedHotkeys(*this, machine->currentState(),
-                               isOwnWindowActive_ ? FrontWindow::OurOwn : FrontWindow::OfAnotherApplication);
+                               isOwnWindowActive_ ? FrontWindow::OurOwn : FrontWindow::OfAnotherApplication, question_);
     if (wanted == declared_)
         return;
     declared_ = std::move(wanted);

@@ -50,6 +50,9 @@ class HotkeyManager : public keys::HotkeySet {
     /// Whether one of our own windows has the focus.
     void setOwnWindowActive(bool isActive);
 
+    /// Whether a running request asks something that the toggle and cancel hotkeys answer.
+    void setQuestionOnShow(bool isOnShow);
+
     Callback onVoiceHotkeyPressed;
     Callback onVoiceDictationHotkeyPressed;
     Callback onAutoReplyHotkeyPressed;
@@ -83,6 +86,7 @@ class HotkeyManager : public keys::HotkeySet {
     bool isListening_ = false;
     bool isRecordingKeys_ = false;
     bool isOwnWindowActive_ = false;
+    Question question_ = Question::None;
 };
 
 }  // namespace tavrelon::hotkeys

@@ -82,16 +82,23 @@ std::optional<Fires> firing(const Row& row, const HotkeyConfig& hotkey, const In
     return row.states.has(state) ? std::optional(Fires::OnPress) : std::nullopt;
 }
 
+bool isSwitchedOn(const Row& row, const HotkeySet& settings) {
+    return settings.*row.enabled && (settings.hotkeysEnabled || row.without == Without::MasterSwitch);
+}
+
 bool haveSameKeys(const WantedHotkey& a, const WantedHotkey& b) {
     return a.fires == b.fires && a.keys.matches(b.keys.keyCode, b.keys.modifiers);
 }
 
 }  // namespace
 
-std::vector<DeclaredHotkey> wantedHotkeys(const HotkeySet& settings, const InputState& state, FrontWindow front) {
+std::vector<DeclaredHotkey> wantedHotkeys(const HotkeySet& settings, const InputState& state, FrontWindow front,
+                                          Question question) {
     std::vector<DeclaredHotkey> wanted;
     for (const auto& row : rows) {
-        if (!(settings.*row.enabled) || (!settings.hotkeysEnabled && row.without != Without::MasterSwitch) ||
+        const bool answers =
+            question == Question::OnShow && (row.action == HotkeyAction::toggle || row.action == HotkeyAction::cancel);
+        if ((!answers && !isSwitchedOn(row, settings)) ||
             (front == FrontWindow::OurOwn && row.windows == Windows::ForeignOnly))
             continue;
         const auto fires = firing(row, settings.*row.hotkey, state);

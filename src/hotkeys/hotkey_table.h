@@ -23,6 +23,10 @@ enum class HotkeyAction {
 
 enum class FrontWindow { OfAnotherApplication, OurOwn };
 
+/// Whether the overlay asks something. Its two keys then count even where their switches are off, or it could not be
+/// answered.
+enum class Question { None, OnShow };
+
 /// A hotkey that is wanted, and what its press is to do.
 struct DeclaredHotkey {
     HotkeyAction action;
@@ -34,6 +38,6 @@ struct DeclaredHotkey {
 /// The hotkeys that count at this moment; any other press is the application's. Where two have the same keys, the one
 /// that stands first in the table has them.
 std::vector<DeclaredHotkey> wantedHotkeys(const keys::HotkeySet& settings, const input::InputState& state,
-                                          FrontWindow front);
+                                          FrontWindow front, Question question = Question::None);
 
 }  // namespace tavrelon::hotkeys

@@ -56,9 +56,6 @@ class Workspace {
     /// Where the window lies that has the focus.
     virtual std::optional<WindowPlace> frontmostWindowPlace() = 0;
 
-    /// Whether one of our own windows has the focus.
-    virtual bool isOwnApplicationActive() = 0;
-
     virtual bool isTerminated(const RunningApplication& application) = 0;
 
     /// Asks the window manager to bring the application to the front. False when it cannot be asked.

@@ -137,7 +137,7 @@ void readPromptTemplate(const QByteArray& bytes) {
 
 }  // namespace
 
-const std::array<Target, 20> targets{{{"settings", readSettings},
+const std::array<Target, 21> targets{{{"settings", readSettings},
                                       {"scenes", readScenes},
                                       {"history", readHistory},
                                       {"learner_state", readLearnerState},
@@ -156,6 +156,7 @@ const std::array<Target, 20> targets{{{"settings", readSettings},
                                       {"picture", readPicture},
                                       {"accessibility_reply", readAccessibilityReply},
                                       {"window_class", readWindowClass},
+                                      {"foreign_text", readForeignText},
                                       {"selection", readSelection}}};
 
 }  // namespace tavrelon::fuzz

@@ -12,6 +12,6 @@ struct Target {
     void (*read)(const QByteArray& bytes);
 };
 
-extern const std::array<Target, 20> targets;
+extern const std::array<Target, 21> targets;
 
 }  // namespace tavrelon::fuzz

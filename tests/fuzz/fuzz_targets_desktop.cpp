@@ -14,6 +14,8 @@
 #include "desktop/x11/windows/x11_window_queries.h"
 #include "fuzz/require.h"
 #include "platform/picture_header.h"
+#include "text/characters.h"
+#include "text/foreign_text.h"
 
 namespace tavrelon::fuzz {
 
@@ -88,6 +90,21 @@ void readWindowClass(const QByteArray& bytes) {
     require(!instance.contains(QChar(0)) && !name.contains(QChar(0)), "a text goes on behind its end");
     const auto identifier = desktop::bundleIdentifierOf({name, instance});
     require(identifier.has_value() == !(instance.isEmpty() && name.isEmpty()), "an identifier of nothing");
+}
+
+void readForeignText(const QByteArray& bytes) {
+    constexpr qsizetype longest = 300;
+    const auto text = Values(bytes).text();
+    const auto isControl = [](QChar unit) { return unit.category() == QChar::Other_Control; };
+    const auto line = text::oneLine(text, longest);
+    require(text::characterCount(line) <= longest, "a longer line than asked for");
+    require(std::ranges::none_of(line,
+                                 [&](QChar unit) { return isControl(unit) || unit.category() == QChar::Other_Format; }),
+            "a line that turns or breaks");
+    const auto answer = text::writableAnswer(text);
+    require(std::ranges::none_of(answer, [&](QChar unit) { return isControl(unit) && unit != u'\n' && unit != u'\t'; }),
+            "a control character in an answer");
+    require(text::writableAnswer(answer) == answer, "an answer that is not clean at once");
 }
 
 void readSelection(const QByteArray& bytes) {

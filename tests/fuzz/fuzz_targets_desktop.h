@@ -8,6 +8,7 @@ namespace tavrelon::fuzz {
 void readPicture(const QByteArray& bytes);
 void readAccessibilityReply(const QByteArray& bytes);
 void readWindowClass(const QByteArray& bytes);
+void readForeignText(const QByteArray& bytes);
 void readSelection(const QByteArray& bytes);
 
 }  // namespace tavrelon::fuzz

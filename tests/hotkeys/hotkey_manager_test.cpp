@@ -1,6 +1,6 @@
 #include "hotkeys/hotkey_manager.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "support/input_desk.h"
 #include "support/qt_gtest.h"
@@ -10,6 +10,7 @@ namespace tavrelon::hotkeys {
 using namespace std::chrono_literals;
 using tavrelon::testing::InputDesk;
 using tavrelon::testing::Taken;
+using ::testing::ElementsAre;
 using Case = input::InputState::Case;
 using Fires = platform::WantedHotkey::Fires;
 
@@ -75,6 +76,20 @@ TEST(HotkeyTable, EveryCell) {
     EXPECT_EQ(row(spoken, HotkeyAction::voice, FrontWindow::OfAnotherApplication), "ppppppp") << "a key as any other";
     EXPECT_EQ(row(spoken, HotkeyAction::voiceDictation, FrontWindow::OfAnotherApplication), "-------")
         << "no key and no modifiers never fire";
+}
+
+TEST(HotkeyTable, AQuestionCanBeAnsweredWhateverIsSwitchedOff) {
+    keys::HotkeySet off;
+    off.hotkeysEnabled = off.toggleHotkeyEnabled = off.cancelHotkeyEnabled = false;
+    const auto wanted = [&](Question question) {
+        std::vector<HotkeyAction> actions;
+        for (const auto& each : wantedHotkeys(off, Case::processing, FrontWindow::OfAnotherApplication, question))
+            actions.push_back(each.action);
+        return actions;
+    };
+    EXPECT_THAT(wanted(Question::None), ElementsAre(HotkeyAction::toggleAllHotkeys));
+    EXPECT_THAT(wanted(Question::OnShow),
+                ElementsAre(HotkeyAction::toggleAllHotkeys, HotkeyAction::toggle, HotkeyAction::cancel));
 }
 
 TEST(HotkeyTable, TheFirstInTheOrderHasTheKeysAndForeignBitsDoNotMatter) {

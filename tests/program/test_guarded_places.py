@@ -136,3 +136,31 @@ def test_one_line_goes_into_a_terminal_without_its_end_and_several_stay_on_the_c
     guarded.wait_for_line("Answer is on the clipboard")
     assert clipboard() == "one\ntwo"
     assert terminal.saved("question") == "question"
+
+
+def test_a_public_service_gets_nothing_before_the_user_has_said_yes_and_asks_again_once_that_is_taken_back(desk):
+    # The stand-in service answers in the place of a host that is no neighbour, as the proxy on the way there.
+    proxy = {"http_proxy": f"http://127.0.0.1:{desk.service.port}"}
+    settings = {"pollinationsBaseURL": "http://models.example", "screenshotMode": "none"}
+    tavrelon = desk.start(settings, proxy)
+    editor = desk.open("mousepad")
+    desk.answers("ANSWER")
+    allowed = tavrelon.home / "config/Tavrelon/tavrelon.allowedServices"
+
+    def ask():
+        desk.request(tavrelon, editor, "a question")
+        time.sleep(3)  # in which the overlay asks, and the user reads
+
+    ask()
+    assert desk.asked() == []
+    desk.keyboard.press("Escape")
+    time.sleep(1)
+    assert desk.asked() == [] and not allowed.exists()
+    assert editor.saved("a question") == "a question"
+    editor.refill("Asked: ", "")
+    ask()
+    desk.commit()
+    wait_for_history(tavrelon, 1)
+    assert len(desk.asked()) == 1
+    assert allowed.read_text() == "text http://models.example:80"
+    assert editor.saved("Asked: ANSWER") == "Asked: ANSWER"

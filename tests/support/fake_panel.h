@@ -37,7 +37,7 @@ class FakePanel : public platform::Panel {
     bool isVisible() const override { return visible; }
     void orderFront() override { visible = true; }
     void orderOut() override {
-        if (std::exchange(visible, false) && workspace_.isOwnApplicationActive())
+        if (std::exchange(visible, false) && workspace_.isOwnWindowInFront())
             workspace_.focusNothing();
     }
     void makeKeyAndOrderFront() override {

@@ -26,7 +26,7 @@ std::optional<QString> FakeWorkspace::frontmostWindowTitle() {
     return windows_[*frontmost_].title;
 }
 
-bool FakeWorkspace::isOwnApplicationActive() {
+bool FakeWorkspace::isOwnWindowInFront() {
     const auto front = frontmostApplication();
     return front && front->processIdentifier == ownProcessIdentifier;
 }

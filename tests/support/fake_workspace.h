@@ -18,7 +18,6 @@ class FakeWorkspace : public platform::Workspace {
     std::optional<platform::WindowPlace> frontmostWindowPlace() override {
         return frontmost_ ? std::optional(windowPlace) : std::nullopt;
     }
-    bool isOwnApplicationActive() override;
     bool isTerminated(const platform::RunningApplication& application) override;
     bool activate(const platform::RunningApplication& application) override;
     bool hasKeyboard(const platform::RunningApplication& application) override;
@@ -29,6 +28,7 @@ class FakeWorkspace : public platform::Workspace {
 
     /// Puts one of our own windows in front.
     void focusOwnWindow();
+    bool isOwnWindowInFront();
 
     /// No window has the focus any longer; all stay open.
     void focusNothing() { frontmost_.reset(); }

@@ -38,7 +38,8 @@ struct DashboardDesk {
     ui::HotkeysSettingsModel hotkeys{{desktop.loop, storage, manager, keys,
                                       [this](bool enabled) { shownStates.push_back(enabled); },
                                       desktop.keyboard.hotkeys}};
-    ui::PrivacySettingsModel privacy{storage, permissions()};
+    app::ServiceConsent consent{desktop.loop, store};
+    ui::PrivacySettingsModel privacy{storage, permissions(), consent};
 
     persistence::AppSettings stored() const {
         return persistence::appSettingsFrom(text::parseJson(*store.data(persistence::defaults_keys::settings)));

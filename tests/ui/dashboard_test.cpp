@@ -55,4 +55,26 @@ TEST_F(DashboardTest, PermissionsAreReadAtEachDrawing) {
     EXPECT_TRUE(granted(2));
 }
 
+TEST_F(DashboardTest, AServiceThatIsForgottenIsAskedForAgain) {
+    store.setString(
+        QStringLiteral("tavrelon.allowedServices"),
+        QStringLiteral("text https://a.example:443\ntext http://b.example:81\npictures https://a.example:443"));
+    const auto shown = [&] {
+        QStringList lines;
+        for (const auto& service : privacy.services())
+            lines << service.toMap().value(QStringLiteral("name")).toString() + u'|' +
+                         service.toMap().value(QStringLiteral("detail")).toString();
+        return lines.join(u';');
+    };
+    storage.changeSettings([](auto& settings) { settings.appLanguage = QStringLiteral("en"); });
+    EXPECT_EQ(shown(), QStringLiteral("a.example|Text and pictures of windows;b.example:81|Text"));
+    privacy.forget(QStringLiteral("https://a.example:443"));
+    EXPECT_EQ(shown(), QStringLiteral("b.example:81|Text"));
+    const auto isAllowed = [&](const char* address) {
+        return consent.isAllowed({QUrl(QString::fromLatin1(address))}, generation::RequestContents::Text);
+    };
+    EXPECT_FALSE(isAllowed("https://a.example/v1"));
+    EXPECT_TRUE(isAllowed("http://b.example:81/v1"));
+}
+
 }  // namespace tavrelon::ui

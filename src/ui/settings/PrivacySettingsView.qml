@@ -34,4 +34,55 @@ ScrollPage {
             onAllow: page.model.allow(index)
         }
     }
+
+    GlassCard {
+        visible: page.model.services.length > 0
+        width: parent.width
+
+        Text {
+            text: page.texts.services
+            color: Look.primary
+            font { family: Look.fontFamily; pixelSize: Look.bodySize; weight: Font.DemiBold }
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+        Text {
+            width: parent.width
+            text: page.texts.servicesDetail
+            color: Look.secondary
+            wrapMode: Text.Wrap
+            font { family: Look.fontFamily; pixelSize: Look.smallSize }
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+        Repeater {
+            model: page.model.services
+            Item {
+                id: service
+                required property var modelData
+                width: parent.width
+                height: Look.fieldHeight
+
+                Text {
+                    anchors {
+                        left: parent.left; right: forget.left; rightMargin: 12; verticalCenter: parent.verticalCenter
+                    }
+                    text: service.modelData.name + "  ·  " + service.modelData.detail
+                    textFormat: Text.PlainText
+                    color: Look.primary
+                    elide: Text.ElideMiddle
+                    font { family: Look.fontFamily; pixelSize: Look.smallSize }
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: text
+                }
+                GlassButton {
+                    id: forget
+                    anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+                    text: page.texts.forget
+                    Accessible.description: service.modelData.name
+                    onTriggered: page.model.forget(service.modelData.origin)
+                }
+            }
+        }
+    }
 }

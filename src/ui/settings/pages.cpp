@@ -23,7 +23,8 @@ DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys, plat
 
 DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions) {
     return {DashboardTab::privacy, QStringLiteral("settings/PrivacySettingsView"), [&appState, permissions] {
-                return std::make_unique<PrivacySettingsModel>(appState.storageManager(), permissions);
+                return std::make_unique<PrivacySettingsModel>(appState.storageManager(), permissions,
+                                                              appState.serviceConsent());
             }};
 }
 

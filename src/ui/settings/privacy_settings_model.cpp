@@ -9,10 +9,16 @@ using platform::Permissions;
 
 namespace {
 
-constexpr std::array<PageText, 3> pageTexts{{
+constexpr std::array<PageText, 8> pageTexts{{
     {u"title", u"Permissions", u"Permissions"},
     {u"granted", u"Granted", u"Granted"},
     {u"allow", u"Allow", u"Allow"},
+    {u"services", u"Allowed Services", u"已允许的服务"},
+    {u"servicesDetail", u"You said yes to these; your requests go there without a question.",
+     u"您已同意将请求发送到以下服务，不再询问。"},
+    {u"textOnly", u"Text", u"文字"},
+    {u"pictures", u"Text and pictures of windows", u"文字和窗口截图"},
+    {u"forget", u"Ask Again", u"重新询问"},
 }};
 
 struct PermissionCardText {
@@ -28,10 +34,17 @@ constexpr std::array<PermissionCardText, 3> cardTexts{{
     {u"Microphone", u"Required for voice", u"mic.fill", &Permissions::microphone},
 }};
 
+/// As people write it: without the port that goes without saying.
+QString nameOf(const QUrl& origin) {
+    const bool isUsual = origin.port() == (origin.scheme() == QStringLiteral("https") ? 443 : 80);
+    return isUsual ? origin.host() : origin.authority();
+}
+
 }  // namespace
 
-PrivacySettingsModel::PrivacySettingsModel(persistence::StorageManager& storage, platform::Permissions permissions)
-    : PageModel(storage, pageTexts), permissions_(std::move(permissions)) {}
+PrivacySettingsModel::PrivacySettingsModel(persistence::StorageManager& storage, platform::Permissions permissions,
+                                           app::ServiceConsent& consent)
+    : PageModel(storage, pageTexts), permissions_(std::move(permissions)), consent_(consent) {}
 
 QVariantList PrivacySettingsModel::cards() const {
     QVariantList list;
@@ -45,6 +58,22 @@ QVariantList PrivacySettingsModel::cards() const {
         };
     }
     return list;
+}
+
+QVariantList PrivacySettingsModel::services() const {
+    QVariantList list;
+    for (const auto& [origin, contents] : consent_.allowed())
+        list << QVariantMap{
+            {QStringLiteral("origin"), origin},
+            {QStringLiteral("name"), nameOf(QUrl(origin))},
+            {QStringLiteral("detail"), text(contents == generation::RequestContents::Text ? u"textOnly" : u"pictures")},
+        };
+    return list;
+}
+
+void PrivacySettingsModel::forget(const QString& origin) {
+    consent_.forget(origin);
+    Q_EMIT changed();
 }
 
 void PrivacySettingsModel::allow(int card) {

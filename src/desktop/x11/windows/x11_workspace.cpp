@@ -91,11 +91,6 @@ std::optional<platform::WindowPlace> X11Workspace::frontmostWindowPlace() {
     return window == XCB_NONE ? std::nullopt : windows_->place(window);
 }
 
-bool X11Workspace::isOwnApplicationActive() {
-    const auto window = windows_->activeWindow();
-    return window != XCB_NONE && trustedProcess(windows_->properties(window)) == ::getpid();
-}
-
 bool X11Workspace::isTerminated(const RunningApplication& application) {
     if (!isProcessRunning(application.processIdentifier))
         return true;

@@ -18,7 +18,6 @@ class X11Workspace : public platform::Workspace {
     std::optional<platform::FrontmostWindow> frontmostWindow() override;
     std::optional<QString> frontmostWindowTitle() override;
     std::optional<platform::WindowPlace> frontmostWindowPlace() override;
-    bool isOwnApplicationActive() override;
     bool isTerminated(const platform::RunningApplication& application) override;
     bool activate(const platform::RunningApplication& application) override;
     bool hasKeyboard(const platform::RunningApplication& application) override;
