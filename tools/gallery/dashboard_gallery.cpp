@@ -73,6 +73,9 @@ void pictureHotkeys(DashboardGallery& gallery) {
 void picturePermissions(DashboardGallery& gallery) {
     gallery.picture(QStringLiteral("permissions"), DashboardTab::privacy);
     gallery.permission = platform::AuthorizationStatus::Authorized;
+    gallery.desktop.platform.defaultsStore.setString(
+        QStringLiteral("tavrelon.allowedServices"),
+        QStringLiteral("text https://models.example:443\npictures https://pictures.example:8443"));
     gallery.picture(QStringLiteral("permissions-granted"), DashboardTab::privacy);
 }
 
