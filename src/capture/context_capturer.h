@@ -27,12 +27,9 @@ class ContextCapturer {
     /// The context of a request; it names the application that was in front when the capture began.
     async::Task<CapturedContext> captureContext(QString inputBuffer, ScreenshotWish wish);
 
-    /// The text of the focused field and its selection. Blocks for as long as the accessibility reads take, which the
-    /// port bounds; safe inside the key callback.
+    /// The text of the focused field and its selection; nothing where that text lies in elements of its own. Blocks for
+    /// as long as the accessibility reads take, which the port bounds; safe inside the key callback.
     std::optional<AccessibilityTextSnapshot> fetchFocusedTextSnapshot();
-
-    /// The same at the start of an input: what later snapshots are compared with.
-    std::optional<AccessibilityTextSnapshot> fetchInitialTextSnapshot();
 
     /// The selected text, not trimmed, possibly empty.
     async::Task<std::optional<QString>> selectedText();

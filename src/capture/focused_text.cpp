@@ -12,6 +12,9 @@ namespace {
 /// How far a windowed read reaches before and after the selection, in UTF-16 units.
 constexpr qint64 windowReach = 512;
 
+/// Stands for what is no text: a picture, or a paragraph that is an element of its own, as in rich text.
+constexpr QChar embeddedObject(0xFFFC);
+
 /// The location that stands for "no range".
 constexpr qint64 notFound = -1;
 
@@ -32,28 +35,28 @@ std::optional<AccessibilityTextSnapshot> ContextCapturer::fetchFocusedTextSnapsh
     return snapshotOf(*element);
 }
 
-std::optional<AccessibilityTextSnapshot> ContextCapturer::fetchInitialTextSnapshot() {
-    platform_.accessibility.beginComparison();
-    return fetchFocusedTextSnapshot();
-}
-
 std::optional<AccessibilityTextSnapshot> ContextCapturer::snapshotOf(const AXElement& element) {
     auto& log = platform_.log;
-    auto range = selectedRangeOf(element);
+    const auto range = selectedRangeOf(element);
     auto value = valueOf(element);
-    if (range && (!value || text::isBlank(*value))) {
-        if (auto windowed = windowedValueOf(element, *range)) {
-            log.line(tagged(QStringLiteral("Using fallback windowed value")));
-            value = std::move(windowed->value);
-            range = windowed->selectedRange;
-        }
-    }
-    if (!value) {
+    std::optional<AccessibilityTextSnapshot> snapshot;
+    if (range && (!value || text::isBlank(*value)))
+        snapshot = windowedValueOf(element, *range);
+    if (snapshot)
+        log.line(tagged(QStringLiteral("Using fallback windowed value")));
+    else if (value)
+        snapshot = AccessibilityTextSnapshot{*std::move(value), range};
+    if (!snapshot) {
         log.line(tagged(QStringLiteral("No value string found, returning nil")));
         return std::nullopt;
     }
+    if (snapshot->value.contains(embeddedObject)) {
+        log.line(tagged(QStringLiteral("The value has its text elsewhere, returning nil")));
+        return std::nullopt;
+    }
+    snapshot->element = element;
     log.line(tagged(QStringLiteral("Returning snapshot with a value")));
-    return AccessibilityTextSnapshot{*std::move(value), range};
+    return snapshot;
 }
 
 std::optional<text::Utf16Range> ContextCapturer::selectedRangeOf(const AXElement& element) {
@@ -95,9 +98,9 @@ std::optional<AccessibilityTextSnapshot> ContextCapturer::windowedValueOf(const 
         return std::nullopt;
     const text::Utf16Range relative{std::max<qint64>(selected.location - start, 0), selected.length};
     if (const auto* attributed = std::get_if<platform::AXAttributedString>(&*value))
-        return AccessibilityTextSnapshot{attributed->plainText, relative};
+        return AccessibilityTextSnapshot{attributed->plainText, relative, std::nullopt, start};
     if (const auto* string = std::get_if<QString>(&*value))
-        return AccessibilityTextSnapshot{*string, relative};
+        return AccessibilityTextSnapshot{*string, relative, std::nullopt, start};
     return std::nullopt;
 }
 

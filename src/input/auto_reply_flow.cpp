@@ -44,19 +44,18 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
         [this, &context, prompt, userStyle] { return generateOnce(prompt, context, userStyle); });
     if (!machine_.isCurrentTask(id))
         co_return;
-    auto placement = output::Placement::Written;
-    if (retried.result.text) {
-        co_await async::pause(services_.platform.mainLoop, 50ms);
-        placement = co_await services_.outputWriter.pasteText(*retried.result.text);
-        if (!machine_.isCurrentTask(id))
-            co_return;
-    }
     services_.historyManager.addEntry(
         historyEntryOf(context, retried.result,
                        {selection, retried.result.text.value_or(QStringLiteral("[Auto Reply]")),
                         QStringLiteral("reply"), retried.retryCount},
                        services_.platform.mainLoop.wallTime()));
-    output::ensureWritten(placement);
+    if (retried.result.text) {
+        co_await async::pause(services_.platform.mainLoop, 50ms);
+        const auto placement = co_await services_.outputWriter.pasteText(*retried.result.text);
+        if (!machine_.isCurrentTask(id))
+            co_return;
+        output::ensureWritten(placement);
+    }
     co_await machine_.complete(id, 2s);
 }
 

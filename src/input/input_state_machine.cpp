@@ -54,7 +54,7 @@ void InputStateMachine::startTextInput() {
         services_.platform.log.line(QStringLiteral("[StateMachine] The input is forgotten: its window was left"));
         cancelInput();
     });
-    initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
+    initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
     schedule([this] { enterInputState(Case::listening, InputTrigger::text); });
 }
 

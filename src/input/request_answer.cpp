@@ -52,36 +52,42 @@ async::Task<void> TextRequestPipeline::leaveComposition(TextRequest& request) {
         co_return;
     const auto left = deriveRequestText(latest, std::nullopt, request.initial);
     request.finalDeleteCount = left ? left->deleteCount.value_or(0) : 0;
+    request.standing = left ? left->text : QString();
 }
 
-async::Task<TextRequestPipeline::WrittenAnswer> TextRequestPipeline::write(const TextRequest& request,
-                                                                           const generation::GenerationResult& result) {
+async::Task<output::Placement> TextRequestPipeline::write(const TextRequest& request,
+                                                          const generation::GenerationResult& result,
+                                                          qint64 retryCount) {
+    const auto id = QUuid::createUuid();
     const auto strategy =
         makeReplacementStrategy(request.requestText, request.context.selection, effectiveDeleteCount(request));
-    const auto id = QUuid::createUuid();
-    std::optional<QString> imagePath;
-    output::ImageOutcome outcome{QStringLiteral("[Image Generated]")};
+    std::optional<platform::PasteboardItem> picture;
     if (result.imageData) {
-        auto picture = co_await services_.platform.imageCodec.pasteboardItem(*result.imageData);
+        picture = co_await services_.platform.imageCodec.pasteboardItem(*result.imageData);
         if (!picture)  // told before a key is pressed: what was typed stays
             throw output::OutputWriterError(output::OutputWriterError::Code::invalidImageData);
-        imagePath = services_.historyManager.saveImage(picture->dataByType.front().second, id);
-        outcome = co_await writeImage(request, *std::move(picture), strategy);
-    } else if (result.text) {
-        outcome.text = *result.text;
-        outcome.placement = co_await services_.outputWriter.writeText(
-            *result.text, strategy.method, strategy.deleteCharCount, text::characterCount(request.requestText));
+        if (!machine_.isCurrentTask(request.id))
+            throw async::CancellationError();
     }
-    auto entry = historyEntryOf(request.context, result, {request.finalText, std::move(outcome.text), {}, 0},
+    const auto shown = picture ? output::pictureCopied.toString() : QStringLiteral("[Image Generated]");
+    auto entry = historyEntryOf(request.context, result,
+                                {request.finalText, result.text && !picture ? *result.text : shown, {}, retryCount},
                                 services_.platform.mainLoop.wallTime());
     entry.id = id;
-    entry.outputImagePath = std::move(imagePath);
-    co_return WrittenAnswer{std::move(entry), outcome.placement};
+    if (picture)
+        entry.outputImagePath = services_.historyManager.saveImage(picture->dataByType.front().second, id);
+    record(request, std::move(entry));  // before the write, which may be refused
+    if (picture)
+        co_return co_await writeImage(request, *std::move(picture), strategy);
+    if (!result.text)
+        co_return output::Placement::Written;
+    co_return co_await services_.outputWriter.writeText(*result.text, strategy.method, strategy.deleteCharCount,
+                                                        text::characterCount(request.requestText), request.standing);
 }
 
-async::Task<output::ImageOutcome> TextRequestPipeline::writeImage(const TextRequest& request,
-                                                                  platform::PasteboardItem picture,
-                                                                  const scenes::ReplacementStrategy& strategy) {
+async::Task<output::Placement> TextRequestPipeline::writeImage(const TextRequest& request,
+                                                               platform::PasteboardItem picture,
+                                                               const scenes::ReplacementStrategy& strategy) {
     auto& writer = services_.outputWriter;
     const auto typedCount = text::characterCount(request.requestText);
     auto paste = output::AutoPaste::Yes;
@@ -93,14 +99,12 @@ async::Task<output::ImageOutcome> TextRequestPipeline::writeImage(const TextRequ
             break;
         case Method::deleteChars:
             if (const auto count = strategy.deleteCharCount.value_or(typedCount);
-                count > 0 && co_await writer.deleteBackward(count) == output::Placement::OnClipboard)
+                count > 0 && co_await writer.deleteBackward(count, request.standing) == output::Placement::OnClipboard)
                 paste = output::AutoPaste::No;
             break;
     }
-    auto outcome = co_await writer.writeImage(std::move(picture), std::nullopt, paste);
-    if (paste == output::AutoPaste::No)
-        outcome.placement = output::Placement::OnClipboard;
-    co_return outcome;
+    const auto outcome = co_await writer.writeImage(std::move(picture), std::nullopt, paste);
+    co_return paste == output::AutoPaste::No ? output::Placement::OnClipboard : outcome.placement;
 }
 
 }  // namespace tavrelon::input

@@ -65,7 +65,7 @@ QString TextRequestPipeline::chooseRequestText(const TextRequest& request) {
     // A reading that failed or came too early shows no difference. Taking the whole field for the request would then
     // delete all before the caret, although the keys or the transcript tell what was asked.
     const bool foundInField = deriveRequestText(request.current, std::nullopt, request.initial).has_value();
-    if (!foundInField && !request.imeActive && !text::isBlank(request.inputBuffer))
+    if (!foundInField && !text::isBlank(request.inputBuffer))
         return request.inputBuffer;
     return deriveInputText(request.initial, request.current).value_or(request.inputBuffer);
 }
@@ -86,15 +86,17 @@ void TextRequestPipeline::testForComposition(TextRequest& request) {
     // An input method that has not committed leaves ASCII letters in the field, which would be nonsense to the model.
     if (text::isBlank(request.requestText) || !text::isASCIIOnly(text::trimmed(request.requestText)))
         return;
+    // A change that is nothing but an insertion at the caret is what was typed, in whatever script the rest is.
+    const auto found = deriveRequestText(request.current, std::nullopt, request.initial);
     std::optional<QString> window;
-    if (request.current)
+    if (request.current && !(found && found->isClean))
         window = caretWindow(request.current->value, request.current->selectedRange, scriptRadius);
     request.imeMayBeComposing = request.imeActive || (window && !text::isASCIIOnly(*window));
 }
 
 async::Task<TextRequestPipeline::Next> TextRequestPipeline::settleText(TextRequest& request) {
     if (machine_.activeTrigger() == InputTrigger::floatingInput) {
-        request.finalText = request.requestText;
+        request.settle({request.requestText, std::nullopt});
         co_return Next::Stage;
     }
     auto candidate = deriveRequestText(request.current, request.normalizedSelection, request.initial);
@@ -109,13 +111,12 @@ async::Task<TextRequestPipeline::Next> TextRequestPipeline::settleText(TextReque
         }
     }
     if (candidate) {
-        request.finalText = std::move(candidate->text);
-        request.finalDeleteCount = candidate->deleteCount;
+        request.settle(std::move(*candidate));
         co_return Next::Stage;
     }
     if (text::isBlank(request.requestText))
         co_return Next::EmptyInput;
-    request.finalText = request.requestText;
+    request.settle({request.requestText, std::nullopt});
     co_return Next::Stage;
 }
 

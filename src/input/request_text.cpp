@@ -6,6 +6,18 @@ namespace tavrelon::input {
 
 using Method = scenes::ReplacementStrategy::Method;
 
+namespace {
+
+/// Nobody means a longer text by two presses. In UTF-16 units.
+constexpr qint64 longestWholeRequest = 20000;
+
+qint64 selectedCount(const AccessibilityTextSnapshot& snapshot) {
+    const auto selected = snapshot.selectedRange ? text::substring(snapshot.value, *snapshot.selectedRange) : QString();
+    return selected ? text::characterCount(*selected) : 0;
+}
+
+}  // namespace
+
 std::optional<QString> selectedTextOf(const std::optional<AccessibilityTextSnapshot>& snapshot) {
     if (!snapshot || !snapshot->selectedRange || snapshot->selectedRange->length < 1)
         return std::nullopt;
@@ -18,11 +30,12 @@ std::optional<QString> deriveInputText(const std::optional<AccessibilityTextSnap
     if (!current)
         return std::nullopt;
     if (initial)
-        if (auto inserted = insertedText(*initial, *current))
-            return inserted;
+        if (auto found = insertion(*initial, *current))
+            return std::move(found->inserted);
     if (auto selected = selectedTextOf(current))
         return selected;
-    if (!text::isBlank(current->value))
+    const bool isOneField = !initial || initial->element == current->element;
+    if (isOneField && current->value.size() <= longestWholeRequest && !text::isBlank(current->value))
         return current->value;
     return std::nullopt;
 }
@@ -31,9 +44,9 @@ std::optional<RequestText> deriveRequestText(const std::optional<AccessibilityTe
                                              const std::optional<QString>& selection,
                                              const std::optional<AccessibilityTextSnapshot>& initial) {
     if (initial && current)
-        if (auto inserted = insertedText(*initial, *current)) {
-            const auto count = text::characterCount(*inserted);
-            return RequestText{*std::move(inserted), count};
+        if (auto found = insertion(*initial, *current)) {
+            const auto count = text::characterCount(found->inserted);
+            return RequestText{std::move(found->inserted), count, found->deleted == selectedCount(*initial)};
         }
     if (selection)
         if (auto trimmed = text::trimmedOrAbsent(*selection))

@@ -15,13 +15,15 @@ using capture::AccessibilityTextSnapshot;
 struct RequestText {
     QString text;
     std::optional<qint64> deleteCount;
+    bool isClean = false;  ///< nothing else but the selection before changed in the field
     bool operator==(const RequestText&) const = default;
 };
 
 /// The trimmed text that is selected in the snapshot; absent when nothing or only white space is.
 std::optional<QString> selectedTextOf(const std::optional<AccessibilityTextSnapshot>& snapshot);
 
-/// The text of an input by the field alone: what was inserted, else the selection, else the whole field.
+/// The text of an input by the field alone: what was inserted, else the selection, else the whole field, unless that is
+/// a long text or not the field in which the input began.
 std::optional<QString> deriveInputText(const std::optional<AccessibilityTextSnapshot>& initial,
                                        const std::optional<AccessibilityTextSnapshot>& current);
 

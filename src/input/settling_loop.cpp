@@ -71,22 +71,23 @@ async::Task<std::optional<RequestText>> SettlingLoop::readAgain(TextRequest& req
 }
 
 Settling SettlingLoop::choose(TextRequest& request, std::optional<RequestText> candidate) {
-    const auto settle = [&request](QString text, std::optional<qint64> count) {
-        request.finalText = std::move(text);
-        request.finalDeleteCount = count;
+    const auto settle = [&request](RequestText found) {
+        request.settle(std::move(found));
         return Settling::Settled;
     };
-    if (candidate && !text::isASCIIOnly(candidate->text))
-        return settle(std::move(candidate->text), candidate->deleteCount);
-    if (request.current) {
+    if (candidate && (candidate->isClean || !text::isASCIIOnly(candidate->text)))
+        return settle(*std::move(candidate));
+    // What an input method made of the keys was not seen in the field, so nothing of it can be removed there.
+    const auto unseen = request.imeActive ? std::optional<qint64>(0) : std::nullopt;
+    if (request.current && request.imeActive) {
         auto window = caretWindow(request.current->value, request.current->selectedRange, lastResortRadius);
         if (window && !isRawLetters(*window))
-            return settle(*std::move(window), std::nullopt);
+            return settle({*std::move(window), unseen});
     }
     if (candidate)
-        return settle(std::move(candidate->text), candidate->deleteCount);
+        return settle(*std::move(candidate));
     if (!text::isBlank(request.requestText))
-        return settle(request.requestText, std::nullopt);
+        return settle({request.requestText, unseen});
     return Settling::Empty;
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "capture/captured_context.h"
+#include "input/request_text.h"
 
 namespace tavrelon::input {
 
@@ -26,6 +27,13 @@ struct TextRequest {
     bool imeMayBeComposing = false;
     QString finalText;                       ///< what goes to the model
     std::optional<qint64> finalDeleteCount;  ///< characters to remove from the field
+    QString standing;                        ///< the text that these are, as far as it is known
+
+    void settle(RequestText found) {
+        standing = found.deleteCount ? found.text : requestText;
+        finalText = std::move(found.text);
+        finalDeleteCount = found.deleteCount;
+    }
 };
 
 }  // namespace tavrelon::input

@@ -45,12 +45,10 @@ async::Task<void> TextRequestPipeline::answer(TextRequest& request) {
     co_await leaveComposition(request);
     if (!machine_.isCurrentTask(request.id))
         co_return;
-    auto written = co_await write(request, retried.result);
+    const auto placement = co_await write(request, retried.result, retried.retryCount);
     if (!machine_.isCurrentTask(request.id))
         co_return;
-    written.entry.retryCount = retried.retryCount;
-    record(request, std::move(written.entry));
-    output::ensureWritten(written.placement);
+    output::ensureWritten(placement);
     co_await machine_.complete(request.id, std::chrono::seconds(2));
 }
 

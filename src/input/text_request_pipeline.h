@@ -41,13 +41,10 @@ class TextRequestPipeline {
                                                            std::optional<QString> userVoice);
     async::Task<void> leaveComposition(TextRequest& request);
     std::optional<qint64> effectiveDeleteCount(const TextRequest& request) const;
-    struct WrittenAnswer {
-        persistence::HistoryEntry entry;
-        output::Placement placement;
-    };
-    async::Task<WrittenAnswer> write(const TextRequest& request, const generation::GenerationResult& result);
-    async::Task<output::ImageOutcome> writeImage(const TextRequest& request, platform::PasteboardItem picture,
-                                                 const scenes::ReplacementStrategy& strategy);
+    async::Task<output::Placement> write(const TextRequest& request, const generation::GenerationResult& result,
+                                         qint64 retryCount);
+    async::Task<output::Placement> writeImage(const TextRequest& request, platform::PasteboardItem picture,
+                                              const scenes::ReplacementStrategy& strategy);
     void record(const TextRequest& request, persistence::HistoryEntry entry);
 
     void endEmpty(const QUuid& id);

@@ -17,7 +17,7 @@ void VideoFlow::startVideoInput() {
         machine_.failInput(QStringLiteral("Screen recording permission required"));
         return;
     }
-    machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
+    machine_.initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
     services_.outputWriter.aim();
     machine_.startRecordingFrames();
     machine_.schedule([this] { machine_.enterInputState(InputState::Case::recordingVideo, InputTrigger::video); });
@@ -45,13 +45,15 @@ async::Task<void> VideoFlow::processVideoInput(QString text, std::vector<QByteAr
     machine_.initialTextSnapshot.reset();
     // Not the whole field when nothing was typed: what stood there before would be deleted for the description.
     const auto typed = deriveRequestText(current, std::nullopt, initial);
-    const auto requestText = typed ? typed->text : text;
-    co_await describe(requestText, frames, id);
+    if (typed)
+        co_await describe(*typed, frames, id);
+    else
+        co_await describe({std::move(text), 0}, frames, id);
 }
 
-async::Task<void> VideoFlow::describe(const QString& requestText, const std::vector<QByteArray>& frames,
+async::Task<void> VideoFlow::describe(const RequestText& request, const std::vector<QByteArray>& frames,
                                       const QUuid& id) {
-    const auto prompt = text::trimmedOrAbsent(requestText).value_or(QStringLiteral("Describe the video."));
+    const auto prompt = text::trimmedOrAbsent(request.text).value_or(QStringLiteral("Describe the video."));
     if (frames.empty())
         throw ProcessingError::generationFailed(QStringLiteral("No video frames captured"));
     auto context = co_await services_.contextCapturer.captureContext(prompt, capture::ScreenshotWish::LeaveOut);
@@ -68,21 +70,21 @@ async::Task<void> VideoFlow::describe(const QString& requestText, const std::vec
         });
     if (!machine_.isCurrentTask(id))
         co_return;
-    auto placement = output::Placement::Written;
-    if (retried.result.text) {
-        const auto typed = text::characterCount(requestText);
-        const auto strategy = makeReplacementStrategy(requestText, context.selection, typed);
-        placement = co_await services_.outputWriter.writeText(*retried.result.text, strategy.method,
-                                                              strategy.deleteCharCount, typed);
-        if (!machine_.isCurrentTask(id))
-            co_return;
-    }
     services_.historyManager.addEntry(
         historyEntryOf(context, retried.result,
                        {prompt, retried.result.text.value_or(QStringLiteral("[Video Result]")), QStringLiteral("video"),
                         retried.retryCount},
                        services_.platform.mainLoop.wallTime()));
-    output::ensureWritten(placement);
+    if (retried.result.text) {
+        // What was selected and not typed is pasted over.
+        const auto typed = request.deleteCount.value_or(0);
+        const auto strategy = makeReplacementStrategy(request.text, context.selection, typed);
+        const auto placement = co_await services_.outputWriter.writeText(*retried.result.text, strategy.method,
+                                                                         strategy.deleteCharCount, typed, request.text);
+        if (!machine_.isCurrentTask(id))
+            co_return;
+        output::ensureWritten(placement);
+    }
     co_await machine_.complete(id, 2s);
 }
 

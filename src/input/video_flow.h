@@ -2,6 +2,7 @@
 
 #include "input/generation_retry.h"
 #include "input/input_state_machine.h"
+#include "input/request_text.h"
 
 namespace tavrelon::input {
 
@@ -17,7 +18,7 @@ class VideoFlow {
  private:
     async::Task<void> process(QUuid id);
     async::Task<void> processVideoInput(QString text, std::vector<QByteArray> frames, QUuid id);
-    async::Task<void> describe(const QString& requestText, const std::vector<QByteArray>& frames, const QUuid& id);
+    async::Task<void> describe(const RequestText& request, const std::vector<QByteArray>& frames, const QUuid& id);
 
     InputStateMachine& machine_;
     InputServices services_;

@@ -30,7 +30,7 @@ void VoiceFlow::startVoiceInput() {
     if (!machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
     if (speechRecognizer_)
-        machine_.initialTextSnapshot = services_.contextCapturer.fetchInitialTextSnapshot();
+        machine_.initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
     startRecording(InputTrigger::voice, QStringLiteral("[StateMachine] Failed to start voice recording: "));
 }
 

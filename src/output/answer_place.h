@@ -28,6 +28,9 @@ class AnswerPlace {
     /// Whether a terminal has the focus.
     bool isTerminal() const;
 
+    /// Whether the field with the focus can be read and something else stands before its caret, or is selected in it.
+    bool lacksBeforeCaret(const QString& text) const;
+
  private:
     std::optional<platform::AXElement> focusedElement() const;
     bool holdsText(const platform::AXElement& element) const;

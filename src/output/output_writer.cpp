@@ -56,13 +56,15 @@ void ensureWritten(Placement placement) {
 }
 
 async::Task<Placement> OutputWriter::writeText(QString text, Method method, std::optional<qint64> deleteCharCount,
-                                               qint64 fallbackDeleteCount) {
+                                               qint64 fallbackDeleteCount, QString standing) {
     text = text::writableAnswer(text);
     const auto fitting = place_.isInFront() ? textForPlace(text) : std::nullopt;
     if (!fitting)
         co_return leaveOnClipboard(text);
     if (method == Method::replaceSelection)
         co_return co_await replaceSelection(*fitting);
+    // Before anything is removed: a clipboard that is refused then costs the user nothing.
+    leaveOnClipboard(*fitting);
     const platform::ModifiersAside aside(platform_.keyPoster);  // over the whole write: no flicker between its keys
     switch (method) {
         case Method::replaceSelection:
@@ -72,11 +74,12 @@ async::Task<Placement> OutputWriter::writeText(QString text, Method method, std:
             co_await async::pause(platform_.mainLoop, afterEscape);
             break;
         case Method::deleteChars:
-            if (co_await deleteBackward(deleteCharCount.value_or(fallbackDeleteCount)) == Placement::OnClipboard)
-                co_return leaveOnClipboard(text);
+            if (co_await deleteBackward(deleteCharCount.value_or(fallbackDeleteCount), std::move(standing)) ==
+                Placement::OnClipboard)
+                co_return Placement::OnClipboard;
             break;
     }
-    co_return co_await pasteText(*fitting);
+    co_return co_await pressPaste();
 }
 
 std::optional<QString> OutputWriter::textForPlace(QString text) const {
@@ -142,11 +145,13 @@ async::Task<bool> OutputWriter::cancelComposition() {
     co_return wasOpen;
 }
 
-async::Task<Placement> OutputWriter::deleteBackward(qint64 count) {
+async::Task<Placement> OutputWriter::deleteBackward(qint64 count, QString standing) {
     if (count < 0)
         std::abort();
     if (count > 0 && !place_.isInFront())
         co_return Placement::OnClipboard;
+    if (count > 0 && place_.lacksBeforeCaret(standing))
+        count = 0;
     const platform::ModifiersAside aside(platform_.keyPoster);
     for (qint64 i = 0; i < count; ++i) {
         if (!place_.isWindowInFront())
@@ -188,7 +193,7 @@ async::Task<ImageOutcome> OutputWriter::writeImage(std::optional<platform::Paste
     items.push_back(*std::move(picture));
     if (!platform_.pasteboard.writeItems(std::move(items)))
         throw clipboardRefused();
-    ImageOutcome outcome{caption.value_or(QStringLiteral("图片已复制到剪贴板"))};
+    ImageOutcome outcome{caption.value_or(pictureCopied.toString())};
     if (autoPaste == AutoPaste::Yes)
         outcome.placement = co_await pressPaste();
     co_return outcome;

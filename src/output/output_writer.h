@@ -40,6 +40,9 @@ struct ImageOutcome {
     Placement placement = Placement::Written;
 };
 
+/// What is shown and kept in the place of a picture without a caption.
+inline constexpr QStringView pictureCopied = u"图片已复制到剪贴板";
+
 /// Throws `leftOnClipboard`, which tells the user, unless it was written.
 void ensureWritten(Placement placement);
 
@@ -64,10 +67,12 @@ class OutputWriter {
     void aimAt(const platform::RunningApplication& application) { place_.remember(application); }
 
     /// Writes `text`. `deleteCharCount`, else `fallbackDeleteCount`, is how many characters `deleteChars` removes; a
-    /// negative count is a programming fault. Throws `OutputWriterError` or `async::CancellationError`; when the
-    /// pasteboard cannot be taken nothing is pasted.
+    /// negative count is a programming fault. `standing` is what these characters are: where the field can be read and
+    /// they do not stand before the caret any more, nothing is removed. Throws `OutputWriterError` or
+    /// `async::CancellationError`; when the pasteboard cannot be taken nothing is removed nor pasted.
     async::Task<Placement> writeText(QString text, scenes::ReplacementStrategy::Method method,
-                                     std::optional<qint64> deleteCharCount, qint64 fallbackDeleteCount);
+                                     std::optional<qint64> deleteCharCount, qint64 fallbackDeleteCount,
+                                     QString standing = {});
 
     /// Puts a picture, as the image codec gave it, on the pasteboard and pastes it; gives a text to show. One that
     /// could not be decoded leaves the pasteboard empty and gives the caption, or `invalidImageData` without one.
@@ -82,7 +87,8 @@ class OutputWriter {
     async::Task<bool> cancelComposition();
 
     /// Removes `count` characters before the caret, one key at a time; stops for good when its place is not in front.
-    async::Task<Placement> deleteBackward(qint64 count);
+    /// Removes nothing where the field can be read and `standing` does not stand there.
+    async::Task<Placement> deleteBackward(qint64 count, QString standing = {});
 
  private:
     async::Task<Placement> replaceSelection(QString text);

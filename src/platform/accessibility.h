@@ -42,7 +42,7 @@ enum class AXAttribute {
     Title,                     ///< of a window: a string
     SelectedText,              ///< a string; the only attribute that can be set: it replaces the selection
     SelectedTextRange,         ///< a range in UTF-16 units of Value, whatever the toolkit counts in
-    Value,                     ///< the text; of a long one a part, see `beginComparison`
+    Value,                     ///< the whole text
     AttributedStringForRange,  ///< parameterised by a range in UTF-16 units: a string
     BoundsForRange,            ///< parameterised likewise: the rectangle of the text, or of the caret of an empty range
     Position,                  ///< the upper left corner of the element: a point
@@ -119,11 +119,6 @@ class Accessibility {
     /// Whether this process may use accessibility and post keys at all. A missing bus is not a missing right: reads
     /// then give `APIDisabled`.
     virtual bool isProcessTrusted() const = 0;
-
-    /// Texts that are read from now on will be compared with one another. Of a long text a part around the selection is
-    /// read, which may be chosen anew now and then stays in place: what is typed within it makes it longer by just
-    /// that.
-    virtual void beginComparison() = 0;
 
     virtual Result copyAttribute(const AXElement& element, AXAttribute attribute) = 0;
     virtual Result copyParameterizedAttribute(const AXElement& element, AXAttribute attribute,

@@ -3,7 +3,6 @@
 #include <random>
 
 #include "desktop/atspi/atspi_protocol.h"
-#include "desktop/atspi/field_excerpt.h"
 #include "desktop/atspi/field_repair.h"
 #include "desktop/atspi/field_text.h"
 #include "desktop/atspi/focus_book.h"
@@ -94,26 +93,6 @@ TEST(FocusBook, AFindingDoesNotOverruleWhatTheApplicationSaidMeanwhile) {
     book.found(found, before);
     book.found(found, std::nullopt);
     EXPECT_EQ(book.elements(), std::vector{said});
-}
-
-TEST(FieldExcerpt, GrowsByWhatIsTypedInALongTextAndByNothingElse) {
-    const ObjectReference field{QStringLiteral(":1.7"), QStringLiteral("/text")};
-    const auto face = QStringLiteral("😀");
-    for (const auto& text : {QStringLiteral("abc"), face.repeated(8000), u'x' + face.repeated(200000)})
-        for (const qint64 caret : {qint64{0}, text.size() / 2 / 2 * 2 + text.size() % 2, text.size()}) {
-            FieldExcerpt excerpt;
-            const auto before = excerpt.of(field, text, {caret, 0});
-            EXPECT_LE(before.length, 16000);
-            const auto told = text.mid(before.location, before.length);
-            EXPECT_EQ(QString::fromUtf8(told.toUtf8()), told) << "no pair is split";
-            auto typed = text;
-            const auto request = QStringLiteral("a question ").repeated(350);
-            typed.insert(caret, request);
-            const auto after = excerpt.of(field, typed, {caret + request.size(), 0});
-            auto expected = told;
-            expected.insert(caret - before.location, request);
-            EXPECT_EQ(typed.mid(after.location, after.length), expected);
-        }
 }
 
 }  // namespace

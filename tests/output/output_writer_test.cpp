@@ -111,10 +111,10 @@ TEST_F(OutputWriterTest, AnApplicationThatStallsAmidAReplacementGetsNoPasteOnTop
 TEST_F(OutputWriterTest, NothingIsPastedFromAClipboardThatAnotherHolds) {
     desk.pasteboard.copyElsewhere(QStringLiteral("a password"));
     desk.pasteboard.refusesOurs = true;
-    desk.editor.open(QString());
-    EXPECT_THROW(write(Method::deleteChars, 0), OutputWriterError);
+    desk.editor.open(QStringLiteral("request"));
+    EXPECT_THROW(write(Method::deleteChars, 3), OutputWriterError);
     EXPECT_THROW(runTask(desk.loop, writer.writeImage(picture, std::nullopt, AutoPaste::Yes)), OutputWriterError);
-    EXPECT_EQ(desk.editor.text(), QString());
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("request"));
 }
 
 /// What a write does where its place is not in front: no key, nothing written, the answer on the clipboard.

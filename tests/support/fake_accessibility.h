@@ -66,7 +66,6 @@ class FakeAccessibility : public platform::Accessibility {
     void clearCalls() { calls_.clear(); }
 
     bool isProcessTrusted() const override { return trusted; }
-    void beginComparison() override {}
     Result copyAttribute(const AXElement& element, AXAttribute attribute) override;
     Result copyParameterizedAttribute(const AXElement& element, AXAttribute attribute, text::Utf16Range range) override;
     AXError setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) override;

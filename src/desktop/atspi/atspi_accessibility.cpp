@@ -40,18 +40,6 @@ bool isOwnFocusHidden() {
 
 }  // namespace
 
-/// What a field holds, and the part of it that is told. Ranges of the port count from the start of that part.
-struct AtspiAccessibility::Field {
-    atspi::FieldContents contents;
-    Utf16Range excerpt;
-
-    QString value() const { return contents.value.mid(excerpt.location, excerpt.length); }
-    Utf16Range selection() const {
-        return {contents.selection->location - excerpt.location, contents.selection->length};
-    }
-    Utf16Range inContents(Utf16Range range) const { return {range.location + excerpt.location, range.length}; }
-};
-
 /// What was read in this turn of the main loop.
 struct AtspiAccessibility::Turn {
     atspi::Allowance allowance{readAllowance};
@@ -83,12 +71,6 @@ std::optional<qint64> AtspiAccessibility::frontmostProcess() {
         known.emplace(application ? std::optional(application->processIdentifier) : std::nullopt);
     }
     return *known;
-}
-
-void AtspiAccessibility::beginComparison() {
-    excerpt_.forget();
-    if (turn_)
-        turn_->contents.reset();
 }
 
 AtspiAccessibility::Result AtspiAccessibility::copyAttribute(const AXElement& element, AXAttribute attribute) {
@@ -191,13 +173,8 @@ const AtspiAccessibility::Contents& AtspiAccessibility::contentsOf(const ObjectR
     if (!known || known->first != field) {
         atspi::AtspiCalls calls(tracker_, turn().allowance);
         atspi::FieldReader reader(calls, directory_);
-        const auto contents = atspi::chain(descriptionOf(field),
-                                           [&](const auto& description) { return reader.read(field, description); });
-        known.emplace(field, atspi::mapped(contents, [&](const atspi::FieldContents& read) {
-                          const auto& [text, selection, _] = read;
-                          return Field{read,
-                                       selection ? excerpt_.of(field, text, *selection) : Utf16Range{0, text.size()}};
-                      }));
+        known.emplace(field, atspi::chain(descriptionOf(field),
+                                          [&](const auto& description) { return reader.read(field, description); }));
     }
     return known->second;
 }
@@ -208,20 +185,19 @@ AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element,
     if (attribute != AXAttribute::Value && attribute != AXAttribute::SelectedText &&
         attribute != AXAttribute::SelectedTextRange)
         return std::unexpected(AXError::AttributeUnsupported);
-    const auto& field = contentsOf(referenceOf(element));
-    if (!field)
-        return std::unexpected(field.error());
-    const auto& contents = field->contents;
+    const auto& contents = contentsOf(referenceOf(element));
+    if (!contents)
+        return std::unexpected(contents.error());
     // A terminal's text is its screen, late and with what others wrote there, and its selection outlives what is typed.
-    if (contents.isTerminal && attribute != AXAttribute::SelectedTextRange)
+    if (contents->isTerminal && attribute != AXAttribute::SelectedTextRange)
         return std::unexpected(AXError::AttributeUnsupported);
     if (attribute == AXAttribute::Value)
-        return field->value();
-    if (!contents.selection)
+        return contents->value;
+    if (!contents->selection)
         return std::unexpected(AXError::NoValue);
     if (attribute == AXAttribute::SelectedTextRange)
-        return field->selection();
-    return contents.value.mid(contents.selection->location, contents.selection->length);
+        return *contents->selection;
+    return contents->value.mid(contents->selection->location, contents->selection->length);
 }
 
 AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const AXElement& element,
@@ -235,12 +211,11 @@ AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const 
         return std::unexpected(field.error() == AXError::AttributeUnsupported
                                    ? AXError::ParameterizedAttributeUnsupported
                                    : field.error());
-    if (field->contents.isTerminal)
+    if (field->isTerminal)
         return std::unexpected(AXError::ParameterizedAttributeUnsupported);
-    const auto asked = field->inContents(range);
-    if (range.location < 0 || range.length < 0 || asked.location > field->contents.value.size())
+    if (range.location < 0 || range.length < 0 || range.location > field->value.size())
         return std::unexpected(AXError::IllegalArgument);
-    return AXAttributedString{field->contents.value.mid(asked.location, asked.length)};
+    return AXAttributedString{field->value.mid(range.location, range.length)};
 }
 
 AtspiAccessibility::Result AtspiAccessibility::frameOf(const ObjectReference& field, AXAttribute attribute) {
@@ -258,8 +233,7 @@ AtspiAccessibility::Result AtspiAccessibility::boundsOf(const ObjectReference& f
     if (!read)
         return std::unexpected(read.error());
     atspi::AtspiCalls calls(tracker_, turn().allowance);
-    const auto bounds = atspi::FieldPlaces(calls, directory_, workspace_)
-                            .boundsOf(field, read->contents.value, read->inContents(range));
+    const auto bounds = atspi::FieldPlaces(calls, directory_, workspace_).boundsOf(field, read->value, range);
     return atspi::mapped(bounds, [](const platform::AXRect& rectangle) -> platform::AXValue { return rectangle; });
 }
 

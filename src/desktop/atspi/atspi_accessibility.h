@@ -5,7 +5,6 @@
 
 #include "async/lifetime.h"
 #include "async/main_loop.h"
-#include "desktop/atspi/field_excerpt.h"
 #include "desktop/atspi/field_reader.h"
 #include "platform/accessibility.h"
 #include "platform/workspace.h"
@@ -27,7 +26,6 @@ class AtspiAccessibility : public platform::Accessibility {
 
     /// Whether there is a bus to reach other applications over.
     bool isBusReachable() const { return tracker_.bus(std::chrono::nanoseconds::zero()).has_value(); }
-    void beginComparison() override;
     Result copyAttribute(const platform::AXElement& element, platform::AXAttribute attribute) override;
     Result copyParameterizedAttribute(const platform::AXElement& element, platform::AXAttribute attribute,
                                       text::Utf16Range range) override;
@@ -39,8 +37,7 @@ class AtspiAccessibility : public platform::Accessibility {
     void onFocusChange(std::function<void()> handler) override;
 
  private:
-    struct Field;
-    using Contents = std::expected<Field, platform::AXError>;
+    using Contents = std::expected<atspi::FieldContents, platform::AXError>;
     struct Turn;
 
     Turn& turn();
@@ -61,7 +58,6 @@ class AtspiAccessibility : public platform::Accessibility {
     std::function<void()> focusHandler_;
     atspi::AtspiTracker tracker_;
     atspi::AtspiDirectory directory_;
-    atspi::FieldExcerpt excerpt_;
     std::unique_ptr<Turn> turn_;  // absent between the end of one turn and the first read of the next
     async::Lifetime lifetime_;
 };
