@@ -107,11 +107,18 @@ class Tavrelon(Program):
     def wait_until_live(self):
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)
 
-    def newest_answer(self):
+    def stored(self):
+        """The history once all that stands in it is written: an answer is stored before it is written."""
         try:
             entries = json.loads(self.history.read_text(encoding="utf-8"))
         except (OSError, ValueError):
-            return None
+            return []
+        lines = self.written()
+        begun, ended = lines.count("[StateMachine] Writing\n"), lines.count("[StateMachine] Writing ended\n")
+        return entries[max(begun - ended, 0):]
+
+    def newest_answer(self):
+        entries = self.stored()
         return entries[0]["outputText"] if entries else None
 
 

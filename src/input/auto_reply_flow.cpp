@@ -44,6 +44,7 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
         [this, &context, prompt, userStyle] { return generateOnce(prompt, context, userStyle); });
     if (!machine_.isCurrentTask(id))
         co_return;
+    std::optional<LoggedWrite> writing(services_.platform.log);
     services_.historyManager.addEntry(
         historyEntryOf(context, retried.result,
                        {selection, retried.result.text.value_or(QStringLiteral("[Auto Reply]")),
@@ -56,6 +57,7 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
             co_return;
         output::ensureWritten(placement);
     }
+    writing.reset();
     co_await machine_.complete(id, 2s);
 }
 

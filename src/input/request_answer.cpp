@@ -69,6 +69,7 @@ async::Task<output::Placement> TextRequestPipeline::write(const TextRequest& req
         if (!machine_.isCurrentTask(request.id))
             throw async::CancellationError();
     }
+    const LoggedWrite writing(services_.platform.log);
     const auto shown = picture ? output::pictureCopied.toString() : QStringLiteral("[Image Generated]");
     auto entry = historyEntryOf(request.context, result,
                                 {request.finalText, result.text && !picture ? *result.text : shown, {}, retryCount},

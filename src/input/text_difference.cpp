@@ -25,8 +25,13 @@ struct Middle {
     qint64 start = 0;
 };
 
-Middle middleOf(const QString& oldText, const QString& newText) {
-    const auto same = commonStart(oldText, newText);
+Middle middleOf(const QString& oldText, const QString& newText, const TypingAnchors& anchors) {
+    auto same = commonStart(oldText, newText);
+    const auto& selection = anchors.selectionBefore;
+    // What was typed may begin like what stood there, and so before the first difference.
+    for (const auto& anchor : {selection ? std::optional(selection->location) : std::nullopt, anchors.caretAfter})
+        if (anchor && *anchor >= 0 && *anchor < same && same - *anchor <= lookBack)
+            same = *anchor;
     auto start = oldText.lastIndexOf(u'\n', std::max<qint64>(same - 1, 0)) + 1;
     if (start > same || same - start > lookBack)
         start = std::max<qint64>(same - lookBack, 0);
@@ -121,7 +126,7 @@ Stretch anchored(const Comparison& comparison, const TypingAnchors& anchors, qin
 }  // namespace
 
 TextDifference textDifference(const QString& oldText, const QString& newText, const TypingAnchors& anchors) {
-    const auto middle = middleOf(oldText, newText);
+    const auto middle = middleOf(oldText, newText, anchors);
     const Comparison comparison(middle);
     return comparison.difference(anchored(comparison, anchors, middle.start), middle.start);
 }

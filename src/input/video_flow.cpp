@@ -70,6 +70,7 @@ async::Task<void> VideoFlow::describe(const RequestText& request, const std::vec
         });
     if (!machine_.isCurrentTask(id))
         co_return;
+    std::optional<LoggedWrite> writing(services_.platform.log);
     services_.historyManager.addEntry(
         historyEntryOf(context, retried.result,
                        {prompt, retried.result.text.value_or(QStringLiteral("[Video Result]")), QStringLiteral("video"),
@@ -85,6 +86,7 @@ async::Task<void> VideoFlow::describe(const RequestText& request, const std::vec
             co_return;
         output::ensureWritten(placement);
     }
+    writing.reset();
     co_await machine_.complete(id, 2s);
 }
 

@@ -70,6 +70,8 @@ TEST(TextDifference, WhatWasTypedAtTheCaretIsFoundInWholeHoweverLongTheField) {
     };
     const auto the = typed(QStringLiteral("the end"), {0, 0}, QStringLiteral("translate: "));
     EXPECT_EQ(the, (TextDifference{QStringLiteral("translate: "), 0, 0}));
+    EXPECT_EQ(typed(QStringLiteral("more\nlines"), {4, 0}, QStringLiteral("\n42?\n")),
+              (TextDifference{QStringLiteral("\n42?\n"), 0, 4}));
     EXPECT_EQ(typed(QStringLiteral("a bad word"), {2, 3}, QStringLiteral("bad2")),
               (TextDifference{QStringLiteral("bad2"), 3, 2}));
     const auto book = QStringLiteral("会议纪要😀 the same line\n").repeated(2000) + QString(9000, u'a');

@@ -78,10 +78,7 @@ class Desk:
 
 
 def history(tavrelon):
-    try:
-        return json.loads(tavrelon.history.read_text(encoding="utf-8"))
-    except (OSError, ValueError):
-        return []
+    return tavrelon.stored()
 
 
 def wait_for_history(tavrelon, count):
