@@ -20,6 +20,7 @@
 #include "async/task_scope.h"
 #include "capture/context_capturer.h"
 #include "capture/cursor_locator.h"
+#include "desktop/x11/screen/x11_screen_window.h"
 #include "desktop_adapters.h"
 #include "jpeg_alone.h"
 #include "output/output_writer.h"
@@ -101,16 +102,16 @@ class Desk : public bench::DesktopAdapters<NoLog> {
     void finish(async::Task<void> task) { finish(done(std::move(task))); }
 
     void empty() {
-        poster->press(keys::keyA, keys::commandFlag);
+        platform.keyPoster.press(keys::keyA, keys::commandFlag);
         letPass(50ms);
-        poster->press(keys::keyBackspace, keys::noModifiers);
+        platform.keyPoster.press(keys::keyBackspace, keys::noModifiers);
         require(eventually([this] { return value() == QString(); }), "the field does not become empty");
         letPass(100ms);
     }
     void pasteBarely(const QString& text) {
-        pasteboard->clearContents();
-        pasteboard->setString(text);
-        poster->press(keys::keyV, keys::commandFlag);
+        platform.pasteboard.clearContents();
+        platform.pasteboard.setString(text);
+        platform.keyPoster.press(keys::keyV, keys::commandFlag);
     }
 
  private:

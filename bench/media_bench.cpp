@@ -4,7 +4,6 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QRasterWindow>
-#include <QTemporaryDir>
 #include <cstdio>
 #include <string_view>
 
@@ -25,8 +24,6 @@ class NoLog : public platform::Log {
 };
 
 struct Desktop : DesktopAdapters<NoLog> {
-    using DesktopAdapters::DesktopAdapters;
-
     void pass(std::chrono::milliseconds time) {
         QEventLoop wait;
         const auto timer = loop.after(time, [&wait] { wait.quit(); });
@@ -60,10 +57,10 @@ void measureSound(Desktop& desktop, int times) {
         recognizer.startRecording();
         starts.push_back(since(begin).count());
         desktop.pass(300ms);  // past the beginning
-        const auto samples = desktop.speech.samples.load();
+        const auto samples = desktop.samples.load();
         const auto used = processorTime();
         desktop.pass(1000ms);
-        const auto seconds = static_cast<double>(desktop.speech.samples - samples) / platform::AudioInput::sampleRate;
+        const auto seconds = static_cast<double>(desktop.samples - samples) / platform::AudioInput::sampleRate;
         costs.push_back((processorTime() - used).count() / seconds);
         recognizer.cancelRecording();
         desktop.pass(100ms);
@@ -133,8 +130,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "media-bench: say sound or video, and how many times\n");
         return 64;
     }
-    const QTemporaryDir folder;
-    tavrelon::bench::Desktop desktop(folder.path());
+    tavrelon::bench::Desktop desktop;
     const int times = std::max(1, std::atoi(argv[2]));
     if (std::string_view(argv[1]) == "sound")
         tavrelon::bench::measureSound(desktop, times);

@@ -19,7 +19,8 @@ FLOORS = [
     ["ui/settings", "ui/history"],
 ]
 ADAPTERS = ["desktop/applications", "desktop/atspi", "desktop/audio", "desktop/documents", "desktop/linux", "desktop/qt",
-            "desktop/x11"]
+            "desktop/session", "desktop/x11"]
+PICKER = "desktop/session"  # which of the other adapters this session has; it may use them all
 
 # Neighbours on one floor that may be used in this one direction, with the reason.
 NEIGHBOURS = {
@@ -69,7 +70,7 @@ def folder_of(path):
 
 def objection(user, used):
     """Why the folder `user` may not use the folder `used`; None if it may."""
-    if user in (used, ROOF) or (user, used) in NEIGHBOURS:
+    if user in (used, ROOF) or (user, used) in NEIGHBOURS or (user == PICKER and used in ADAPTERS):
         return None
     if used == ROOF:
         return f"only {ROOF}/ itself may use the roof"

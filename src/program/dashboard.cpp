@@ -10,25 +10,16 @@ namespace tavrelon::program {
 
 namespace {
 
-desktop::NativeKeyNames keyNames(desktop::X11NativeKeys& keys) {
-    return {[&keys] { keys.refresh(); },
-            [&keys](const desktop::NativeKey& key) {
-                return keys.eventOf(static_cast<desktop::KeyCode>(key.code), key.modifiers,
-                                    key.isPress ? desktop::KeyAction::Press : desktop::KeyAction::Release,
-                                    key.isRepeat);
-            }};
-}
-
-platform::Permissions permissions(const desktop::AtspiAccessibility& accessibility,
-                                  platform::ScreenCapture& screenCapture, platform::AudioInput& audioInput) {
+platform::Permissions permissions(desktop::SessionAdapters& session) {
+    auto& audioInput = session.audioInput;
     using enum platform::AuthorizationStatus;
     using desktop::SettingsPane;
-    return {{[&accessibility] { return accessibility.isBusReachable() ? Authorized : Denied; },
+    return {{[&session] { return session.accessibility.isBusReachable() ? Authorized : Denied; },
              [] {
                  desktop::switchAccessibilityOn();
                  desktop::openSettingsPane(SettingsPane::Accessibility);
              }},
-            {[&screenCapture] { return screenCapture.preflightAccess() ? Authorized : Denied; },
+            {[&session] { return session.platform.screenCapture.preflightAccess() ? Authorized : Denied; },
              [] { desktop::openSettingsPane(SettingsPane::ScreenCapture); }},
             {[&audioInput] { return audioInput.hasDefaultDevice() ? audioInput.authorizationStatus() : Denied; },
              [&audioInput] {
@@ -39,16 +30,14 @@ platform::Permissions permissions(const desktop::AtspiAccessibility& accessibili
 
 }  // namespace
 
-Dashboard::Dashboard(app::AppState& appState, platform::Platform& platform, Essentials& essentials,
-                     const desktop::AtspiAccessibility& accessibility)
-    : windows(platform.mainLoop, platform.log),
-      keys(keyNames(*essentials.nativeKeys)),
-      filePicker(platform.mainLoop),
+Dashboard::Dashboard(app::AppState& appState, desktop::SessionAdapters& session)
+    : windows(session.platform.mainLoop, session.platform.log),
+      keys(session.windowing.keyNames),
+      filePicker(session.platform.mainLoop),
       window(windows, appState.storageManager(),
-             {ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys, platform.hotkeys),
-              ui::clonePage(appState, platform, filePicker), ui::providersPage(appState, platform),
-              ui::historyPage(appState),
-              ui::privacyPage(appState, permissions(accessibility, platform.screenCapture, platform.audioInput))},
-             [&platform] { platform.workspace.openUrl(ui::donationPage()); }) {}
+             {ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys, session.platform.hotkeys),
+              ui::clonePage(appState, session.platform, filePicker), ui::providersPage(appState, session.platform),
+              ui::historyPage(appState), ui::privacyPage(appState, permissions(session))},
+             [&session] { session.platform.workspace.openUrl(ui::donationPage()); }) {}
 
 }  // namespace tavrelon::program

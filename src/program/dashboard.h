@@ -4,7 +4,7 @@
 #include "desktop/qt/qt_file_picker.h"
 #include "desktop/qt/qt_raw_keys.h"
 #include "desktop/qt/qt_windows.h"
-#include "program/adapters.h"
+#include "desktop/session/session_adapters.h"
 #include "ui/dashboard/dashboard_window_controller.h"
 
 namespace tavrelon::program {
@@ -16,8 +16,7 @@ struct Dashboard {
     desktop::QtFilePicker filePicker;
     ui::DashboardWindowController window;
 
-    Dashboard(app::AppState& appState, platform::Platform& platform, Essentials& essentials,
-              const desktop::AtspiAccessibility& accessibility);
+    Dashboard(app::AppState& appState, desktop::SessionAdapters& session);
 };
 
 }  // namespace tavrelon::program

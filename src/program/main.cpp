@@ -50,38 +50,34 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
 
     desktop::QtMainLoop loop;
-    const auto posted = std::make_shared<desktop::PostedKeys>();
-    auto essentials = program::openDesktop(loop, log, posted);
-    if (!essentials) {
-        std::fprintf(stderr, "Tavrelon cannot start: %s\n", qUtf8Printable(essentials.error()));
+    auto windowing = desktop::openWindowingSystem(loop, log);
+    if (!windowing) {
+        std::fprintf(stderr, "Tavrelon cannot start: %s\n", qUtf8Printable(windowing.error()));
         return EX_UNAVAILABLE;
     }
     start->display.reset();
-    program::Adapters adapters(loop, log, *essentials, posted, start->folders);
-    auto& platform = adapters.platform;
+    desktop::SessionAdapters session(loop, log, *std::move(windowing), start->folders);
     desktop::QtApplication desktopApplication;
     desktop::QtScreens screens;
     desktop::QtStatusItem statusItem;
-    auto& x11 = *essentials->panelSurroundings;
-    desktop::QtPanels panels(loop, log,
-                             {[&x11] { return x11.isComposited(); }, [&x11](quint64 window) { x11.focus(window); }});
+    desktop::QtPanels panels(loop, log, session.windowing.panelSurroundings);
     platform::UserInterface userInterface{desktopApplication, panels, screens, statusItem};
 
-    app::AppDelegate delegate(platform, userInterface, generation::ServiceEndpoints::builtIn());
-    program::Dashboard dashboard(delegate.appState(), platform, *essentials, adapters.accessibility);
+    app::AppDelegate delegate(session.platform, userInterface, generation::ServiceEndpoints::builtIn());
+    program::Dashboard dashboard(delegate.appState(), session);
     delegate.showDashboard = [&dashboard] { dashboard.window.show(); };
     start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
     const desktop::ProcessSignals signals({[] { QCoreApplication::quit(); },
                                            [&] {
                                                delegate.suspend();
-                                               essentials->keyPoster->letGoOfModifiers();
+                                               session.windowing.letGoOfModifiers();
                                            },
                                            [&delegate] { delegate.resume(); }});
     delegate.applicationDidFinishLaunching(launchOf(start->mode));
     // To find the field that had the focus before this start takes longest: it is done before the user asks.
-    const auto firstLook = loop.after(std::chrono::milliseconds(200), [&adapters] {
-        static_cast<void>(adapters.accessibility.copyAttribute(platform::axSystemWideElement(),
-                                                               platform::AXAttribute::FocusedUIElement));
+    const auto firstLook = loop.after(std::chrono::milliseconds(200), [&session] {
+        static_cast<void>(session.accessibility.copyAttribute(platform::axSystemWideElement(),
+                                                              platform::AXAttribute::FocusedUIElement));
     });
     const int status = QCoreApplication::exec();
     delegate.applicationWillTerminate();

@@ -7,6 +7,7 @@
 
 #include "desktop/linux/files/private_folder.h"
 #include "desktop/linux/process/standard_output_log.h"
+#include "desktop/session/windowing_system.h"
 #include "persistence/history_manager.h"
 
 namespace tavrelon::program {
@@ -47,7 +48,7 @@ std::expected<Start, int> prepareStart(int argc, char** argv) {
         return endWith(EX_CONFIG, QStringLiteral("Tavrelon cannot start: there is no home folder to keep settings in; "
                                                  "set HOME."));
     // The views' toolkit ends the process where it finds no display, so this is asked first.
-    auto display = desktop::X11Connection::open();
+    auto display = desktop::tryDisplay();
     if (!display)
         return endWith(EX_UNAVAILABLE, QStringLiteral("Tavrelon cannot start: %1").arg(display.error()));
     if (const auto guarded = makePrivate(*folders); !guarded)

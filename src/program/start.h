@@ -6,7 +6,6 @@
 #include "desktop/linux/files/user_folders.h"
 #include "desktop/linux/process/command_line.h"
 #include "desktop/linux/process/single_instance.h"
-#include "desktop/x11/connection/x11_connection.h"
 
 namespace tavrelon::program {
 
@@ -16,7 +15,7 @@ struct Start {
     desktop::StartMode mode;
     desktop::UserFolders folders;
     std::unique_ptr<desktop::SingleInstance> instance;
-    std::unique_ptr<desktop::X11Connection> display;  ///< kept until there are others: a server may end with its last
+    std::shared_ptr<void> display;  ///< kept until there are others: a server may end with its last
 };
 
 /// Reads the command line and claims the user's folders. Where the process has nothing more to do, its exit status; the

@@ -1,40 +1,24 @@
 #pragma once
 
-#include "desktop/typing_adapters.h"
+#include <QTemporaryDir>
+
+#include "desktop/qt/qt_main_loop.h"
+#include "desktop/session/session_adapters.h"
 #include "support/input_desk.h"
 
 namespace tavrelon::testing {
 
-/// This desktop's adapters for all that has to do with typing; files, the network and pictures are faked.
-struct DesktopAdapters : TypingAdapters<RecordingLog> {
-    FakeScreenCapture screenCapture;
-    FakeImageCodec imageCodec;
-    FakeHttpSession httpSession{loop};
-    MemoryDefaultsStore defaultsStore;
-    FailingFileSystem fileSystem;
-    FakeSerialQueues serialQueues{loop};
-    FakeDocumentReader documentReader{loop};
-    FakeAudioInput audioInput;
-    FakeSpeech speech;
-    platform::Platform platform{loop,
-                                log,
-                                accessibility,
-                                hotkeys,
-                                keyObserver,
-                                *poster,
-                                *pasteboard,
-                                *workspace,
-                                inputSource,
-                                screenCapture,
-                                imageCodec,
-                                httpSession,
-                                defaultsStore,
-                                fileSystem,
-                                serialQueues,
-                                documentReader,
-                                audioInput,
-                                speech,
-                                QStringLiteral("/data/Tavrelon")};
+struct DesktopGround {
+    QTemporaryDir data;
+    desktop::QtMainLoop loop;
+    RecordingLog log;
+};
+
+/// The program's adapters on this desktop, over a folder of their own.
+struct DesktopAdapters : DesktopGround, desktop::SessionAdapters {
+    DesktopAdapters()
+        : SessionAdapters(loop, log, desktop::openWindowingSystem(loop, log).value(), {data.path(), data.path()},
+                          {nullptr, std::chrono::seconds(5)}) {}  // on however busy a machine
 };
 
 /// The input core at work on this desktop.
