@@ -26,6 +26,8 @@ TEST(TerminalTable, NamesTerminalsByEitherPartOfTheirClass) {
     const auto unheardOf = terminalShortcutsOf(QStringLiteral("NewTerm"), QString());
     ASSERT_TRUE(unheardOf);
     EXPECT_EQ(unheardOf->copy, TerminalShortcuts::Copy::Never) << "Control+C could end what runs in it";
+    const auto emacs = terminalShortcutsOf(QStringLiteral("Emacs"), QStringLiteral("emacs"));
+    EXPECT_TRUE(emacs && !emacs->takesLines && emacs->pasteChord == (desktop::KeyChord{keys::keyY, keys::controlFlag}));
     EXPECT_FALSE(terminalShortcutsOf(QStringLiteral("Mousepad"), QStringLiteral("mousepad")));
     EXPECT_FALSE(terminalShortcutsOf(QString(), QString()));
 }

@@ -26,6 +26,9 @@ KINDS = {
     "xterm": (["xterm", "-T", "field.txt", "-e", "{folder}/lines"], "lines", 1.0),
     "lxterminal": (["lxterminal", "--no-remote", "--title=field.txt", "-e", "{folder}/lines"], "lines", 1.0),
     "firefox": (["firefox-esr", "--no-remote", "--profile", "{folder}/profile", "{folder}/page.html"], "title", 2.0),
+    # Its own chord for saving is two.
+    "emacs": (["emacs", "-Q", "{path}", "--eval", "(setq frame-title-format \"field.txt\" make-backup-files nil)",
+               "--eval", "(global-set-key (kbd \"C-s\") 'save-buffer)", "--eval", "(end-of-buffer)"], "file", 2.0),
     "libreoffice": (["libreoffice", "--writer", "--norestore", "--nologo", "-env:UserInstallation=file://{folder}/profile",
                      "{path}"], "copying", 3.0),
 }

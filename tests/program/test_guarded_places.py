@@ -168,3 +168,13 @@ def test_a_public_service_gets_nothing_before_the_user_has_said_yes(desk):
     assert len(desk.asked()) == 1
     assert allowed.read_text() == "text http://models.example:80"
     assert editor.saved("Asked: ANSWER") == "Asked: ANSWER"
+
+
+@pytest.mark.skipif(not shutil.which("emacs"), reason="it is not installed")
+def test_an_editor_with_chords_of_its_own_gets_the_answer_by_them(desk):
+    tavrelon = desk.start()
+    editor = desk.open("emacs", "Asked: ")
+    desk.answers("one\ntwo")
+    desk.request(tavrelon, editor, "question")
+    wait_for_history(tavrelon, 1)
+    assert editor.saved("Asked: one\ntwo").rstrip("\n") == "Asked: one\ntwo"

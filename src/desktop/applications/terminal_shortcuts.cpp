@@ -17,7 +17,12 @@ constexpr TerminalShortcuts primary{TerminalShortcuts::Copy::OfPrimary, Terminal
 /// Nearly all terminals of today paste with Control+Shift+V; where one does not, it does nothing.
 constexpr TerminalShortcuts unknownTerminal{TerminalShortcuts::Copy::Never, TerminalShortcuts::Paste::OfClipboard};
 
+/// Yanks and kills, and takes Control+V and Control+C for the begin of something else.
+constexpr TerminalShortcuts emacs{
+    .copyChord = {keys::keyW, keys::optionFlag}, .pasteChord = {keys::keyY, keys::controlFlag}, .takesLines = false};
+
 constexpr KnownTerminal knownTerminals[] = {
+    {"emacs", emacs},
     // With the VTE widget
     {"gnome-terminal", controlShift},
     {"gnome-terminal-server", controlShift},
@@ -70,6 +75,8 @@ constexpr KnownTerminal knownTerminals[] = {
     {"eterm", primary},
     {"aterm", primary},
     {"mrxvt", primary},
+    {"putty", primary},
+    {"pterm", primary},
 };
 
 }  // namespace

@@ -25,30 +25,33 @@ class ShortcutTranslator {
     virtual std::optional<KeyChord> translate(KeyChord asked) = 0;
 };
 
-/// How the user of a terminal copies and pastes. In a terminal Control+C ends the running program and Control+A goes to
-/// the line's begin, so no shortcut of other applications may reach one.
+inline constexpr KeyChord terminalCopyChord{keys::keyC, keys::controlFlag | keys::shiftFlag};
+inline constexpr KeyChord terminalPasteChord{keys::keyV, keys::controlFlag | keys::shiftFlag};
+inline constexpr KeyChord primaryPasteChord{114, keys::shiftFlag};  ///< Insert
+
+/// How the user of a terminal, or of an editor with keys of its own, copies and pastes. In a terminal Control+C ends
+/// the running program and Control+A goes to the line's begin, so no shortcut of other applications may reach one.
 struct TerminalShortcuts {
     enum class Copy {
-        ByChord,    ///< Control+Shift+C
+        ByChord,
         OfPrimary,  ///< no key: what is selected is the primary selection already
         Never,      ///< nobody knows which key
     };
     enum class Paste {
-        OfClipboard,  ///< Control+Shift+V
+        OfClipboard,  ///< by a chord
         OfPrimary,    ///< Shift+Insert, which takes the primary selection
     };
 
     Copy copy = Copy::ByChord;
     Paste paste = Paste::OfClipboard;
+    KeyChord copyChord = terminalCopyChord;
+    KeyChord pasteChord = terminalPasteChord;
+    bool takesLines = true;  ///< a line's end may run what stands before it
     bool operator==(const TerminalShortcuts&) const = default;
 };
 
-/// The shortcuts of the terminal that a window belongs to, by the two parts of its class; absent for other windows.
-/// Upper and lower case are the same.
+/// The shortcuts of the program that a window belongs to, by the two parts of its class; absent where they are the
+/// usual ones. Upper and lower case are the same.
 std::optional<TerminalShortcuts> terminalShortcutsOf(const QString& windowClass, const QString& windowInstance);
-
-inline constexpr KeyChord terminalCopyChord{keys::keyC, keys::controlFlag | keys::shiftFlag};
-inline constexpr KeyChord terminalPasteChord{keys::keyV, keys::controlFlag | keys::shiftFlag};
-inline constexpr KeyChord primaryPasteChord{114, keys::shiftFlag};  ///< Insert
 
 }  // namespace tavrelon::desktop

@@ -36,27 +36,27 @@ std::optional<KeyChord> X11TerminalShortcuts::translate(KeyChord asked) {
     if (!terminal)
         return asked;
     if (asked.key == keys::keyC)
-        return copy(terminal->copy, window);
+        return copy(*terminal, window);
     if (asked.key == keys::keyV)
-        return paste(terminal->paste);
+        return paste(*terminal);
     return std::nullopt;
 }
 
-std::optional<KeyChord> X11TerminalShortcuts::copy(TerminalShortcuts::Copy way, xcb_window_t window) {
-    if (way == TerminalShortcuts::Copy::ByChord)
-        return terminalCopyChord;
+std::optional<KeyChord> X11TerminalShortcuts::copy(const TerminalShortcuts& known, xcb_window_t window) {
+    if (known.copy == TerminalShortcuts::Copy::ByChord)
+        return known.copyChord;
     // The selection may be another application's, which would be no copy of this terminal's.
-    if (way == TerminalShortcuts::Copy::OfPrimary && windows_->ownsPrimarySelection(window))
+    if (known.copy == TerminalShortcuts::Copy::OfPrimary && windows_->ownsPrimarySelection(window))
         copies_.spawn(copyPrimary());
     return std::nullopt;
 }
 
-std::optional<KeyChord> X11TerminalShortcuts::paste(TerminalShortcuts::Paste way) {
-    if (way == TerminalShortcuts::Paste::OfClipboard)
-        return terminalPasteChord;
-    if (!pasteboard_.lastString())  // a picture: the terminal would paste whatever is selected
+std::optional<KeyChord> X11TerminalShortcuts::paste(const TerminalShortcuts& known) {
+    if (known.paste == TerminalShortcuts::Paste::OfClipboard)
+        return known.pasteChord;
+    // A picture, or a selection that was refused: the terminal would paste whatever somebody else has selected.
+    if (!pasteboard_.lastString() || !primary_->setString(*pasteboard_.lastString()))
         return std::nullopt;
-    primary_->setString(*pasteboard_.lastString());
     return primaryPasteChord;
 }
 

@@ -28,8 +28,8 @@ class X11TerminalShortcuts : public ShortcutTranslator {
                          std::unique_ptr<X11Pasteboard> primary)
         : pasteboard_(pasteboard), windows_(std::move(windows)), primary_(std::move(primary)), copies_(loop) {}
 
-    std::optional<KeyChord> copy(TerminalShortcuts::Copy way, xcb_window_t window);
-    std::optional<KeyChord> paste(TerminalShortcuts::Paste way);
+    std::optional<KeyChord> copy(const TerminalShortcuts& known, xcb_window_t window);
+    std::optional<KeyChord> paste(const TerminalShortcuts& known);
     async::Task<void> copyPrimary();
 
     X11Pasteboard& pasteboard_;

@@ -74,11 +74,11 @@ std::optional<platform::FrontmostWindow> X11Workspace::frontmostWindow() {
     if (window == XCB_NONE)
         return std::nullopt;
     const auto found = windows_->properties(window);
-    const bool isTerminal = terminalShortcutsOf(found.windowClass, found.windowInstance).has_value();
+    const auto known = terminalShortcutsOf(found.windowClass, found.windowInstance);
     return platform::FrontmostWindow{
         .identifier = window,
         .processIdentifier = trustedProcess(found),
-        .kind = isTerminal ? platform::WindowKind::Terminal : platform::WindowKind::Ordinary};
+        .kind = known && known->takesLines ? platform::WindowKind::Terminal : platform::WindowKind::Ordinary};
 }
 
 std::optional<QString> X11Workspace::frontmostWindowTitle() {
