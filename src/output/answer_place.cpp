@@ -10,12 +10,6 @@ namespace {
 /// Stands for what is no text, or has its text elsewhere.
 constexpr QChar embeddedObject(0xFFFC);
 
-/// Fields keep some of the characters that keys type as others: a line's end, and a space at it.
-QString asTyped(QString text) {
-    text.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n').replace(QChar::Nbsp, u' ');
-    return text;
-}
-
 }  // namespace
 
 void AnswerPlace::remember() {
@@ -49,18 +43,18 @@ bool AnswerPlace::isTerminal() const {
            platform_.accessibility.focusKind() == platform::FocusKind::Terminal;
 }
 
-bool AnswerPlace::lacksBeforeCaret(const QString& text) const {
+std::optional<AnswerPlace::BeforeCaret> AnswerPlace::beforeCaret() const {
     const auto element = isTerminal() ? std::nullopt : focusedElement();
     if (!element)
-        return false;
+        return std::nullopt;
     const auto value = platform_.accessibility.copyAttribute(*element, AXAttribute::Value);
     const auto range = platform_.accessibility.copyAttribute(*element, AXAttribute::SelectedTextRange);
     const auto* held = value ? std::get_if<QString>(&*value) : nullptr;
     const auto* selected = range ? std::get_if<text::Utf16Range>(&*range) : nullptr;
     if (!held || !selected || selected->location < 0 || selected->location > held->size() ||
         held->contains(embeddedObject))
-        return false;
-    return selected->length > 0 || !asTyped(held->first(selected->location)).endsWith(asTyped(text));
+        return std::nullopt;
+    return BeforeCaret{*element, held->first(selected->location), selected->length > 0};
 }
 
 std::optional<AXElement> AnswerPlace::focusedElement() const {

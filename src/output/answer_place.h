@@ -28,8 +28,15 @@ class AnswerPlace {
     /// Whether a terminal has the focus.
     bool isTerminal() const;
 
-    /// Whether the field with the focus can be read and something else stands before its caret, or is selected in it.
-    bool lacksBeforeCaret(const QString& text) const;
+    /// What stands before the caret of the field with the focus.
+    struct BeforeCaret {
+        platform::AXElement element;
+        QString text;
+        bool isSelecting = false;  ///< something is selected, so there is no caret
+    };
+
+    /// Absent where it cannot be read, and in terminals, whose text is not the user's alone.
+    std::optional<BeforeCaret> beforeCaret() const;
 
  private:
     std::optional<platform::AXElement> focusedElement() const;

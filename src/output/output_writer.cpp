@@ -41,6 +41,13 @@ QString describe(OutputWriterError::Code code, const QString& detail) {
     std::abort();
 }
 
+/// Fields keep some of the characters that keys type as others: a line's end, and a space at it.
+QString asTyped(QString text) {
+    return text.replace(QChar::ParagraphSeparator, u'\n')
+        .replace(QChar::LineSeparator, u'\n')
+        .replace(QChar::Nbsp, u' ');
+}
+
 OutputWriterError clipboardRefused() {
     return OutputWriterError(OutputWriterError::Code::writeFailed, QStringLiteral("the clipboard could not be taken"));
 }
@@ -63,6 +70,9 @@ async::Task<Placement> OutputWriter::writeText(QString text, Method method, std:
         co_return leaveOnClipboard(text);
     if (method == Method::replaceSelection)
         co_return co_await replaceSelection(*fitting);
+    if (method == Method::deleteChars && deleteCharCount.value_or(fallbackDeleteCount) > 0 &&
+        co_await wasReplacedInPlace(standing, *fitting))
+        co_return Placement::Written;
     // Before anything is removed: a clipboard that is refused then costs the user nothing.
     leaveOnClipboard(*fitting);
     const platform::ModifiersAside aside(platform_.keyPoster);  // over the whole write: no flicker between its keys
@@ -80,6 +90,21 @@ async::Task<Placement> OutputWriter::writeText(QString text, Method method, std:
             break;
     }
     co_return co_await pressPaste();
+}
+
+bool OutputWriter::isGone(const QString& standing) const {
+    const auto before = standing.isEmpty() ? std::nullopt : place_.beforeCaret();
+    return before && (before->isSelecting || !asTyped(before->text).endsWith(asTyped(standing)));
+}
+
+async::Task<bool> OutputWriter::wasReplacedInPlace(QString standing, QString text) {
+    const auto before = standing.isEmpty() ? std::nullopt : place_.beforeCaret();
+    if (!before || before->isSelecting || !asTyped(before->text).endsWith(asTyped(standing)))
+        co_return false;
+    const text::Utf16Range range{before->text.size() - standing.size(), standing.size()};
+    const auto outcome =
+        platform_.accessibility.replaceText(before->element, range, before->text.last(standing.size()), text);
+    co_return co_await tookEffect(outcome, before->element, std::move(text));
 }
 
 std::optional<QString> OutputWriter::textForPlace(QString text) const {
@@ -111,20 +136,19 @@ async::Task<Placement> OutputWriter::replaceSelection(QString text) {
     const auto focused = accessibility.copyAttribute(platform::axApplicationElement(application->processIdentifier),
                                                      AXAttribute::FocusedUIElement);
     const auto* element = focused ? std::get_if<AXElement>(&*focused) : nullptr;
-    if (element && co_await wasReplaced(*element, text))
+    if (element &&
+        co_await tookEffect(accessibility.setAttribute(*element, AXAttribute::SelectedText, text), *element, text))
         co_return Placement::Written;
     co_return co_await pasteText(std::move(text));
 }
 
-async::Task<bool> OutputWriter::wasReplaced(AXElement field, QString text) {
-    auto& accessibility = platform_.accessibility;
-    const auto outcome = accessibility.setAttribute(field, AXAttribute::SelectedText, text);
+async::Task<bool> OutputWriter::tookEffect(platform::AXError outcome, AXElement field, QString text) {
     if (outcome != platform::AXError::CannotComplete)
         co_return outcome == platform::AXError::Success;
     // An application that stalls does what it was told when it goes on, and with a paste the text would stand twice.
     for (int look = 0; look < stalledLooks; ++look) {
         co_await async::pause(platform_.mainLoop, betweenLooks);
-        if (const auto value = accessibility.copyAttribute(field, AXAttribute::Value)) {
+        if (const auto value = platform_.accessibility.copyAttribute(field, AXAttribute::Value)) {
             const auto* now = std::get_if<QString>(&*value);
             co_return now && now->contains(text);
         }
@@ -150,7 +174,7 @@ async::Task<Placement> OutputWriter::deleteBackward(qint64 count, QString standi
         std::abort();
     if (count > 0 && !place_.isInFront())
         co_return Placement::OnClipboard;
-    if (count > 0 && place_.lacksBeforeCaret(standing))
+    if (count > 0 && isGone(standing))
         count = 0;
     const platform::ModifiersAside aside(platform_.keyPoster);
     for (qint64 i = 0; i < count; ++i) {

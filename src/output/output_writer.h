@@ -68,8 +68,9 @@ class OutputWriter {
 
     /// Writes `text`. `deleteCharCount`, else `fallbackDeleteCount`, is how many characters `deleteChars` removes; a
     /// negative count is a programming fault. `standing` is what these characters are: where the field can be read and
-    /// they do not stand before the caret any more, nothing is removed. Throws `OutputWriterError` or
-    /// `async::CancellationError`; when the pasteboard cannot be taken nothing is removed nor pasted.
+    /// they do not stand before the caret any more, nothing is removed, and where it can be edited too they are
+    /// replaced in one step, without a key. Throws `OutputWriterError` or `async::CancellationError`; when the
+    /// pasteboard cannot be taken nothing is removed nor pasted.
     async::Task<Placement> writeText(QString text, scenes::ReplacementStrategy::Method method,
                                      std::optional<qint64> deleteCharCount, qint64 fallbackDeleteCount,
                                      QString standing = {});
@@ -91,8 +92,11 @@ class OutputWriter {
     async::Task<Placement> deleteBackward(qint64 count, QString standing = {});
 
  private:
+    /// Whether the characters that are to be removed are known not to stand before the caret.
+    bool isGone(const QString& standing) const;
+    async::Task<bool> wasReplacedInPlace(QString standing, QString text);
     async::Task<Placement> replaceSelection(QString text);
-    async::Task<bool> wasReplaced(platform::AXElement field, QString text);
+    async::Task<bool> tookEffect(platform::AXError outcome, platform::AXElement field, QString text);
     async::Task<Placement> pressPaste();
     Placement leaveOnClipboard(const QString& text);
     std::optional<QString> textForPlace(QString text) const;

@@ -128,6 +128,11 @@ class Accessibility {
     /// except that the caller must write in another way.
     virtual AXError setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) = 0;
 
+    /// Puts `text` in the place of `range`, in UTF-16 units of `Value`, if `expected` stands there. Answers as
+    /// `setAttribute` does.
+    virtual AXError replaceText(const AXElement& element, text::Utf16Range range, const QString& expected,
+                                const QString& text) = 0;
+
     /// Asks anew once in each turn of the main loop. Our own windows are told of too.
     virtual FocusKind focusKind() = 0;
     bool isFocusSecure() { return focusKind() == FocusKind::Password; }

@@ -127,6 +127,18 @@ TEST_F(TextRequestTest, WhatAnInputMethodMadeOfTheKeysIsRemovedOnlyWhereItWasSee
     }
 }
 
+TEST_F(TextRequestTest, WhereTheFieldCanBeEditedTheRequestIsReplacedWithoutAKeyAndTheClipboardKept) {
+    desk.accessibility.replacesText = true;
+    desk.pasteboard.copyElsewhere(QStringLiteral("precious"));
+    desk.editor.open(QStringLiteral("Dear ,"));
+    desk.editor.select(5);
+    desk.request(QStringLiteral("who? 👍"));
+    finish();
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("Dear ANSWER,"));
+    EXPECT_TRUE(desk.keyPoster.strokes().empty());
+    EXPECT_EQ(desk.pasteboard.text(), QStringLiteral("precious"));
+}
+
 TEST_F(TextRequestTest, NothingIsRemovedWhereTheRequestDoesNotStandAnyMore) {
     desk.generator.delay = 1s;
     desk.request(QStringLiteral("question"));

@@ -153,4 +153,17 @@ FakeAccessibility::AXError FakeAccessibility::setAttribute(const AXElement& elem
     return AXError::Success;
 }
 
+FakeAccessibility::AXError FakeAccessibility::replaceText(const AXElement& element, text::Utf16Range range,
+                                                          const QString& expected, const QString& text) {
+    if (!replacesText)
+        return AXError::AttributeUnsupported;
+    if (!field || element != fieldElement())
+        return AXError::InvalidUIElement;
+    if (text::substring(field->value, range) != expected)
+        return AXError::NoValue;
+    field->value.replace(range.location, range.length, text);
+    field->selection = {range.location + text.size(), 0};
+    return AXError::Success;
+}
+
 }  // namespace tavrelon::testing

@@ -43,6 +43,8 @@ class FakeAccessibility : public platform::Accessibility {
     QString fieldPath = QStringLiteral("/field");                   ///< another one is another element
     AXError setSelectedTextResult = AXError::Success;  ///< any other refuses the text and leaves the field alone
 
+    bool replacesText = false;  ///< otherwise it offers no interface for editing
+
     /// The element that `field` is.
     AXElement fieldElement() const;
 
@@ -69,6 +71,8 @@ class FakeAccessibility : public platform::Accessibility {
     Result copyAttribute(const AXElement& element, AXAttribute attribute) override;
     Result copyParameterizedAttribute(const AXElement& element, AXAttribute attribute, text::Utf16Range range) override;
     AXError setAttribute(const AXElement& element, AXAttribute attribute, const QString& value) override;
+    AXError replaceText(const AXElement& element, text::Utf16Range range, const QString& expected,
+                        const QString& text) override;
     platform::FocusKind focusKind() override { return field ? fieldKind : platform::FocusKind::Unknown; }
     void onFocusChange(std::function<void()> handler) override { focusHandler_ = std::move(handler); }
 

@@ -244,4 +244,12 @@ AXError AtspiAccessibility::setAttribute(const AXElement& element, AXAttribute a
     return atspi::FieldWriter(tracker_, directory_, log_).replaceSelection(referenceOf(element), value);
 }
 
+AXError AtspiAccessibility::replaceText(const AXElement& element, Utf16Range range, const QString& expected,
+                                        const QString& text) {
+    if (element.kind != Kind::Object)
+        return AXError::AttributeUnsupported;
+    turn().contents.reset();
+    return atspi::FieldWriter(tracker_, directory_, log_).replace(referenceOf(element), {range, expected}, text);
+}
+
 }  // namespace tavrelon::desktop

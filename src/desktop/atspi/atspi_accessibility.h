@@ -33,6 +33,8 @@ class AtspiAccessibility : public platform::Accessibility {
     /// Takes 500 ms at most. The field gets back what it held if the application breaks off in the middle.
     platform::AXError setAttribute(const platform::AXElement& element, platform::AXAttribute attribute,
                                    const QString& value) override;
+    platform::AXError replaceText(const platform::AXElement& element, text::Utf16Range range, const QString& expected,
+                                  const QString& text) override;
     platform::FocusKind focusKind() override;
     void onFocusChange(std::function<void()> handler) override;
 

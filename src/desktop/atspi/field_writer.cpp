@@ -33,6 +33,22 @@ FieldWriter::FieldWriter(AtspiTracker& tracker, AtspiDirectory& directory, platf
     : allowance_(editAllowance), calls_(tracker, allowance_), reader_(calls_, directory), log_(log) {}
 
 AXError FieldWriter::replaceSelection(const ObjectReference& field, const QString& inserted) {
+    if (const auto outcome = open(field, inserted); outcome != AXError::Success)
+        return outcome;
+    replaced_ = selection_;
+    return mayEdit() ? edit(inserted) : AXError::AttributeUnsupported;
+}
+
+AXError FieldWriter::replace(const ObjectReference& field, const StandingText& part, const QString& inserted) {
+    if (const auto outcome = open(field, inserted); outcome != AXError::Success)
+        return outcome;
+    if (selection_.length > 0 || text::substring(original_, part.range) != part.text)
+        return AXError::NoValue;
+    replaced_ = part.range;
+    return mayEdit() ? edit(inserted) : AXError::AttributeUnsupported;
+}
+
+AXError FieldWriter::open(const ObjectReference& field, const QString& inserted) {
     if (!canBeSent(inserted))
         return AXError::IllegalArgument;
     field_ = field;
@@ -47,29 +63,29 @@ AXError FieldWriter::replaceSelection(const ObjectReference& field, const QStrin
         return AXError::NoValue;
     original_ = contents->value;
     selection_ = *contents->selection;
-    return mayEdit() ? edit(inserted) : AXError::AttributeUnsupported;
+    return AXError::Success;
 }
 
 bool FieldWriter::mayEdit() const {
-    const auto selected = original_.mid(selection_.location, selection_.length);
+    const auto selected = original_.mid(replaced_.location, replaced_.length);
     return description_.has(editableTextInterface) && description_.toolkit.editing == Editing::Works &&
            !selected.contains(embeddedObject);
 }
 
 AXError FieldWriter::edit(const QString& inserted) {
-    const auto without = TextEdit{selection_, {}}.applied(original_);
-    const auto wanted = TextEdit{selection_, inserted}.applied(original_);
-    if (selection_.length > 0) {
-        const bool accepted = remove(selection_, original_);
+    const auto without = TextEdit{replaced_, {}}.applied(original_);
+    const auto wanted = TextEdit{replaced_, inserted}.applied(original_);
+    if (replaced_.length > 0) {
+        const bool accepted = remove(replaced_, original_);
         if (!reached(accepted, original_, without))
             return settle(wanted);
     }
     if (!inserted.isEmpty()) {
-        const bool accepted = insert(inserted, selection_.location, without);
+        const bool accepted = insert(inserted, replaced_.location, without);
         if (!reached(accepted, without, wanted))
             return settle(wanted);
     }
-    command(textInterface, "SetCaretOffset", {offset(selection_.location + inserted.size(), wanted)});
+    command(textInterface, "SetCaretOffset", {offset(replaced_.location + inserted.size(), wanted)});
     return AXError::Success;
 }
 

@@ -5,7 +5,13 @@
 
 namespace tavrelon::desktop::atspi {
 
-/// Replaces the selection of one field. Main thread, which waits for up to 500 ms.
+/// A part of a field, in UTF-16 units, and what stands there.
+struct StandingText {
+    text::Utf16Range range;
+    QString text;
+};
+
+/// Replaces the selection or a part of one field. Main thread, which waits for up to 500 ms.
 class FieldWriter {
  public:
     FieldWriter(AtspiTracker& tracker, AtspiDirectory& directory, platform::Log& log);
@@ -15,7 +21,11 @@ class FieldWriter {
     /// its selection.
     platform::AXError replaceSelection(const ObjectReference& field, const QString& inserted);
 
+    /// Likewise in place of a part; `NoValue` if that text does not stand there or something is selected.
+    platform::AXError replace(const ObjectReference& field, const StandingText& part, const QString& inserted);
+
  private:
+    platform::AXError open(const ObjectReference& field, const QString& inserted);
     platform::AXError edit(const QString& inserted);
     bool mayEdit() const;
     bool remove(text::Utf16Range range, const QString& from);
@@ -35,7 +45,8 @@ class FieldWriter {
     ObjectReference field_;
     FieldDescription description_;
     QString original_;
-    text::Utf16Range selection_;
+    text::Utf16Range selection_;  ///< as the field had it
+    text::Utf16Range replaced_;
     bool leftUnanswered_ = false;  // a command was, so it may still be carried out
 };
 
