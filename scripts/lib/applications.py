@@ -7,7 +7,7 @@ import re
 import sys
 from pathlib import Path
 
-COLUMNS = ["application", "value", "selection", "typed request", "selection request", "by accessibility", "by paste",
+COLUMNS = ["application", "value", "selection", "typed request", "selection request", "by accessibility", "in place",
            "caret", "undo"]
 NAMES = {
     "mousepad": "mousepad (GTK 3)",
@@ -31,7 +31,8 @@ application does more or less than is written here.
 - **typed request**: hotkey, words, hotkey; the model got the words and the answer stands in their place.
 - **selection request**: a selected word, hotkey, hotkey; the model got the word and the answer replaced it (in a
   terminal it is typed at the prompt). Where accessibility gives no selection, the copy shortcut does.
-- **by accessibility**, **by paste**: the answer to a selection request, and to a typed one, was written in this way.
+- **by accessibility**, **in place**: the answer to a selection request, and to a typed one, was written in one step
+  and without the clipboard; elsewhere it is pasted.
 - **caret**: the overlay is told where the caret is, and follows it to the right and to the next line;
   a click at that place finds the caret again (but in a terminal, where a click moves none).
 - **undo**: how often to undo until the selection request never happened.
