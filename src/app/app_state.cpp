@@ -71,6 +71,7 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
     userInterface.application.setOnActiveChanged(
         [this](bool isActive) { hotkeyManager_.setOwnWindowActive(isActive); });
     applyCaptureSettings();
+    outputWriter_.keepsClipboard = [this] { return storageManager_.settings().keepClipboard; };
 }
 
 AppState::~AppState() {

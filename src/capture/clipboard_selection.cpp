@@ -24,6 +24,8 @@ ClipboardSelection::ClipboardSelection(async::MainLoop& loop, platform::Log& log
 
 async::Task<std::optional<QString>> ClipboardSelection::read(SelectAll selectAll) {
     auto saved = co_await snapshot();
+    if (!saved)
+        co_return finish(std::nullopt);
     const auto baseCount = pasteboard_.changeCount();
     const platform::ModifiersAside aside(poster_);
     pressCommand(keys::keyC);
@@ -37,7 +39,7 @@ async::Task<std::optional<QString>> ClipboardSelection::read(SelectAll selectAll
         string = co_await stringSince(baseCount);
     }
     if (pasteboard_.changeCount() != baseCount)
-        restore(std::move(saved));
+        restore(*std::move(saved));
     co_return finish(std::move(string));
 }
 
@@ -46,18 +48,16 @@ async::Task<ClipboardSelection::Snapshot> ClipboardSelection::snapshot() {
     if (!items) {
         log_.line(
             QStringLiteral("[ContextCapturer] The clipboard's owner did not hand out its content; "
-                           "it cannot be put back if a copy replaces it"));
+                           "it could not be put back, so nothing is copied"));
         co_return std::nullopt;
     }
     co_return *std::move(items);
 }
 
-void ClipboardSelection::restore(Snapshot snapshot) {
-    if (!snapshot)
-        return;
+void ClipboardSelection::restore(std::vector<platform::PasteboardItem> items) {
     pasteboard_.clearContents();
-    if (!snapshot->empty())
-        pasteboard_.writeItems(*std::move(snapshot));
+    if (!items.empty())
+        pasteboard_.writeItems(std::move(items));
 }
 
 void ClipboardSelection::pressCommand(keys::VirtualKey key) {

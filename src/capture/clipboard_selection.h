@@ -16,8 +16,8 @@ namespace tavrelon::capture {
 enum class SelectAll { Allowed, Forbidden };
 
 /// Reads a selection the way a user would: presses the copy shortcut and looks at what lands on the pasteboard, which
-/// is put back afterwards with all its types. For applications that tell accessibility nothing. Main thread; the waits
-/// are fixed, and a failure is an absent result.
+/// is put back afterwards with all its types. For applications that tell accessibility nothing. Where the pasteboard
+/// could not be put back, nothing is pressed. Main thread; the waits are fixed, and a failure is an absent result.
 class ClipboardSelection {
  public:
     ClipboardSelection(async::MainLoop& loop, platform::Log& log, platform::Pasteboard& pasteboard,
@@ -27,11 +27,11 @@ class ClipboardSelection {
     async::Task<std::optional<QString>> read(SelectAll selectAll);
 
  private:
-    /// What was on the pasteboard; absent when its owner did not tell, in which case nothing can be put back.
+    /// What was on the pasteboard; absent when its owner did not tell: nothing could be put back.
     using Snapshot = std::optional<std::vector<platform::PasteboardItem>>;
 
     async::Task<Snapshot> snapshot();
-    void restore(Snapshot snapshot);
+    void restore(std::vector<platform::PasteboardItem> items);
     void pressCommand(keys::VirtualKey key);
 
     /// The pasteboard's text if the pasteboard changed since `baseCount`.

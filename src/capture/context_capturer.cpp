@@ -59,7 +59,12 @@ async::Task<std::optional<QString>> ContextCapturer::selectedText() {
 }
 
 async::Task<std::optional<QString>> ContextCapturer::selectionViaClipboard(SelectAll selectAll) {
-    if (platform_.accessibility.isFocusSecure())
+    // In a terminal inside of another program's window the copy shortcut would end what runs there.
+    const auto window = platform_.workspace.frontmostWindow();
+    const auto kind = platform_.accessibility.focusKind();
+    const bool isInnerTerminal =
+        kind == platform::FocusKind::Terminal && !(window && window->kind == platform::WindowKind::Terminal);
+    if (isInnerTerminal || kind == platform::FocusKind::Password)
         co_return std::nullopt;
     co_return co_await clipboardSelection_.read(selectAll);
 }

@@ -44,12 +44,14 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
         [this, &context, prompt, userStyle] { return generateOnce(prompt, context, userStyle); });
     if (!machine_.isCurrentTask(id))
         co_return;
-    std::optional<LoggedWrite> writing(services_.platform.log);
-    services_.historyManager.addEntry(
-        historyEntryOf(context, retried.result,
-                       {selection, retried.result.text.value_or(QStringLiteral("[Auto Reply]")),
-                        QStringLiteral("reply"), retried.retryCount},
-                       services_.platform.mainLoop.wallTime()));
+    std::optional<StoredWrite> writing(
+        std::in_place, services_.platform,
+        [this, entry = historyEntryOf(context, retried.result,
+                                      {selection, retried.result.text.value_or(QStringLiteral("[Auto Reply]")),
+                                       QStringLiteral("reply"), retried.retryCount},
+                                      services_.platform.mainLoop.wallTime())] {
+            services_.historyManager.addEntry(entry);
+        });
     if (retried.result.text) {
         co_await async::pause(services_.platform.mainLoop, 50ms);
         const auto placement = co_await services_.outputWriter.pasteText(*retried.result.text);

@@ -1,5 +1,7 @@
 #include "input/history_record.h"
 
+#include <utility>
+
 #include "text/foreign_text.h"
 
 namespace tavrelon::input {
@@ -21,6 +23,21 @@ persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context
     entry.outputText = text::writableAnswer(record.outputText);
     entry.retryCount = record.retryCount;
     return entry;
+}
+
+StoredWrite::StoredWrite(platform::Platform& platform, Store store) : log_(platform.log), store_(std::move(store)) {
+    log_.line(QStringLiteral("[StateMachine] Writing"));
+    platform.mainLoop.post(lifetime_.guard([this] { storeOnce(); }));
+}
+
+StoredWrite::~StoredWrite() {
+    storeOnce();
+    log_.line(QStringLiteral("[StateMachine] Writing ended"));
+}
+
+void StoredWrite::storeOnce() {
+    if (const auto store = std::exchange(store_, nullptr))
+        store();
 }
 
 }  // namespace tavrelon::input

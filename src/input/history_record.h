@@ -1,7 +1,10 @@
 #pragma once
 
+#include <functional>
+
+#include "async/lifetime.h"
 #include "input/generation_retry.h"
-#include "platform/log.h"
+#include "platform/platform.h"
 
 namespace tavrelon::input {
 
@@ -13,22 +16,29 @@ struct AnswerRecord {
     qint64 retryCount = 0;
 };
 
-/// The history entry of an answer. It is stored before the answer is written, so that a write that fails loses
-/// neither the request nor the answer.
 persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context,
                                          const generation::GenerationResult& result, AnswerRecord record,
                                          std::chrono::system_clock::time_point now);
 
-/// Lets the log tell from the storing of an answer to the end of its write, however that ends.
-class LoggedWrite {
+/// Stores an answer beside its write: in the first wait of that, which a storage device takes a part of, or when it
+/// ends, however it ends. A write that fails so loses neither the request nor the answer. The log tells from the begin
+/// to the end of both.
+class StoredWrite {
  public:
-    explicit LoggedWrite(platform::Log& log) : log_(log) { log_.line(QStringLiteral("[StateMachine] Writing")); }
-    LoggedWrite(const LoggedWrite&) = delete;
-    LoggedWrite& operator=(const LoggedWrite&) = delete;
-    ~LoggedWrite() { log_.line(QStringLiteral("[StateMachine] Writing ended")); }
+    using Store = std::function<void()>;
+
+    /// What `store` refers to outlives this object.
+    StoredWrite(platform::Platform& platform, Store store);
+    StoredWrite(const StoredWrite&) = delete;
+    StoredWrite& operator=(const StoredWrite&) = delete;
+    ~StoredWrite();
 
  private:
+    void storeOnce();
+
     platform::Log& log_;
+    Store store_;
+    async::Lifetime lifetime_;
 };
 
 }  // namespace tavrelon::input

@@ -52,7 +52,7 @@ async::Task<void> TextRequestPipeline::leaveComposition(TextRequest& request) {
         co_return;
     const auto left = deriveRequestText(latest, std::nullopt, request.initial);
     request.finalDeleteCount = left ? left->deleteCount.value_or(0) : 0;
-    request.standing = left ? left->text : QString();
+    request.standing = left ? output::StandingText{left->text, left->place} : output::StandingText();
 }
 
 async::Task<output::Placement> TextRequestPipeline::write(const TextRequest& request,
@@ -69,17 +69,18 @@ async::Task<output::Placement> TextRequestPipeline::write(const TextRequest& req
         if (!machine_.isCurrentTask(request.id))
             throw async::CancellationError();
     }
-    const LoggedWrite writing(services_.platform.log);
     const auto shown = picture ? output::pictureCopied.toString() : QStringLiteral("[Image Generated]");
     auto entry = historyEntryOf(request.context, result,
                                 {request.finalText, result.text && !picture ? *result.text : shown, {}, retryCount},
                                 services_.platform.mainLoop.wallTime());
     entry.id = id;
+    const StoredWrite writing(services_.platform, [this, &request, &entry, &picture, id] {
+        if (picture)
+            entry.outputImagePath = services_.historyManager.saveImage(picture->dataByType.front().second, id);
+        record(request, entry);
+    });
     if (picture)
-        entry.outputImagePath = services_.historyManager.saveImage(picture->dataByType.front().second, id);
-    record(request, std::move(entry));  // before the write, which may be refused
-    if (picture)
-        co_return co_await writeImage(request, *std::move(picture), strategy);
+        co_return co_await writeImage(request, *picture, strategy);
     if (!result.text)
         co_return output::Placement::Written;
     co_return co_await services_.outputWriter.writeText(*result.text, strategy.method, strategy.deleteCharCount,

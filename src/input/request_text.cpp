@@ -45,8 +45,11 @@ std::optional<RequestText> deriveRequestText(const std::optional<AccessibilityTe
                                              const std::optional<AccessibilityTextSnapshot>& initial) {
     if (initial && current)
         if (auto found = insertion(*initial, *current)) {
-            const auto count = text::characterCount(found->inserted);
-            return RequestText{std::move(found->inserted), count, found->deleted == selectedCount(*initial)};
+            RequestText request{std::move(found->inserted), {}, found->deleted == selectedCount(*initial)};
+            request.deleteCount = text::characterCount(request.text);
+            if (current->element)
+                request.place = {*current->element, current->offset + found->at};
+            return request;
         }
     if (selection)
         if (auto trimmed = text::trimmedOrAbsent(*selection))

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "capture/captured_context.h"
+#include "output/answer_place.h"
 #include "scenes/replacement_strategy.h"
 
 namespace tavrelon::input {
@@ -15,7 +16,8 @@ using capture::AccessibilityTextSnapshot;
 struct RequestText {
     QString text;
     std::optional<qint64> deleteCount;
-    bool isClean = false;  ///< nothing else but the selection before changed in the field
+    bool isClean = false;                       ///< nothing else but the selection before changed in the field
+    std::optional<output::FieldPlace> place{};  ///< where it stands in the field
     bool operator==(const RequestText&) const = default;
 };
 

@@ -27,10 +27,10 @@ struct TextRequest {
     bool imeMayBeComposing = false;
     QString finalText;                       ///< what goes to the model
     std::optional<qint64> finalDeleteCount;  ///< characters to remove from the field
-    QString standing;                        ///< the text that these are, as far as it is known
+    output::StandingText standing;           ///< these characters
 
     void settle(RequestText found) {
-        standing = found.deleteCount ? found.text : requestText;
+        standing = {found.deleteCount ? found.text : requestText, found.place};
         finalText = std::move(found.text);
         finalDeleteCount = found.deleteCount;
     }

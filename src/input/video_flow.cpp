@@ -70,18 +70,20 @@ async::Task<void> VideoFlow::describe(const RequestText& request, const std::vec
         });
     if (!machine_.isCurrentTask(id))
         co_return;
-    std::optional<LoggedWrite> writing(services_.platform.log);
-    services_.historyManager.addEntry(
-        historyEntryOf(context, retried.result,
-                       {prompt, retried.result.text.value_or(QStringLiteral("[Video Result]")), QStringLiteral("video"),
-                        retried.retryCount},
-                       services_.platform.mainLoop.wallTime()));
+    std::optional<StoredWrite> writing(
+        std::in_place, services_.platform,
+        [this, entry = historyEntryOf(context, retried.result,
+                                      {prompt, retried.result.text.value_or(QStringLiteral("[Video Result]")),
+                                       QStringLiteral("video"), retried.retryCount},
+                                      services_.platform.mainLoop.wallTime())] {
+            services_.historyManager.addEntry(entry);
+        });
     if (retried.result.text) {
         // What was selected and not typed is pasted over.
         const auto typed = request.deleteCount.value_or(0);
         const auto strategy = makeReplacementStrategy(request.text, context.selection, typed);
-        const auto placement = co_await services_.outputWriter.writeText(*retried.result.text, strategy.method,
-                                                                         strategy.deleteCharCount, typed, request.text);
+        const auto placement = co_await services_.outputWriter.writeText(
+            *retried.result.text, strategy.method, strategy.deleteCharCount, typed, {request.text, request.place});
         if (!machine_.isCurrentTask(id))
             co_return;
         output::ensureWritten(placement);

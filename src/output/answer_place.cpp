@@ -10,6 +10,12 @@ namespace {
 /// Stands for what is no text, or has its text elsewhere.
 constexpr QChar embeddedObject(0xFFFC);
 
+QString asTyped(QString text) {
+    return text.replace(QChar::ParagraphSeparator, u'\n')
+        .replace(QChar::LineSeparator, u'\n')
+        .replace(QChar::Nbsp, u' ');
+}
+
 }  // namespace
 
 void AnswerPlace::remember() {
@@ -43,7 +49,33 @@ bool AnswerPlace::isTerminal() const {
            platform_.accessibility.focusKind() == platform::FocusKind::Terminal;
 }
 
-std::optional<AnswerPlace::BeforeCaret> AnswerPlace::beforeCaret() const {
+bool AnswerPlace::takesNoPaste() const {
+    const auto window = platform_.workspace.frontmostWindow();
+    return window && window->kind == platform::WindowKind::WithoutPaste;
+}
+
+keys::Modifiers AnswerPlace::pasteModifiers() const {
+    const auto window = platform_.workspace.frontmostWindow();
+    const bool isInside = (!window || window->kind == platform::WindowKind::Ordinary) &&
+                          platform_.accessibility.focusKind() == platform::FocusKind::Terminal;
+    return isInside ? keys::commandFlag | keys::shiftFlag : keys::commandFlag;
+}
+
+std::optional<text::Utf16Range> AnswerPlace::Field::rangeOf(const StandingText& standing) const {
+    const auto length = standing.text.size();
+    if (standing.place && standing.place->element == element &&
+        asTyped(text.mid(standing.place->location, length)) == asTyped(standing.text))
+        return text::Utf16Range{standing.place->location, length};
+    if (isBeforeCaret(standing.text))
+        return text::Utf16Range{selection.location - length, length};
+    return std::nullopt;
+}
+
+bool AnswerPlace::Field::isBeforeCaret(const QString& standing) const {
+    return selection.length == 0 && asTyped(text.first(selection.location)).endsWith(asTyped(standing));
+}
+
+std::optional<AnswerPlace::Field> AnswerPlace::field() const {
     const auto element = isTerminal() ? std::nullopt : focusedElement();
     if (!element)
         return std::nullopt;
@@ -54,7 +86,7 @@ std::optional<AnswerPlace::BeforeCaret> AnswerPlace::beforeCaret() const {
     if (!held || !selected || selected->location < 0 || selected->location > held->size() ||
         held->contains(embeddedObject))
         return std::nullopt;
-    return BeforeCaret{*element, held->first(selected->location), selected->length > 0};
+    return Field{*element, *held, *selected};
 }
 
 std::optional<AXElement> AnswerPlace::focusedElement() const {

@@ -7,6 +7,20 @@
 
 namespace tavrelon::output {
 
+/// A place in the text of a field.
+struct FieldPlace {
+    platform::AXElement element;
+    qint64 location = 0;  ///< in UTF-16 units
+    bool operator==(const FieldPlace&) const = default;
+};
+
+/// The user's characters that an answer replaces, as far as they are known: they stand where they were found, or before
+/// the caret.
+struct StandingText {
+    QString text;
+    std::optional<FieldPlace> place{};
+};
+
 /// Where what is written is meant to go, and whether the keys still go there. Main thread; the questions are bounded as
 /// those of the ports. What cannot be told of an element counts as unchanged; before anything is remembered every place
 /// counts as the right one, but for password fields, which never do. While a program holds the keyboard no place does.
@@ -28,15 +42,27 @@ class AnswerPlace {
     /// Whether a terminal has the focus.
     bool isTerminal() const;
 
-    /// What stands before the caret of the field with the focus.
-    struct BeforeCaret {
+    /// Whether no key is known that pastes in the window in front.
+    bool takesNoPaste() const;
+
+    /// The modifiers with which V pastes. Terminals that have a window of their own are known by it, and what posts the
+    /// key sees to those; inside of another program's window accessibility tells them.
+    keys::Modifiers pasteModifiers() const;
+
+    /// The field with the focus. Fields keep some of the characters that keys type as others: a line's end, and a space
+    /// at it; what is compared is made equal in that.
+    struct Field {
         platform::AXElement element;
         QString text;
-        bool isSelecting = false;  ///< something is selected, so there is no caret
+        text::Utf16Range selection;
+
+        /// Where these characters are: where they were found, else before the caret. Absent when they are gone.
+        std::optional<text::Utf16Range> rangeOf(const StandingText& standing) const;
+        bool isBeforeCaret(const QString& standing) const;
     };
 
     /// Absent where it cannot be read, and in terminals, whose text is not the user's alone.
-    std::optional<BeforeCaret> beforeCaret() const;
+    std::optional<Field> field() const;
 
  private:
     std::optional<platform::AXElement> focusedElement() const;

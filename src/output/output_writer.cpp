@@ -41,13 +41,6 @@ QString describe(OutputWriterError::Code code, const QString& detail) {
     std::abort();
 }
 
-/// Fields keep some of the characters that keys type as others: a line's end, and a space at it.
-QString asTyped(QString text) {
-    return text.replace(QChar::ParagraphSeparator, u'\n')
-        .replace(QChar::LineSeparator, u'\n')
-        .replace(QChar::Nbsp, u' ');
-}
-
 OutputWriterError clipboardRefused() {
     return OutputWriterError(OutputWriterError::Code::writeFailed, QStringLiteral("the clipboard could not be taken"));
 }
@@ -63,7 +56,7 @@ void ensureWritten(Placement placement) {
 }
 
 async::Task<Placement> OutputWriter::writeText(QString text, Method method, std::optional<qint64> deleteCharCount,
-                                               qint64 fallbackDeleteCount, QString standing) {
+                                               qint64 fallbackDeleteCount, StandingText standing) {
     text = text::writableAnswer(text);
     const auto fitting = place_.isInFront() ? textForPlace(text) : std::nullopt;
     if (!fitting)
@@ -74,6 +67,7 @@ async::Task<Placement> OutputWriter::writeText(QString text, Method method, std:
         co_await wasReplacedInPlace(standing, *fitting))
         co_return Placement::Written;
     // Before anything is removed: a clipboard that is refused then costs the user nothing.
+    co_await keepClipboard();
     leaveOnClipboard(*fitting);
     const platform::ModifiersAside aside(platform_.keyPoster);  // over the whole write: no flicker between its keys
     switch (method) {
@@ -92,22 +86,19 @@ async::Task<Placement> OutputWriter::writeText(QString text, Method method, std:
     co_return co_await pressPaste();
 }
 
-bool OutputWriter::isGone(const QString& standing) const {
-    const auto before = standing.isEmpty() ? std::nullopt : place_.beforeCaret();
-    return before && (before->isSelecting || !asTyped(before->text).endsWith(asTyped(standing)));
-}
-
-async::Task<bool> OutputWriter::wasReplacedInPlace(QString standing, QString text) {
-    const auto before = standing.isEmpty() ? std::nullopt : place_.beforeCaret();
-    if (!before || before->isSelecting || !asTyped(before->text).endsWith(asTyped(standing)))
+async::Task<bool> OutputWriter::wasReplacedInPlace(StandingText standing, QString text) {
+    const auto field = standing.text.isEmpty() ? std::nullopt : place_.field();
+    const auto range = field ? field->rangeOf(standing) : std::nullopt;
+    if (!range)
         co_return false;
-    const text::Utf16Range range{before->text.size() - standing.size(), standing.size()};
-    const auto outcome =
-        platform_.accessibility.replaceText(before->element, range, before->text.last(standing.size()), text);
-    co_return co_await tookEffect(outcome, before->element, std::move(text));
+    const auto outcome = platform_.accessibility.replaceText(field->element, *range,
+                                                             field->text.sliced(range->location, range->length), text);
+    co_return co_await tookEffect(outcome, field->element, std::move(text));
 }
 
 std::optional<QString> OutputWriter::textForPlace(QString text) const {
+    if (place_.takesNoPaste())
+        return std::nullopt;
     if (!place_.isTerminal())
         return text;
     while (text.endsWith(u'\n'))
@@ -122,17 +113,20 @@ Placement OutputWriter::leaveOnClipboard(const QString& text) {
     return Placement::OnClipboard;
 }
 
+async::Task<void> OutputWriter::keepClipboard() {
+    if (keepsClipboard())
+        co_await keptClipboard_.keep();
+    else
+        keptClipboard_.forget();
+}
+
 async::Task<Placement> OutputWriter::replaceSelection(QString text) {
     auto& accessibility = platform_.accessibility;
     if (!accessibility.isProcessTrusted())
         throw OutputWriterError(OutputWriterError::Code::permissionDenied);
     const auto application = platform_.workspace.frontmostApplication();
-    if (!application) {
-        // A window that does not tell its process, as over a network, takes a paste all the same.
-        if (!platform_.workspace.frontmostWindowTitle())
-            throw OutputWriterError(OutputWriterError::Code::noFrontmostApp);
-        co_return co_await pasteText(std::move(text));
-    }
+    if (!application)
+        throw OutputWriterError(OutputWriterError::Code::noFrontmostApp);
     const auto focused = accessibility.copyAttribute(platform::axApplicationElement(application->processIdentifier),
                                                      AXAttribute::FocusedUIElement);
     const auto* element = focused ? std::get_if<AXElement>(&*focused) : nullptr;
@@ -169,12 +163,13 @@ async::Task<bool> OutputWriter::cancelComposition() {
     co_return wasOpen;
 }
 
-async::Task<Placement> OutputWriter::deleteBackward(qint64 count, QString standing) {
+async::Task<Placement> OutputWriter::deleteBackward(qint64 count, StandingText standing) {
     if (count < 0)
         std::abort();
     if (count > 0 && !place_.isInFront())
         co_return Placement::OnClipboard;
-    if (count > 0 && isGone(standing))
+    if (const auto field = count > 0 && !standing.text.isEmpty() ? place_.field() : std::nullopt;
+        field && !field->isBeforeCaret(standing.text))
         count = 0;
     const platform::ModifiersAside aside(platform_.keyPoster);
     for (qint64 i = 0; i < count; ++i) {
@@ -188,25 +183,29 @@ async::Task<Placement> OutputWriter::deleteBackward(qint64 count, QString standi
 }
 
 async::Task<Placement> OutputWriter::pasteText(QString text) {
-    // What was on the pasteboard is not asked for: a paste does not give it back, and its owner may be slow.
     text = text::writableAnswer(text);
     const auto fitting = textForPlace(text);
+    // Its owner may be slow, so it is asked for only where that is wanted.
+    co_await keepClipboard();
     leaveOnClipboard(fitting.value_or(text));
     co_return fitting ? co_await pressPaste() : Placement::OnClipboard;
 }
 
 async::Task<Placement> OutputWriter::pressPaste() {
     co_await async::pause(platform_.mainLoop, beforePaste);
-    if (!place_.isInFront())
+    if (!place_.isInFront() || place_.takesNoPaste())
         co_return Placement::OnClipboard;
     const platform::ModifiersAside aside(platform_.keyPoster);
-    platform_.keyPoster.press(keys::keyV, keys::commandFlag);
+    platform_.keyPoster.press(keys::keyV, place_.pasteModifiers());
+    keptClipboard_.giveBackOncePasted();
     co_await async::pause(platform_.mainLoop, postPasteDelay);
     co_return Placement::Written;
 }
 
 async::Task<ImageOutcome> OutputWriter::writeImage(std::optional<platform::PasteboardItem> picture,
                                                    std::optional<QString> caption, AutoPaste autoPaste) {
+    if (autoPaste == AutoPaste::Yes)
+        co_await keepClipboard();
     platform_.pasteboard.clearContents();
     if (!picture) {
         if (caption)

@@ -3,10 +3,12 @@
 #include <QByteArray>
 #include <QString>
 #include <chrono>
+#include <functional>
 #include <optional>
 
 #include "async/task.h"
 #include "output/answer_place.h"
+#include "output/kept_clipboard.h"
 #include "platform/platform.h"
 #include "scenes/replacement_strategy.h"
 #include "text/localized_error.h"
@@ -50,37 +52,41 @@ void ensureWritten(Placement placement);
 /// task ensures. A cancelled write stops at its next wait and leaves what it has done.
 ///
 /// No key is pressed and nothing written where another window or element, or a password field, has the focus by then:
-/// the result is left on the clipboard. So is a text of several lines before a terminal, which may take each line for a
-/// command: nothing on this desktop tells whether what runs in it asked for pasted text to be marked as such. Of a text
-/// in one line a terminal does not get the line end.
+/// the result is left on the clipboard, as where no key is known that pastes. So is a text of several lines before a
+/// terminal, which may take each line for a command: nothing on this desktop tells whether what runs in it asked for
+/// pasted text to be marked as such. Of a text in one line a terminal does not get the line end.
 ///
 /// All texts lose control characters and loose bidirectional ones first.
 class OutputWriter {
  public:
-    explicit OutputWriter(platform::Platform& platform) : platform_(platform), place_(platform) {}
+    explicit OutputWriter(platform::Platform& platform)
+        : platform_(platform), place_(platform), keptClipboard_(platform.mainLoop, platform.pasteboard) {}
 
     bool useClipboardFallback = true;  ///< kept for the record; the paste fall-back always runs
     std::chrono::milliseconds postPasteDelay{100};
+
+    /// Whether the user's clipboard is given back after a paste; without it the result stays there.
+    std::function<bool()> keepsClipboard = [] { return false; };
 
     /// What is written from now on is for the window and the element that have the focus now, or for that window.
     void aim() { place_.remember(); }
     void aimAt(const platform::RunningApplication& application) { place_.remember(application); }
 
     /// Writes `text`. `deleteCharCount`, else `fallbackDeleteCount`, is how many characters `deleteChars` removes; a
-    /// negative count is a programming fault. `standing` is what these characters are: where the field can be read and
-    /// they do not stand before the caret any more, nothing is removed, and where it can be edited too they are
-    /// replaced in one step, without a key. Throws `OutputWriterError` or `async::CancellationError`; when the
+    /// negative count is a programming fault. `standing` is what these characters are: in a field that can be edited by
+    /// accessibility they are replaced in one step, without a key, and in one that can be read nothing is removed
+    /// unless they stand before the caret. Throws `OutputWriterError` or `async::CancellationError`; when the
     /// pasteboard cannot be taken nothing is removed nor pasted.
     async::Task<Placement> writeText(QString text, scenes::ReplacementStrategy::Method method,
                                      std::optional<qint64> deleteCharCount, qint64 fallbackDeleteCount,
-                                     QString standing = {});
+                                     StandingText standing = {});
 
     /// Puts a picture, as the image codec gave it, on the pasteboard and pastes it; gives a text to show. One that
     /// could not be decoded leaves the pasteboard empty and gives the caption, or `invalidImageData` without one.
     async::Task<ImageOutcome> writeImage(std::optional<platform::PasteboardItem> picture,
                                          std::optional<QString> caption, AutoPaste autoPaste);
 
-    /// Puts `text` on the pasteboard, where it stays, and presses the paste shortcut.
+    /// Puts `text` on the pasteboard and presses the paste shortcut.
     async::Task<Placement> pasteText(QString text);
 
     /// Gives up the word that an input method shows half composed, which would take the keys of a write for itself.
@@ -89,21 +95,21 @@ class OutputWriter {
 
     /// Removes `count` characters before the caret, one key at a time; stops for good when its place is not in front.
     /// Removes nothing where the field can be read and `standing` does not stand there.
-    async::Task<Placement> deleteBackward(qint64 count, QString standing = {});
+    async::Task<Placement> deleteBackward(qint64 count, StandingText standing = {});
 
  private:
-    /// Whether the characters that are to be removed are known not to stand before the caret.
-    bool isGone(const QString& standing) const;
-    async::Task<bool> wasReplacedInPlace(QString standing, QString text);
+    async::Task<bool> wasReplacedInPlace(StandingText standing, QString text);
     async::Task<Placement> replaceSelection(QString text);
     async::Task<bool> tookEffect(platform::AXError outcome, platform::AXElement field, QString text);
     async::Task<Placement> pressPaste();
     Placement leaveOnClipboard(const QString& text);
+    async::Task<void> keepClipboard();
     std::optional<QString> textForPlace(QString text) const;
     void pressPlain(keys::VirtualKey key) { platform_.keyPoster.press(key, keys::noModifiers); }
 
     platform::Platform& platform_;
     AnswerPlace place_;
+    KeptClipboard keptClipboard_;
 };
 
 }  // namespace tavrelon::output

@@ -57,6 +57,8 @@ struct AppSettings : keys::HotkeySet {
     bool enableNvidiaLocal = false;
     bool enableNvidiaThink = false;
 
+    bool keepClipboard = false;  ///< gives the earlier content back after a paste
+
     bool enableHistory = true;      ///< carried along; nothing reads it
     qint64 maxHistoryEntries = 20;  ///< how many entries feed the style profile; the history's own cap is constant
     bool enableLocalLearning = true;

@@ -79,6 +79,7 @@ inline constexpr auto settingsFields = std::to_array<SettingsField>({
     {"adaptiveSystemPromptProvider", 55, &AppSettings::adaptiveSystemPromptProvider},
     {"cloneSource", 56, &AppSettings::cloneSource},
     {"cloneProvider", 57, &AppSettings::cloneProvider},
+    {"keepClipboard", 58, &AppSettings::keepClipboard},
 });
 
 /// The same fields in the order of writing.

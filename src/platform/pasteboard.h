@@ -34,11 +34,16 @@ class Pasteboard {
     /// Grows with every change of the pasteboard's content, by whomever.
     virtual std::int64_t changeCount() = 0;
 
-    /// Everything on the pasteboard; an empty list when there is nothing.
+    /// Everything on the pasteboard; an empty list when there is nothing. Forms that are too large or too slow are left
+    /// out as long as a text is kept as text and a picture as a picture.
     virtual async::Task<std::expected<std::vector<PasteboardItem>, PasteboardError>> items() = 0;
 
     /// The text on the pasteboard; absent when there is none or its owner does not answer in time.
     virtual async::Task<std::optional<QString>> string() = 0;
+
+    /// Whether the program with the keyboard focus has fetched what we put there last. Clipboard managers, which do so
+    /// on their own, do not count.
+    virtual bool wasFetched() = 0;
 
     virtual void clearContents() = 0;
 

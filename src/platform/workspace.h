@@ -9,14 +9,18 @@ namespace tavrelon::platform {
 
 /// An application with a window, as it was when it was asked for.
 struct RunningApplication {
-    qint64 processIdentifier = 0;
+    qint64 processIdentifier = 0;             ///< 0 where it is unknown, as on another machine
     std::optional<QString> bundleIdentifier;  ///< desktop entry, window class, or the known name of the same product
     std::optional<QString> localizedName;
     quint64 windowIdentifier = 0;  ///< the window that was in front; 0 where there is none
     bool operator==(const RunningApplication&) const = default;
 };
 
-enum class WindowKind : std::uint8_t { Ordinary, Terminal };
+enum class WindowKind : std::uint8_t {
+    Ordinary,
+    Terminal,
+    WithoutPaste,  ///< nobody knows which key pastes there
+};
 
 /// The window that has the focus.
 struct FrontmostWindow {

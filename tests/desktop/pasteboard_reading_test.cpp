@@ -127,9 +127,25 @@ TEST_F(PasteboardReading, MoreThanTheCapIsTooLargeHoweverItComes) {
         const ClipboardOwner silent({data(QStringLiteral("image/png"), bytes)}, {.incrementBytes = 8192});
         EXPECT_EQ(items(), std::unexpected(PasteboardError::TooLarge));
     }
-    const ClipboardOwner together(
-        {data(QStringLiteral("image/png"), pattern(60'000)), data(QStringLiteral("image/bmp"), pattern(60'000))});
-    EXPECT_EQ(items(), std::unexpected(PasteboardError::TooLarge));
+}
+
+TEST_F(PasteboardReading, APictureIsKeptInOneFormWhenAllAreTooMuchAndATextIsNeverLostForIt) {
+    makePasteboard({.bytes = 100'000});
+    const auto png = data(QStringLiteral("image/png"), pattern(60'000));
+    const auto bmp = data(QStringLiteral("image/bmp"), pattern(60'000));
+    {
+        const ClipboardOwner picture({png, bmp, data(QStringLiteral("application/x-owner"), "o")});
+        EXPECT_EQ(items(), Items{item({{png.target, png.bytes}, {QStringLiteral("application/x-owner"), "o"}})});
+    }
+    {
+        const ClipboardOwner page({bmp, png, data(QStringLiteral("text/html"), "<img>")});
+        EXPECT_EQ(items(), Items{item({{bmp.target, bmp.bytes}, {QStringLiteral("text/html"), "<img>"}})});
+    }
+    const auto tooLarge = data(QStringLiteral("image/png"), pattern(150'000));
+    const ClipboardOwner pictureLost({data(QStringLiteral("text/html"), "<img>"), tooLarge});
+    EXPECT_EQ(items(), std::unexpected(PasteboardError::TooLarge)) << "what is on it would not be the picture any more";
+    const ClipboardOwner cells({tooLarge, data(utf8String, "1\t2")});
+    EXPECT_EQ(items(), Items{item({{utf8String, "1\t2"}})});
 }
 
 TEST_F(PasteboardReading, ACancelledReadingEndsAtOnceAndDisturbsNoLaterOne) {

@@ -27,7 +27,10 @@ TEST(TerminalTable, NamesTerminalsByEitherPartOfTheirClass) {
     ASSERT_TRUE(unheardOf);
     EXPECT_EQ(unheardOf->copy, TerminalShortcuts::Copy::Never) << "Control+C could end what runs in it";
     const auto emacs = terminalShortcutsOf(QStringLiteral("Emacs"), QStringLiteral("emacs"));
-    EXPECT_TRUE(emacs && !emacs->takesLines && emacs->pasteChord == (desktop::KeyChord{keys::keyY, keys::controlFlag}));
+    EXPECT_TRUE(emacs && !emacs->isTerminal && emacs->pasteChord == (desktop::KeyChord{keys::keyY, keys::controlFlag}));
+    EXPECT_EQ(desktop::windowKindOf(QStringLiteral("Gvim"), QStringLiteral("gvim")),
+              platform::WindowKind::WithoutPaste);
+    EXPECT_NE(terminalShortcutsOf(QStringLiteral("Code"), QString())->copyChord.key, keys::keyC) << "it has terminals";
     EXPECT_FALSE(terminalShortcutsOf(QStringLiteral("Mousepad"), QStringLiteral("mousepad")));
     EXPECT_FALSE(terminalShortcutsOf(QString(), QString()));
 }

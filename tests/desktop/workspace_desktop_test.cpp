@@ -124,11 +124,13 @@ TEST_F(Workspace, RealProgramsAreNamedByTheirEntries) {
     }
 }
 
-TEST_F(Workspace, AWindowThatSaysNothingIsNoApplicationAndHasNoTitle) {
-    const TestWindow before(own(QStringLiteral("before")));
-    ASSERT_TRUE(titleInFront(QStringLiteral("before")));
+TEST_F(Workspace, TheServerTellsTheProcessOfAWindowThatSaysNothingOrCountsInASandbox) {
+    const TestWindow sandboxed({.processIdentifier = 2, .machine = thisMachine(), .title = QStringLiteral("in a box")});
+    ASSERT_TRUE(titleInFront(QStringLiteral("in a box")));
+    EXPECT_EQ(workspace->frontmostApplication()->processIdentifier, ::getpid());
     const TestWindow silent({});
-    ASSERT_TRUE(runQtUntil([&] { return !workspace->frontmostApplication(); }));
+    ASSERT_TRUE(runQtUntil([&] { return workspace->frontmostApplication()->windowIdentifier == silent.window(); }));
+    EXPECT_EQ(workspace->frontmostApplication()->processIdentifier, ::getpid());
     EXPECT_EQ(workspace->frontmostWindowTitle(), std::nullopt);
 }
 
@@ -142,12 +144,17 @@ TEST_F(Workspace, AProcessWithoutAClassHasANumberOnly) {
     EXPECT_EQ(front->windowIdentifier, window.window());
 }
 
-TEST_F(Workspace, ANumberFromAnotherMachineIsNotTrusted) {
+TEST_F(Workspace, OfAnApplicationOnAnotherMachineOnlyTheProcessIsUnknown) {
     auto properties = own(QStringLiteral("from afar"));
+    properties.windowClass = QStringLiteral("Far-away");
     properties.machine = QStringLiteral("another-machine");
     const TestWindow window(properties);
     ASSERT_TRUE(titleInFront(QStringLiteral("from afar")));
-    EXPECT_EQ(workspace->frontmostApplication(), std::nullopt);
+    const auto front = workspace->frontmostApplication();
+    ASSERT_TRUE(front);
+    EXPECT_EQ(front->processIdentifier, 0);
+    EXPECT_EQ(front->localizedName, QStringLiteral("Far-away"));
+    EXPECT_FALSE(workspace->isTerminated(*front));
 }
 
 TEST_F(Workspace, AWindowThatIsDestroyedBetweenTwoRequestsIsNoError) {

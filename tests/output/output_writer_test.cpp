@@ -65,6 +65,42 @@ TEST_F(OutputWriterTest, AHungClipboardOwnerDoesNotDelayAPaste) {
     EXPECT_EQ(desk.editor.text(), QStringLiteral("new"));
 }
 
+TEST_F(OutputWriterTest, AKeptClipboardComesBackOnceTheAnswerWasFetchedAndOnlyThen) {
+    const std::vector<platform::PasteboardItem> before{picture};
+    const auto answer = tavrelon::testing::FakePasteboard::itemsOf(QStringLiteral("new"));
+    async::TaskScope scope(desk.loop);
+    const auto paste = [&] {
+        scope.spawn([](OutputWriter& to) -> async::Task<void> {
+            co_await to.writeText(QStringLiteral("new"), Method::deleteChars, 0, 0);
+        }(writer));
+        desk.loop.advance(200ms);
+    };
+    const auto after = [&](std::chrono::milliseconds wait, bool fetched) {
+        desk.pasteboard.fetched = fetched;
+        desk.loop.advance(wait);
+        return desk.pasteboard.contents();
+    };
+    writer.keepsClipboard = [] { return true; };
+    desk.editor.open(QString());
+    desk.pasteboard.copyElsewhere(before);
+    paste();
+    EXPECT_EQ(after(2s, false), answer);
+    EXPECT_EQ(after(400ms, true), answer);
+    paste();  // before it was given back
+    EXPECT_EQ(after(2s, true), before);
+
+    desk.pasteboard.fetched = false;
+    paste();
+    EXPECT_EQ(after(20s, false), answer) << "nobody took it: the user may have to paste it";
+    desk.pasteboard.copyElsewhere(before);
+    paste();
+    desk.pasteboard.copyElsewhere(QStringLiteral("later"));
+    EXPECT_EQ(after(2s, true), tavrelon::testing::FakePasteboard::itemsOf(QStringLiteral("later")));
+    writer.keepsClipboard = [] { return false; };
+    paste();
+    EXPECT_EQ(after(2s, true), answer);
+}
+
 TEST_F(OutputWriterTest, ReplacingASelectionNeedsARightAndAnApplication) {
     const auto code = [this] {
         try {
@@ -209,7 +245,17 @@ TEST_F(OutputWriterTest, ATerminalGetsOneLineWithoutItsEndAndNothingGetsControls
     inTerminal();
     desk.workspace.windowKind = platform::WindowKind::Ordinary;
     desk.accessibility.fieldKind = platform::FocusKind::Terminal;  // within another program's window
+    desk.keyPoster.onPress = [&](const auto& stroke) {
+        if (stroke.is(keys::keyV, keys::commandFlag | keys::shiftFlag))
+            desk.editor.open(*desk.pasteboard.text());
+    };
     inTerminal();
+    desk.workspace.windowKind = platform::WindowKind::WithoutPaste;
+    desk.accessibility.fieldKind = platform::FocusKind::Unknown;
+    desk.keyPoster.clear();
+    EXPECT_EQ(runTask(desk.loop, writer.writeText(QStringLiteral("x"), Method::deleteChars, 4, 0)),
+              Placement::OnClipboard);
+    EXPECT_TRUE(desk.keyPoster.strokes().empty());
 }
 
 TEST_F(OutputWriterTest, ACancelledWriteStopsBetweenItsKeys) {

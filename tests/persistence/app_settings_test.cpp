@@ -37,7 +37,8 @@ text::Json documentWithEveryKey() {
         "enableNvidiaLocal": false, "enableNvidiaThink": false,
         "enableHistory": true, "maxHistoryEntries": 20, "enableLocalLearning": true, "shareImprovements": false,
         "appLanguage": "en", "quickAskHotkeyEnabled": true,
-        "adaptiveSystemPromptSource": "", "adaptiveSystemPromptProvider": "", "cloneSource": "", "cloneProvider": ""})");
+        "adaptiveSystemPromptSource": "", "adaptiveSystemPromptProvider": "", "cloneSource": "", "cloneProvider": "",
+        "keepClipboard": false})");
     json["pollinationsBaseURL"] = text::toJson(defaultPollinationsBaseURL());
     json["ollamaLocalEndpoint"] = text::toJson(defaultOllamaLocalEndpoint());
     json["cloneApiBaseURL"] = text::toJson(defaultCloneApiBaseURL());
@@ -68,7 +69,7 @@ AppSettings decoded(const char* json) {
 
 TEST(AppSettings, DefaultsAreWrittenInFixedOrderWithoutTheAbsentDates) {
     auto expected = documentWithEveryKey();
-    ASSERT_EQ(expected.size(), 58U);
+    ASSERT_EQ(expected.size(), 59U);
     expected.erase("adaptiveSystemPromptUpdatedAt");
     expected.erase("cloneLanguageStyleUpdatedAt");
     EXPECT_EQ(text::compactJson(toJson(defaultSettings())), text::compactJson(expected));

@@ -21,6 +21,7 @@ class FakePasteboard : public platform::Pasteboard {
     std::int64_t changeCount() override { return changeCount_; }
     async::Task<std::expected<std::vector<platform::PasteboardItem>, platform::PasteboardError>> items() override;
     async::Task<std::optional<QString>> string() override;
+    bool wasFetched() override { return fetched; }
     void clearContents() override;
     bool setString(const QString& text) override;
     bool writeItems(std::vector<platform::PasteboardItem> items) override;
@@ -35,6 +36,9 @@ class FakePasteboard : public platform::Pasteboard {
 
     /// Whether another application holds on to it, so that nothing can be put there.
     bool refusesOurs = false;
+
+    /// Whether what is on it was pasted.
+    bool fetched = false;
 
     /// A look that neither waits nor is journalled.
     const std::vector<platform::PasteboardItem>& contents() const { return contents_; }

@@ -7,9 +7,12 @@ namespace tavrelon::testing {
 using platform::RunningApplication;
 
 std::optional<RunningApplication> FakeWorkspace::frontmostApplication() {
-    if (!frontmost_ || !tellsProcess)
+    if (!frontmost_)
         return std::nullopt;
-    return windows_[*frontmost_].application;
+    auto application = windows_[*frontmost_].application;
+    if (!tellsProcess)
+        application.processIdentifier = 0;
+    return application;
 }
 
 std::optional<platform::FrontmostWindow> FakeWorkspace::frontmostWindow() {

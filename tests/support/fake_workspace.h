@@ -40,7 +40,7 @@ class FakeWorkspace : public platform::Workspace {
     void setKeyboardFollows(bool follows) { keyboardFollows_ = follows; }
 
     platform::WindowKind windowKind = platform::WindowKind::Ordinary;  ///< of whichever window is in front
-    bool tellsProcess = true;  ///< otherwise there is a window in front, but no application
+    bool tellsProcess = true;  ///< otherwise the application in front has no process
 
     /// Of whichever window is in front.
     platform::WindowPlace windowPlace{.x = 100, .y = 80, .width = 800, .height = 600, .shadow = {}};

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <string_view>
 
 #include "desktop/x11/connection/x11_connection.h"
 #include "support/waiting.h"
@@ -35,11 +36,23 @@ void KeyWindow::focus() {
                 xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, window_, XCB_CURRENT_TIME);
             const XPointer<xcb_get_input_focus_reply_t> focus(
                 xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-            return focus && focus->focus == window_;
+            return focus && focus->focus == window_ && isNamedByWindowManager();
         },
         std::chrono::seconds(60));  // it may still be busy with keyboard maps that an earlier test went through
     if (!focused)
         throw std::runtime_error("the window got no focus");
+}
+
+bool KeyWindow::isNamedByWindowManager() const {
+    const auto windowIn = [this](std::string_view name) {
+        const auto atom = XPointer<xcb_intern_atom_reply_t>(xcb_intern_atom_reply(
+            connection_, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data()),
+            nullptr));
+        const auto found = XPointer<xcb_get_property_reply_t>(xcb_get_property_reply(
+            connection_, xcb_get_property(connection_, 0, root_, atom->atom, XCB_ATOM_WINDOW, 0, 1), nullptr));
+        return found && found->length > 0 ? *static_cast<xcb_window_t*>(xcb_get_property_value(found.get())) : 0;
+    };
+    return windowIn("_NET_SUPPORTING_WM_CHECK") == 0 || windowIn("_NET_ACTIVE_WINDOW") == window_;
 }
 
 bool KeyWindow::holdKeyboard() {

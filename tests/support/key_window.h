@@ -25,7 +25,7 @@ class KeyWindow {
     KeyWindow& operator=(const KeyWindow&) = delete;
     ~KeyWindow();
 
-    /// Takes the focus and waits until it has it.
+    /// Takes the focus and waits until it has it and the window manager says so.
     void focus();
 
     /// Grabs the whole keyboard, as an open menu does, and lets go of it.
@@ -47,6 +47,7 @@ class KeyWindow {
     int stateOf(place::Code code);
 
  private:
+    bool isNamedByWindowManager() const;
     void pump();
 
     xcb_connection_t* connection_;

@@ -19,10 +19,27 @@ constexpr TerminalShortcuts unknownTerminal{TerminalShortcuts::Copy::Never, Term
 
 /// Yanks and kills, and takes Control+V and Control+C for the begin of something else.
 constexpr TerminalShortcuts emacs{
-    .copyChord = {keys::keyW, keys::optionFlag}, .pasteChord = {keys::keyY, keys::controlFlag}, .takesLines = false};
+    .copyChord = {keys::keyW, keys::optionFlag}, .pasteChord = {keys::keyY, keys::controlFlag}, .isTerminal = false};
+
+/// Its keys are the user's own, and Control+V takes the next key for a character.
+constexpr TerminalShortcuts modalEditor{
+    .copy = TerminalShortcuts::Copy::Never, .paste = TerminalShortcuts::Paste::Never, .isTerminal = false};
+
+/// Has terminals inside, where Control+C ends what runs. Control+Insert copies in the text and does no harm in those.
+constexpr TerminalShortcuts codeEditor{
+    .copyChord = insertCopyChord, .pasteChord = {keys::keyV, keys::controlFlag}, .isTerminal = false};
 
 constexpr KnownTerminal knownTerminals[] = {
     {"emacs", emacs},
+    {"gvim", modalEditor},
+    {"neovide", modalEditor},
+    {"nvim-qt", modalEditor},
+    {"code", codeEditor},
+    {"code-oss", codeEditor},
+    {"codium", codeEditor},
+    {"vscodium", codeEditor},
+    {"cursor", codeEditor},
+    {"windsurf", codeEditor},
     // With the VTE widget
     {"gnome-terminal", controlShift},
     {"gnome-terminal-server", controlShift},
@@ -55,6 +72,8 @@ constexpr KnownTerminal knownTerminals[] = {
     {"alacritty", controlShift},
     {"kitty", controlShift},
     {"org.wezfurlong.wezterm", controlShift},
+    {"wezterm-gui", controlShift},
+    {"rio", controlShift},
     {"com.mitchellh.ghostty", controlShift},
     {"ghostty", controlShift},
     {"contour", controlShift},
@@ -81,6 +100,13 @@ constexpr KnownTerminal knownTerminals[] = {
 
 }  // namespace
 
+platform::WindowKind windowKindOf(const QString& windowClass, const QString& windowInstance) {
+    const auto known = terminalShortcutsOf(windowClass, windowInstance);
+    if (known && known->paste == TerminalShortcuts::Paste::Never)
+        return platform::WindowKind::WithoutPaste;
+    return known && known->isTerminal ? platform::WindowKind::Terminal : platform::WindowKind::Ordinary;
+}
+
 std::optional<TerminalShortcuts> terminalShortcutsOf(const QString& windowClass, const QString& windowInstance) {
     for (const auto& name : {windowClass.toLower(), windowInstance.toLower()}) {
         const auto wanted = name.toStdString();
@@ -89,6 +115,8 @@ std::optional<TerminalShortcuts> terminalShortcutsOf(const QString& windowClass,
             return found->shortcuts;
     }
     const auto name = windowClass.toLower();
+    if (name.startsWith(QStringLiteral("jetbrains-")))
+        return codeEditor;
     if (name.contains(QStringLiteral("terminal")) || name.endsWith(QStringLiteral("term")))
         return unknownTerminal;
     return std::nullopt;

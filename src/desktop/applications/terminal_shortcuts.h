@@ -5,6 +5,7 @@
 
 #include "keys/modifiers.h"
 #include "keys/virtual_keys.h"
+#include "platform/workspace.h"
 
 namespace tavrelon::desktop {
 
@@ -27,7 +28,9 @@ class ShortcutTranslator {
 
 inline constexpr KeyChord terminalCopyChord{keys::keyC, keys::controlFlag | keys::shiftFlag};
 inline constexpr KeyChord terminalPasteChord{keys::keyV, keys::controlFlag | keys::shiftFlag};
-inline constexpr KeyChord primaryPasteChord{114, keys::shiftFlag};  ///< Insert
+inline constexpr keys::VirtualKey keyInsert = 114;
+inline constexpr KeyChord primaryPasteChord{keyInsert, keys::shiftFlag};
+inline constexpr KeyChord insertCopyChord{keyInsert, keys::controlFlag};
 
 /// How the user of a terminal, or of an editor with keys of its own, copies and pastes. In a terminal Control+C ends
 /// the running program and Control+A goes to the line's begin, so no shortcut of other applications may reach one.
@@ -40,18 +43,20 @@ struct TerminalShortcuts {
     enum class Paste {
         OfClipboard,  ///< by a chord
         OfPrimary,    ///< Shift+Insert, which takes the primary selection
+        Never,        ///< nobody knows which key
     };
 
     Copy copy = Copy::ByChord;
     Paste paste = Paste::OfClipboard;
     KeyChord copyChord = terminalCopyChord;
     KeyChord pasteChord = terminalPasteChord;
-    bool takesLines = true;  ///< a line's end may run what stands before it
+    bool isTerminal = true;  ///< where a line's end may run what stands before it
     bool operator==(const TerminalShortcuts&) const = default;
 };
 
 /// The shortcuts of the program that a window belongs to, by the two parts of its class; absent where they are the
 /// usual ones. Upper and lower case are the same.
 std::optional<TerminalShortcuts> terminalShortcutsOf(const QString& windowClass, const QString& windowInstance);
+platform::WindowKind windowKindOf(const QString& windowClass, const QString& windowInstance);
 
 }  // namespace tavrelon::desktop

@@ -117,7 +117,7 @@ AtspiAccessibility::Result AtspiAccessibility::titleOf(qint64 process) {
 
 AtspiAccessibility::Result AtspiAccessibility::focusedElementOf(qint64 process) {
     // The thread that would have to answer is the one that would wait here.
-    if (process == QCoreApplication::applicationPid())
+    if (process == 0 || process == QCoreApplication::applicationPid())
         return std::unexpected(AXError::NoValue);
     auto& known = turn().focusedElement;
     if (known && known->first == process)

@@ -115,4 +115,12 @@ ScrollPage {
         isOn: page.model.enhancesImagePrompts
         onToggled: isOn => page.model.enhancesImagePrompts = isOn
     }
+    SettingCardToggle {
+        title: page.texts.clipboard
+        subtitle: page.texts.clipboardHint
+        icon: "arrow.uturn.backward"
+        iconColor: Look.azure
+        isOn: page.model.keepsClipboard
+        onToggled: isOn => page.model.keepsClipboard = isOn
+    }
 }

@@ -14,6 +14,7 @@ class GeneralSettingsModel : public PageModel {
     Q_PROPERTY(bool isLocalLearningEnabled READ isLocalLearningEnabled WRITE setLocalLearningEnabled NOTIFY changed)
     Q_PROPERTY(bool sharesImprovements READ sharesImprovements WRITE setSharesImprovements NOTIFY changed)
     Q_PROPERTY(bool enhancesImagePrompts READ enhancesImagePrompts WRITE setEnhancesImagePrompts NOTIFY changed)
+    Q_PROPERTY(bool keepsClipboard READ keepsClipboard WRITE setKeepsClipboard NOTIFY changed)
     Q_PROPERTY(QStringList learnedPieces READ learnedPieces NOTIFY changed)
     Q_PROPERTY(QString learnedAt READ learnedAt NOTIFY changed)
     Q_PROPERTY(tavrelon::ui::TaughtModel* taught READ taught CONSTANT)
@@ -34,6 +35,8 @@ class GeneralSettingsModel : public PageModel {
     void setSharesImprovements(bool shares);
     bool enhancesImagePrompts() const { return settings().enableImagePromptEnhancement; }
     void setEnhancesImagePrompts(bool enhances);
+    bool keepsClipboard() const { return settings().keepClipboard; }
+    void setKeepsClipboard(bool keeps);
 
     // What a model wrote about the user's way of writing; empty where nothing was learned.
     QStringList learnedPieces() const;  ///< for views, which draw a long text piece by piece

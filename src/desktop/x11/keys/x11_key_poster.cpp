@@ -1,13 +1,20 @@
 #include "desktop/x11/keys/x11_key_poster.h"
 
 #include <ranges>
+#include <thread>
 
 #include "desktop/x11/keys/x11_keyboard_notices.h"
 #include "desktop/x11/windows/x11_composition.h"
 
 namespace tavrelon::desktop {
 
+using namespace std::chrono_literals;
+
 namespace {
+
+/// As fast fingers would. While accessibility is on, pages of Qt's web engine take a chord twice whose key follows the
+/// modifier at once; after 3 ms they do not, nor one that a person presses.
+constexpr auto beforeChordKey = 4ms;
 
 /// Command is Control in shortcuts.
 keys::Modifiers onThisDesktop(keys::Modifiers flags) {
@@ -88,6 +95,11 @@ void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys
         xtest_->post(code, KeyAction::Release);
     for (const auto modifier : modifierKeys)
         xtest_->post(modifier, KeyAction::Press);
+    // Not while the user holds modifiers: letting go of the same ones would take ours away before the key.
+    if (!modifierKeys.empty() && !modifiers_.isAnyAside()) {
+        xtest_->send();
+        std::this_thread::sleep_for(beforeChordKey);
+    }
     xtest_->post(code, KeyAction::Press);
     xtest_->post(code, KeyAction::Release);
     for (const auto modifier : std::views::reverse(modifierKeys))

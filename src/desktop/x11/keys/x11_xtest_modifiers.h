@@ -32,6 +32,9 @@ class X11HeldModifiers {
     /// Main thread. A second call takes out what the user pressed since the first.
     void putAside(const X11Keyboard& keyboard);
 
+    /// Main thread. Whether the user held any when they were put aside.
+    bool isAnyAside() const { return aside_.any(); }
+
     /// Main thread. Puts back what the user still holds of all that was put aside.
     void giveBack();
 
@@ -47,7 +50,7 @@ class X11HeldModifiers {
 
     std::mutex mutex_;  // guards the fields up to the wake, and the order of what both threads post
     KeyboardDevices devices_;
-    KeySet aside_;
+    KeySet aside_;  ///< of the main thread
     KeySet restored_;
     bool stop_ = false;
 

@@ -32,6 +32,7 @@ class X11Pasteboard : public platform::Pasteboard {
     std::int64_t changeCount() override;
     async::Task<std::expected<std::vector<platform::PasteboardItem>, platform::PasteboardError>> items() override;
     async::Task<std::optional<QString>> string() override;
+    bool wasFetched() override { return thread_->wasFetched(); }
     void clearContents() override;
     bool setString(const QString& text) override;
     bool writeItems(std::vector<platform::PasteboardItem> items) override;

@@ -169,6 +169,14 @@ xcb_window_t SelectionConnection::ownerOf(xcb_atom_t selection) {
     return reply ? reply->owner : static_cast<xcb_window_t>(XCB_NONE);
 }
 
+bool SelectionConnection::hasFocus(xcb_window_t window) {
+    const XcbPointer<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    // All that a client makes carries its number beside the bits that it may set itself.
+    const auto client = ~xcb_get_setup(connection_)->resource_id_mask;
+    return focus && (focus->focus & client) == (window & client);
+}
+
 xcb_timestamp_t SelectionConnection::serverTime() {
     xcb_change_property(connection_, XCB_PROP_MODE_APPEND, window_, atoms_.stamp, XCB_ATOM_INTEGER, 32, 0, nullptr);
     const auto known = queue_.size();

@@ -73,6 +73,9 @@ class SelectionConnection {
     PropertyValue readProperty(xcb_window_t window, xcb_atom_t property, AfterRead after, qsizetype maximumBytes);
     xcb_window_t ownerOf(xcb_atom_t selection);
 
+    /// Whether the client that made this window has the keyboard focus, in whichever of its windows.
+    bool hasFocus(xcb_window_t window);
+
     /// The server's time now. Events that come meanwhile are kept for `nextEvent`.
     xcb_timestamp_t serverTime();
 

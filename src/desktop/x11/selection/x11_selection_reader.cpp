@@ -1,6 +1,7 @@
 #include "desktop/x11/selection/x11_selection_reader.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tavrelon::desktop {
 
@@ -9,6 +10,22 @@ using platform::PasteboardError;
 namespace {
 
 constexpr std::size_t mostTargets = 4096;
+
+/// What another form of the same picture or text may cost: a screen in every format of a toolkit is 80 MB and takes
+/// seconds to encode.
+constexpr qsizetype mostBytesOfAnotherForm = qsizetype{16} << 20;
+constexpr auto answerForAnotherForm = std::chrono::milliseconds(300);
+
+bool isPlainText(const QString& target) {
+    return textTargets().contains(target, Qt::CaseInsensitive);
+}
+
+/// Text or picture; empty for what has no second form.
+QString familyOf(const QString& target) {
+    const auto family = target.section(u'/', 0, 0);
+    const bool hasForms = family == QStringLiteral("text") || family == QStringLiteral("image");
+    return hasForms ? family : QString();
+}
 
 }  // namespace
 
@@ -86,7 +103,16 @@ SelectionReader::~SelectionReader() {
 }
 
 void SelectionReader::ask(xcb_atom_t target) {
-    conversion_.emplace(connection_, window_, target, time_, limits_.bytes - receivedBytes_);
+    const auto room = limits_.bytes - receivedBytes_;
+    isAnotherForm_ = keepsFamilyOf(connection_.nameOf(target));
+    conversion_.emplace(connection_, window_, target, time_,
+                        isAnotherForm_ ? std::min(room, mostBytesOfAnotherForm) : room);
+}
+
+bool SelectionReader::keepsFamilyOf(const QString& target) const {
+    const auto family = familyOf(target);
+    return !family.isEmpty() && std::ranges::any_of(findings_.item.dataByType,
+                                                    [&](const auto& kept) { return familyOf(kept.first) == family; });
 }
 
 void SelectionReader::selectionNotify(const xcb_selection_notify_event_t& event) {
@@ -117,7 +143,10 @@ void SelectionReader::proceed() {
             return;
         case SelectionConversion::State::TooLarge:
             heardFromOwner_ = true;
-            fail(PasteboardError::TooLarge);
+            if (kind_ == Kind::Text)
+                fail(PasteboardError::TooLarge);
+            else
+                leaveOut(PasteboardError::TooLarge);
             return;
         case SelectionConversion::State::Done:
         case SelectionConversion::State::Refused:
@@ -137,7 +166,7 @@ void SelectionReader::take(SelectionConversion conversion) {
         else
             takeTargets(conversion.value().atoms());
     } else if (refused) {
-        anyRefused_ = true;
+        lost_.emplace_back(connection_.nameOf(conversion.target()), PasteboardError::Failed);
     } else {
         receivedBytes_ += conversion.value().bytes.size();
         takeData(connection_.nameOf(conversion.target()), conversion.value());
@@ -191,12 +220,31 @@ void SelectionReader::askNext() {
     ask(connection_.atom(remaining_.takeFirst()));
 }
 
+void SelectionReader::leaveOut(PasteboardError why) {
+    lost_.emplace_back(connection_.nameOf(conversion_->target()), why);
+    conversion_.reset();
+    renewWindow();
+    askNext();
+}
+
+bool SelectionReader::keepsWhatMatters(const QString& lost) const {
+    const auto& kept = findings_.item.dataByType;
+    if (kept.empty() || std::ranges::any_of(kept, [](const auto& form) { return isPlainText(form.first); }))
+        return !kept.empty();
+    return familyOf(lost).isEmpty() || keepsFamilyOf(lost);
+}
+
 void SelectionReader::finish() {
-    const bool nothing = findings_.item.dataByType.empty();
-    if (kind_ == Kind::Items && nothing && (anyTimedOut_ || anyRefused_))
-        fail(anyTimedOut_ ? PasteboardError::TimedOut : PasteboardError::Failed);
-    else
-        outcome_ = std::move(findings_);
+    if (kind_ == Kind::Items) {
+        // What has no second form may be left out beside others, but what a user would miss may not.
+        const auto missed =
+            std::ranges::find_if(lost_, [this](const auto& lost) { return !keepsWhatMatters(lost.first); });
+        if (missed != lost_.end()) {
+            fail(missed->second);
+            return;
+        }
+    }
+    outcome_ = std::move(findings_);
 }
 
 void SelectionReader::renewWindow() {
@@ -205,21 +253,23 @@ void SelectionReader::renewWindow() {
 }
 
 SelectionClock::time_point SelectionReader::deadline() const {
-    return conversion_ ? std::min(end_, conversion_->lastProgress() + limits_.answer) : end_;
+    const auto answer = isAnotherForm_ ? std::min(limits_.answer, answerForAnotherForm) : limits_.answer;
+    return conversion_ ? std::min(end_, conversion_->lastProgress() + answer) : end_;
 }
 
 void SelectionReader::expire(SelectionClock::time_point now) {
     if (outcome_ || now < deadline())
         return;
     // One slow target of an owner that answers is left out; an owner that never answered is not asked again and again.
-    if (now >= end_ || !heardFromOwner_ || kind_ == Kind::Text) {
+    if (!heardFromOwner_ || kind_ == Kind::Text) {
         fail(PasteboardError::TimedOut);
         return;
     }
-    anyTimedOut_ = true;
-    conversion_.reset();
-    renewWindow();
-    askNext();
+    if (now >= end_) {
+        for (const auto& target : std::exchange(remaining_, {}))
+            lost_.emplace_back(target, PasteboardError::TimedOut);
+    }
+    leaveOut(PasteboardError::TimedOut);
 }
 
 }  // namespace tavrelon::desktop

@@ -55,7 +55,8 @@ class SelectionConversion {
 };
 
 /// Reads the clipboard of another application, target by target, through windows of its own, so that nothing that
-/// comes late can be taken for an answer to somebody else. Selection thread.
+/// comes late can be taken for an answer to somebody else. A target that is refused, too slow or too large is left out;
+/// the reading fails when a text or a picture is lost in all its forms. Selection thread.
 class SelectionReader {
  public:
     enum class Kind { Items, Text };
@@ -85,6 +86,9 @@ class SelectionReader {
     void takeTargets(const std::vector<std::uint32_t>& atoms);
     void takeData(const QString& target, const PropertyValue& value);
     void askNext();
+    bool keepsFamilyOf(const QString& target) const;
+    bool keepsWhatMatters(const QString& lost) const;
+    void leaveOut(platform::PasteboardError why);
     void finish();
     void fail(platform::PasteboardError error) { outcome_ = std::unexpected(error); }
     void renewWindow();
@@ -101,8 +105,8 @@ class SelectionReader {
     SelectionFindings findings_;
     qsizetype receivedBytes_ = 0;
     bool heardFromOwner_ = false;
-    bool anyTimedOut_ = false;
-    bool anyRefused_ = false;
+    bool isAnotherForm_ = false;  ///< what is asked for now, of what was received already
+    std::vector<std::pair<QString, platform::PasteboardError>> lost_;  ///< targets that were not given
     std::optional<SelectionOutcome> outcome_;
 };
 

@@ -14,6 +14,7 @@ constexpr qsizetype mostMultipleBytes = 64 * 1024;
 bool SelectionServer::offer(SelectionContent content) {
     const auto& atoms = connection_.atoms();
     content_ = std::move(content);
+    wasFetched_ = false;
     claiming_ = true;
     // A change in the same moment by another client can make our time the older one; a second try has a newer one.
     for (int attempt = 0; attempt < 2; ++attempt) {
@@ -89,7 +90,10 @@ bool SelectionServer::convert(xcb_window_t requestor, xcb_atom_t target, xcb_ato
         return true;
     }
     auto data = content_.dataFor(connection_.nameOf(target));
-    return data && give(requestor, property, std::move(*data));
+    if (!data || !give(requestor, property, std::move(*data)))
+        return false;
+    wasFetched_ = wasFetched_ || connection_.hasFocus(requestor);
+    return true;
 }
 
 bool SelectionServer::convertEach(xcb_window_t requestor, xcb_atom_t property) {

@@ -30,6 +30,9 @@ class SelectionServer {
     void release();
 
     bool owns() const { return owns_; }
+
+    /// Whether the client that had the keyboard focus at that moment fetched what is offered.
+    bool wasFetched() const { return owns_ && wasFetched_; }
     const SelectionContent& content() const { return content_; }
 
     void ownerChanged(const xcb_xfixes_selection_notify_event_t& event);
@@ -63,6 +66,7 @@ class SelectionServer {
     SelectionConnection& connection_;
     SelectionContent content_;
     bool owns_ = false;
+    bool wasFetched_ = false;
     bool claiming_ = false;  // our own change of the owner has not been reported yet
     xcb_timestamp_t ownedSince_ = XCB_CURRENT_TIME;
     Transfers transfers_;

@@ -94,6 +94,10 @@ bool SelectionThread::release() {
         .value_or(false);
 }
 
+bool SelectionThread::wasFetched() {
+    return call<bool>([this] { return server_.wasFetched(); }).value_or(false);
+}
+
 std::uint64_t SelectionThread::read(SelectionReader::Kind kind, ReadDone done) {
     const auto id = nextReading_++;
     enqueue([this, reading = Reading{.id = id, .kind = kind, .done = std::move(done)}]() mutable {

@@ -37,6 +37,9 @@ class SelectionThread {
     bool offer(platform::PasteboardItem item);
     bool release();
 
+    /// Whether the client with the keyboard focus fetched what was offered last.
+    bool wasFetched();
+
     /// Begins a reading. `done` is called once, on the selection thread, unless the reading is abandoned.
     std::uint64_t read(SelectionReader::Kind kind, ReadDone done);
     void abandon(std::uint64_t reading);

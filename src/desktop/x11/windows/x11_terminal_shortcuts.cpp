@@ -39,6 +39,7 @@ std::optional<KeyChord> X11TerminalShortcuts::translate(KeyChord asked) {
         return copy(*terminal, window);
     if (asked.key == keys::keyV)
         return paste(*terminal);
+    // A code editor's text takes select-all, but the caret may be in one of its terminals.
     return std::nullopt;
 }
 
@@ -54,6 +55,8 @@ std::optional<KeyChord> X11TerminalShortcuts::copy(const TerminalShortcuts& know
 std::optional<KeyChord> X11TerminalShortcuts::paste(const TerminalShortcuts& known) {
     if (known.paste == TerminalShortcuts::Paste::OfClipboard)
         return known.pasteChord;
+    if (known.paste == TerminalShortcuts::Paste::Never)
+        return std::nullopt;
     // A picture, or a selection that was refused: the terminal would paste whatever somebody else has selected.
     if (!pasteboard_.lastString() || !primary_->setString(*pasteboard_.lastString()))
         return std::nullopt;

@@ -1,5 +1,7 @@
 #include "desktop/x11/windows/x11_window_queries.h"
 
+#include <xcb/res.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -87,6 +89,24 @@ X11WindowQueries::Property X11WindowQueries::take(unsigned int sequence, Deadlin
                                 xcb_get_property_value_length(reply.get()))};
 }
 
+std::optional<unsigned int> X11WindowQueries::askOwner(xcb_window_t window) {
+    const auto* extension = xcb_get_extension_data(connection_, &xcb_res_id);
+    if (!extension || !extension->present)
+        return std::nullopt;
+    const xcb_res_client_id_spec_t wanted{.client = window, .mask = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    return xcb_res_query_client_ids(connection_, 1, &wanted).sequence;
+}
+
+std::optional<qint64> X11WindowQueries::takeOwner(unsigned int sequence, Deadline deadline) {
+    const auto reply = await<xcb_res_query_client_ids_reply_t>(sequence, deadline);
+    if (!reply)
+        return std::nullopt;
+    const auto found = xcb_res_query_client_ids_ids_iterator(reply.get());
+    if (found.rem == 0 || xcb_res_client_id_value_value_length(found.data) == 0)
+        return std::nullopt;
+    return *xcb_res_client_id_value_value(found.data);
+}
+
 xcb_window_t X11WindowQueries::activeWindow() {
     discardEvents();
     const auto deadline = std::chrono::steady_clock::now() + limit;
@@ -145,6 +165,8 @@ std::vector<xcb_window_t> X11WindowQueries::clientsFromFront() {
 
 X11WindowProperties X11WindowQueries::properties(xcb_window_t window) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
+    const auto askedWindow = xcb_get_window_attributes(connection_, window).sequence;
+    const auto askedOwner = askOwner(window);
     const auto askedProcess = ask(window, atoms_.processIdentifier);
     const auto askedMachine = ask(window, XCB_ATOM_WM_CLIENT_MACHINE);
     const auto askedClass = ask(window, XCB_ATOM_WM_CLASS);
@@ -153,9 +175,14 @@ X11WindowProperties X11WindowQueries::properties(xcb_window_t window) {
     const auto askedOldName = ask(window, XCB_ATOM_WM_NAME);
 
     X11WindowProperties found;
+    found.exists = await<xcb_get_window_attributes_reply_t>(askedWindow, deadline) != nullptr;
     const auto process = take(askedProcess, deadline);
     if (process.type == XCB_ATOM_CARDINAL && !process.numbers().empty())
         found.processIdentifier = process.numbers().front();
+    // What the server itself saw counts: a program in a sandbox tells a number that is another process's out here.
+    // It tells a process for windows that are gone, too: whoever got their numbers since.
+    if (const auto owner = askedOwner ? takeOwner(*askedOwner, deadline) : std::nullopt; owner && found.exists)
+        found.processIdentifier = *owner;
     found.machine = QString::fromUtf8(take(askedMachine, deadline).bytes).section(QChar(0), 0, 0);
     std::tie(found.windowInstance, found.windowClass) = decodeWindowClass(take(askedClass, deadline).bytes);
     found.applicationId = QString::fromUtf8(take(askedId, deadline).bytes).section(QChar(0), 0, 0);

@@ -18,6 +18,7 @@ namespace tavrelon::desktop {
 
 /// What a window says about itself. Texts are empty and the number 0 where it says nothing.
 struct X11WindowProperties {
+    bool exists = false;
     qint64 processIdentifier = 0;
     QString machine;
     QString windowInstance;  ///< WM_CLASS, first part
@@ -92,6 +93,8 @@ class X11WindowQueries {
     XPointer<T> await(unsigned int sequence, Deadline deadline);
     unsigned int ask(xcb_window_t window, xcb_atom_t property);
     Property take(unsigned int sequence, Deadline deadline);
+    std::optional<unsigned int> askOwner(xcb_window_t window);
+    std::optional<qint64> takeOwner(unsigned int sequence, Deadline deadline);
     std::optional<QString> decodeTitle(const Property& modern, const Property& old) const;
     bool windowManagerRuns(const Property& supportingWindow, Deadline deadline);
     xcb_window_t focusedClient(Deadline deadline);

@@ -54,13 +54,13 @@ std::vector<RunningApplication> X11Workspace::applicationsFromFront() {
 
 std::optional<RunningApplication> X11Workspace::applicationBehind(xcb_window_t window) {
     const auto found = windows_->properties(window);
-    const auto process = trustedProcess(found);
-    if (process == 0)
+    if (!found.exists)
         return std::nullopt;
+    const auto process = trustedProcess(found);
     const auto entry = entries_.find({.applicationId = found.applicationId,
                                       .windowClass = found.windowClass,
                                       .windowInstance = found.windowInstance,
-                                      .executable = executableNameOf(process)});
+                                      .executable = process == 0 ? QString() : executableNameOf(process)});
     return RunningApplication{
         .processIdentifier = process,
         .bundleIdentifier = bundleIdentifierOf(
@@ -74,11 +74,9 @@ std::optional<platform::FrontmostWindow> X11Workspace::frontmostWindow() {
     if (window == XCB_NONE)
         return std::nullopt;
     const auto found = windows_->properties(window);
-    const auto known = terminalShortcutsOf(found.windowClass, found.windowInstance);
-    return platform::FrontmostWindow{
-        .identifier = window,
-        .processIdentifier = trustedProcess(found),
-        .kind = known && known->takesLines ? platform::WindowKind::Terminal : platform::WindowKind::Ordinary};
+    return platform::FrontmostWindow{.identifier = window,
+                                     .processIdentifier = trustedProcess(found),
+                                     .kind = windowKindOf(found.windowClass, found.windowInstance)};
 }
 
 std::optional<QString> X11Workspace::frontmostWindowTitle() {
@@ -92,7 +90,7 @@ std::optional<platform::WindowPlace> X11Workspace::frontmostWindowPlace() {
 }
 
 bool X11Workspace::isTerminated(const RunningApplication& application) {
-    if (!isProcessRunning(application.processIdentifier))
+    if (application.processIdentifier != 0 && !isProcessRunning(application.processIdentifier))
         return true;
     return application.windowIdentifier != 0 &&
            windows_->isGone(static_cast<xcb_window_t>(application.windowIdentifier));
