@@ -14,6 +14,7 @@ from waiting import Fault, wait_for
 
 CHROMIUM = ["chromium", "--no-sandbox", "--user-data-dir={folder}/profile", "--no-first-run", "--disable-gpu",
             "--disable-dev-shm-usage", "--disable-background-networking", "--app=file://{folder}/page.html"]
+FIREFOX = ["firefox-esr", "--no-remote", "--profile", "{folder}/profile", "{folder}/page.html"]
 SHIFTED = dict(zip("!@#$%^&*()_+QWERTYUIOP{}ASDFGHJKL:\"~|ZXCVBNM<>?", "1234567890-=qwertyuiop[]asdfghjkl;'`\\zxcvbnm,./"))
 # The command, where one can see what the field holds, and how long its text takes no keys after its window has come.
 KINDS = {
@@ -25,7 +26,13 @@ KINDS = {
     "chromium-accessible": (CHROMIUM[:1] + ["--force-renderer-accessibility"] + CHROMIUM[1:], "title", 0.5),
     "xterm": (["xterm", "-T", "field.txt", "-e", "{folder}/lines"], "lines", 1.0),
     "lxterminal": (["lxterminal", "--no-remote", "--title=field.txt", "-e", "{folder}/lines"], "lines", 1.0),
-    "firefox": (["firefox-esr", "--no-remote", "--profile", "{folder}/profile", "{folder}/page.html"], "title", 2.0),
+    "firefox": (FIREFOX, "title", 2.0),
+    "chromium-rich": (CHROMIUM[:1] + ["--force-renderer-accessibility"] + CHROMIUM[1:], "title", 0.5),
+    "firefox-rich": (FIREFOX, "title", 2.0),
+    "falkon": (["falkon", "--private-browsing", "{folder}/page.html"], "title", 3.0),
+    # In insert mode, as one writes.
+    "gvim": (["gvim", "-f", "-u", "NONE", "-U", "NONE", "-c", "set title titlestring=field.txt nocp | startinsert!",
+              "{path}"], "nothing", 1.0),
     # Its own chord for saving is two.
     "emacs": (["emacs", "-Q", "{path}", "--eval", "(setq frame-title-format \"field.txt\" make-backup-files nil)",
                "--eval", "(global-set-key (kbd \"C-s\") 'save-buffer)", "--eval", "(end-of-buffer)"], "file", 2.0),
@@ -37,6 +44,14 @@ KINDS = {
 PAGE = """<!DOCTYPE html><meta charset=utf-8><title>loading</title>
 <textarea id=t rows=12 cols=60 aria-label=field>%s</textarea><script>const t=document.getElementById('t');
 const tell=()=>{document.title='field.txt:'+t.value.replace(/[\\s%%;]/g,encodeURIComponent)+';'};
+t.addEventListener('focus',tell);t.addEventListener('input',tell);window.addEventListener('focus',
+()=>t.focus());setTimeout(()=>t.focus(),300);</script>"""
+
+# The same with rich text: an element for each paragraph, as in mail composers.
+RICH_PAGE = """<!DOCTYPE html><meta charset=utf-8><title>loading</title>
+<div id=t contenteditable style="width:600px;height:300px">%s</div><script>const t=document.getElementById('t');
+const tell=()=>{document.title='field.txt:'+[...t.children].map(p=>p.textContent).join('\\n')
+.replace(/[\\s%%;]/g,encodeURIComponent)+';'};
 t.addEventListener('focus',tell);t.addEventListener('input',tell);window.addEventListener('focus',
 ()=>t.focus());setTimeout(()=>t.focus(),300);</script>"""
 
@@ -69,7 +84,10 @@ class Application(Program):
         command, self.shown_in, settling = KINDS[kind]
         self.refilled, self.earlier_lines = None, 0
         (self.folder / "profile").mkdir(parents=True)
-        (self.folder / "page.html").write_text(PAGE % html.escape(text), encoding="utf-8")
+        page = PAGE % html.escape(text)
+        if kind.endswith("-rich"):
+            page = RICH_PAGE % "".join(f"<p>{html.escape(line)}</p>" for line in text.splitlines())
+        (self.folder / "page.html").write_text(page, encoding="utf-8")
         lines = self.folder / "lines"  # a program that takes lines, as a shell does, with the terminal's own line editing
         lines.write_text(f"#!/bin/sh\nstty iutf8\necho oneword\nexec cat >'{self.path}'\n")
         lines.chmod(0o700)
@@ -81,7 +99,7 @@ class Application(Program):
         (config / "featherpad" / "fp.conf").write_text("[text]\nappendEmptyLine=false\n")
         places = {"folder": self.folder, "path": self.path, "build": build}
         super().__init__([part.format(**places) for part in command], self.folder / "log",
-                         {"GSK_RENDERER": "cairo", "XDG_CONFIG_HOME": str(config)})
+                         {"GSK_RENDERER": "cairo", "QTWEBENGINE_DISABLE_SANDBOX": "1", "XDG_CONFIG_HOME": str(config)})
         try:
             wait_for(f"{kind} in front", lambda: "field.txt" in front_title(), 60)
         except BaseException:
@@ -115,6 +133,11 @@ class Application(Program):
             end = title.find(";", start)
             # another window's, or cut off, which nobody is to take for the text
             return unquote(title[start:end]) if end >= 0 else f"the title: {title}"
+        if self.shown_in == "nothing":  # until it is asked to write its file
+            self.keyboard.press("Escape")
+            for key in ("Shift+;", "w", "Return", "a"):
+                self.keyboard.press(key)
+            let_keys_arrive()
         if self.shown_in == "copying":
             self.keyboard.press("Control+a")
             self.keyboard.press("Control+c")

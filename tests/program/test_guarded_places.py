@@ -178,3 +178,22 @@ def test_an_editor_with_chords_of_its_own_gets_the_answer_by_them(desk):
     desk.request(tavrelon, editor, "question")
     wait_for_history(tavrelon, 1)
     assert editor.saved("Asked: one\ntwo").rstrip("\n") == "Asked: one\ntwo"
+
+
+@pytest.mark.skipif(not shutil.which("gvim"), reason="not installed")
+def test_where_no_key_is_known_that_pastes_the_request_stays_and_the_answer_is_on_the_clipboard(desk):
+    editor, guarded = desk.open("gvim"), Guarded(desk)
+    desk.answers("AN ANSWER")
+    desk.request(guarded.tavrelon, editor, "what is 42?")
+    guarded.wait_for_line("Answer is on the clipboard")
+    assert clipboard() == "AN ANSWER"
+    assert editor.saved("what is 42?") == "what is 42?"
+
+
+def test_the_users_clipboard_comes_back_once_the_answer_was_pasted_where_that_is_wanted(desk):
+    editor, tavrelon = desk.open("chromium"), desk.start(settings={"keepClipboard": True})
+    set_clipboard("as it was")
+    desk.answers("ANSWER")
+    desk.request(tavrelon, editor, "what is 42?")
+    assert editor.saved("ANSWER") == "ANSWER"
+    wait_for("the clipboard as it was", lambda: clipboard() == "as it was", 10)

@@ -1,4 +1,5 @@
 #include "desktop/atspi/atspi_accessibility.h"
+#include "desktop/atspi/embedded_text.h"
 
 #include <QGuiApplication>
 #include <QInputMethodQueryEvent>
@@ -125,7 +126,9 @@ AtspiAccessibility::Result AtspiAccessibility::focusedElementOf(qint64 process) 
     atspi::AtspiCalls calls(tracker_, turn().allowance);
     atspi::AtspiFocusFinder finder(calls, directory_);
     const auto found =
-        atspi::mapped(finder.focusedElementOf(process), [](const ObjectReference& reference) -> platform::AXValue {
+        atspi::mapped(finder.focusedElementOf(process), [&](const ObjectReference& focused) -> platform::AXValue {
+            const auto toolkit = directory_.toolkitOf(focused.busName, calls);
+            const auto reference = toolkit ? atspi::innermostText(focused, *toolkit, calls) : focused;
             return AXElement{Kind::Object, 0, reference.busName, reference.path};
         });
     known.emplace(process, found);

@@ -22,7 +22,9 @@ bool changesSomething(const QDBusMessage& message) {
     static constexpr std::array readers{QLatin1String("Get"),           QLatin1String("GetState"),
                                         QLatin1String("GetText"),       QLatin1String("GetSelection"),
                                         QLatin1String("GetChildren"),   QLatin1String("GetRole"),
-                                        QLatin1String("GetInterfaces"), QLatin1String("GetConnectionUnixProcessID")};
+                                        QLatin1String("GetInterfaces"), QLatin1String("GetConnectionUnixProcessID"),
+                                        QLatin1String("GetLinkIndex"),  QLatin1String("GetLink"),
+                                        QLatin1String("GetObject")};
     return std::ranges::none_of(readers, [&](QLatin1String reader) { return message.member() == reader; });
 }
 

@@ -71,18 +71,21 @@ std::expected<QVariant, AXError> soleArgument(const QDBusMessage& reply, const c
     return reply.arguments().constFirst();
 }
 
+ObjectReference readObject(const QDBusArgument& argument) {
+    ObjectReference object;
+    QDBusObjectPath path;
+    argument.beginStructure();
+    argument >> object.busName >> path;
+    argument.endStructure();
+    object.path = path.path();
+    return object;
+}
+
 std::vector<ObjectReference> readObjects(const QDBusArgument& argument) {
     std::vector<ObjectReference> objects;
     argument.beginArray();
-    while (!argument.atEnd()) {
-        ObjectReference object;
-        QDBusObjectPath path;
-        argument.beginStructure();
-        argument >> object.busName >> path;
-        argument.endStructure();
-        object.path = path.path();
-        objects.push_back(std::move(object));
-    }
+    while (!argument.atEnd())
+        objects.push_back(readObject(argument));
     argument.endArray();
     return objects;
 }
@@ -99,6 +102,11 @@ std::expected<StateSet, AXError> statesOf(const QDBusMessage& reply) {
 std::expected<std::vector<ObjectReference>, AXError> objectsOf(const QDBusMessage& reply) {
     return mapped(soleArgument(reply, "a(so)"),
                   [](const QVariant& value) { return readObjects(value.value<QDBusArgument>()); });
+}
+
+std::expected<ObjectReference, AXError> objectOf(const QDBusMessage& reply) {
+    return mapped(soleArgument(reply, "(so)"),
+                  [](const QVariant& value) { return readObject(value.value<QDBusArgument>()); });
 }
 
 std::expected<quint32, AXError> numberOf(const QDBusMessage& reply) {

@@ -15,6 +15,8 @@ inline constexpr auto registryName = "org.a11y.atspi.Registry";
 inline constexpr auto accessibleInterface = "org.a11y.atspi.Accessible";
 inline constexpr auto applicationInterface = "org.a11y.atspi.Application";
 inline constexpr auto textInterface = "org.a11y.atspi.Text";
+inline constexpr auto hypertextInterface = "org.a11y.atspi.Hypertext";
+inline constexpr auto hyperlinkInterface = "org.a11y.atspi.Hyperlink";
 inline constexpr auto componentInterface = "org.a11y.atspi.Component";
 inline constexpr auto editableTextInterface = "org.a11y.atspi.EditableText";
 
@@ -62,6 +64,7 @@ QDBusMessage propertyCall(const ObjectReference& object, const char* interface, 
 /// The values of a reply. Other programs choose what they send, so a reply of another shape gives `Failure`.
 std::expected<StateSet, platform::AXError> statesOf(const QDBusMessage& reply);
 std::expected<std::vector<ObjectReference>, platform::AXError> objectsOf(const QDBusMessage& reply);
+std::expected<ObjectReference, platform::AXError> objectOf(const QDBusMessage& reply);
 std::expected<quint32, platform::AXError> numberOf(const QDBusMessage& reply);
 std::expected<qint32, platform::AXError> signedNumberOf(const QDBusMessage& reply);
 std::expected<QStringList, platform::AXError> namesOf(const QDBusMessage& reply);

@@ -23,8 +23,10 @@ Toolkit toolkitNamed(const QString& name) {
     } else if (name == QLatin1String("Gecko")) {
         toolkit.offsets = OffsetUnit::Utf16WithFillers;
         toolkit.editing = Editing::OnlyClaimsToWork;
+        toolkit.richText = RichText::EmbeddedObjects;
     } else if (name == QLatin1String("Chromium")) {
         toolkit.selectionEnds = SelectionEnds::ConvertedTwice;
+        toolkit.richText = RichText::EmbeddedObjects;
     } else if (name == QLatin1String("GTK")) {  // GTK 4; GTK 3 calls itself gtk
         toolkit.showing = ShowingState::NeverSet;
         toolkit.places = Places::InWindowOnly;

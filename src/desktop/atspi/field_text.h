@@ -33,6 +33,9 @@ enum class ShowingState { Set, NeverSet };
 /// In what an application tells places: some know where they are in their window, but not where that is.
 enum class Places { OnScreen, InWindowOnly };
 
+/// How a field tells a text of several paragraphs: as one, or as an element for each.
+enum class RichText { OneText, EmbeddedObjects };
+
 /// The habits of a toolkit, all of them found by trying.
 struct Toolkit {
     OffsetUnit offsets = OffsetUnit::CodePoints;
@@ -41,6 +44,7 @@ struct Toolkit {
     Editing editing = Editing::Works;
     ShowingState showing = ShowingState::Set;
     Places places = Places::OnScreen;
+    RichText richText = RichText::OneText;
     bool operator==(const Toolkit&) const = default;
 };
 
