@@ -43,10 +43,12 @@ class Keyboard:
 
     def press(self, chord):
         """A chord such as "Control+Shift+z"; the last key is struck while the others are held."""
-        keys = chord.split("+")
-        for key in keys:
+        *modifiers, last = chord.split("+")
+        for key in modifiers:
             self._key(key, 1)
-        for key in reversed(keys):
+            time.sleep(BETWEEN_KEYS)  # no finger is faster, and pages of Qt's web engine take a faster chord twice
+        self._key(last, 1)
+        for key in (last, *reversed(modifiers)):
             self._key(key, 0)
         time.sleep(BETWEEN_KEYS)
 

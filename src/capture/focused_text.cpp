@@ -12,9 +12,6 @@ namespace {
 /// How far a windowed read reaches before and after the selection, in UTF-16 units.
 constexpr qint64 windowReach = 512;
 
-/// Stands for what is no text: a picture, or a paragraph that is an element of its own, as in rich text.
-constexpr QChar embeddedObject(0xFFFC);
-
 /// The location that stands for "no range".
 constexpr qint64 notFound = -1;
 
@@ -50,7 +47,7 @@ std::optional<AccessibilityTextSnapshot> ContextCapturer::snapshotOf(const AXEle
         log.line(tagged(QStringLiteral("No value string found, returning nil")));
         return std::nullopt;
     }
-    if (snapshot->value.contains(embeddedObject)) {
+    if (snapshot->value.contains(platform::axEmbeddedObject)) {
         log.line(tagged(QStringLiteral("The value has its text elsewhere, returning nil")));
         return std::nullopt;
     }

@@ -7,9 +7,6 @@ using platform::AXElement;
 
 namespace {
 
-/// Stands for what is no text, or has its text elsewhere.
-constexpr QChar embeddedObject(0xFFFC);
-
 QString asTyped(QString text) {
     return text.replace(QChar::ParagraphSeparator, u'\n')
         .replace(QChar::LineSeparator, u'\n')
@@ -84,7 +81,7 @@ std::optional<AnswerPlace::Field> AnswerPlace::field() const {
     const auto* held = value ? std::get_if<QString>(&*value) : nullptr;
     const auto* selected = range ? std::get_if<text::Utf16Range>(&*range) : nullptr;
     if (!held || !selected || selected->location < 0 || selected->location > held->size() ||
-        held->contains(embeddedObject))
+        held->contains(platform::axEmbeddedObject))
         return std::nullopt;
     return Field{*element, *held, *selected};
 }

@@ -168,9 +168,12 @@ async::Task<Placement> OutputWriter::deleteBackward(qint64 count, StandingText s
         std::abort();
     if (count > 0 && !place_.isInFront())
         co_return Placement::OnClipboard;
-    if (const auto field = count > 0 && !standing.text.isEmpty() ? place_.field() : std::nullopt;
-        field && !field->isBeforeCaret(standing.text))
-        count = 0;
+    if (const auto field = count > 0 && !standing.text.isEmpty() ? place_.field() : std::nullopt) {
+        if (field->selection.length > 0)  // the user's, made meanwhile: a key or a paste would take it away
+            co_return Placement::OnClipboard;
+        if (!field->isBeforeCaret(standing.text))
+            count = 0;
+    }
     const platform::ModifiersAside aside(platform_.keyPoster);
     for (qint64 i = 0; i < count; ++i) {
         if (!place_.isWindowInFront())

@@ -99,6 +99,9 @@ using AXValue = std::variant<std::monostate, QString, AXAttributedString, text::
 /// The value's type, for log lines.
 QString axTypeName(const AXValue& value);
 
+/// Stands in an element's text for what is no text, or has its text in an element of its own.
+inline constexpr QChar axEmbeddedObject(0xFFFC);
+
 /// What the element with the focus is, as far as it decides what may be kept of its keys or pressed there.
 enum class FocusKind : std::uint8_t {
     Unknown,  ///< nothing tells: no bus, or an application that is not on it or does not answer

@@ -120,7 +120,7 @@ class Application(Program):
     @property
     def is_known_by_keys_only(self):
         """Whether the field cannot be read by accessibility, so that a request is what was typed."""
-        return self.is_terminal or self.kind == "chromium"
+        return self.is_terminal or self.kind in ("chromium", "falkon")
 
     def signal(self, number):
         if self.process.poll() is None:
@@ -185,6 +185,17 @@ class Application(Program):
         for _ in characters(after):
             self.keyboard.press("Left")
         let_keys_arrive()
+
+    def go_to(self, before, after):
+        """Puts the caret between two parts of all the text, from its begin."""
+        self.keyboard.press("Control+Home")
+        for _ in characters(before):
+            self.keyboard.press("Right")
+        self.refilled = [before, after]
+        let_keys_arrive()
+
+    def note_at_end(self, text):
+        self.refilled[1] += text
 
     def settle(self):
         """Waits until the application has taken what was typed, however busy the machine is."""

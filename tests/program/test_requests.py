@@ -1,22 +1,32 @@
 """Many random requests in one editor; every field must come out exactly right.
 
-TAVRELON_TEST_EDITOR and TAVRELON_TEST_REQUESTS say where and how many, TAVRELON_TEST_SEED asks for other texts."""
+Some are made in long fields, some after the caret was moved, and of some the answer finds another window in front, or
+what the user has written meanwhile. TAVRELON_TEST_EDITOR and TAVRELON_TEST_REQUESTS say where and how many,
+TAVRELON_TEST_SEED asks for other texts."""
 
 import os
 import random
 import time
 from pathlib import Path
 
+import screen
 from conftest import history
+from editors import clipboard, front_title, let_keys_arrive
+from programs import Program
 from waiting import wait_for
 
 REST = 2.1  # seconds; an input that opened within two seconds of the last answer would be reset with it
+UNDERWAY = 900  # milliseconds that an answer takes while something happens
 # Pieces that one Backspace removes whole, in every toolkit.
 TYPED = ["what ", "Is", "42?", "你好", "😀", "\n", "привет", "(a/b)"]
 # Where the field cannot be read, what is pasted counts as not typed.
 TYPED_BY_KEYS = ["what ", "Is", "42?", "(a/b)"]
 ANSWERED = ["Sure. ", "世界，", "👨‍👩‍👧", "\n", "é", "🇩🇪", "  two  ", "tab\there", "ß\\n\""]
 AROUND = ["text ", "more, ", "中文", "🎉", "\n"]
+# What an answer finds where the user has written on behind the request: it takes the request's place where the field
+# can be edited by accessibility, and goes to the caret where it can only be read.
+EDITED_IN_PLACE = {"mousepad", "gnome-text-editor", "featherpad", "qt6-editor"}
+READ_ONLY = {"chromium-accessible"}
 
 
 def some_of(dice, pieces, least, most):
@@ -31,13 +41,17 @@ def keep_count(done, wanted):
         (Path(folder) / f"{os.environ['TAVRELON_TEST_EDITOR']}.requests-{wanted}").write_text(f"{done}\n", encoding="ascii")
 
 
-def test_every_field_is_exactly_right(desk):
-    wanted = int(os.environ["TAVRELON_TEST_REQUESTS"])
-    dice = random.Random(int(os.environ.get("TAVRELON_TEST_SEED", "20261124")))
-    editor = desk.open(os.environ["TAVRELON_TEST_EDITOR"])
-    tavrelon = desk.start()
-    keep_count(0, wanted)
-    for number in range(1, wanted + 1):
+class RandomRequests:
+    def __init__(self, desk, dice):
+        self.desk, self.dice = desk, dice
+        self.editor = desk.open(os.environ["TAVRELON_TEST_EDITOR"])
+        self.tavrelon = desk.start()
+        self.rested = 0.0
+        self.done = 0
+
+    def texts(self):
+        """What stands before and behind the caret, what is asked and what is answered."""
+        dice, editor = self.dice, self.editor
         before, after = "<" + some_of(dice, AROUND, 0, 3), some_of(dice, AROUND, 0, 3) + ">"
         typed = some_of(dice, TYPED_BY_KEYS if editor.is_known_by_keys_only else TYPED, 1, 5)
         typed = typed if typed.strip() else "why"
@@ -45,13 +59,106 @@ def test_every_field_is_exactly_right(desk):
         if editor.is_terminal:
             before, after = before.replace("\n", ""), ""
             answer = answer.replace("\t", " ").replace("\n", " ")
-        desk.answers(answer)
-        editor.refill(before, after)
-        desk.request(tavrelon, editor, typed)
-        wait_for(f"the answer to request {number}", lambda: len(history(tavrelon)) >= min(number, 20), 20)
-        wait_for(f"the answer to request {number}", lambda: history(tavrelon)[0]["outputText"] == answer, 20)
-        rested = time.monotonic() + REST
-        wanted_text = before + answer + after
-        assert editor.saved(wanted_text) == wanted_text, f"request {number}, typed {typed!r}\n{tavrelon.written()}"
-        time.sleep(max(0.0, rested - time.monotonic()))
+        return before, after, typed, answer
+
+    def ask(self, typed, answer, **delay):
+        self.desk.answers(answer, **delay)
+        self.desk.request(self.tavrelon, self.editor, typed)
+
+    def answered(self, answer):
+        self.done += 1
+        wait_for("the answer", lambda: len(history(self.tavrelon)) >= min(self.done, 20), 20)
+        wait_for("the answer", lambda: history(self.tavrelon)[0]["outputText"] == answer, 20)
+        self.rested = time.monotonic() + REST
+
+    def holds(self, wanted):
+        assert self.editor.saved(wanted) == wanted, self.tavrelon.written()[-6000:]
+
+    # The ways
+
+    def plain(self):
+        before, after, typed, answer = self.texts()
+        self.editor.refill(before, after)
+        self.ask(typed, answer)
+        self.answered(answer)
+        self.holds(before + answer + after)
+
+    def in_a_long_field(self):
+        """Of 15 000 to 40 000 characters, near its begin or its end."""
+        before, after, typed, answer = self.texts()
+        words = "".join(self.dice.choice(["lorem ", "ipsum, ", "中文", "dolor\n"]) for _ in range(self.dice.randint(3500, 8000)))
+        if self.dice.random() < 0.5:
+            before = words + before
+            self.editor.refill(before, after)
+        else:
+            after = after + words
+            self.editor.refill("", before + after)
+            self.editor.go_to(before, after)
+        self.ask(typed, answer)
+        self.answered(answer)
+        self.holds(before + answer + after)
+
+    def with_a_moved_caret(self):
+        """The input is opened at one place, and what is asked is typed at another."""
+        before, after, typed, answer = self.texts()
+        self.editor.refill(before, after)
+        self.desk.answers(answer)
+        self.desk.begin(self.tavrelon)
+        self.editor.go_to("", before + after)
+        self.editor.type(typed)
+        self.desk.commit()
+        self.answered(answer)
+        self.holds(answer + before + after)
+
+    def with_words_written_meanwhile(self):
+        before, after, typed, answer = self.texts()
+        self.editor.refill(before, after)
+        self.ask(typed, answer, delayMs=UNDERWAY)
+        self.desk.keyboard.press("Control+End")
+        self.editor.note_at_end("Zz")
+        for letter in ("Shift+z", "z"):
+            self.desk.keyboard.press(letter)
+        self.answered(answer)
+        self.holds(before + answer + after + "Zz" if self.editor.kind in EDITED_IN_PLACE
+                   else before + typed + after + "Zz" + answer)
+
+    def with_another_window_in_front(self):
+        before, after, typed, answer = self.texts()
+        self.editor.refill(before, after)
+        mine = screen.answer("xdotool", "getactivewindow")
+        self.ask(typed, answer, delayMs=UNDERWAY)
+        folder = self.desk.folder_named("other")
+        other = self.desk.started(Program(["xterm", "-T", "another", "-e", "sh", "-c", f"cat >'{folder}/got'"],
+                                          folder / "log"))
+        wait_for("the other window", lambda: front_title() == "another", 20)
+        self.answered(answer)
+        wait_for("the answer on the clipboard", lambda: clipboard() == answer, 20)
+        self.desk.keyboard.press("Return")
+        let_keys_arrive()
+        assert (folder / "got").read_bytes() == b"\n", "the other window is untouched"
+        other.stop()
+        screen.run("xdotool", "windowactivate", "--sync", mine)
+        let_keys_arrive()
+        self.holds(before + typed + after)
+
+    def ways(self):
+        ways = [self.plain] * 6 + [self.with_another_window_in_front]
+        if not self.editor.is_terminal:
+            ways.append(self.with_a_moved_caret)
+        if self.editor.kind in EDITED_IN_PLACE | READ_ONLY:
+            ways += [self.in_a_long_field, self.with_words_written_meanwhile]
+        return ways
+
+
+def test_every_field_is_exactly_right(desk):
+    wanted = int(os.environ["TAVRELON_TEST_REQUESTS"])
+    dice = random.Random(int(os.environ.get("TAVRELON_TEST_SEED", "20261124")))
+    requests = RandomRequests(desk, dice)
+    keep_count(0, wanted)
+    ways = requests.ways()
+    for number in range(1, wanted + 1):
+        way = dice.choice(ways)
+        print(f"request {number}: {way.__name__}")
+        way()
+        time.sleep(max(0.0, requests.rested - time.monotonic()))
         keep_count(number, wanted)

@@ -200,7 +200,10 @@ AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element,
         return std::unexpected(AXError::NoValue);
     if (attribute == AXAttribute::SelectedTextRange)
         return *contents->selection;
-    return contents->value.mid(contents->selection->location, contents->selection->length);
+    const auto selected = contents->value.mid(contents->selection->location, contents->selection->length);
+    if (selected.contains(platform::axEmbeddedObject))  // it has its text elsewhere, or none
+        return std::unexpected(AXError::NoValue);
+    return selected;
 }
 
 AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const AXElement& element,

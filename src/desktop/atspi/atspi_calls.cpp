@@ -19,12 +19,20 @@ constexpr auto telling = 100ms;
 constexpr auto busDaemon = "org.freedesktop.DBus";
 
 bool changesSomething(const QDBusMessage& message) {
-    static constexpr std::array readers{QLatin1String("Get"),           QLatin1String("GetState"),
-                                        QLatin1String("GetText"),       QLatin1String("GetSelection"),
-                                        QLatin1String("GetChildren"),   QLatin1String("GetRole"),
-                                        QLatin1String("GetInterfaces"), QLatin1String("GetConnectionUnixProcessID"),
-                                        QLatin1String("GetLinkIndex"),  QLatin1String("GetLink"),
-                                        QLatin1String("GetObject")};
+    static constexpr std::array readers{QLatin1String("Get"),
+                                        QLatin1String("GetState"),
+                                        QLatin1String("GetText"),
+                                        QLatin1String("GetSelection"),
+                                        QLatin1String("GetChildren"),
+                                        QLatin1String("GetRole"),
+                                        QLatin1String("GetInterfaces"),
+                                        QLatin1String("GetConnectionUnixProcessID"),
+                                        QLatin1String("GetLinkIndex"),
+                                        QLatin1String("GetLink"),
+                                        QLatin1String("GetObject"),
+                                        QLatin1String("GetIndexInParent"),
+                                        QLatin1String("GetChildAtIndex"),
+                                        QLatin1String("GetNSelections")};
     return std::ranges::none_of(readers, [&](QLatin1String reader) { return message.member() == reader; });
 }
 

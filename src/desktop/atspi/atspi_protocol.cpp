@@ -159,4 +159,14 @@ std::expected<QVariant, AXError> propertyOf(const QDBusMessage& reply) {
                   [](const QVariant& value) { return value.value<QDBusVariant>().variant(); });
 }
 
+std::expected<ObjectReference, AXError> objectInPropertyOf(const QDBusMessage& reply) {
+    const auto value = propertyOf(reply);
+    if (!value || value->userType() != qMetaTypeId<QDBusArgument>())
+        return std::unexpected(AXError::Failure);
+    const auto argument = value->value<QDBusArgument>();
+    if (argument.currentSignature() != QLatin1String("(so)"))
+        return std::unexpected(AXError::Failure);
+    return readObject(argument);
+}
+
 }  // namespace tavrelon::desktop::atspi

@@ -44,7 +44,14 @@ class StateSet {
 };
 
 /// The roles that are treated unlike others, by their number in the protocol.
-enum class Role : quint32 { Menu = 33, MenuBar = 34, PasswordText = 40, PopupMenu = 41, Terminal = 60 };
+enum class Role : quint32 {
+    Menu = 33,
+    MenuBar = 34,
+    PasswordText = 40,
+    PopupMenu = 41,
+    Terminal = 60,
+    Paragraph = 73,
+};
 
 bool isMenu(quint32 role);
 inline bool isPassword(quint32 role) {
@@ -74,5 +81,6 @@ std::expected<std::pair<qint32, qint32>, platform::AXError> rangeOf(const QDBusM
 /// Of four numbers, whether they come one by one or as a structure.
 std::expected<platform::AXRect, platform::AXError> rectangleOf(const QDBusMessage& reply);
 std::expected<QVariant, platform::AXError> propertyOf(const QDBusMessage& reply);
+std::expected<ObjectReference, platform::AXError> objectInPropertyOf(const QDBusMessage& reply);
 
 }  // namespace tavrelon::desktop::atspi

@@ -9,8 +9,6 @@ namespace {
 /// Lists in quotations in tables: more is no text that anybody writes.
 constexpr int deepest = 12;
 
-constexpr QChar embeddedObject(0xFFFC);
-
 /// What stands for an element in the text at the caret; absent where the caret is in the text itself.
 std::optional<ObjectReference> embeddedAtCaret(const ObjectReference& text, AtspiCalls& calls) {
     const auto replies = calls.send({propertyCall(text, textInterface, "CaretOffset"),
@@ -24,7 +22,7 @@ std::optional<ObjectReference> embeddedAtCaret(const ObjectReference& text, Atsp
                                   methodCall(text, hypertextInterface, "GetLinkIndex", {offset})});
     const auto character = chain(next[0], textOf);
     const auto index = chain(next[1], signedNumberOf);
-    if (!character || *character != embeddedObject || !index || *index < 0)
+    if (!character || *character != platform::axEmbeddedObject || !index || *index < 0)
         return std::nullopt;
     const auto link = chain(calls.send(methodCall(text, hypertextInterface, "GetLink", {*index})), objectOf);
     if (!link || link->isNull())

@@ -1,5 +1,7 @@
 #include "desktop/atspi/field_reader.h"
 
+#include <algorithm>
+
 #include "desktop/atspi/chain.h"
 
 namespace tavrelon::desktop::atspi {
@@ -12,6 +14,12 @@ constexpr qint32 toTheEnd = -1;
 
 QDBusMessage textCall(const ObjectReference& field) {
     return methodCall(field, textInterface, "GetText", {qint32{0}, toTheEnd});
+}
+
+bool touchesEdge(const FieldContents& contents) {
+    const auto& selection = contents.selection;
+    return selection && selection->length > 0 &&
+           (selection->location == 0 || selection->location + selection->length == contents.value.size());
 }
 
 }  // namespace
@@ -58,7 +66,26 @@ std::expected<FieldContents, AXError> FieldReader::read(const ObjectReference& f
     // A value with the caret for a selection would pass for "nothing selected"; the copy shortcut tells better.
     if (!contents.selection && reported.count.value_or(0) > 0)
         return std::unexpected(AXError::NoValue);
+    if (description.role == static_cast<quint32>(Role::Paragraph) && touchesEdge(contents) && goesOn(field))
+        return std::unexpected(AXError::NoValue);
     return contents;
+}
+
+bool FieldReader::goesOn(const ObjectReference& paragraph) {
+    const auto replies = calls_.send({propertyCall(paragraph, accessibleInterface, "Parent"),
+                                      methodCall(paragraph, accessibleInterface, "GetIndexInParent")});
+    const auto parent = chain(replies[0], objectInPropertyOf);
+    const auto index = chain(replies[1], signedNumberOf);
+    if (!parent || !index)
+        return false;
+    std::vector<QDBusMessage> questions;
+    for (const auto& neighbour :
+         calls_.send({methodCall(*parent, accessibleInterface, "GetChildAtIndex", {*index - 1}),
+                      methodCall(*parent, accessibleInterface, "GetChildAtIndex", {*index + 1})}))
+        if (const auto object = chain(neighbour, objectOf); object && !object->isNull())
+            questions.push_back(methodCall(*object, textInterface, "GetNSelections"));
+    return std::ranges::any_of(calls_.send(questions),
+                               [](const auto& reply) { return chain(reply, signedNumberOf).value_or(0) > 0; });
 }
 
 std::expected<QString, AXError> FieldReader::readText(const ObjectReference& field, const Toolkit& toolkit) {

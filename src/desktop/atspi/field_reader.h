@@ -29,13 +29,17 @@ class FieldReader {
 
     std::expected<FieldDescription, platform::AXError> describe(const ObjectReference& field);
 
-    /// `AttributeUnsupported` for an element without text, `SecureField` for a password, which is not even asked for.
+    /// `AttributeUnsupported` for an element without text, `SecureField` for a password, which is not even asked for,
+    /// `NoValue` for a selection that goes over several elements.
     std::expected<FieldContents, platform::AXError> read(const ObjectReference& field,
                                                          const FieldDescription& description);
 
     std::expected<QString, platform::AXError> readText(const ObjectReference& field, const Toolkit& toolkit);
 
  private:
+    /// Whether the selection of a paragraph goes on in the one before or behind it.
+    bool goesOn(const ObjectReference& paragraph);
+
     AtspiCalls& calls_;
     AtspiDirectory& directory_;
 };

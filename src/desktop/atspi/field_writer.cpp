@@ -20,9 +20,6 @@ constexpr auto settlePause = 10ms;
 constexpr auto editAllowance = 235ms;
 constexpr auto restoreAllowance = 235ms;
 
-/// Stands for a picture or another thing in the text, which no text can bring back.
-constexpr QChar embeddedObject(0xFFFC);
-
 bool canBeSent(const QString& text) {
     return !text.contains(QChar(0)) && QString::fromUtf8(text.toUtf8()) == text;
 }
@@ -42,7 +39,7 @@ AXError FieldWriter::replaceSelection(const ObjectReference& field, const QStrin
 AXError FieldWriter::replace(const ObjectReference& field, const StandingText& part, const QString& inserted) {
     if (const auto outcome = open(field, inserted); outcome != AXError::Success)
         return outcome;
-    if (selection_.length > 0 || text::substring(original_, part.range) != part.text)
+    if (text::substring(original_, part.range) != part.text)
         return AXError::NoValue;
     replaced_ = part.range;
     return mayEdit() ? edit(inserted) : AXError::AttributeUnsupported;
@@ -69,7 +66,7 @@ AXError FieldWriter::open(const ObjectReference& field, const QString& inserted)
 bool FieldWriter::mayEdit() const {
     const auto selected = original_.mid(replaced_.location, replaced_.length);
     return description_.has(editableTextInterface) && description_.toolkit.editing == Editing::Works &&
-           !selected.contains(embeddedObject);
+           !selected.contains(platform::axEmbeddedObject);
 }
 
 AXError FieldWriter::edit(const QString& inserted) {
@@ -85,7 +82,9 @@ AXError FieldWriter::edit(const QString& inserted) {
         if (!reached(accepted, without, wanted))
             return settle(wanted);
     }
-    command(textInterface, "SetCaretOffset", {offset(replaced_.location + inserted.size(), wanted)});
+    const auto end = [](const text::Utf16Range& range) { return range.location + range.length; };
+    if (end(selection_) == end(replaced_))  // a caret elsewhere stays where the user has put it
+        command(textInterface, "SetCaretOffset", {offset(replaced_.location + inserted.size(), wanted)});
     return AXError::Success;
 }
 
