@@ -92,7 +92,7 @@ class RandomRequests:
             self.editor.refill(before, after)
         else:
             after = after + words
-            self.editor.refill("", before + after)
+            self.editor.refill(before + after, "")
             self.editor.go_to(before, after)
         self.ask(typed, answer)
         self.answered(answer)
@@ -142,7 +142,7 @@ class RandomRequests:
         self.holds(before + typed + after)
 
     def ways(self):
-        ways = [self.plain] * 6 + [self.with_another_window_in_front]
+        ways = [self.plain] * 3 + [self.with_another_window_in_front]
         if not self.editor.is_terminal:
             ways.append(self.with_a_moved_caret)
         if self.editor.kind in EDITED_IN_PLACE | READ_ONLY:
