@@ -20,6 +20,7 @@ NAMES = {
     "lxterminal": "lxterminal (VTE)",
     "firefox": "firefox-esr",
     "libreoffice": "libreoffice writer",
+    "falkon": "falkon (QtWebEngine)",
 }
 INTRODUCTION = """# Applications
 

@@ -36,6 +36,7 @@ class Keyboard:
     @contextlib.contextmanager
     def holding(self, key):
         self._key(key, 1)
+        time.sleep(BETWEEN_KEYS)
         try:
             yield
         finally:

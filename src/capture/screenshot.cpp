@@ -37,9 +37,11 @@ std::shared_ptr<void> ContextCapturer::expectScreenshot() {
 }
 
 async::Task<std::optional<Image>> ContextCapturer::captureFocusedWindowImage() {
+    if (platform_.accessibility.isFocusSecure())  // here it is known from what was read in this turn
+        co_return std::nullopt;
     const auto content = valueOrThrow(co_await platform_.screenCapture.shareableContent());
     const auto application = platform_.workspace.frontmostApplication();
-    if (!application || platform_.accessibility.isFocusSecure())
+    if (!application)
         co_return std::nullopt;
     const auto window = std::ranges::find_if(content.windows, [&](const platform::ShareableWindow& candidate) {
         return candidate.isOnScreen && candidate.bundleIdentifier == application->bundleIdentifier;
@@ -50,8 +52,10 @@ async::Task<std::optional<Image>> ContextCapturer::captureFocusedWindowImage() {
 }
 
 async::Task<std::optional<Image>> ContextCapturer::captureFullScreenImage() {
+    if (platform_.accessibility.isFocusSecure())
+        co_return std::nullopt;
     const auto content = valueOrThrow(co_await platform_.screenCapture.shareableContent());
-    if (content.displays.empty() || platform_.accessibility.isFocusSecure())
+    if (content.displays.empty())
         co_return std::nullopt;
     co_return valueOrThrow(co_await platform_.screenCapture.captureDisplay(content.displays.front()));
 }

@@ -146,7 +146,9 @@ class RandomRequests:
         if not self.editor.is_terminal:
             ways.append(self.with_a_moved_caret)
         if self.editor.kind in EDITED_IN_PLACE | READ_ONLY:
-            ways += [self.in_a_long_field, self.with_words_written_meanwhile]
+            ways.append(self.with_words_written_meanwhile)
+        if self.editor.kind in EDITED_IN_PLACE:  # a browser's title is cut
+            ways.append(self.in_a_long_field)
         return ways
 
 
