@@ -24,6 +24,7 @@
 #include "desktop_adapters.h"
 #include "jpeg_alone.h"
 #include "output/output_writer.h"
+#include "text/characters.h"
 
 namespace {
 
@@ -184,6 +185,13 @@ std::function<void()> writerOf(Desk& desk, const QString& way, const QString& te
     return [&] { typeBy(QStringLiteral("xdotool"), text); };
 }
 
+std::function<void()> replacerOf(Desk& desk, const QString& request, const QString& text) {
+    using Method = scenes::ReplacementStrategy::Method;
+    return [&] {
+        desk.finish(desk.writer.writeText(text, Method::deleteChars, text::characterCount(request), 0, {request}));
+    };
+}
+
 /// Asks the more seldom the longer it takes, so that asking does not hold up an editor that is busy.
 void waitForText(Desk& desk, const QString& text, Clock::time_point since) {
     const auto begin = Clock::now();
@@ -195,12 +203,23 @@ void waitForText(Desk& desk, const QString& text, Clock::time_point since) {
     }
 }
 
+/// A request that the answer takes the place of.
+void prepareRequest(Desk& desk, const QString& request) {
+    desk.pasteBarely(request);
+    waitForText(desk, request, Clock::now());
+    letPass(100ms);
+}
+
 void measureWrites(Desk& desk, const QString& way, int length, int count) {
     const auto text = words(length);
-    const auto write = writerOf(desk, way, text);
+    const auto request = text.last(length / 2) + QStringLiteral(" 😀 ") + text.first(length / 2 - 4);
+    const bool isTyped = way == QStringLiteral("typed");
+    const auto write = isTyped ? replacerOf(desk, request, text) : writerOf(desk, way, text);
     desk.waitForField();
     for (int i = 0; i < count; ++i) {
         desk.empty();
+        if (isTyped)
+            prepareRequest(desk, request);
         const auto begin = Clock::now();
         write();
         waitForText(desk, text, begin);

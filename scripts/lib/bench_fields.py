@@ -6,7 +6,7 @@ from typing import NamedTuple
 import screen
 from bench_run import output_of
 from bench_table import Row, Theme, grouped
-from programs import EDITORS, Editor
+from programs import EDITORS, OTHER_EDITORS, Editor
 from waiting import wait_for
 
 SIZES = {100: 3, 20_000: 5, 200_000: 20}  # characters, and the aim in milliseconds
@@ -43,6 +43,10 @@ def written_row(length, kind, way):
     return f"{grouped(length)} characters into {kind}, {way}"
 
 
+def replaced_row(kind):
+    return f"a typed request of 200 characters, answered in place, {kind}"
+
+
 def reading_rows(kind):
     bus = "1.2 to 4.2 ms: the bus, when asked call by call"
     return [*(Row(read_row(length, kind), "ms", "Text, selection and window, until Tavrelon has them; of "
@@ -60,6 +64,9 @@ def writing_rows(kind):
 
 
 ROWS = [row for kind in EDITORS for row in reading_rows(kind) + writing_rows(kind)] + [
+    *(Row(replaced_row(kind), "ms", "From the answer at hand until the field holds it in the place of the request, read "
+          "back until it does.", aim=60, limit="2 160 ms by 200 Backspaces and a paste")
+      for kind in EDITORS | OTHER_EDITORS),
     Row(WHOLE, "ms", "The picture that goes along with a request.", limit=f"{{{ALONE}}}: libjpeg-turbo alone"),
     Row(FETCHED, "ms", "The copy that the X server makes, through shared memory."),
     Row(ALONE, "ms", "libjpeg-turbo on the same pixels."),
@@ -106,6 +113,12 @@ def writing(bench, report, folder, kind):
                 report.take(name, measured(bench, "write", WAYS[way].called, length, times)["write"])
 
 
+def replacing(bench, report, folder):
+    for kind in EDITORS | OTHER_EDITORS:
+        with report.step(replaced_row(kind)), editor_with(kind, 0, folder):
+            report.take(replaced_row(kind), measured(bench, "write", "typed", 200, bench.extent.requests)["write"])
+
+
 def pictures(bench, report, folder):
     with report.step(WHOLE, FETCHED, ALONE, RATIO), editor_with("mousepad", 20_000, folder) as editor:
         screen.press("F11")
@@ -124,6 +137,7 @@ def measure(bench, report):
         for kind in EDITORS:
             reading(bench, report, folder, kind)
             writing(bench, report, folder, kind)
+        replacing(bench, report, folder)
         pictures(bench, report, folder)
 
 

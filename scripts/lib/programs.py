@@ -126,6 +126,7 @@ EDITORS = {
     "mousepad": ["mousepad", "--disable-server"],
     "featherpad": ["featherpad", "--standalone"],
 }
+OTHER_EDITORS = {"gnome-text-editor": ["gnome-text-editor", "--standalone"]}
 
 
 class Editor(Program):
@@ -137,7 +138,8 @@ class Editor(Program):
         (config / "featherpad").mkdir(parents=True, exist_ok=True)
         (config / "featherpad" / "fp.conf").write_text("[text]\nappendEmptyLine=false\n")
         self.path = Path(path)
-        super().__init__([*EDITORS[kind], str(path)], log, {"XDG_CONFIG_HOME": str(config)})
+        super().__init__([*(EDITORS | OTHER_EDITORS)[kind], str(path)], log,
+                         {"XDG_CONFIG_HOME": str(config), "GSK_RENDERER": "cairo"})
         try:
             self.window = wait_for(f"a window of {kind}", lambda: screen.window_named(self.path.name), seconds=20)
             screen.focus(self.window)

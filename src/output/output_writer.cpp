@@ -19,7 +19,7 @@ constexpr auto afterEscape = 50ms;
 constexpr int waitsPerEscape = 6, escapeWaits = 3 * waitsPerEscape;  // for an input method on a slow machine
 constexpr auto afterBackspace = 10ms;
 constexpr auto afterLastBackspace = 50ms;
-constexpr auto beforePaste = 20ms;
+constexpr auto beforePaste = 20ms - platform::KeyPoster::chordWait;
 
 // How often a field whose application did not answer is looked at again before the answer is pasted after all.
 constexpr int stalledLooks = 20;
@@ -175,13 +175,16 @@ async::Task<Placement> OutputWriter::deleteBackward(qint64 count, StandingText s
             count = 0;
     }
     const platform::ModifiersAside aside(platform_.keyPoster);
+    auto& loop = platform_.mainLoop;
     for (qint64 i = 0; i < count; ++i) {
+        const auto begin = loop.now();
         if (!place_.isWindowInFront())
             co_return Placement::OnClipboard;
         pressPlain(keys::keyBackspace);
-        co_await async::pause(platform_.mainLoop, afterBackspace);
+        // The look takes its time again before the next key, so from key to key it is the whole wait.
+        co_await async::pause(loop, std::max<std::chrono::nanoseconds>(afterBackspace - (loop.now() - begin), 1ms));
     }
-    co_await async::pause(platform_.mainLoop, afterLastBackspace);
+    co_await async::pause(loop, afterLastBackspace);
     co_return Placement::Written;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 #include "keys/modifiers.h"
 #include "keys/virtual_keys.h"
 
@@ -8,10 +10,13 @@ namespace tavrelon::platform {
 /// Types keys on the user's behalf into the focused window. Main thread.
 class KeyPoster {
  public:
+    /// How long a chord's key waits for its modifiers to be taken; callers count it as a part of their own wait.
+    static constexpr std::chrono::milliseconds chordWait{4};
+
     virtual ~KeyPoster() = default;
 
     /// Presses and releases a key with these flags, resolved in the live keyboard layout. Command stands for the
-    /// desktop's shortcut modifier. A key that no layout has is skipped silently. No key is left down.
+    /// desktop's shortcut modifier. A key that no layout has is skipped silently. No key is left down. A chord blocks for `chordWait`.
     virtual void press(keys::VirtualKey key, keys::Modifiers flags) = 0;
 
     /// Whether an input method shows a word that is half composed; it would take posted keys for itself. False where

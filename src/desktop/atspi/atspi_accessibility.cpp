@@ -200,7 +200,7 @@ AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element,
         return std::unexpected(AXError::NoValue);
     if (attribute == AXAttribute::SelectedTextRange)
         return *contents->selection;
-    const auto selected = contents->value.mid(contents->selection->location, contents->selection->length);
+    auto selected = contents->value.mid(contents->selection->location, contents->selection->length);
     if (selected.contains(platform::axEmbeddedObject))  // it has its text elsewhere, or none
         return std::unexpected(AXError::NoValue);
     return selected;

@@ -8,13 +8,7 @@
 
 namespace tavrelon::desktop {
 
-using namespace std::chrono_literals;
-
 namespace {
-
-/// As fast fingers would. While accessibility is on, pages of Qt's web engine take a chord twice whose key follows the
-/// modifier at once; after 3 ms they do not, nor one that a person presses.
-constexpr auto beforeChordKey = 4ms;
 
 /// Command is Control in shortcuts.
 keys::Modifiers onThisDesktop(keys::Modifiers flags) {
@@ -95,10 +89,11 @@ void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys
         xtest_->post(code, KeyAction::Release);
     for (const auto modifier : modifierKeys)
         xtest_->post(modifier, KeyAction::Press);
-    // Not while the user holds modifiers: letting go of the same ones would take ours away before the key.
+    // As fast fingers would: while accessibility is on, pages of Qt's web engine take a chord twice whose key follows the
+    // modifier at once; after 3 ms they do not. But not while the user holds modifiers: letting go of the same ones would take ours away before the key.
     if (!modifierKeys.empty() && !modifiers_.isAnyAside()) {
         xtest_->send();
-        std::this_thread::sleep_for(beforeChordKey);
+        std::this_thread::sleep_for(chordWait);
     }
     xtest_->post(code, KeyAction::Press);
     xtest_->post(code, KeyAction::Release);
