@@ -95,7 +95,9 @@ void TextRequestPipeline::testForComposition(TextRequest& request) {
 }
 
 async::Task<TextRequestPipeline::Next> TextRequestPipeline::settleText(TextRequest& request) {
-    if (machine_.activeTrigger() == InputTrigger::floatingInput) {
+    const bool isSpoken = machine_.activeTrigger() == InputTrigger::voice;
+    if (machine_.activeTrigger() == InputTrigger::floatingInput ||
+        (isSpoken && request.transcriptInserted == TranscriptInserted::No)) {
         request.settle({request.requestText, std::nullopt});
         co_return Next::Stage;
     }

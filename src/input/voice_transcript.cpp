@@ -13,6 +13,7 @@ namespace {
 /// How long a final transcript is waited for after the recording ended, and how often it is looked for.
 constexpr auto transcriptTimeout = 1200ms;
 constexpr auto transcriptInterval = 150ms;
+constexpr auto finalInterval = 30ms;  ///< where there is a text already, and only its last words may be missing
 
 }  // namespace
 
@@ -27,8 +28,11 @@ async::Task<QString> VoiceFlow::currentVoiceTranscript() {
 
 async::Task<QString> VoiceFlow::waitForVoiceTranscript(QUuid id) {
     auto transcript = co_await currentVoiceTranscript();
-    for (auto waited = 0ms; transcript.isEmpty() && waited < transcriptTimeout; waited += transcriptInterval) {
-        co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, transcriptInterval));
+    const auto isPartial = [this] { return speechRecognizer_ && speechRecognizer_->awaitsFinal(); };
+    for (auto waited = 0ms; (transcript.isEmpty() || isPartial()) && waited < transcriptTimeout;) {
+        const auto interval = transcript.isEmpty() ? transcriptInterval : finalInterval;
+        waited += interval;
+        co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, interval));
         if (!machine_.isCurrentTask(id))
             co_return QString();
         transcript = co_await currentVoiceTranscript();
@@ -68,7 +72,11 @@ async::Task<void> VoiceFlow::processVoiceInput(QUuid id) {
     }
     std::optional<AccessibilityTextSnapshot> snapshot;
     auto inserted = TranscriptInserted::No;
-    if (co_await tryInsertTranscript(transcript, id)) {
+    const auto selection = co_await services_.contextCapturer.selectedText();
+    if (!machine_.isCurrentTask(id))
+        co_return;
+    // What is selected is what the request is about; it stays until the answer takes its place.
+    if (!(selection && !text::isBlank(*selection)) && co_await tryInsertTranscript(transcript, id)) {
         if (!machine_.isCurrentTask(id))
             co_return;
         snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();

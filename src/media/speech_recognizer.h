@@ -44,6 +44,9 @@ class SpeechRecognizer {
     /// Ends the recording and drops what was heard.
     void cancelRecording();
 
+    /// Whether a better text of the last recording may still come.
+    bool awaitsFinal() const { return recognitionTask_ != nullptr; }
+
     QBindable<bool> bindableIsRecording() { return &isRecording_; }
     QBindable<QString> bindableCurrentTranscript() { return &currentTranscript_; }  ///< the best text so far
     QBindable<bool> bindableIsAuthorized() { return &isAuthorized_; }

@@ -39,8 +39,7 @@ TEST_F(SpokenTest, AFinalResultAfterTheStopIsUsedAndABlankUpdateRestartsNothing)
 }
 
 TEST_F(SpokenTest, AFieldThatRefusesTheTranscriptStillGetsTheAnswer) {
-    desk.editor.open(QStringLiteral("chosen"));
-    desk.editor.select(0, 6);
+    desk.editor.open(QString());
     desk.machine->handleVoiceHotkey();
     pass();
     hear("hello");
@@ -49,6 +48,26 @@ TEST_F(SpokenTest, AFieldThatRefusesTheTranscriptStillGetsTheAnswer) {
     desk.loop.advance(1ms);
     EXPECT_TRUE(desk.log.contains(
         QStringLiteral("[StateMachine] Failed to insert voice transcript: Answer is on the clipboard")));
+}
+
+TEST_F(SpokenTest, ASelectionIsWhatARequestIsAboutAndStaysUntilTheAnswer) {
+    desk.editor.open(QStringLiteral("say chosen words"));
+    desk.editor.select(4, 6);
+    desk.generator.delay = 1s;
+    desk.speech.finishesLate = true;
+    desk.machine->handleVoiceHotkey();
+    pass();
+    hear("translate");
+    desk.machine->handleVoiceHotkey();
+    desk.loop.advance(400ms);
+    desk.speech.hearFinally(QStringLiteral("translate this"));
+    desk.loop.advance(700ms);
+    ASSERT_EQ(desk.generator.requests.size(), 1U);
+    EXPECT_EQ(desk.generator.requests.front().input, QStringLiteral("translate this")) << "its last word, too";
+    EXPECT_EQ(desk.generator.requests.front().context->selection, QStringLiteral("chosen"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("say chosen words"));
+    desk.loop.advance(2s);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("say ANSWER words"));
 }
 
 TEST_F(SpokenTest, WhatIsSaidForOneWindowIsNotWrittenIntoAnother) {
@@ -96,6 +115,7 @@ TEST_F(SpokenTest, WhoeverFallsSilentEndsInIdleWithTheWordsWrittenIfThereWereAny
                   desk.speech.hearFinally(QStringLiteral("too late"));
               }),
               QString());
+    desk.speech.finishesLate = true;
     EXPECT_EQ(dictate([this] {
                   hear("unplu");
                   desk.audioInput.unplug();

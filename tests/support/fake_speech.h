@@ -30,9 +30,13 @@ class FakeSpeech : public platform::Speech {
     platform::SpeechRequestOptions options;  ///< of the newest request
     std::shared_ptr<Request> request;        ///< the newest
     int cancelled = 0, finished = 0;
+    bool finishesLate = false;  ///< otherwise what was heard is final as soon as it is asked to finish
 
     /// What the newest task reports; nothing once it is over.
-    void hear(const QString& text) { report(platform::SpeechResult{text, false}, false); }
+    void hear(const QString& text) {
+        heard_ = text;
+        report(platform::SpeechResult{text, false}, false);
+    }
     void hearFinally(const QString& text) { report(platform::SpeechResult{text, true}, true); }
     void fail() { report(std::unexpected(platform::SpeechError{QStringLiteral("It broke.")}), true); }
 
@@ -48,6 +52,7 @@ class FakeSpeech : public platform::Speech {
     std::unique_ptr<platform::SpeechTask> startTask(std::shared_ptr<platform::SpeechRequest>,
                                                     ResultHandler handler) override {
         recognition_ = std::make_shared<Recognition>(std::move(handler));
+        heard_.clear();
         return std::make_unique<Task>(*this, recognition_);
     }
 
@@ -61,7 +66,11 @@ class FakeSpeech : public platform::Speech {
             recognition_->over = true;
             ++owner_.cancelled;
         }
-        void finish() override { ++owner_.finished; }
+        void finish() override {
+            ++owner_.finished;
+            if (const auto text = owner_.heard_.trimmed(); !text.isEmpty() && !owner_.finishesLate)
+                owner_.hearFinally(text);
+        }
 
      private:
         FakeSpeech& owner_;
@@ -75,6 +84,7 @@ class FakeSpeech : public platform::Speech {
     }
 
     std::shared_ptr<Recognition> recognition_;
+    QString heard_;
 };
 
 }  // namespace tavrelon::testing
