@@ -15,7 +15,7 @@ BENCHMARK(encodeSettings)->Name("settings encode")->Unit(benchmark::kMicrosecond
 void decodeSettings(benchmark::State& state) {
     const auto document = text::compactJson(toJson(persistence::AppSettings{}));
     for (auto _ : state)
-        benchmark::DoNotOptimize(persistence::appSettingsFrom(text::parseJson(document)));
+        benchmark::DoNotOptimize(persistence::storedSettingsFrom(text::parseJson(document)));
 }
 BENCHMARK(decodeSettings)->Name("settings decode")->Unit(benchmark::kMicrosecond);
 

@@ -107,6 +107,11 @@ class Tavrelon(Program):
     def wait_until_live(self):
         self.wait_for_line(r"\[Hotkey\] Listening", seconds=20)
 
+    def trigger(self, name):
+        """Runs the program once more to tell this one what to do; gives its exit status."""
+        return subprocess.run([self.executable, "--trigger", name], env={**os.environ, **self.environment}, timeout=20,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode
+
     def stored(self):
         """The history once all that stands in it is written: an answer is stored before it is written."""
         try:

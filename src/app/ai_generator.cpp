@@ -7,9 +7,14 @@ namespace tavrelon::app {
 
 using generation::RequestContents;
 
+std::chrono::seconds AIGenerator::deadline() const {
+    return models_.asksLocalServer() ? generation::PollinationsService::localDeadline : Generator::deadline();
+}
+
 async::Task<generation::GenerationResult> AIGenerator::generate(generation::GenerationRequest request) {
     const bool hasPicture = request.context && request.context->screenshotData;
-    const bool isWishForPicture = generation::isImageRequest(text::trimmed(request.input));  // goes as text alone
+    const bool isWishForPicture =
+        request.mayDraw && generation::isImageRequest(text::trimmed(request.input));  // goes as text alone
     co_await obtainConsent(request.input,
                            hasPicture && !isWishForPicture ? RequestContents::Picture : RequestContents::Text);
     co_return co_await service_.generate(std::move(request));

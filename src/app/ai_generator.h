@@ -14,6 +14,7 @@ class AIGenerator : public input::Generator {
                 ServiceConsent& consent)
         : service_(service), models_(models), consent_(consent) {}
 
+    std::chrono::seconds deadline() const override;
     async::Task<generation::GenerationResult> generate(generation::GenerationRequest request) override;
     async::Task<generation::GenerationResult> generateVideoResult(generation::GenerationRequest request,
                                                                   std::vector<QByteArray> frames) override;

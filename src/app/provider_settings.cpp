@@ -51,6 +51,7 @@ void applyProviderSettings(const AppSettings& settings, platform::DefaultsStore&
                            PollinationsService& service) {
     namespace entries = persistence::defaults_keys;
     service.pollinationsCustomEnabled = settings.enableCustomPollinations;
+    service.fallBackToOtherServices = settings.fallBackToOtherServices;
     service.pollinationsBaseURLOverride = PollinationsService::normalizedBaseURL(settings.pollinationsBaseURL);
     service.pollinationsImageModelOverride = PollinationsService::normalizedModelName(settings.pollinationsImageModel);
     service.pollinationsVisionModelOverride =

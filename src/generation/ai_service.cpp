@@ -9,13 +9,42 @@ namespace tavrelon::generation {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+using Again = ProcessingError::Again;
+
+/// A refusal, a missing setting and a silence are the same a moment later.
+Again againAfter(const std::exception& error) {
+    if (const auto* refused = dynamic_cast<const PollinationsError*>(&error)) {
+        const bool isRefusal = refused->status() == 401 || refused->status() == 403 || refused->status() == 404;
+        return isRefusal || refused->code() == PollinationsError::Code::configurationMissing ||
+                       refused->code() == PollinationsError::Code::requestTimedOut
+                   ? Again::Futile
+                   : Again::Worthwhile;
+    }
+    const auto* lost = dynamic_cast<const TransportError*>(&error);
+    const bool isFutile = dynamic_cast<const KeyRefused*>(&error) != nullptr ||
+                          (lost && lost->code() == platform::HttpError::Code::TimedOut);
+    return isFutile ? Again::Futile : Again::Worthwhile;
+}
+
+ProcessingError failureOf(const std::exception& error) {
+    return ProcessingError::generationFailed(text::localizedDescription(error), againAfter(error));
+}
+
+}  // namespace
+
 /// What both paths know of a request.
 struct TavrelonAIService::Situation {
     QString input;  ///< trimmed
     std::optional<capture::CapturedContext> context;
     std::optional<scenes::SceneCandidate> candidate;
 
-    std::optional<QByteArray> screenshot() const { return context ? context->screenshotData : std::nullopt; }
+    /// Absent, too, where the scene does not let the model see the window.
+    std::optional<QByteArray> screenshot() const {
+        const bool isAllowed = !candidate || candidate->config.allowScreenshot;
+        return context && isAllowed ? context->screenshotData : std::nullopt;
+    }
 
     /// The parts of a decision that do not depend on the result.
     scenes::DecisionObject decision(const QString& sceneWithoutCandidate) const;
@@ -48,8 +77,8 @@ TavrelonAIService::Situation TavrelonAIService::situationOf(GenerationRequest& r
 
 async::Task<GenerationResult> TavrelonAIService::generate(GenerationRequest request) {
     const auto situation = situationOf(request);
-    if (!isImageRequest(situation.input))
-        co_return co_await generateTextResult(situation, request.voice);
+    if (!request.mayDraw || !isImageRequest(situation.input))
+        co_return co_await generateTextResult(situation, request);
     log_.line(u"[AIService] Detected image intent"_s);
     auto prompt = co_await imagePrompt(situation.input, request.enhanceImagePrompts);
     co_return co_await generateImageResult(situation, std::move(prompt), 0.7F);
@@ -71,7 +100,7 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
     } catch (const async::CancellationError&) {
         throw;
     } catch (const std::exception& error) {
-        throw ProcessingError::generationFailed(text::localizedDescription(error));
+        throw failureOf(error);
     }
     auto decision = situation.decision(u"video_vision"_s);
     decision.intent = u"video"_s;
@@ -85,6 +114,19 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
 /// All frames to the one model that takes several; else the last one to those that take one.
 async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames) {
     std::exception_ptr withAllFrames;
+    if (pollinationsService_.pollinationsCustomEnabled) {
+        prompt.image = frames.back();
+        try {
+            co_return co_await pollinationsService_.generateText(prompt.system, prompt.user, prompt.image,
+                                                                 prompt.maxTokens, prompt.temperature);
+        } catch (const async::CancellationError&) {
+            throw;
+        } catch (const std::exception&) {
+            if (pollinationsService_.asksGatewayOnly())
+                throw;
+        }
+        prompt.image.reset();
+    }
     try {
         co_return co_await pollinationsService_.generateWithNvidia(PollinationsModel::nvidiaNemotron, prompt, frames,
                                                                    Thinking::ForcedOff);
@@ -98,19 +140,19 @@ async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const 
 }
 
 async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situation& situation,
-                                                                    const UserVoice& voice) {
+                                                                    const GenerationRequest& request) {
     log_.line(u"[AIService] Detected text/vision intent"_s);
     QString reply;
     try {
-        reply = co_await pollinationsService_.generateText(composeSystemPrompt(situation.candidate, voice),
+        reply = co_await pollinationsService_.generateText(composeSystemPrompt(situation.candidate, request.voice),
                                                            composeUserMessage(situation.context, situation.input),
                                                            situation.screenshot(), maxTokens, temperature);
     } catch (const async::CancellationError&) {
         throw;
     } catch (const std::exception& error) {
-        throw ProcessingError::generationFailed(text::localizedDescription(error));
+        throw failureOf(error);
     }
-    if (auto toolPrompt = parseImageToolCall(reply))
+    if (auto toolPrompt = request.mayDraw ? parseImageToolCall(reply) : std::nullopt)
         co_return co_await generateImageResult(situation, std::move(*toolPrompt), 0.6F);
     auto decision = situation.decision(u"general_text"_s);
     decision.intent = u"reply"_s;
@@ -136,7 +178,7 @@ async::Task<GenerationResult> TavrelonAIService::generateImageResult(const Situa
     } catch (const async::CancellationError&) {
         throw;
     } catch (const std::exception& error) {
-        throw ProcessingError::generationFailed(text::localizedDescription(error));
+        throw failureOf(error);
     }
     auto decision = situation.decision(u"image_generation"_s);
     decision.intent = u"image"_s;
@@ -156,7 +198,8 @@ async::Task<QByteArray> TavrelonAIService::generateImage(QString prompt) {
         throw;
     } catch (const std::exception& error) {
         const auto* known = dynamic_cast<const PollinationsError*>(&error);
-        if (known && known->code() == PollinationsError::Code::requestTimedOut)
+        if (pollinationsService_.asksGatewayOnly() ||
+            (known && known->code() == PollinationsError::Code::requestTimedOut))
             throw;
         log_.line("[Pollinations] Image generation failed with Pollinations: "_L1 + text::localizedDescription(error));
     }

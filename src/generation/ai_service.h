@@ -20,6 +20,7 @@ struct GenerationRequest {
     std::optional<capture::CapturedContext> context{};
     UserVoice voice{};
     bool enhanceImagePrompts = false;
+    bool mayDraw = true;  ///< whether a wish for a picture is answered with one
 };
 
 /// Turns one request of the user into one result. Stateless; main thread; it outlives the tasks it gives out.
@@ -44,7 +45,7 @@ class TavrelonAIService {
 
     Situation situationOf(GenerationRequest& request) const;
     async::Task<QString> describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames);
-    async::Task<GenerationResult> generateTextResult(const Situation& situation, const UserVoice& voice);
+    async::Task<GenerationResult> generateTextResult(const Situation& situation, const GenerationRequest& request);
     async::Task<GenerationResult> generateImageResult(const Situation& situation, QString prompt, float confidence);
     async::Task<QString> imagePrompt(QString input, bool enhance);
     async::Task<QByteArray> generateImage(QString prompt);

@@ -18,8 +18,11 @@ async::Task<QString> PollinationsService::generateWithPollinations(QString model
                                                     .prompt = std::move(prompt),
                                                     .jsonMode = jsonMode});
     const auto sent = request.body;
-    const auto response = co_await raceWithDeadline(raceDeadline, exchange(std::move(request)));
-    co_return error_text::readAnswer(sent, response, chat_pollinations::readResponse);
+    const auto limit = asksLocalServer() ? localDeadline : raceDeadline;
+    if (asksLocalServer())
+        request.requestTimeout = request.resourceTimeout = limit;
+    const auto response = co_await raceWithDeadline(limit, exchange(std::move(request)));
+    co_return chat_wire::withoutThoughts(error_text::readAnswer(sent, response, chat_pollinations::readResponse));
 }
 
 async::Task<QString> PollinationsService::generateWithGLM(PollinationsModel model, ChatPrompt prompt,
@@ -31,7 +34,7 @@ async::Task<QString> PollinationsService::generateWithGLM(PollinationsModel mode
                                            .jsonMode = jsonMode});
     const auto sent = request.body;
     const auto response = co_await raceWithDeadline(raceDeadline, exchange(std::move(request)));
-    co_return error_text::readAnswer(sent, response, chat_glm::readResponse);
+    co_return chat_wire::withoutThoughts(error_text::readAnswer(sent, response, chat_glm::readResponse));
 }
 
 async::Task<QString> PollinationsService::generateWithNvidia(PollinationsModel model, ChatPrompt prompt,
@@ -46,7 +49,7 @@ async::Task<QString> PollinationsService::generateWithNvidia(PollinationsModel m
                                               .thinkEnabled = nvidiaThinkEnabled});
     const auto sent = request.body;
     const auto response = co_await exchange(std::move(request));
-    co_return error_text::readAnswer(sent, response, chat_nvidia::readResponse);
+    co_return chat_wire::withoutThoughts(error_text::readAnswer(sent, response, chat_nvidia::readResponse));
 }
 
 async::Task<QString> PollinationsService::generateWithOllama(QString systemPrompt, QString userPrompt,
@@ -60,13 +63,17 @@ async::Task<QString> PollinationsService::generateWithOllama(QString systemPromp
          .systemPrompt = std::move(systemPrompt),
          .userPrompt = std::move(userPrompt),
          .image = std::move(image)});
+    if (asksLocalServer())
+        request.requestTimeout = request.resourceTimeout = localDeadline;
     const auto sent = request.body;
     const auto response = co_await exchange(std::move(request));
-    co_return error_text::readAnswer(sent, response, chat_ollama::readResponse);
+    co_return chat_wire::withoutThoughts(error_text::readAnswer(sent, response, chat_ollama::readResponse));
 }
 
 async::Task<QString> PollinationsService::generateWithModel(PollinationsModel model, ChatPrompt prompt,
                                                             JsonMode jsonMode) {
+    if (asksGatewayOnly())
+        co_return co_await generateWithGateway(std::move(prompt), jsonMode);
     switch (chatProtocol(model)) {
         case ChatProtocol::GLM:
             co_return co_await generateWithGLM(model, std::move(prompt), jsonMode);
@@ -78,6 +85,13 @@ async::Task<QString> PollinationsService::generateWithModel(PollinationsModel mo
     const bool capable = model == PollinationsModel::openai || model == PollinationsModel::gemini;
     co_return co_await generateWithPollinations(identifier(model), capable ? ImageCapability::Yes : ImageCapability::No,
                                                 std::move(prompt), jsonMode);
+}
+
+async::Task<QString> PollinationsService::generateWithGateway(ChatPrompt prompt, JsonMode jsonMode) {
+    if (!pollinationsVisionModelOverride || pollinationsVisionModelOverride->isEmpty())
+        throw PollinationsError::configurationMissing(QStringLiteral("The model of your own server is missing"));
+    const auto capable = prompt.image ? ImageCapability::Yes : ImageCapability::No;
+    co_return co_await generateWithPollinations(*pollinationsVisionModelOverride, capable, std::move(prompt), jsonMode);
 }
 
 async::Task<QStringList> PollinationsService::fetchOllamaCloudModels() {

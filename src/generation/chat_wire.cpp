@@ -46,6 +46,14 @@ Json decimal(float value) {
     return QByteArrayView(digits.data(), written.ptr).toByteArray().toDouble();
 }
 
+QString withoutThoughts(const QString& reply) {
+    static constexpr QLatin1StringView begin("<think>"), end("</think>");
+    if (!text::trimmed(reply).startsWith(begin))
+        return reply;
+    const auto at = reply.indexOf(end);
+    return at < 0 ? reply : text::trimmed(reply.sliced(at + end.size()));
+}
+
 Json message(const char* role, Json content) {
     return {{"role", role}, {"content", std::move(content)}};
 }

@@ -55,6 +55,10 @@ platform::HttpRequest jsonPost(const QUrl& url, const std::optional<QString>& ke
 /// control character, and for an address at which others could read it.
 void authorize(platform::HttpRequest& request, const std::optional<QString>& key);
 
+/// The reply without the thoughts that some models write before it, between "<think>" and "</think>". Thoughts that do
+/// not end are all there is, and stay.
+QString withoutThoughts(const QString& reply);
+
 /// The beginning of the body in one line, or "Unknown error" when it is no UTF-8.
 QString errorText(const QByteArray& body);
 

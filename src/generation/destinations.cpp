@@ -60,6 +60,8 @@ bool isLocalName(const QString& name) {
 std::vector<QUrl> destinations(const PollinationsService& service, RequestContents contents) {
     if (service.ollamaEnabled && contents == RequestContents::Picture)
         return {ollamaAddress(service)};
+    if (service.asksGatewayOnly())
+        return {QUrl(service.pollinationsBaseURL())};
     std::vector<QUrl> list;
     if (service.effectiveNvidiaApiKey())
         list.emplace_back(service.endpoints().nvidiaChatCompletionsURL);

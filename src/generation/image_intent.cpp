@@ -28,7 +28,8 @@ bool anyTokenBeginsWith(const QStringList& tokens, const Words& words) {
 QStringList wordTokens(const QString& text) {
     QStringList tokens(1);
     text::forEachScalar(text.toLower(), [&](char32_t scalar) {
-        if (QChar::isLetterOrNumber(scalar))
+        // A mark belongs to the letter before it: Thai and Hindi words, and decomposed accents, stay whole.
+        if (QChar::isLetterOrNumber(scalar) || (QChar::isMark(scalar) && !tokens.last().isEmpty()))
             tokens.last() += QChar::fromUcs4(scalar);
         else if (!tokens.last().isEmpty())
             tokens.emplace_back();

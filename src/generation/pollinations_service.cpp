@@ -1,5 +1,8 @@
 #include "generation/pollinations_service.h"
 
+#include "generation/destinations.h"
+#include "platform/web_origin.h"
+
 #include "text/characters.h"
 
 namespace tavrelon::generation {
@@ -53,6 +56,8 @@ std::vector<PollinationsModel> PollinationsService::availableModels(const std::v
 }
 
 async::Task<platform::HttpResponse> PollinationsService::exchange(platform::HttpRequest request) {
+    if (asksGatewayOnly() && !platform::isWithinServer(request.url, QUrl(pollinationsBaseURL())))
+        throw PollinationsError::configurationMissing(QStringLiteral("Requests stay with your own server"));
     auto answer = co_await session_.send(std::move(request));
     if (answer)
         co_return std::move(*answer);
@@ -73,6 +78,29 @@ std::optional<QString> PollinationsService::normalizedModelName(const QString& t
     if (name == QStringLiteral("openai.pollinations"))
         return QStringLiteral("openai");
     return name;
+}
+
+bool PollinationsService::hasKeyFor(PollinationsModel model) const {
+    switch (chatProtocol(model)) {
+        case ChatProtocol::GLM:
+            return glmApiKey.has_value();
+        case ChatProtocol::Nvidia:
+            return effectiveNvidiaApiKey().has_value();
+        case ChatProtocol::Pollinations:
+            break;
+    }
+    return true;
+}
+
+bool PollinationsService::asksLocalServer() const {
+    if (ollamaEnabled)
+        return ollamaMode == OllamaMode::local &&
+               !isPublic(QUrl(ollamaLocalEndpoint.value_or(endpoints_.ollamaLocalChatURL)));
+    return pollinationsCustomEnabled && !isPublic(QUrl(pollinationsBaseURL()));
+}
+
+bool PollinationsService::asksGatewayOnly() const {
+    return pollinationsCustomEnabled && !fallBackToOtherServices.value_or(isPublic(QUrl(pollinationsBaseURL())));
 }
 
 QString PollinationsService::pollinationsBaseURL() const {

@@ -35,6 +35,7 @@ struct ModelAnswer {
 class PollinationsService {
  public:
     static constexpr std::chrono::seconds raceDeadline{30};
+    static constexpr std::chrono::seconds localDeadline{300};  ///< there a model may have to be loaded first
     static constexpr QLatin1StringView glmImageModel{"cogview-3-flash"};
 
     PollinationsService(async::MainLoop& mainLoop, platform::HttpSession& session, platform::Log& log,
@@ -57,6 +58,9 @@ class PollinationsService {
     std::optional<QString> pollinationsBaseURLOverride;
     std::optional<QString> pollinationsImageModelOverride;
     std::optional<QString> pollinationsVisionModelOverride;
+    /// Whether other services are asked where the user's gateway does not answer. Where the user has not said, they are
+    /// for a public gateway, and are not for one on this machine or in a private network.
+    std::optional<bool> fallBackToOtherServices;
     PollinationsModel imageModel = PollinationsModel::zimage;
     bool allowGLMFallbackForPromptEnhancement = false;
 
@@ -70,8 +74,8 @@ class PollinationsService {
     void setVisionModelPreference(VisionModelPreference preference);
     void rebuildVisionModels();
 
-    /// Asks the configured chain of models until one answers. An empty text is an answer. Throws the last model's
-    /// error, or `allModelsFailed` when no model was asked.
+    /// Asks the configured chain of models until one answers. An empty text is an answer. Throws the error of the
+    /// first that was asked, or `allModelsFailed` when none was.
     async::Task<QString> generateText(QString systemPrompt, QString userPrompt, std::optional<QByteArray> image,
                                       qint64 maxTokens, float temperature);
 
@@ -124,7 +128,8 @@ class PollinationsService {
     template <typename T>
     async::Task<T> raceWithDeadline(std::chrono::nanoseconds limit, async::Task<T> request);
 
-    /// Sends the request. Throws `invalidResponse` for what is no HTTP and `TransportError` for no answer at all.
+    /// Sends the request. Throws `invalidResponse` for what is no HTTP, `TransportError` for no answer at all, and
+    /// `configurationMissing` where it would leave the gateway that alone may be asked.
     async::Task<platform::HttpResponse> exchange(platform::HttpRequest request);
 
     /// Trimmed, without any trailing "/"; absent when empty.
@@ -142,14 +147,24 @@ class PollinationsService {
     /// The user's NVIDIA key if there is one and NVIDIA is on, else the built-in one.
     std::optional<QString> effectiveNvidiaApiKey() const;
 
+    /// Whether there is the key that the model's service wants.
+    bool hasKeyFor(PollinationsModel model) const;
+
+    /// Whether the service that the user chose is on this machine or in a private network.
+    bool asksLocalServer() const;
+
+    /// Whether every request goes to the user's gateway or nowhere. What would go elsewhere is not sent.
+    bool asksGatewayOnly() const;
+
     const ServiceEndpoints& endpoints() const { return endpoints_; }
 
  private:
     std::optional<QString> keyFor(const QUrl& url) const;
-    async::Task<std::optional<QString>> customModelText(ChatPrompt prompt, QString& source);
-    async::Task<std::optional<QString>> firstWalk(ChatPrompt prompt, QString& source, std::exception_ptr& lastError);
+    async::Task<QString> generateWithGateway(ChatPrompt prompt, JsonMode jsonMode);
+    async::Task<std::optional<QString>> customModelText(ChatPrompt prompt, QString& source, std::exception_ptr& reason);
+    async::Task<std::optional<QString>> firstWalk(ChatPrompt prompt, QString& source, std::exception_ptr& reason);
     async::Task<std::optional<QString>> walkWithoutImage(ChatPrompt prompt, QString& source,
-                                                         std::exception_ptr& lastError);
+                                                         std::exception_ptr& reason);
 
     async::MainLoop& mainLoop_;
     platform::HttpSession& session_;

@@ -11,8 +11,11 @@ class ProcessingError : public text::LocalizedError {
  public:
     enum class Code : std::uint8_t { generationFailed, emptyInput, imeInputIncomplete };
 
-    static ProcessingError generationFailed(const QString& reason) {
-        return {Code::generationFailed, QStringLiteral("Generation failed: ") + reason};
+    /// Whether the same request may succeed a moment later.
+    enum class Again : std::uint8_t { Worthwhile, Futile };
+
+    static ProcessingError generationFailed(const QString& reason, Again again = Again::Worthwhile) {
+        return {Code::generationFailed, QStringLiteral("Generation failed: ") + reason, again};
     }
     static ProcessingError emptyInput() { return {Code::emptyInput, QStringLiteral("Input is empty")}; }
     static ProcessingError imeInputIncomplete() {
@@ -20,11 +23,14 @@ class ProcessingError : public text::LocalizedError {
     }
 
     Code code() const { return code_; }
+    bool isWorthAnotherTry() const { return code_ == Code::generationFailed && again_ == Again::Worthwhile; }
 
  private:
-    ProcessingError(Code code, QString description) : LocalizedError(std::move(description)), code_(code) {}
+    ProcessingError(Code code, QString description, Again again = Again::Futile)
+        : LocalizedError(std::move(description)), code_(code), again_(again) {}
 
     Code code_;
+    Again again_;
 };
 
 }  // namespace tavrelon::generation

@@ -30,6 +30,12 @@ QString failureLine(PollinationsModel model, const std::exception_ptr& error, bo
     }
 }
 
+/// What the user is told is why the service of their choice failed, or else the first that was asked.
+void keepFirst(std::exception_ptr& kept, std::exception_ptr error) {
+    if (!kept)
+        kept = std::move(error);
+}
+
 QString sourceAt(const QString& model, const QString& address) {
     const auto host = QUrl(address).host();
     return host.isEmpty() ? model : model + u" ("_s + host + u')';
@@ -54,18 +60,26 @@ async::Task<ModelAnswer> PollinationsService::answerText(QString systemPrompt, Q
 
     const ChatPrompt prompt{std::move(systemPrompt), std::move(userPrompt), std::move(image), maxTokens, temperature};
     QString source;
-    if (auto text = co_await customModelText(prompt, source))
+    std::exception_ptr reason;
+    if (auto text = co_await customModelText(prompt, source, reason))
         co_return ModelAnswer{*text, source};
-    std::exception_ptr lastError;
-    if (auto text = co_await firstWalk(prompt, source, lastError))
+    if (asksGatewayOnly() && prompt.image) {
+        auto withoutImage = prompt;
+        withoutImage.image.reset();
+        if (auto text = co_await customModelText(std::move(withoutImage), source, reason))
+            co_return ModelAnswer{*text, source};
+    }
+    if (asksGatewayOnly())
+        reason ? std::rethrow_exception(reason) : throw PollinationsError::allModelsFailed();
+    if (auto text = co_await firstWalk(prompt, source, reason))
         co_return ModelAnswer{*text, source};
     if (prompt.image) {
         log_.line(tag + "All vision models failed. Retrying without image."_L1);
-        if (auto text = co_await walkWithoutImage(prompt, source, lastError))
+        if (auto text = co_await walkWithoutImage(prompt, source, reason))
             co_return ModelAnswer{*text, source};
     }
-    if (lastError)
-        std::rethrow_exception(lastError);
+    if (reason)
+        std::rethrow_exception(reason);
     throw PollinationsError::allModelsFailed();
 }
 
@@ -81,13 +95,13 @@ QString PollinationsService::sourceName(PollinationsModel model) const {
     return sourceAt(displayName(model), pollinationsBaseURL());
 }
 
-async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPrompt prompt, QString& source) {
+async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPrompt prompt, QString& source,
+                                                                         std::exception_ptr& reason) {
     if (!pollinationsCustomEnabled || !pollinationsVisionModelOverride || pollinationsVisionModelOverride->isEmpty())
         co_return std::nullopt;
     const auto model = *pollinationsVisionModelOverride;
-    const auto capable = prompt.image ? ImageCapability::Yes : ImageCapability::No;
     try {
-        auto text = co_await generateWithPollinations(model, capable, std::move(prompt), JsonMode::Off);
+        auto text = co_await generateWithGateway(std::move(prompt), JsonMode::Off);
         log_.line(tag + "Text generated with custom model "_L1 + model);
         source = sourceAt(model, pollinationsBaseURL());
         co_return text;
@@ -97,12 +111,13 @@ async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPro
         throw;
     } catch (const std::exception& error) {
         log_.line(tag + "Custom Pollinations model failed: "_L1 + text::localizedDescription(error));
+        keepFirst(reason, std::current_exception());
     }
     co_return std::nullopt;
 }
 
 async::Task<std::optional<QString>> PollinationsService::firstWalk(ChatPrompt prompt, QString& source,
-                                                                   std::exception_ptr& lastError) {
+                                                                   std::exception_ptr& reason) {
     auto models = availableModels(prompt.image ? visionModels : textModels, prompt.image);
     const bool imageSent = prompt.image.has_value();
     WalkSteps steps{
@@ -113,16 +128,16 @@ async::Task<std::optional<QString>> PollinationsService::firstWalk(ChatPrompt pr
                 return std::optional(reply);
             },
         .failed =
-            [this, &lastError, imageSent](PollinationsModel model, std::exception_ptr error) {
+            [this, &reason, imageSent](PollinationsModel model, std::exception_ptr error) {
                 log_.line(failureLine(model, error, imageSent));
-                lastError = std::move(error);
+                keepFirst(reason, std::move(error));
             },
     };
     return walkModels(*this, std::move(models), std::move(prompt), JsonMode::Off, std::move(steps));
 }
 
 async::Task<std::optional<QString>> PollinationsService::walkWithoutImage(ChatPrompt prompt, QString& source,
-                                                                          std::exception_ptr& lastError) {
+                                                                          std::exception_ptr& reason) {
     prompt.image.reset();
     WalkSteps steps{
         .accept =
@@ -132,10 +147,10 @@ async::Task<std::optional<QString>> PollinationsService::walkWithoutImage(ChatPr
                 return std::optional(reply);
             },
         .failed =
-            [this, &lastError](PollinationsModel model, std::exception_ptr error) {
+            [this, &reason](PollinationsModel model, std::exception_ptr error) {
                 log_.line(tag + "Text generation failed with "_L1 + displayName(model) + " (no image): "_L1 +
                           describe(error));
-                lastError = std::move(error);
+                keepFirst(reason, std::move(error));
             },
     };
     return walkModels(*this, textModels, std::move(prompt), JsonMode::Off, std::move(steps));

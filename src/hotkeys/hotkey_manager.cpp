@@ -67,8 +67,7 @@ void HotkeyManager::refresh() {
     const auto machine = stateMachine_.lock();
     std::vector<DeclaredHotkey> wanted;
     if (machine && !(isRecordingKeys_ && isOwnWindowActive_))
-        wanted = wantedHotkeys(*this, machine->currentState(),
-                               isOwnWindowActive_ ? FrontWindow::OurOwn : FrontWindow::OfAnotherApplication, question_);
+        wanted = wantedHotkeys(*this, machine->currentState(), front(), question_);
     if (wanted == declared_)
         return;
     declared_ = std::move(wanted);
@@ -77,6 +76,20 @@ void HotkeyManager::refresh() {
     for (const auto& declared : declared_)
         hotkeys.push_back(declared.hotkey);
     platform_.hotkeys.declare(hotkeys);
+}
+
+FrontWindow HotkeyManager::front() const {
+    return isOwnWindowActive_ ? FrontWindow::OurOwn : FrontWindow::OfAnotherApplication;
+}
+
+void HotkeyManager::trigger(HotkeyAction action) {
+    const auto machine = stateMachine_.lock();
+    if (!machine)
+        return;
+    // By the keys as they come, all of them switched on and none like another.
+    const auto counting = wantedHotkeys(keys::HotkeySet(), machine->currentState(), front(), question_);
+    if (std::ranges::find(counting, action, &DeclaredHotkey::action) != counting.end())
+        perform(action, *machine);
 }
 
 void HotkeyManager::pressed(const WantedHotkey& hotkey) {

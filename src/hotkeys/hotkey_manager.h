@@ -71,7 +71,12 @@ class HotkeyManager : public keys::HotkeySet {
     /// Declares what is wanted now.
     void refresh();
 
+    /// Does what a press of the action's hotkey would do now, whatever its keys are and whether it is switched on. Does
+    /// nothing in a state in which the hotkey does not count.
+    void trigger(HotkeyAction action);
+
  private:
+    FrontWindow front() const;
     void pressed(const platform::WantedHotkey& hotkey);
     void perform(HotkeyAction action, input::InputStateMachine& machine);
     void toggle(input::InputStateMachine& machine);

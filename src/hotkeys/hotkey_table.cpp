@@ -111,4 +111,15 @@ std::vector<DeclaredHotkey> wantedHotkeys(const HotkeySet& settings, const Input
     return wanted;
 }
 
+std::optional<HotkeyAction> actionNamed(QStringView name) {
+    static constexpr std::pair<QStringView, HotkeyAction> names[] = {
+        {u"text", HotkeyAction::toggle},     {u"prompt", HotkeyAction::floatingInput},
+        {u"voice", HotkeyAction::voice},     {u"dictation", HotkeyAction::voiceDictation},
+        {u"reply", HotkeyAction::autoReply}, {u"video", HotkeyAction::video},
+        {u"cancel", HotkeyAction::cancel},   {u"toggle", HotkeyAction::toggleAllHotkeys},
+    };
+    const auto* found = std::ranges::find(names, name, [](const auto& entry) { return entry.first; });
+    return found == std::end(names) ? std::nullopt : std::optional(found->second);
+}
+
 }  // namespace tavrelon::hotkeys

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QStringView>
+#include <optional>
 #include <vector>
 
 #include "input/input_state.h"
@@ -20,6 +22,9 @@ enum class HotkeyAction {
     voice,
     voiceDictation
 };
+
+/// The action that goes by this name on a command line.
+std::optional<HotkeyAction> actionNamed(QStringView name);
 
 enum class FrontWindow { OfAnotherApplication, OurOwn };
 

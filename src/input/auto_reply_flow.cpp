@@ -40,7 +40,7 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
     if (settings.enableLocalLearning)
         userStyle = services_.historyManager.userStyleProfile(std::max<qint64>(settings.maxHistoryEntries, 0));
     const auto retried = co_await generateWithRetry(
-        machine_, services_.platform.mainLoop, id, generationAttempts, generationRetryDelay,
+        machine_, services_.platform.mainLoop, id, services_.generator.deadline(),
         [this, &context, prompt, userStyle] { return generateOnce(prompt, context, userStyle); });
     if (!machine_.isCurrentTask(id))
         co_return;
@@ -71,7 +71,7 @@ async::Task<generation::GenerationResult> AutoReplyFlow::generateOnce(QString pr
         {.input = std::move(prompt),
          .context = context,
          .voice = voiceForRequest(settings, std::move(userStyle), adaptivePromptForRequest(settings)),
-         .enhanceImagePrompts = settings.enableImagePromptEnhancement});
+         .mayDraw = false});  // the words are those of somebody's message
 }
 
 }  // namespace tavrelon::input

@@ -16,7 +16,7 @@ async::Task<std::optional<generation::GenerationResult>> attempt(const Generatio
     } catch (const async::CancellationError&) {
         throw;
     } catch (const ProcessingError& error) {
-        if (isLast || error.code() != ProcessingError::Code::generationFailed)
+        if (isLast || !error.isWorthAnotherTry())
             throw;
     } catch (const std::exception&) {
         if (isLast)
@@ -25,19 +25,29 @@ async::Task<std::optional<generation::GenerationResult>> attempt(const Generatio
     co_return std::nullopt;
 }
 
+async::Task<RetriedResult> tryInTurn(InputStateMachine& machine, async::MainLoop& loop, InputStateMachine::TaskID id,
+                                     GenerationOperation operation) {
+    for (int i = 0; i < generationAttempts; ++i) {
+        if (!machine.isCurrentTask(id))
+            throw async::CancellationError();
+        if (auto result = co_await attempt(operation, i == generationAttempts - 1))
+            co_return RetriedResult{*std::move(result), i};
+        co_await async::ignoringCancellation(async::pause(loop, generationRetryDelay * (i + 1)));
+    }
+    throw async::CancellationError();
+}
+
 }  // namespace
 
 async::Task<RetriedResult> generateWithRetry(InputStateMachine& machine, async::MainLoop& loop,
-                                             InputStateMachine::TaskID id, int maxAttempts,
-                                             std::chrono::nanoseconds baseDelay, GenerationOperation operation) {
-    for (int i = 0; i < maxAttempts; ++i) {
-        if (!machine.isCurrentTask(id))
-            throw async::CancellationError();
-        if (auto result = co_await attempt(operation, i == maxAttempts - 1))
-            co_return RetriedResult{*std::move(result), i};
-        co_await async::ignoringCancellation(async::pause(loop, baseDelay * (i + 1)));
+                                             InputStateMachine::TaskID id, std::chrono::seconds deadline,
+                                             GenerationOperation operation) {
+    try {
+        co_return co_await async::raceWithDeadline(loop, deadline, tryInTurn(machine, loop, id, std::move(operation)));
+    } catch (const async::DeadlineExceeded&) {
+        throw ProcessingError::generationFailed(QStringLiteral("No answer within %1 s").arg(deadline.count()),
+                                                ProcessingError::Again::Futile);
     }
-    throw async::CancellationError();
 }
 
 }  // namespace tavrelon::input

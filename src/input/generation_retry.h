@@ -20,10 +20,11 @@ using GenerationOperation = std::function<async::Task<generation::GenerationResu
 inline constexpr int generationAttempts = 3;
 inline constexpr std::chrono::milliseconds generationRetryDelay{350};
 
-/// Runs `operation` until it succeeds, at most `maxAttempts` times. A cancellation, an empty input and an unfinished
-/// input are not tried again. Throws the last error, or `CancellationError` when `id` was overtaken.
+/// Runs `operation` until it succeeds, `generationAttempts` times at most and no longer than `deadline` in all. What
+/// would fail again in the same way is not tried again. Throws the last error, or `CancellationError` when `id` was
+/// overtaken.
 async::Task<RetriedResult> generateWithRetry(InputStateMachine& machine, async::MainLoop& loop,
-                                             InputStateMachine::TaskID id, int maxAttempts,
-                                             std::chrono::nanoseconds baseDelay, GenerationOperation operation);
+                                             InputStateMachine::TaskID id, std::chrono::seconds deadline,
+                                             GenerationOperation operation);
 
 }  // namespace tavrelon::input

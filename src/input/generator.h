@@ -12,6 +12,10 @@ namespace tavrelon::input {
 class Generator {
  public:
     virtual ~Generator() = default;
+
+    /// How long a request may take in all.
+    virtual std::chrono::seconds deadline() const { return std::chrono::seconds(120); }
+
     virtual async::Task<generation::GenerationResult> generate(generation::GenerationRequest request) = 0;
 
     /// Describes frames of a window, oldest first; never empty.

@@ -15,7 +15,7 @@ async::Task<RetriedResult> TextRequestPipeline::askModel(TextRequest& request) {
     if (settings.enableLocalLearning && !userVoice)  // the two never go together
         userStyle = services_.historyManager.userStyleProfile(std::max<qint64>(settings.maxHistoryEntries, 0));
     co_return co_await generateWithRetry(
-        machine_, services_.platform.mainLoop, request.id, generationAttempts, generationRetryDelay,
+        machine_, services_.platform.mainLoop, request.id, services_.generator.deadline(),
         [this, &request, userStyle, userVoice] { return generateOnce(request, userStyle, userVoice); });
 }
 
@@ -29,7 +29,8 @@ async::Task<generation::GenerationResult> TextRequestPipeline::generateOnce(cons
         {.input = request.finalText,
          .context = request.context,
          .voice = voiceForRequest(settings, std::move(userStyle), std::move(userVoice)),
-         .enhanceImagePrompts = settings.enableImagePromptEnhancement});
+         .enhanceImagePrompts = settings.enableImagePromptEnhancement,
+         .mayDraw = settings.picturesByRequest});
 }
 
 std::optional<qint64> TextRequestPipeline::effectiveDeleteCount(const TextRequest& request) const {

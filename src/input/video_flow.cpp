@@ -60,7 +60,7 @@ async::Task<void> VideoFlow::describe(const RequestText& request, const std::vec
     if (!machine_.isCurrentTask(id))
         co_return;
     const auto retried = co_await generateWithRetry(
-        machine_, services_.platform.mainLoop, id, generationAttempts, generationRetryDelay, [&, this] {
+        machine_, services_.platform.mainLoop, id, services_.generator.deadline(), [&, this] {
             const auto& settings = services_.storageManager.settings();
             return services_.generator.generateVideoResult(
                 {.input = prompt,

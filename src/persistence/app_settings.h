@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <chrono>
 #include <optional>
 
@@ -30,13 +31,15 @@ struct AppSettings : keys::HotkeySet {
     QString pollinationsBaseURL = defaultPollinationsBaseURL();
     QString pollinationsImageModel = QStringLiteral("zimage");
     QString pollinationsVisionModel = QStringLiteral("openai");
+    std::optional<bool> fallBackToOtherServices;  ///< absent until the user has said; see `PollinationsService`
     bool enableOllamaVision = false;
     QString ollamaMode = QStringLiteral("cloud");  ///< or "local"
     QString ollamaCloudModel;
     QString ollamaLocalModel = QStringLiteral("genmini-3-flash-preview");
     QString ollamaLocalEndpoint = defaultOllamaLocalEndpoint();
     bool enableImagePromptEnhancement = true;
-    bool enableAI = true;  ///< without it every input for a model ends in an error; no view edits it
+    bool picturesByRequest = true;  ///< whether a wish for a picture is answered with one
+    bool enableAI = true;           ///< without it every input for a model ends in an error; no view edits it
 
     bool autoReset = true;        ///< carried along; nothing reads it
     double autoResetDelay = 2.0;  ///< seconds; carried along; nothing reads it
@@ -75,8 +78,14 @@ const AppSettings& defaultSettings();
 /// cannot hold.
 text::Json toJson(const AppSettings& settings);
 
-/// A key that is missing or null takes its default; unknown keys are ignored. Throws `text::JsonError` when any value
-/// is of another type or out of range: then the whole document counts as faulty.
-AppSettings appSettingsFrom(const text::Json& json);
+/// The settings of a document, and the keys whose values were not of their kind.
+struct StoredSettings {
+    AppSettings settings;
+    QStringList faulty;
+};
+
+/// A key that is missing or null takes its default, and so does one whose value is of another type or out of range;
+/// unknown keys are ignored. Throws `text::JsonError` for what is no object.
+StoredSettings storedSettingsFrom(const text::Json& json);
 
 }  // namespace tavrelon::persistence

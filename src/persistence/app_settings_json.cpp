@@ -39,6 +39,11 @@ void put(Json& json, const char* key, const std::optional<AppSettings::Date>& va
         json[key] = text::secondsSinceReferenceDate(*value);
 }
 
+void put(Json& json, const char* key, const std::optional<bool>& value) {
+    if (value)
+        json[key] = *value;
+}
+
 void take(const Json& json, keys::HotkeyConfig& value) {
     value = keys::hotkeyConfigFrom(json);
 }
@@ -63,6 +68,10 @@ void take(const Json& json, std::optional<AppSettings::Date>& value) {
     value = text::dateFrom(json);
 }
 
+void take(const Json& json, std::optional<bool>& value) {
+    value = text::boolFrom(json);
+}
+
 void takeLegacySilence(const Json& json, AppSettings& settings) {
     if (const auto* silence = text::find(json, legacySilenceKey)) {
         settings.voiceInputSilenceTimeoutSeconds = text::doubleFrom(*silence);
@@ -85,14 +94,31 @@ Json toJson(const AppSettings& settings) {
     return json;
 }
 
-AppSettings appSettingsFrom(const Json& json) {
-    auto settings = defaultSettings();
-    takeLegacySilence(json, settings);
+StoredSettings storedSettingsFrom(const Json& json) {
+    if (!json.is_object())
+        throw text::JsonError(QStringLiteral("The settings are no object."));
+    StoredSettings stored{defaultSettings(), {}};
+    const auto attempt = [&stored](const char* key, auto read) {
+        try {
+            read();
+        } catch (const text::JsonError&) {
+            stored.faulty.push_back(QLatin1StringView(key));
+        }
+    };
+    attempt(legacySilenceKey, [&] { takeLegacySilence(json, stored.settings); });
     for (const auto& field : settingsFields)
         if (const auto* value = text::find(json, field.key))
-            std::visit([&](auto member) { take(*value, settings.*member); }, field.member);
-    settings.pollinationsVisionModel = migratedVisionModel(settings.pollinationsVisionModel);
-    return settings;
+            attempt(field.key, [&] {
+                std::visit(
+                    [&](auto member) {
+                        auto read = stored.settings.*member;
+                        take(*value, read);
+                        stored.settings.*member = std::move(read);
+                    },
+                    field.member);
+            });
+    stored.settings.pollinationsVisionModel = migratedVisionModel(stored.settings.pollinationsVisionModel);
+    return stored;
 }
 
 }  // namespace tavrelon::persistence

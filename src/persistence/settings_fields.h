@@ -10,7 +10,8 @@ namespace tavrelon::persistence {
 /// Where a field lives in the record; the alternative says how it is written in JSON.
 using SettingsMember =
     std::variant<keys::HotkeyConfig AppSettings::*, bool AppSettings::*, double AppSettings::*, qint64 AppSettings::*,
-                 QString AppSettings::*, std::optional<AppSettings::Date> AppSettings::*>;
+                 QString AppSettings::*, std::optional<AppSettings::Date> AppSettings::*,
+                 std::optional<bool> AppSettings::*>;
 
 /// One field: its key, its place in the written document, and its member.
 struct SettingsField {
@@ -80,6 +81,8 @@ inline constexpr auto settingsFields = std::to_array<SettingsField>({
     {"cloneSource", 56, &AppSettings::cloneSource},
     {"cloneProvider", 57, &AppSettings::cloneProvider},
     {"keepClipboard", 58, &AppSettings::keepClipboard},
+    {"fallBackToOtherServices", 59, &AppSettings::fallBackToOtherServices},
+    {"picturesByRequest", 60, &AppSettings::picturesByRequest},
 });
 
 /// The same fields in the order of writing.

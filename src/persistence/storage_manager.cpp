@@ -13,6 +13,11 @@ std::optional<QByteArray> encoded(const AppSettings& settings) {
     }
 }
 
+/// The next change replaces what a person may still be able to mend, so it is kept beside it.
+QString brokenSettings() {
+    return defaults_keys::settings + QStringLiteral(".broken");
+}
+
 }  // namespace
 
 StorageManager::StorageManager(platform::DefaultsStore& userDefaults, platform::FileSystem& fileSystem,
@@ -33,10 +38,15 @@ AppSettings StorageManager::storedSettings() {
     if (!document)
         return defaultSettings();
     try {
-        return appSettingsFrom(text::parseJson(*document));
+        auto stored = storedSettingsFrom(text::parseJson(*document));
+        faultySettings_ = std::move(stored.faulty);
+        for (const auto& key : faultySettings_)
+            log_.line(QStringLiteral("[Settings] The value of \"%1\" is not of its kind; the default serves").arg(key));
+        if (!faultySettings_.isEmpty())
+            userDefaults_.setData(brokenSettings(), *document);
+        return std::move(stored.settings);
     } catch (const text::JsonError&) {
-        // The next change replaces what a person may still be able to mend.
-        userDefaults_.setData(defaults_keys::settings + QStringLiteral(".broken"), *document);
+        userDefaults_.setData(brokenSettings(), *document);
         return defaultSettings();
     }
 }

@@ -27,8 +27,9 @@ inline constexpr QLatin1StringView nvidiaApiKey("tavrelon.nvidiaApiKey");
 /// takes a copy of what it needs before it goes there.
 class StorageManager {
  public:
-    /// `applicationSupport` is this program's own folder; it is made if it is missing. A settings entry that cannot be
-    /// read means the defaults and stays where it is until the next save; a faulty scene file is logged, stays as it
+    /// `applicationSupport` is this program's own folder; it is made if it is missing. A settings entry that is no
+    /// JSON object means the defaults, and a value in it that is not of its kind means its own; it is kept beside the
+    /// next one. What cannot be read at all is never replaced; a faulty scene file is logged, stays as it
     /// is, and means the built-in scenes.
     StorageManager(platform::DefaultsStore& userDefaults, platform::FileSystem& fileSystem, platform::Log& log,
                    async::MainLoop& mainLoop, QString applicationSupport);
@@ -58,6 +59,9 @@ class StorageManager {
 
     const std::vector<scenes::SceneConfig>& scenes() const { return scenes_; }
 
+    /// The keys of settings whose stored values were not of their kind, so that their defaults serve.
+    const QStringList& faultySettings() const { return faultySettings_; }
+
     /// Holds the keys of the model services, each as a text of its own; a missing one reads as empty.
     platform::DefaultsStore& userDefaults() const { return userDefaults_; }
 
@@ -72,6 +76,7 @@ class StorageManager {
     platform::Log& log_;
     async::MainLoop& mainLoop_;
     QString applicationSupport_;
+    QStringList faultySettings_;
     AppSettings settings_;
     std::vector<scenes::SceneConfig> scenes_;
     ChangeNotice notice_;

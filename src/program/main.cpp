@@ -13,6 +13,7 @@
 #include "desktop/qt/qt_panels.h"
 #include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_status_item.h"
+#include "hotkeys/hotkey_table.h"
 #include "program/dashboard.h"
 #include "program/silent_buses.h"
 #include "program/start.h"
@@ -66,7 +67,12 @@ int main(int argc, char** argv) {
     app::AppDelegate delegate(session.platform, userInterface, generation::ServiceEndpoints::builtIn());
     program::Dashboard dashboard(delegate.appState(), session);
     delegate.showDashboard = [&dashboard] { dashboard.window.show(); };
-    start->instance->setOnCalled([&delegate] { delegate.openDashboard(); });
+    start->instance->setOnCalled([&delegate](const QString& wanted) {
+        if (const auto action = hotkeys::actionNamed(wanted))
+            delegate.appState().hotkeyManager().trigger(*action);
+        else
+            delegate.openDashboard();
+    });
     const desktop::ProcessSignals signals({[] { QCoreApplication::quit(); },
                                            [&] {
                                                delegate.suspend();

@@ -8,6 +8,7 @@
 #include "desktop/linux/files/private_folder.h"
 #include "desktop/linux/process/standard_output_log.h"
 #include "desktop/session/windowing_system.h"
+#include "hotkeys/hotkey_table.h"
 #include "persistence/history_manager.h"
 
 namespace tavrelon::program {
@@ -28,18 +29,27 @@ std::expected<void, QString> makePrivate(const desktop::UserFolders& folders) {
     return {};
 }
 
+std::unexpected<int> triggered(const desktop::UserFolders& folders, const QString& name) {
+    if (!hotkeys::actionNamed(name))
+        return endWith(EX_USAGE, QStringLiteral("'%1' is nothing to trigger; --help shows what is.").arg(name));
+    if (!desktop::SingleInstance::call(folders.configuration, qEnvironmentVariable("XDG_RUNTIME_DIR"), name))
+        return endWith(EX_UNAVAILABLE, QStringLiteral("Tavrelon is not running, or does not answer."));
+    return std::unexpected(EX_OK);
+}
+
 }  // namespace
 
 std::expected<Start, int> prepareStart(int argc, char** argv) {
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QFile::decodeName(argv[i]));
-    const auto mode = desktop::startModeFrom(arguments);
-    if (!mode)
-        return endWith(EX_USAGE, mode.error());
-    if (*mode == desktop::StartMode::Version || *mode == desktop::StartMode::Help) {
+    const auto wanted = desktop::commandLineFrom(arguments);
+    if (!wanted)
+        return endWith(EX_USAGE, wanted.error());
+    const auto mode = wanted->mode;
+    if (mode == desktop::StartMode::Version || mode == desktop::StartMode::Help) {
         std::fputs(
-            *mode == desktop::StartMode::Help ? qUtf8Printable(desktop::helpText()) : "Tavrelon " TAVRELON_VERSION "\n",
+            mode == desktop::StartMode::Help ? qUtf8Printable(desktop::helpText()) : "Tavrelon " TAVRELON_VERSION "\n",
             stdout);
         return std::unexpected(EX_OK);
     }
@@ -47,6 +57,8 @@ std::expected<Start, int> prepareStart(int argc, char** argv) {
     if (!folders)
         return endWith(EX_CONFIG, QStringLiteral("Tavrelon cannot start: there is no home folder to keep settings in; "
                                                  "set HOME."));
+    if (mode == desktop::StartMode::Trigger)
+        return triggered(*folders, wanted->trigger);
     // The views' toolkit ends the process where it finds no display, so this is asked first.
     auto display = desktop::tryDisplay();
     if (!display)
@@ -55,7 +67,7 @@ std::expected<Start, int> prepareStart(int argc, char** argv) {
         return endWith(EX_NOPERM, QStringLiteral("Tavrelon cannot start: %1").arg(guarded.error()));
     auto instance = desktop::SingleInstance::claim(folders->configuration, qEnvironmentVariable("XDG_RUNTIME_DIR"));
     if (instance)
-        return Start{*mode, *std::move(folders), *std::move(instance), *std::move(display)};
+        return Start{mode, *std::move(folders), *std::move(instance), *std::move(display)};
     if (instance.error() == desktop::SingleInstance::Refusal::Silent)
         return endWith(EX_TEMPFAIL, QStringLiteral("Tavrelon is running already and does not answer."));
     return endWith(EX_OK, QStringLiteral("Tavrelon is running already and shows its dashboard."));

@@ -12,7 +12,7 @@ namespace tavrelon::program {
 /// What is settled before anything is built: how the user wants it, where their folders are, that there is a display,
 /// and that no other process serves them.
 struct Start {
-    desktop::StartMode mode;
+    desktop::StartMode mode;  ///< `Dashboard` or `Background`
     desktop::UserFolders folders;
     std::unique_ptr<desktop::SingleInstance> instance;
     std::shared_ptr<void> display;  ///< kept until there are others: a server may end with its last

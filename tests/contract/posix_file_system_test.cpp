@@ -215,6 +215,14 @@ TEST_F(PosixFileSystemTest, PipesAndDevicesNeverHoldItUp) {
     EXPECT_TRUE(QFileInfo(at("nowhere")).isSymLink());
 }
 
+TEST_F(PosixFileSystemTest, WhatCannotBeReadIsNotReplaced) {
+    ASSERT_TRUE(files.write(at("f"), "whole"));
+    ASSERT_EQ(::chmod(native("f").constData(), 0), 0);
+    EXPECT_FALSE(inOrdinaryProcess([&] { return files.write(at("f"), "defaults").has_value(); }));
+    ASSERT_EQ(::chmod(native("f").constData(), S_IRUSR | S_IWUSR), 0);
+    EXPECT_EQ(contentOf("f"), "whole");
+}
+
 TEST_F(PosixFileSystemTest, AKillAtAnyMomentLeavesTheFileWholeAndLittleBesideIt) {
     bool interrupted = false;
     for (int kill = 0; kill < 60; ++kill) {

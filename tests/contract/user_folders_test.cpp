@@ -169,7 +169,8 @@ TEST_F(SingleInstanceTest, OneHoldsTheFolderAndNobodyStandsInItsWay) {
         auto first = claim(runtime);
         ASSERT_TRUE(first) << "what a killed process leaves is no obstacle, nor is a stranger's socket";
         int calls = 0;
-        (*first)->setOnCalled([&calls] { ++calls; });
+        (*first)->setOnCalled(
+            [&calls](const QString& wanted) { calls += wanted == SingleInstance::dashboard ? 1 : 100; });
         auto second = std::async(std::launch::async, [&] { return claim(runtime); });
         while (second.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
             QCoreApplication::processEvents();

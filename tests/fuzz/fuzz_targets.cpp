@@ -37,7 +37,7 @@ void readDocument(const QByteArray& bytes, Read read) {
 }
 
 void readSettings(const QByteArray& bytes) {
-    readDocument(bytes, persistence::appSettingsFrom);
+    readDocument(bytes, [](const text::Json& json) { return persistence::storedSettingsFrom(json).settings; });
 }
 
 void readScenes(const QByteArray& bytes) {

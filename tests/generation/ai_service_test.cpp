@@ -1,6 +1,7 @@
 #include "generation/ai_service.h"
 
 #include "generation/gateway_fixture.h"
+#include "generation/image_intent.h"
 #include "generation/image_tool_call.h"
 
 namespace tavrelon::generation {
@@ -48,6 +49,16 @@ TEST_F(AIServiceTest, ATextRequestIsAnsweredAsItStands) {
     EXPECT_TRUE(sent(0, 0).endsWith(u"or the existence of context sections."_s));
     EXPECT_EQ(body(0)["max_tokens"], 2000);
     EXPECT_TRUE(http.requests()[0].body.contains(R"("temperature":0.7,)"));
+}
+
+TEST_F(AIServiceTest, ThoughtsAreNoAnswerAndNothingIsDrawnWhereThatIsNotWanted) {
+    http.answer(200, chatReply(u"\n<think>draw a cat?\nNo.</think>\n\nA cat."_s));
+    const auto result = ask({.input = u"draw a cat"_s, .mayDraw = false});
+    EXPECT_EQ(result.text, u"A cat."_s);
+    EXPECT_FALSE(result.imageData);
+    http.answer(200, chatReply(u"<think>and on"_s));
+    EXPECT_EQ(ask({.input = u"write"_s}).text, u"<think>and on"_s);
+    EXPECT_EQ(wordTokens(u"วาด हिन्दी e\u0301te"_s), (QStringList{u"วาด"_s, u"हिन्दी"_s, u"e\u0301te"_s}));
 }
 
 TEST_F(AIServiceTest, TheSceneAndTheContextGoAlong) {

@@ -14,6 +14,8 @@ namespace tavrelon::testing {
 /// A gateway with keys for every service, before a scripted network.
 class GatewayFixture : public ::testing::Test {
  public:
+    GatewayFixture() { service.fallBackToOtherServices = true; }
+
     VirtualMainLoop loop;
     FakeHttpSession http{loop};
     RecordingLog log;

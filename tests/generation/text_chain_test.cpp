@@ -1,4 +1,6 @@
 
+#include <algorithm>
+
 #include "generation/destinations.h"
 #include "generation/gateway_fixture.h"
 
@@ -18,11 +20,11 @@ class TextChainTest : public tavrelon::testing::GatewayFixture {
     bool logged(const QString& line) const { return log.contains("[Pollinations] "_L1 + line); }
 };
 
-TEST_F(TextChainTest, ATextRequestWalksTheTextModelsAndThrowsTheLastError) {
+TEST_F(TextChainTest, ATextRequestWalksTheTextModelsAndThrowsTheFirstError) {
     http.answer(500, "one");
     http.answer(429, "two");
     http.answer(400, R"({"code":"1210"})");
-    EXPECT_EQ(generateError(), u"API error (400): {\"code\":\"1210\"}"_s);
+    EXPECT_EQ(generateError(), u"API error (500): one"_s);
     EXPECT_EQ(askedModels(), (QStringList{nemotron, u"openai"_s, u"glm-4v-flash"_s}));
     EXPECT_EQ(log.lines(),
               (QStringList{u"[Pollinations] Text generation failed with NVIDIA Nemotron Nano 12B VL: one"_s,
@@ -45,7 +47,7 @@ TEST_F(TextChainTest, AnImageGoesToTheVisionModelsFirstAndIsThenLeftOut) {
     for (int i = 0; i < 4; ++i)
         http.answer(500, "no");
     http.answer(400, R"({"code":"1210"})");
-    EXPECT_EQ(generateError(jpeg), u"API error (400): {\"code\":\"1210\"}"_s);
+    EXPECT_EQ(generateError(jpeg), u"API error (500): no"_s);
     EXPECT_EQ(askedModels(), (QStringList{nemotron, u"openai"_s, nemotron, u"openai"_s, u"glm-4v-flash"_s}));
     const auto carriesImage = [this](std::size_t index) { return http.requests()[index].body.contains("image_url"); };
     EXPECT_TRUE(carriesImage(0) && carriesImage(1));
@@ -57,6 +59,40 @@ TEST_F(TextChainTest, AnImageGoesToTheVisionModelsFirstAndIsThenLeftOut) {
     http.answer(500, "no");
     http.answer(200, chatReply(u"blind"_s));
     EXPECT_EQ(generate(jpeg), u"blind"_s);
+}
+
+TEST_F(TextChainTest, AServerOnThisMachineIsTheOnlyOneAskedUnlessTheUserSaysOtherwise) {
+    const auto onlyOwnWasAsked = [this] {
+        return std::ranges::all_of(http.requests(),
+                                   [](const auto& request) { return request.url.host() == u"127.0.0.1"_s; });
+    };
+    service.fallBackToOtherServices.reset();
+    service.pollinationsCustomEnabled = true;
+    service.pollinationsBaseURLOverride = u"http://127.0.0.1:8080"_s;
+    service.pollinationsVisionModelOverride = u"mine"_s;
+    http.answer(500, "cannot see");
+    http.answer(200, chatReply(u"blind"_s));
+    EXPECT_EQ(generate(jpeg), u"blind"_s) << "it may be a model for texts only";
+    http.answer(503, "off");
+    EXPECT_TRUE(generateError().contains("off"_L1)) << "its own reason";
+    http.answer(500, "no");
+    http.answer(500, "no");
+    EXPECT_EQ(runTask(loop, service.enhanceImagePrompt(u"a cat"_s, PromptSafety::Demanded)).isEmpty(), false);
+    EXPECT_THROW(runTask(loop, service.downloadImage(QUrl(u"https://cdn.test/a.png"_s))), PollinationsError);
+    EXPECT_THROW(runTask(loop, service.generateImageWithGLM(u"a cat"_s, 64, 64, u"hd"_s)), PollinationsError);
+    EXPECT_TRUE(onlyOwnWasAsked());
+    EXPECT_GE(http.requests().size(), 4U);
+
+    service.fallBackToOtherServices = true;
+    http.answer(503, "off");
+    http.answer(200, chatReply(u"chain"_s));
+    EXPECT_EQ(generate(), u"chain"_s);
+    EXPECT_FALSE(onlyOwnWasAsked());
+    service.fallBackToOtherServices.reset();
+    service.pollinationsBaseURLOverride = u"https://gateway.example.org"_s;
+    http.answer(503, "off");
+    http.answer(200, chatReply(u"chain"_s));
+    EXPECT_EQ(generate(), u"chain"_s) << "a public gateway is one of several";
 }
 
 TEST_F(TextChainTest, ARefusedKeyEndsTheChainBeforeAnotherServiceIsAsked) {

@@ -38,7 +38,7 @@ text::Json documentWithEveryKey() {
         "enableHistory": true, "maxHistoryEntries": 20, "enableLocalLearning": true, "shareImprovements": false,
         "appLanguage": "en", "quickAskHotkeyEnabled": true,
         "adaptiveSystemPromptSource": "", "adaptiveSystemPromptProvider": "", "cloneSource": "", "cloneProvider": "",
-        "keepClipboard": false})");
+        "keepClipboard": false, "fallBackToOtherServices": false, "picturesByRequest": true})");
     json["pollinationsBaseURL"] = text::toJson(defaultPollinationsBaseURL());
     json["ollamaLocalEndpoint"] = text::toJson(defaultOllamaLocalEndpoint());
     json["cloneApiBaseURL"] = text::toJson(defaultCloneApiBaseURL());
@@ -61,27 +61,32 @@ text::Json changed(text::Json json, const std::string& key) {
     return json;
 }
 
+AppSettings settingsFrom(const text::Json& json) {
+    return storedSettingsFrom(json).settings;
+}
+
 AppSettings decoded(const char* json) {
-    return appSettingsFrom(text::parseJson(json));
+    return settingsFrom(text::parseJson(json));
 }
 
 }  // namespace
 
 TEST(AppSettings, DefaultsAreWrittenInFixedOrderWithoutTheAbsentDates) {
     auto expected = documentWithEveryKey();
-    ASSERT_EQ(expected.size(), 59U);
+    ASSERT_EQ(expected.size(), 61U);
     expected.erase("adaptiveSystemPromptUpdatedAt");
     expected.erase("cloneLanguageStyleUpdatedAt");
+    expected.erase("fallBackToOtherServices");
     EXPECT_EQ(text::compactJson(toJson(defaultSettings())), text::compactJson(expected));
 }
 
 TEST(AppSettings, EveryFieldHasAPlaceOfItsOwn) {
     const auto document = documentWithEveryKey();
-    EXPECT_EQ(text::compactJson(toJson(appSettingsFrom(document))), text::compactJson(document));
+    EXPECT_EQ(text::compactJson(toJson(settingsFrom(document))), text::compactJson(document));
     for (const auto& [key, value] : document.items()) {
         const auto other = changed(document, key);
-        const auto settings = appSettingsFrom(other);
-        EXPECT_NE(settings, appSettingsFrom(document)) << key;
+        const auto settings = settingsFrom(other);
+        EXPECT_NE(settings, settingsFrom(document)) << key;
         EXPECT_EQ(text::compactJson(toJson(settings)), text::compactJson(other)) << key;
     }
 }
@@ -94,7 +99,7 @@ TEST(AppSettings, WhatIsMissingTakesItsDefault) {
         lacking.erase(key);
         auto null = document;
         null[key] = nullptr;
-        EXPECT_NO_THROW(EXPECT_EQ(appSettingsFrom(lacking), appSettingsFrom(null))) << key;
+        EXPECT_NO_THROW(EXPECT_EQ(settingsFrom(lacking), settingsFrom(null))) << key;
     }
     const auto settings = decoded(R"({"future":{"a":[]},"enableAI":true,"enableAI":false,"screenshotQuality":1})");
     EXPECT_FALSE(settings.enableAI);
@@ -102,13 +107,17 @@ TEST(AppSettings, WhatIsMissingTakesItsDefault) {
     EXPECT_EQ(settings.appLanguage, QStringLiteral("en"));
 }
 
-TEST(AppSettings, OneValueOfAnotherTypeFailsTheDocument) {
+TEST(AppSettings, AValueOfAnotherTypeTakesItsOwnDefaultOnly) {
     const auto document = documentWithEveryKey();
     for (const auto& [key, value] : document.items()) {
-        auto faulty = document;
+        auto faulty = document, lacking = document;
         faulty[key] = text::Json::array();
-        EXPECT_THROW(appSettingsFrom(faulty), text::JsonError) << key;
+        lacking.erase(key);
+        const auto stored = storedSettingsFrom(faulty);
+        EXPECT_EQ(stored.settings, settingsFrom(lacking)) << key;
+        EXPECT_EQ(stored.faulty, QStringList{QString::fromStdString(key)});
     }
+    EXPECT_THROW(storedSettingsFrom(text::Json::array()), text::JsonError);
 }
 
 TEST(AppSettings, TheOldSilenceTimeStandsInForBothNewOnes) {
@@ -127,7 +136,7 @@ TEST(AppSettings, WhatWasTaughtForOneProviderIsSetAsideForEveryOther) {
     const auto withProvider = [](AppSettings settings, const char* json) {
         auto document = toJson(settings);
         document.update(text::parseJson(json));
-        return appSettingsFrom(document);
+        return settingsFrom(document);
     };
     AppSettings taught;
     taught.adaptiveSystemPrompt = QStringLiteral("terse");

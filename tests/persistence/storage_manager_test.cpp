@@ -54,7 +54,7 @@ TEST_F(StorageManagerTest, WhatIsSavedComesBackAtTheNextStart) {
 }
 
 TEST_F(StorageManagerTest, AFaultyDocumentMeansDefaultsAndStaysUntilTheNextSave) {
-    for (const QByteArray bad : {R"({"appLanguage":"zh","maxHistoryEntries":"20"})", "{", "", "\xff", "null"}) {
+    for (const QByteArray bad : {"[1]", "{", "", "\xff", "null"}) {
         store.setData(defaults_keys::settings, bad);
         const auto storage = start();
         EXPECT_EQ(storage->settings(), defaultSettings()) << bad.toStdString();
@@ -64,6 +64,17 @@ TEST_F(StorageManagerTest, AFaultyDocumentMeansDefaultsAndStaysUntilTheNextSave)
         EXPECT_EQ(store.data(QStringLiteral("tavrelon.settings.broken")), bad) << "for a person to mend";
     }
     EXPECT_EQ(log.lines(), QStringList());
+}
+
+TEST_F(StorageManagerTest, AFaultyValueIsToldAndKeptBesideTheNextDocument) {
+    const QByteArray bad = R"({"appLanguage":"zh","maxHistoryEntries":"20"})";
+    store.setData(defaults_keys::settings, bad);
+    const auto storage = start();
+    EXPECT_EQ(storage->settings().appLanguage, QStringLiteral("zh"));
+    EXPECT_EQ(storage->settings().maxHistoryEntries, 20);
+    EXPECT_EQ(storage->faultySettings(), QStringList{QStringLiteral("maxHistoryEntries")});
+    EXPECT_EQ(log.lines().size(), 1);
+    EXPECT_EQ(store.data(QStringLiteral("tavrelon.settings.broken")), bad);
 }
 
 TEST_F(StorageManagerTest, AFailedSaveLeavesTheStoredDocument) {

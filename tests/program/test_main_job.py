@@ -7,6 +7,7 @@ import pytest
 import screen
 from conftest import ends_well, history, wait_for_history
 from editors import let_keys_arrive
+from programs import StandIn
 from waiting import wait_for
 
 BOTH = pytest.mark.parametrize("kind", ["mousepad", "featherpad"])
@@ -84,3 +85,33 @@ def test_a_stopped_editor_does_not_take_the_keyboard_with_it(desk):
     desk.request(tavrelon, bystander, "and well")
     wait_for_history(tavrelon, 1)
     assert bystander.saved("aliveANSWER") == "aliveANSWER"
+
+
+def test_another_program_can_do_what_the_hotkeys_do(desk):
+    editor = desk.open("mousepad")
+    tavrelon = desk.start(settings={"hotkeysEnabled": False})
+    desk.answers("ANSWER")
+    let_keys_arrive()
+    assert tavrelon.trigger("text") == 0
+    tavrelon.wait_for_line(r"\[Hotkey\] Starting text listening")
+    editor.type("what is 42?")
+    assert tavrelon.trigger("text") == 0
+    wait_for_history(tavrelon, 1)
+    assert editor.saved("ANSWER") == "ANSWER"
+    assert tavrelon.trigger("nonsense") == 64
+    assert ends_well(tavrelon)
+    assert tavrelon.trigger("text") == 69, "nobody is there to hear it"
+
+
+def test_when_the_users_own_server_is_gone_nothing_goes_anywhere_else(desk):
+    elsewhere = desk.started(StandIn(desk.build / "tests/support/tavrelon-stand-in-service", desk.folder / "elsewhere.log"))
+    proxy = f"http://127.0.0.1:{elsewhere.port}"
+    editor = desk.open("mousepad")
+    tavrelon = desk.start(environment={"http_proxy": proxy, "https_proxy": proxy, "no_proxy": ""})
+    desk.service.stop()
+    for typed in ("what is 42?", "draw a cat"):
+        mark = len(tavrelon.written())
+        desk.request(tavrelon, editor, typed)
+        tavrelon.wait_for_line(r"\[StateMachine\] Processing error: Generation failed: Could not connect to 127", mark, 60)
+        time.sleep(2.3)
+    assert [r for r in elsewhere.control("requests") if not r["path"].startswith("/control")] == []

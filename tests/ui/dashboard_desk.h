@@ -42,7 +42,8 @@ struct DashboardDesk {
     ui::PrivacySettingsModel privacy{storage, permissions(), consent};
 
     persistence::AppSettings stored() const {
-        return persistence::appSettingsFrom(text::parseJson(*store.data(persistence::defaults_keys::settings)));
+        return persistence::storedSettingsFrom(text::parseJson(*store.data(persistence::defaults_keys::settings)))
+            .settings;
     }
 
  private:

@@ -9,6 +9,7 @@ ScrollPage {
     required property QtObject model
     readonly property var texts: model.texts
 
+    MessageLine { text: page.model.faultySettings ? page.texts.faulty + page.model.faultySettings : "" }
     GlassCard {
         width: parent.width
 
@@ -108,6 +109,15 @@ ScrollPage {
         onToggled: isOn => page.model.sharesImprovements = isOn
     }
     SettingCardToggle {
+        title: page.texts.pictures
+        subtitle: page.texts.picturesHint
+        icon: "film.fill"
+        iconColor: Look.azure
+        isOn: page.model.drawsPictures
+        onToggled: isOn => page.model.drawsPictures = isOn
+    }
+    SettingCardToggle {
+        visible: page.model.drawsPictures
         title: page.texts.enhancement
         subtitle: page.texts.enhancementHint
         icon: "sparkles"

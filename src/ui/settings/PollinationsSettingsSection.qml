@@ -25,6 +25,15 @@ Column {
         isOn: section.model.enableCustomPollinations
         onToggled: isOn => section.model.enableCustomPollinations = isOn
     }
+    SettingCardToggle {
+        visible: section.model.enableCustomPollinations
+        title: section.texts.staysWithGateway
+        subtitle: section.texts.staysWithGatewaySubtitle
+        icon: "shield.fill"
+        iconColor: section.tint
+        isOn: section.model.staysWithGateway
+        onToggled: isOn => section.model.staysWithGateway = isOn
+    }
     GlassCard {
         width: parent.width
         visible: section.model.enableCustomPollinations

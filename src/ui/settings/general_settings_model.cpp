@@ -15,7 +15,8 @@ namespace {
 constexpr QLatin1StringView speed("speed");
 constexpr QLatin1StringView quality("quality");
 
-constexpr std::array<PageText, 16> pageTexts{{
+constexpr std::array<PageText, 19> pageTexts{{
+    {u"faulty", u"These settings could not be read, and their defaults serve: ", u"以下设置无法读取，已使用默认值："},
     {u"vision", u"Vision Preference", u"视觉偏好"},
     {u"visionHint", u"Prioritize speed or quality for vision models", u"选择视觉模型的速度或质量优先级"},
     {u"speed", u"Speed", u"速度优先"},
@@ -30,6 +31,8 @@ constexpr std::array<PageText, 16> pageTexts{{
     {u"shareHint", u"Help improve products", u"帮助改进产品"},
     {u"enhancement", u"Image Prompt Enhancement", u"图片提示增强"},
     {u"enhancementHint", u"Enhances prompts and blocks NSFW", u"增强提示词并屏蔽敏感内容"},
+    {u"pictures", u"Pictures by Request", u"按要求生成图片"},
+    {u"picturesHint", u"A request that asks for a picture is answered with one", u"要求图片的请求以图片回答"},
     {u"clipboard", u"Keep my clipboard", u"保留我的剪贴板"},
     {u"clipboardHint", u"Give its earlier content back after an answer is pasted", u"粘贴回答后恢复剪贴板原有内容"},
 }};
@@ -77,6 +80,10 @@ void GeneralSettingsModel::setSharesImprovements(bool shares) {
 
 void GeneralSettingsModel::setEnhancesImagePrompts(bool enhances) {
     store([&](AppSettings& settings) { settings.enableImagePromptEnhancement = enhances; });
+}
+
+void GeneralSettingsModel::setDrawsPictures(bool draws) {
+    store([&](AppSettings& settings) { settings.picturesByRequest = draws; });
 }
 
 void GeneralSettingsModel::setKeepsClipboard(bool keeps) {

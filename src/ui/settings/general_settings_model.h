@@ -14,7 +14,9 @@ class GeneralSettingsModel : public PageModel {
     Q_PROPERTY(bool isLocalLearningEnabled READ isLocalLearningEnabled WRITE setLocalLearningEnabled NOTIFY changed)
     Q_PROPERTY(bool sharesImprovements READ sharesImprovements WRITE setSharesImprovements NOTIFY changed)
     Q_PROPERTY(bool enhancesImagePrompts READ enhancesImagePrompts WRITE setEnhancesImagePrompts NOTIFY changed)
+    Q_PROPERTY(bool drawsPictures READ drawsPictures WRITE setDrawsPictures NOTIFY changed)
     Q_PROPERTY(bool keepsClipboard READ keepsClipboard WRITE setKeepsClipboard NOTIFY changed)
+    Q_PROPERTY(QString faultySettings READ faultySettings CONSTANT)
     Q_PROPERTY(QStringList learnedPieces READ learnedPieces NOTIFY changed)
     Q_PROPERTY(QString learnedAt READ learnedAt NOTIFY changed)
     Q_PROPERTY(tavrelon::ui::TaughtModel* taught READ taught CONSTANT)
@@ -35,8 +37,13 @@ class GeneralSettingsModel : public PageModel {
     void setSharesImprovements(bool shares);
     bool enhancesImagePrompts() const { return settings().enableImagePromptEnhancement; }
     void setEnhancesImagePrompts(bool enhances);
+    bool drawsPictures() const { return settings().picturesByRequest; }
+    void setDrawsPictures(bool draws);
     bool keepsClipboard() const { return settings().keepClipboard; }
     void setKeepsClipboard(bool keeps);
+
+    /// The keys of settings that could not be read at the start, in one line; empty where there are none.
+    QString faultySettings() const { return storage().faultySettings().join(QStringLiteral(", ")); }
 
     // What a model wrote about the user's way of writing; empty where nothing was learned.
     QStringList learnedPieces() const;  ///< for views, which draw a long text piece by piece

@@ -109,6 +109,11 @@ void ProviderSettingsModel::setEnableCustomPollinations(bool enabled) {
     handOnCustomPollinations();
 }
 
+void ProviderSettingsModel::setStaysWithGateway(bool stays) {
+    services_.pollinations.fallBackToOtherServices = !stays;
+    store([stays](AppSettings& changed) { changed.fallBackToOtherServices = !stays; });
+}
+
 void ProviderSettingsModel::handOnCustomPollinations() {
     auto& service = services_.pollinations;
     service.pollinationsBaseURLOverride = PollinationsService::normalizedBaseURL(pollinationsBaseURL());

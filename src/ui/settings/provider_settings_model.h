@@ -35,6 +35,7 @@ class ProviderSettingsModel : public PageModel {
     Q_PROPERTY(
         QString pollinationsVisionModel READ pollinationsVisionModel WRITE setPollinationsVisionModel NOTIFY changed)
     Q_PROPERTY(QString pollinationsApiKey READ pollinationsApiKey WRITE setPollinationsApiKey NOTIFY changed)
+    Q_PROPERTY(bool staysWithGateway READ staysWithGateway WRITE setStaysWithGateway NOTIFY changed)
     Q_PROPERTY(QString ollamaLocalKeyNote READ ollamaLocalKeyNote NOTIFY changed)
     Q_PROPERTY(QString pollinationsKeyNote READ pollinationsKeyNote NOTIFY changed)
 
@@ -75,6 +76,8 @@ class ProviderSettingsModel : public PageModel {
     void setEnableOllamaVision(bool enabled);
     bool enableCustomPollinations() const { return settings().enableCustomPollinations; }
     void setEnableCustomPollinations(bool enabled);
+    bool staysWithGateway() const { return services_.pollinations.asksGatewayOnly(); }
+    void setStaysWithGateway(bool stays);
 
     QString ollamaMode() const;
     void setOllamaMode(const QString& mode);

@@ -1,5 +1,6 @@
 #include "desktop/linux/files/posix_file_system.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -54,12 +55,25 @@ bool folderRefuses(PosixError error) {
     return code == EACCES || code == EPERM || code == EROFS || code == EBUSY;
 }
 
+/// What cannot be read may be whole and only out of reach for now: its content is not replaced.
+std::expected<void, PosixError> ensureReadable(const QByteArray& path) {
+    const Descriptor file(::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file && errno == ENOENT)
+        return {};
+    char first = 0;
+    if (!file || ::read(file.fd(), &first, 1) < 0)
+        return failure();
+    return {};
+}
+
 std::expected<void, PosixError> writeTo(const QByteArray& path, const QByteArray& content) {
     const auto target = followedLinks(path);
     if (!target)
         return std::unexpected(target.error());
     if (!isRegularOrMissing(*target))
         return overwriteFile(*target, content);
+    if (const auto readable = ensureReadable(*target); !readable)
+        return readable;
     const auto replaced = replaceFile(*target, content);
     if (!replaced && folderRefuses(replaced.error()) && ::access(target->constData(), F_OK) == 0)
         return overwriteFile(*target, content);

@@ -12,27 +12,35 @@ constexpr std::pair<QLatin1StringView, StartMode> modes[] = {
     {QLatin1StringView("--help"), StartMode::Help},
     {QLatin1StringView("-h"), StartMode::Help},
     {QLatin1StringView("--version"), StartMode::Version},
+    {QLatin1StringView("--trigger"), StartMode::Trigger},
 };
 
 }  // namespace
 
-std::expected<StartMode, QString> startModeFrom(const QStringList& arguments) {
-    auto mode = StartMode::Dashboard;
-    for (const auto& argument : arguments) {
-        const auto* known = std::ranges::find_if(modes, [&](const auto& entry) { return entry.first == argument; });
+std::expected<CommandLine, QString> commandLineFrom(const QStringList& arguments) {
+    CommandLine read;
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        const auto* known = std::ranges::find_if(modes, [&](const auto& entry) { return entry.first == *argument; });
         if (known == std::end(modes))
-            return std::unexpected(QStringLiteral("'%1' is no option of Tavrelon; --help shows them.").arg(argument));
-        mode = std::max(mode, known->second);
+            return std::unexpected(QStringLiteral("'%1' is no option of Tavrelon; --help shows them.").arg(*argument));
+        read.mode = std::max(read.mode, known->second);
+        if (known->second != StartMode::Trigger)
+            continue;
+        if (++argument == arguments.end())
+            return std::unexpected(QStringLiteral("--trigger needs a name; --help shows them."));
+        read.trigger = *argument;
     }
-    return mode;
+    return read;
 }
 
 QString helpText() {
     return QStringLiteral(
-        "Usage: tavrelon [--background]\n"
+        "Usage: tavrelon [--background | --trigger NAME]\n"
         "Answers what you type, in every text field of an X11 desktop.\n"
         "\n"
         "  --background   start with the tray icon alone, without the dashboard\n"
+        "  --trigger NAME does in the running program what a hotkey does: text, prompt, voice, dictation,\n"
+        "                 reply, video, cancel or toggle\n"
         "  --help         print this text\n"
         "  --version      print the version\n");
 }

@@ -11,10 +11,16 @@ enum class StartMode {
     Background,  ///< live, with nothing but the tray icon: the start of a session
     Help,        ///< `helpText` on standard output, then the end
     Version,     ///< the version on standard output, then the end
+    Trigger,     ///< the running program does what one of its hotkeys is for, then the end
+};
+
+struct CommandLine {
+    StartMode mode = StartMode::Dashboard;
+    QString trigger;  ///< what to do, with `Trigger`
 };
 
 /// Reads the arguments after the program's name. The error is a sentence for the user.
-std::expected<StartMode, QString> startModeFrom(const QStringList& arguments);
+std::expected<CommandLine, QString> commandLineFrom(const QStringList& arguments);
 
 QString helpText();
 

@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSocketNotifier>
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -25,6 +26,17 @@ namespace {
 constexpr std::chrono::milliseconds longestWait{2000};
 constexpr int callersAtOnce = 8;
 constexpr char greeting = '!';
+constexpr std::size_t longestWish = 32;
+
+/// How long a caller may take to say what it wants, which it does at once.
+constexpr int wishMilliseconds = 100;
+
+QString wishOf(int caller) {
+    pollfd state{.fd = caller, .events = POLLIN, .revents = 0};
+    std::array<char, longestWish> word{};
+    const auto count = ::poll(&state, 1, wishMilliseconds) > 0 ? ::read(caller, word.data(), word.size()) : 0;
+    return QString::fromLatin1(word.data(), std::max<ssize_t>(count, 0));
+}
 
 /// The lock of the folder. What takes no new files is locked itself.
 std::expected<Descriptor, PosixError> lockOf(const QString& folder) {
@@ -89,7 +101,7 @@ class SingleInstance::CallSocket {
         return isOpen_;
     }
 
-    Owner call() const {
+    Owner call(const QString& wanted) const {
         const Descriptor caller(newSocket());
         if (!folder_ || !caller)
             return Owner::None;
@@ -97,6 +109,9 @@ class SingleInstance::CallSocket {
             return errno == EAGAIN ? Owner::Silent : Owner::None;  // a full queue: nobody takes callers
         if (!isOwnPeer(caller.fd()))
             return Owner::None;
+        const auto word = wanted.toLatin1().left(longestWish);
+        if (::send(caller.fd(), word.constData(), static_cast<std::size_t>(word.size()), MSG_NOSIGNAL) < 0)
+            return Owner::Silent;
         pollfd state{.fd = caller.fd(), .events = POLLIN, .revents = 0};
         char byte = 0;
         const bool answered =
@@ -120,8 +135,8 @@ std::expected<std::unique_ptr<SingleInstance>, SingleInstance::Refusal> SingleIn
     std::array places{std::make_unique<CallSocket>(runtimeFolder, folder),
                       std::make_unique<CallSocket>(folder, folder)};
     const auto owner = [&places] {
-        const auto first = places[0]->call();
-        return first == Owner::None ? places[1]->call() : first;
+        const auto first = places[0]->call(dashboard);
+        return first == Owner::None ? places[1]->call(dashboard) : first;
     };
     const auto start = std::chrono::steady_clock::now();
     for (;;) {
@@ -144,6 +159,11 @@ std::expected<std::unique_ptr<SingleInstance>, SingleInstance::Refusal> SingleIn
     }
 }
 
+bool SingleInstance::call(const QString& folder, const QString& runtimeFolder, const QString& wanted) {
+    return CallSocket(runtimeFolder, folder).call(wanted) == Owner::Answering ||
+           CallSocket(folder, folder).call(wanted) == Owner::Answering;
+}
+
 SingleInstance::SingleInstance(Descriptor lock, std::unique_ptr<CallSocket> socket)
     : lock_(std::move(lock)), socket_(std::move(socket)) {}
 
@@ -152,7 +172,7 @@ SingleInstance::~SingleInstance() {
     socket_.reset();
 }
 
-void SingleInstance::setOnCalled(std::function<void()> onCalled) {
+void SingleInstance::setOnCalled(Called onCalled) {
     onCalled_ = std::move(onCalled);
     if (socket_->fd() < 0 || notifier_)
         return;
@@ -161,16 +181,16 @@ void SingleInstance::setOnCalled(std::function<void()> onCalled) {
 }
 
 void SingleInstance::answerCallers() {
-    bool called = false;
     for (;;) {
         const Descriptor caller(::accept4(socket_->fd(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!caller)
             break;
-        if (isOwnPeer(caller.fd()))
-            called = ::send(caller.fd(), &greeting, 1, MSG_NOSIGNAL) == 1 || called;
+        if (!isOwnPeer(caller.fd()))
+            continue;
+        const auto wanted = wishOf(caller.fd());
+        if (::send(caller.fd(), &greeting, 1, MSG_NOSIGNAL) == 1 && onCalled_)
+            onCalled_(wanted);
     }
-    if (called && onCalled_)
-        onCalled_();
 }
 
 }  // namespace tavrelon::desktop

@@ -33,8 +33,15 @@ class SingleInstance {
     SingleInstance& operator=(const SingleInstance&) = delete;
     ~SingleInstance();
 
-    /// Called from the event loop when a second process has asked for the folder.
-    void setOnCalled(std::function<void()> onCalled);
+    /// What a second process wants that was started for nothing in particular.
+    static constexpr QLatin1StringView dashboard{"dashboard"};
+
+    /// Tells the process that has the folder what is wanted: a word of at most 32 bytes. False when none answers.
+    static bool call(const QString& folder, const QString& runtimeFolder, const QString& wanted);
+
+    /// Called from the event loop when a second process has called, with what it wants.
+    using Called = std::function<void(const QString& wanted)>;
+    void setOnCalled(Called onCalled);
 
  private:
     class CallSocket;
@@ -44,7 +51,7 @@ class SingleInstance {
 
     Descriptor lock_;  ///< none where the folder cannot be locked
     std::unique_ptr<CallSocket> socket_;
-    std::function<void()> onCalled_;
+    Called onCalled_;
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 
