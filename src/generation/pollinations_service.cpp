@@ -81,6 +81,8 @@ std::optional<QString> PollinationsService::normalizedModelName(const QString& t
 }
 
 bool PollinationsService::hasKeyFor(PollinationsModel model) const {
+    if (asksGatewayOnly())
+        return true;  // it is the gateway that is asked, whatever the model is called
     switch (chatProtocol(model)) {
         case ChatProtocol::GLM:
             return glmApiKey.has_value();

@@ -84,6 +84,8 @@ async::Task<ModelAnswer> PollinationsService::answerText(QString systemPrompt, Q
 }
 
 QString PollinationsService::sourceName(PollinationsModel model) const {
+    if (asksGatewayOnly() && pollinationsVisionModelOverride)
+        return sourceAt(*pollinationsVisionModelOverride, pollinationsBaseURL());
     switch (chatProtocol(model)) {
         case ChatProtocol::Nvidia:
             return sourceAt(displayName(model), endpoints_.nvidiaChatCompletionsURL);
