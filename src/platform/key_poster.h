@@ -16,7 +16,8 @@ class KeyPoster {
     virtual ~KeyPoster() = default;
 
     /// Presses and releases a key with these flags, resolved in the live keyboard layout. Command stands for the
-    /// desktop's shortcut modifier. A key that no layout has is skipped silently. No key is left down. A chord blocks for `chordWait`.
+    /// desktop's shortcut modifier. A key that no layout has is skipped silently. No key is left down. A chord blocks
+    /// for `chordWait`.
     virtual void press(keys::VirtualKey key, keys::Modifiers flags) = 0;
 
     /// Whether an input method shows a word that is half composed; it would take posted keys for itself. False where
