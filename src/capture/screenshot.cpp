@@ -37,12 +37,12 @@ std::shared_ptr<void> ContextCapturer::expectScreenshot() {
 }
 
 async::Task<std::optional<Image>> ContextCapturer::captureFocusedWindowImage() {
-    if (platform_.accessibility.isFocusSecure())  // here it is known from what was read in this turn
+    // Both at once, before the wait: whatever comes to the front meanwhile was not asked about. Here the answer is
+    // known from what was read in this turn.
+    const auto application = platform_.workspace.frontmostApplication();
+    if (!application || platform_.accessibility.isFocusSecure())
         co_return std::nullopt;
     const auto content = valueOrThrow(co_await platform_.screenCapture.shareableContent());
-    const auto application = platform_.workspace.frontmostApplication();
-    if (!application)
-        co_return std::nullopt;
     const auto window = std::ranges::find_if(content.windows, [&](const platform::ShareableWindow& candidate) {
         return candidate.isOnScreen && candidate.bundleIdentifier == application->bundleIdentifier;
     });

@@ -1,11 +1,11 @@
 #include "desktop/atspi/atspi_accessibility.h"
-#include "desktop/atspi/embedded_text.h"
 
 #include <QGuiApplication>
 #include <QInputMethodQueryEvent>
 
 #include "desktop/atspi/atspi_focus_finder.h"
 #include "desktop/atspi/chain.h"
+#include "desktop/atspi/embedded_text.h"
 #include "desktop/atspi/field_places.h"
 #include "desktop/atspi/field_writer.h"
 
