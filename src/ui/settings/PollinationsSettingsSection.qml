@@ -27,7 +27,7 @@ Column {
     }
     SettingCardToggle {
         visible: section.model.enableCustomPollinations
-        title: section.texts.staysWithGateway
+        title: section.model.isGatewayLocal ? section.texts.staysHere : section.texts.staysWithGateway
         subtitle: section.texts.staysWithGatewaySubtitle
         icon: "shield.fill"
         iconColor: section.tint

@@ -35,6 +35,7 @@ class ProviderSettingsModel : public PageModel {
     Q_PROPERTY(
         QString pollinationsVisionModel READ pollinationsVisionModel WRITE setPollinationsVisionModel NOTIFY changed)
     Q_PROPERTY(QString pollinationsApiKey READ pollinationsApiKey WRITE setPollinationsApiKey NOTIFY changed)
+    Q_PROPERTY(bool isGatewayLocal READ isGatewayLocal NOTIFY changed)
     Q_PROPERTY(bool staysWithGateway READ staysWithGateway WRITE setStaysWithGateway NOTIFY changed)
     Q_PROPERTY(QString ollamaLocalKeyNote READ ollamaLocalKeyNote NOTIFY changed)
     Q_PROPERTY(QString pollinationsKeyNote READ pollinationsKeyNote NOTIFY changed)
@@ -76,6 +77,7 @@ class ProviderSettingsModel : public PageModel {
     void setEnableOllamaVision(bool enabled);
     bool enableCustomPollinations() const { return settings().enableCustomPollinations; }
     void setEnableCustomPollinations(bool enabled);
+    bool isGatewayLocal() const { return services_.pollinations.asksLocalServer(); }
     bool staysWithGateway() const { return services_.pollinations.asksGatewayOnly(); }
     void setStaysWithGateway(bool stays);
 

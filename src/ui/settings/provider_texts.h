@@ -7,7 +7,7 @@
 namespace tavrelon::ui {
 
 /// Every text of the providers page.
-inline constexpr std::array<PageText, 39> providerTexts{{
+inline constexpr std::array<PageText, 40> providerTexts{{
     {u"title", u"Providers", u"服务提供商"},
     {u"subtitle", u"Choose the active vision provider and customize service configs.",
      u"选择当前视觉提供商并配置服务。"},
@@ -46,7 +46,8 @@ inline constexpr std::array<PageText, 39> providerTexts{{
      u"未启用时使用内置 Pollinations 服务。"},
     {u"enablePollinations", u"Use Custom Pollinations", u"启用自定义 Pollinations"},
     {u"enablePollinationsSubtitle", u"Bring your own key, models, and endpoint", u"使用自己的 key、模型与服务地址"},
-    {u"staysWithGateway", u"Requests stay on this machine", u"请求留在本机"},
+    {u"staysHere", u"Requests stay on this machine", u"请求留在本机"},
+    {u"staysWithGateway", u"Requests stay with this server", u"请求只发往此服务器"},
     {u"staysWithGatewaySubtitle", u"No other service is asked when this server does not answer",
      u"此服务器无响应时不询问其他服务"},
     {u"baseURL", u"Base URL", u"基础地址"},
