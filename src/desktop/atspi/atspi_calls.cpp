@@ -79,8 +79,24 @@ void AtspiDirectory::enter(quint64 generation) {
     if (generation == generation_)
         return;
     generation_ = generation;
+    applications_.reset();
     processes_.clear();
     toolkits_.clear();
+}
+
+std::expected<std::vector<ObjectReference>, AXError> AtspiDirectory::applications(AtspiCalls& calls) {
+    // Taken before the question, so that what joins while it is under way is asked for again.
+    const auto revision = calls.tracker().applicationsRevision();
+    if (applications_ && revision == applicationsRevision_)
+        return *applications_;
+    const ObjectReference desktop{QLatin1String(registryName), QLatin1String(rootPath)};
+    auto all = chain(calls.send(methodCall(desktop, accessibleInterface, "GetChildren")), objectsOf);
+    if (!all)
+        return std::unexpected(all.error());
+    std::erase_if(*all, [](const ObjectReference& application) { return application.isNull(); });
+    applicationsRevision_ = revision;
+    applications_ = *all;
+    return *all;
 }
 
 std::vector<qint64> AtspiDirectory::processesOf(const std::vector<QString>& busNames, AtspiCalls& calls) {

@@ -46,11 +46,15 @@ class AtspiCalls {
     Allowance& allowance_;
 };
 
-/// What never changes about a connection to the bus, asked for once. Main thread.
+/// What changes seldom about the bus and never about a connection to it, asked for once. Main thread.
 class AtspiDirectory {
  public:
     /// Forgets everything if the bus is another one than before.
     void enter(quint64 generation);
+
+    /// The roots of all applications on the bus. Asked anew only after one joined or left: a field is looked for before
+    /// each key of an answer, and many a window's program is not on the bus.
+    std::expected<std::vector<ObjectReference>, platform::AXError> applications(AtspiCalls& calls);
 
     /// The processes behind the bus names, 0 where it cannot be told.
     std::vector<qint64> processesOf(const std::vector<QString>& busNames, AtspiCalls& calls);
@@ -62,6 +66,8 @@ class AtspiDirectory {
 
  private:
     quint64 generation_ = 0;
+    quint64 applicationsRevision_ = 0;
+    std::optional<std::vector<ObjectReference>> applications_;
     std::map<QString, qint64> processes_;
     std::map<QString, Toolkit> toolkits_;
 };

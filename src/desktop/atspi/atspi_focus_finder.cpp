@@ -69,8 +69,7 @@ AtspiFocusFinder::Found AtspiFocusFinder::walk(qint64 process) {
 }
 
 std::expected<AtspiFocusFinder::Objects, AXError> AtspiFocusFinder::applicationsOf(qint64 process) {
-    const ObjectReference desktop{QLatin1String(registryName), QLatin1String(rootPath)};
-    const auto all = chain(calls_.send(methodCall(desktop, accessibleInterface, "GetChildren")), objectsOf);
+    const auto all = directory_.applications(calls_);
     if (!all)
         return std::unexpected(all.error());
     std::vector<QString> names;
@@ -79,7 +78,7 @@ std::expected<AtspiFocusFinder::Objects, AXError> AtspiFocusFinder::applications
     const auto processes = directory_.processesOf(names, calls_);
     Objects matching;
     for (std::size_t i = 0; i < processes.size(); ++i)
-        if (processes[i] == process && !(*all)[i].isNull())
+        if (processes[i] == process)
             matching.push_back((*all)[i]);
     return matching;
 }

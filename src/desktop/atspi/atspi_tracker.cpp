@@ -43,6 +43,11 @@ std::optional<AtspiTracker::Bus> AtspiTracker::bus(std::chrono::nanoseconds pati
     return Bus{*state_->connection, state_->generation};
 }
 
+quint64 AtspiTracker::applicationsRevision() const {
+    const std::lock_guard lock(state_->mutex);
+    return state_->applications;
+}
+
 std::vector<ObjectReference> AtspiTracker::focusedElements() const {
     const std::lock_guard lock(state_->mutex);
     return state_->focus.elements();

@@ -41,6 +41,9 @@ class AtspiTracker {
     /// `patience`, and once in vain at most.
     std::optional<Bus> bus(std::chrono::nanoseconds patience) const;
 
+    /// A number that another one takes the place of whenever an application joins the bus or leaves it.
+    quint64 applicationsRevision() const;
+
     /// The elements that said last that they have the focus, one of each application, the latest first.
     std::vector<ObjectReference> focusedElements() const;
 

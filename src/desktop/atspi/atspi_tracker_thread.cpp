@@ -44,6 +44,11 @@ std::vector<FollowedSignal> followedSignals() {
              QStringLiteral("StateChanged"),
              {QStringLiteral("focused")},
              SLOT(stateChanged(QDBusMessage))},
+            {QLatin1String(rootPath),
+             QStringLiteral("org.a11y.atspi.Event.Object"),
+             QStringLiteral("ChildrenChanged"),
+             {},
+             SLOT(applicationsChanged())},
             {QStringLiteral("/org/freedesktop/DBus"),
              QStringLiteral("org.freedesktop.DBus"),
              QStringLiteral("NameOwnerChanged"),
@@ -124,6 +129,7 @@ void TrackerThread::connectTo(const QString& address) {
         return;  // the owner is gone
     state_->connection = connection;
     ++state_->generation;
+    ++state_->applications;
     state_->firstAttempt = FirstAttempt::Done;
     state_->firstAttemptDone.notify_all();
 }
@@ -191,10 +197,16 @@ void TrackerThread::stateChanged(const QDBusMessage& signal) {
         state_->focusHandler();
 }
 
+void TrackerThread::applicationsChanged() {
+    const std::lock_guard lock(state_->mutex);
+    ++state_->applications;
+}
+
 void TrackerThread::nameOwnerChanged(const QString& name, const QString&, const QString& after) {
     if (!after.isEmpty())
         return;
     const std::lock_guard lock(state_->mutex);
+    ++state_->applications;
     state_->focus.forget(name);
     state_->hung.erase(name);
 }

@@ -29,6 +29,7 @@ struct TrackerState {
     std::condition_variable firstAttemptDone;
     std::optional<QDBusConnection> connection;
     quint64 generation = 0;
+    quint64 applications = 0;  // grows whenever one joins the bus or leaves it
     FocusBook focus;
     std::set<QString> hung;
     std::function<void()> focusHandler;  // runs under the mutex and must return at once
@@ -48,6 +49,7 @@ class TrackerThread : public QObject {
 
  private Q_SLOTS:
     void stateChanged(const QDBusMessage& signal);
+    void applicationsChanged();
     void nameOwnerChanged(const QString& name, const QString& before, const QString& after);
     void disconnected();
 
