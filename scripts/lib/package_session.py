@@ -46,6 +46,18 @@ def show_dashboard(stage):
     wait_for("the end of the dashboard", lambda: not dashboard())
 
 
+def check_all(stage):
+    """What `--check` says beside the running program; a private desktop need not have a tray, sound or a recogniser."""
+    tavrelon = stage.tavrelon
+    stage.service.answer_with({"content": "ready"})
+    done = subprocess.run([tavrelon.executable, "--check"], stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                          timeout=60, env={**os.environ, **tavrelon.environment})
+    show("tavrelon --check", done.stdout)
+    missing = set(re.findall(r"^MISSING (\w+)", done.stdout, re.MULTILINE))
+    if not re.search(r"^ok +model", done.stdout, re.MULTILINE) or missing - {"tray", "sound", "recogniser"}:
+        raise Fault(f"--check: {done.stdout}{done.stderr}")
+
+
 def ask_once(stage, what):
     case = CASES[0]
     after = stage.play("mousepad", what, case)
@@ -63,6 +75,7 @@ def main(build, output, program, upgrade):
             tavrelon.wait_until_live()
             stage = Stage(service, tavrelon, output)
             show_dashboard(stage)
+            check_all(stage)
             if wrong := play_all(stage) + demo_pictures.play(stage, build, show):
                 raise Fault(f"{wrong} answers are wrong")
             subprocess.run([upgrade], stdin=subprocess.DEVNULL, check=True)

@@ -19,10 +19,6 @@ constexpr int learningInterval = 40;
 constexpr std::chrono::milliseconds frameInterval{500};
 constexpr std::size_t maxFrames = 24;
 
-generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoints) {
-    return {endpoints.builtInPollinationsKey, endpoints.builtInGLMKey, std::nullopt};
-}
-
 capture::ScreenshotMode screenshotModeNamed(const QString& name) {
     if (name == QLatin1StringView("fullScreen"))
         return capture::ScreenshotMode::fullScreen;

@@ -25,6 +25,10 @@ std::optional<QString> storedKeyFor(const QString& address, platform::DefaultsSt
 
 }  // namespace
 
+generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoints) {
+    return {endpoints.builtInPollinationsKey, endpoints.builtInGLMKey, std::nullopt};
+}
+
 void enforceProviderExclusivity(persistence::StorageManager& storage) {
     const auto& settings = storage.settings();
     if (settings.enableCustomPollinations) {

@@ -13,6 +13,9 @@ void enforceProviderExclusivity(persistence::StorageManager& storage);
 /// Notes which provider may have what was taught before providers were noted. Saves the settings if that changed them.
 void adoptWhatWasTaught(persistence::StorageManager& storage);
 
+/// The keys that the distributor built in.
+generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoints);
+
 /// Pushes the stored provider settings and keys into the service; a key only where the address is the one it belongs
 /// to.
 void applyProviderSettings(const persistence::AppSettings& settings, platform::DefaultsStore& userDefaults,

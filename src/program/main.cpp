@@ -17,6 +17,7 @@
 #include "program/dashboard.h"
 #include "program/silent_buses.h"
 #include "program/start.h"
+#include "program/views.h"
 
 namespace {
 
@@ -27,16 +28,6 @@ app::AppDelegate::Launch launchOf(desktop::StartMode mode) {
                                                   : app::AppDelegate::Launch::WithDashboard;
 }
 
-/// Views are drawn by the processor: a graphics stack in software would cost several times the memory and time. They
-/// are windows of the X server, which is where all else happens, also in a session that has another way to draw.
-void prepareViews() {
-    QCoreApplication::setApplicationName(QStringLiteral("Tavrelon"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(TAVRELON_VERSION));
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    qputenv("QT_QUICK_BACKEND", "software");
-    QApplication::setQuitOnLastWindowClosed(false);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -44,7 +35,7 @@ int main(int argc, char** argv) {
     auto start = program::prepareStart(argc, argv);
     if (!start)
         return start.error();
-    prepareViews();
+    program::prepareViews();
     desktop::StandardOutputLog log;
     program::avoidSilentBuses(log);
     desktop::ProcessSignals::block();

@@ -10,6 +10,7 @@
 #include "desktop/session/windowing_system.h"
 #include "hotkeys/hotkey_table.h"
 #include "persistence/history_manager.h"
+#include "program/check.h"
 
 namespace tavrelon::program {
 
@@ -59,6 +60,8 @@ std::expected<Start, int> prepareStart(int argc, char** argv) {
                                                  "set HOME."));
     if (mode == desktop::StartMode::Trigger)
         return triggered(*folders, wanted->trigger);
+    if (mode == desktop::StartMode::Check)
+        return std::unexpected(check(argc, argv, *folders, wanted->asJson ? ReportForm::Json : ReportForm::Lines));
     // The views' toolkit ends the process where it finds no display, so this is asked first.
     auto display = desktop::tryDisplay();
     if (!display)

@@ -182,3 +182,40 @@ def test_folders_are_this_users_alone_or_it_does_not_start(house):
     assert listens(house.start())
     for path in (house.settings, house.settings.parent):
         assert path.stat().st_mode & 0o077 == 0, path
+
+
+def test_the_check_tells_what_works_and_what_is_missing(desk, house):
+    def findings(display=True):
+        environment = dict(house.environment) if display else {**house.environment, "DISPLAY": ""}
+        done = subprocess.run([desk.executable, "--check", "--json"], env=environment, capture_output=True, timeout=60)
+        report = json.loads(done.stdout)
+        assert done.returncode == report["missing"] == sum(not check["works"] for check in report["checks"])
+        return {check["subject"]: (check["works"], check["says"]) for check in report["checks"]}
+
+    desk.answers("ready")
+    before = sorted(house.home.rglob("*"))
+    found = findings()
+    assert all(found[subject][0] for subject in ("configuration", "data", "settings", "session", "hotkeys",
+                                                 "accessibility", "clipboard", "pictures", "model")), found
+    assert found["program"][1] == "not running" and "test-model" in found["model"][1]
+    assert sorted(house.home.rglob("*")) == before, "nothing is stored"
+
+    program = house.start()
+    listens(program)
+    assert findings()["program"][1] == "running"
+    assert "held by the running" in findings()["hotkeys"][1]
+    expect_a_request_to_work(desk, program)
+    program.stop()
+
+    desk.answers("ready")
+    without = findings(display=False)
+    assert not without["session"][0] and without["model"][0] and "pictures" not in without
+    house.settings.write_text(json.dumps({**json.loads(house.settings.read_text()), "screenshotQuality": "high"}))
+    desk.service.answer_with({"status": 401, "body": "no"})
+    found = findings()
+    assert not found["settings"][0] and "screenshotQuality" in found["settings"][1]
+    assert not found["model"][0]
+    desk.answers("ready \x1b[2J")
+    status, told = house.run("--check")
+    assert status == told.count("MISSING") > 0 and "ready" in told and "\x1b" not in told
+    assert house.run("--json")[0] == USAGE

@@ -11,12 +11,14 @@ enum class StartMode {
     Background,  ///< live, with nothing but the tray icon: the start of a session
     Help,        ///< `helpText` on standard output, then the end
     Version,     ///< the version on standard output, then the end
+    Check,       ///< what works on standard output, then the end
     Trigger,     ///< the running program does what one of its hotkeys is for, then the end
 };
 
 struct CommandLine {
     StartMode mode = StartMode::Dashboard;
-    QString trigger;  ///< what to do, with `Trigger`
+    QString trigger;      ///< what to do, with `Trigger`
+    bool asJson = false;  ///< for programs to read, with `Check`
 };
 
 /// Reads the arguments after the program's name. The error is a sentence for the user.

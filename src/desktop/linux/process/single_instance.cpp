@@ -24,6 +24,7 @@ namespace tavrelon::desktop {
 namespace {
 
 constexpr std::chrono::milliseconds longestWait{2000};
+constexpr auto lockName = "/.tavrelon-lock";
 constexpr int callersAtOnce = 8;
 constexpr char greeting = '!';
 constexpr std::size_t longestWish = 32;
@@ -41,8 +42,8 @@ QString wishOf(int caller) {
 /// The lock of the folder. What takes no new files is locked itself.
 std::expected<Descriptor, PosixError> lockOf(const QString& folder) {
     const auto path = QFile::encodeName(folder);
-    Descriptor file(::open((path + "/.tavrelon-lock").constData(),
-                           O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, S_IRUSR | S_IWUSR));
+    Descriptor file(::open((path + lockName).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
+                           S_IRUSR | S_IWUSR));
     Descriptor taken(file ? std::move(file) : Descriptor(::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
     if (!taken || ::flock(taken.fd(), LOCK_EX | LOCK_NB) != 0)
         return failure();
@@ -157,6 +158,13 @@ std::expected<std::unique_ptr<SingleInstance>, SingleInstance::Refusal> SingleIn
             return std::unexpected(Refusal::Silent);
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
+}
+
+bool SingleInstance::isClaimed(const QString& folder) {
+    const Descriptor file(
+        ::open((QFile::encodeName(folder) + lockName).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    // Nobody is held up: who claims the folder in this moment tries again.
+    return file && ::flock(file.fd(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
 }
 
 bool SingleInstance::call(const QString& folder, const QString& runtimeFolder, const QString& wanted) {

@@ -29,6 +29,9 @@ class SingleInstance {
     static std::expected<std::unique_ptr<SingleInstance>, Refusal> claim(const QString& folder,
                                                                          const QString& runtimeFolder);
 
+    /// Whether a process has the folder, asked without a word to it.
+    static bool isClaimed(const QString& folder);
+
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
     ~SingleInstance();
