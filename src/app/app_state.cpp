@@ -67,6 +67,7 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
     userInterface.application.setOnActiveChanged(
         [this](bool isActive) { hotkeyManager_.setOwnWindowActive(isActive); });
     applyCaptureSettings();
+    settingsSubscription_ = storageManager_.onChange([this] { applyCaptureSettings(); });
     outputWriter_.keepsClipboard = [this] { return storageManager_.settings().keepClipboard; };
 }
 
@@ -103,7 +104,10 @@ void AppState::applyHotkeySettings() {
 
 void AppState::applyCaptureSettings() {
     const auto& settings = storageManager_.settings();
-    contextCapturer_.screenshotMode = screenshotModeNamed(settings.screenshotMode);
+    const bool seesNothing = settings.enableCustomPollinations && !settings.textOnlyModel.isEmpty() &&
+                             settings.textOnlyModel == settings.pollinationsVisionModel;
+    contextCapturer_.screenshotMode =
+        seesNothing ? capture::ScreenshotMode::none : screenshotModeNamed(settings.screenshotMode);
     contextCapturer_.screenshotQuality = settings.screenshotQuality;
     contextCapturer_.maxScreenshotWidth = static_cast<double>(settings.maxScreenshotWidth);
 }

@@ -85,6 +85,7 @@ class AppState {
     std::shared_ptr<input::InputStateMachine> inputStateMachine_;
     std::unique_ptr<ui::InputHUDWindowController> inputHUDController_;
     std::unique_ptr<ui::FloatingInputWindowController> floatingInputController_;
+    persistence::ChangeSubscription settingsSubscription_;
     async::Lifetime lifetime_;
 };
 

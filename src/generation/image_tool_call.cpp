@@ -13,24 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The first of the keys whose value is a text with something in it.
-std::optional<QString> firstText(const Json& object, std::initializer_list<const char*> keys) {
-    for (const char* key : keys) {
-        const auto* value = text::find(object, key);
-        if (value && value->is_string() && !text::isBlank(text::stringFrom(*value)))
-            return text::stringFrom(*value);
-    }
-    return std::nullopt;
-}
-
 bool isImageToolName(const QString& name) {
     const auto lower = name.toLower();
     return lower.contains("text2im"_L1) || lower.contains("dalle"_L1) || lower == "image"_L1 || lower == "draw"_L1;
 }
 
 std::optional<QString> promptOfObject(const Json& object) {
-    const auto found = firstText(object, {"prompt", "text", "query"});
-    return found ? text::trimmedOrAbsent(*found) : std::nullopt;
+    return text::firstText(object, {"prompt", "text", "query"});
 }
 
 std::optional<QString> extractToolPrompt(const Json& value) {
@@ -58,7 +47,7 @@ std::optional<QString> parseImageToolCall(const QString& reply) {
     const auto call = text::parseJSONObject(reply);
     if (!call)
         return std::nullopt;
-    const auto name = firstText(*call, {"action", "tool", "name"});
+    const auto name = text::firstText(*call, {"action", "tool", "name"});
     if (!name || !isImageToolName(*name))
         return std::nullopt;
     const auto* input = toolInput(*call);

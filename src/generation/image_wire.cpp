@@ -50,16 +50,6 @@ std::optional<QByteArray> decodeBase64(const QString& text) {
     return std::move(decoded.decoded);
 }
 
-std::optional<QString> firstText(const Json& item, std::initializer_list<const char*> keys) {
-    for (const char* key : keys) {
-        const auto* value = text::find(item, key);
-        if (const auto found =
-                value && value->is_string() ? text::trimmedOrAbsent(text::stringFrom(*value)) : std::nullopt)
-            return found;
-    }
-    return std::nullopt;
-}
-
 std::optional<QString> firstListedUrl(const Json& item) {
     const auto* list = text::find(item, "url_list");
     const bool texts = list && list->is_array() && !list->empty() &&
@@ -81,11 +71,11 @@ std::optional<Json> firstGLMImageItem(Json& document) {
 }
 
 std::variant<QByteArray, QUrl> decodeGLMImageItem(const Json& item) {
-    if (const auto encoded = firstText(item, {"b64_json", "base64", "image", "image_base64"})) {
+    if (const auto encoded = text::firstText(item, {"b64_json", "base64", "image", "image_base64"})) {
         if (auto bytes = decodeBase64(withoutDataHead(*encoded)))
             return std::move(*bytes);
     }
-    auto address = firstText(item, {"url", "image_url"});
+    auto address = text::firstText(item, {"url", "image_url"});
     if (!address)
         address = firstListedUrl(item);
     if (address) {

@@ -31,6 +31,7 @@ struct AppSettings : keys::HotkeySet {
     QString pollinationsBaseURL = defaultPollinationsBaseURL();
     QString pollinationsImageModel = QStringLiteral("zimage");
     QString pollinationsVisionModel = QStringLiteral("openai");
+    QString textOnlyModel;  ///< a model of the custom gateway that takes no pictures, as its server said
     std::optional<bool> fallBackToOtherServices;  ///< absent until the user has said; see `PollinationsService`
     bool enableOllamaVision = false;
     QString ollamaMode = QStringLiteral("cloud");  ///< or "local"

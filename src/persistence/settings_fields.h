@@ -83,6 +83,7 @@ inline constexpr auto settingsFields = std::to_array<SettingsField>({
     {"keepClipboard", 58, &AppSettings::keepClipboard},
     {"fallBackToOtherServices", 59, &AppSettings::fallBackToOtherServices},
     {"picturesByRequest", 60, &AppSettings::picturesByRequest},
+    {"textOnlyModel", 61, &AppSettings::textOnlyModel},
 });
 
 /// The same fields in the order of writing.

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "text/characters.h"
 #include "text/json_size.h"
 
 namespace tavrelon::text {
@@ -96,6 +97,14 @@ const Json* find(const Json& json, const char* key) {
 std::optional<QString> optionalString(const Json& json, const char* key) {
     if (const auto* value = find(json, key))
         return stringFrom(*value);
+    return std::nullopt;
+}
+
+std::optional<QString> firstText(const Json& json, std::initializer_list<const char*> keys) {
+    for (const char* key : keys)
+        if (const auto* value = find(json, key); value && value->is_string())
+            if (auto text = trimmedOrAbsent(stringFrom(*value)))
+                return text;
     return std::nullopt;
 }
 

@@ -56,6 +56,10 @@ const Json* find(const Json& json, const char* key);
 /// An optional text under `key`: absent when the key is missing, `JsonError` for another type.
 std::optional<QString> optionalString(const Json& json, const char* key);
 
+/// The first of the keys whose value is a text with something in it, trimmed; values of other types are passed over.
+/// Throws when `json` is no object.
+std::optional<QString> firstText(const Json& json, std::initializer_list<const char*> keys);
+
 /// Identifiers are upper-case hyphenated text.
 QString uuidText(const QUuid& id);
 QUuid uuidFrom(const Json& json);

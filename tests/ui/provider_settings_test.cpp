@@ -10,6 +10,7 @@ namespace tavrelon::ui {
 using namespace Qt::StringLiterals;
 using generation::OllamaMode;
 using generation::PollinationsService;
+using tavrelon::testing::FakeHttpSession;
 namespace entries = persistence::defaults_keys;
 
 class ProviderSettingsTest : public ::testing::Test {
@@ -18,7 +19,7 @@ class ProviderSettingsTest : public ::testing::Test {
     persistence::StorageManager storage = openStorage();
     PollinationsService service{
         desktop.loop, desktop.httpSession, desktop.log, generation::ServiceEndpoints::builtIn(), {}};
-    ProviderSettingsModel page{{desktop.loop, storage, service, desktop.workspace}};
+    ProviderSettingsModel page{{desktop.loop, storage, service, desktop.workspace, desktop.httpSession}};
 
     persistence::StorageManager openStorage() {
         return {desktop.defaultsStore, desktop.fileSystem, desktop.log, desktop.loop, u"/data/Tavrelon"_s};
@@ -68,6 +69,82 @@ TEST_F(ProviderSettingsTest, TurningOneOnTurnsTheOthersOffAndIsInUseAtOnce) {
     EXPECT_FALSE(page.enableCustomPollinations() || page.enableOllamaVision()) << "off touches only that one";
 }
 
+TEST_F(ProviderSettingsTest, AServerOnThisMachineIsFoundAndTakenWithOneClick) {
+    QStringList asked;
+    desktop.httpSession.otherwise = [&](const platform::HttpRequest& request) {
+        asked.append(request.url.toString());
+        EXPECT_EQ(request.resourceTimeout, std::chrono::milliseconds(300));
+        const auto url = request.url.toString();
+        platform::HttpResponse response{.status = 200};
+        if (url == "http://127.0.0.1:11434/v1/models"_L1)
+            response.body = R"({"data":[{"id":"seer"},{"id":"writer"},{"id":"index"},{"id":7},{"id":""}]})";
+        else if (url == "http://127.0.0.1:11434/api/show"_L1)
+            response.body = request.body.contains("seer")     ? R"({"capabilities":["completion","vision"]})"
+                            : request.body.contains("writer") ? R"({"capabilities":["completion","tools"]})"
+                                                              : R"({"capabilities":["embedding"]})";
+        else if (url == "http://127.0.0.1:8080/v1/models"_L1)
+            response.body = R"({"models":[{"name":"m.gguf","capabilities":["completion"]}],"data":[{"id":"m.gguf"}]})";
+        else if (url == "http://127.0.0.1:1234/v1/models"_L1)
+            response.body = R"(["no server of models"])";
+        return FakeHttpSession::Reply{response};
+    };
+    page.found()->look();
+    page.found()->look();
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(asked.size(), 6) << "each place once, and each of Ollama's models";
+    const auto model = [](const char* name, bool isTextOnly) {
+        return QVariantMap{{u"name"_s, QString::fromLatin1(name)}, {u"isTextOnly"_s, isTextOnly}};
+    };
+    const auto servers = page.found()->servers();
+    ASSERT_EQ(servers.size(), 2);
+    EXPECT_EQ(servers[0].toMap()[u"models"_s], (QVariantList{model("seer", false), model("writer", true)}));
+    EXPECT_EQ(servers[1].toMap()[u"models"_s], (QVariantList{model("m.gguf", true)}));
+
+    page.found()->take(u"http://127.0.0.1:11434"_s, u"index"_s);
+    EXPECT_TRUE(page.isNothingChosen()) << "it is not on offer";
+    page.found()->take(u"http://127.0.0.1:11434"_s, u"writer"_s);
+    EXPECT_EQ(service.pollinationsBaseURL(), u"http://127.0.0.1:11434"_s);
+    EXPECT_TRUE(service.asksGatewayOnly());
+    EXPECT_EQ(stored().textOnlyModel, u"writer"_s);
+    page.found()->take(u"http://127.0.0.1:11434"_s, u"seer"_s);
+    EXPECT_EQ(stored().pollinationsVisionModel, u"seer"_s);
+    EXPECT_EQ(stored().textOnlyModel, QString());
+}
+
+TEST_F(ProviderSettingsTest, ATrialTellsTheAnswerOrTheReasonAndIsForgottenWithTheNextChange) {
+    page.setPollinationsBaseURL(u"http://127.0.0.1:9"_s);
+    page.setEnableCustomPollinations(true);
+    auto& trial = *page.trial();
+    desktop.httpSession.answer(
+        {platform::HttpResponse{.status = 200, .body = R"({"choices":[{"message":{"content":" ready\n"}}]})"},
+         std::chrono::milliseconds(1500)});
+    trial.start();
+    trial.start();
+    EXPECT_TRUE(trial.isBusy());
+    desktop.loop.advance(std::chrono::seconds(2));
+    EXPECT_FALSE(trial.isBusy() || trial.hasFailed());
+    EXPECT_EQ(trial.outcome(), u"ready"_s);
+    EXPECT_EQ(trial.seconds(), u"1.5"_s);
+    EXPECT_EQ(desktop.httpSession.requests().size(), 1U);
+
+    desktop.httpSession.fail(platform::HttpError::Code::Transport, u"Nobody is there."_s);
+    trial.start();
+    desktop.loop.runUntilIdle();
+    EXPECT_TRUE(trial.hasFailed());
+    EXPECT_TRUE(trial.outcome().contains(u"Nobody is there."_s)) << qPrintable(trial.outcome());
+    page.setPollinationsVisionModel(u"other"_s);
+    EXPECT_FALSE(trial.hasFailed());
+    EXPECT_EQ(trial.outcome(), QString());
+
+    desktop.httpSession.neverAnswer();
+    trial.start();
+    desktop.loop.runUntilIdle();
+    page.setPollinationsVisionModel(u"another"_s);
+    desktop.loop.runUntilIdle();
+    EXPECT_FALSE(trial.isBusy());
+    EXPECT_EQ(desktop.httpSession.abandoned(), 1);
+}
+
 TEST_F(ProviderSettingsTest, BlanksCountAsNothingAndNothingIsRefused) {
     EXPECT_TRUE(page.cloudKeyMissing() && page.cloudModelMissing());
     EXPECT_FALSE(page.nvidiaKeyMissing()) << "its switch is off";
@@ -98,7 +175,7 @@ TEST_F(ProviderSettingsTest, AKeyStaysWithTheServerForWhichItWasTyped) {
     app::applyProviderSettings(storage.settings(), desktop.defaultsStore, service);
     EXPECT_EQ(service.pollinationsApiKey, u"old"_s);
 
-    ProviderSettingsModel opened{{desktop.loop, storage, service, desktop.workspace}};
+    ProviderSettingsModel opened{{desktop.loop, storage, service, desktop.workspace, desktop.httpSession}};
     for (const auto* other :
          {"https://b.example/v1", "http://a.example/v1", "https://a.example:444", "a.example", ""}) {
         SCOPED_TRACE(other);

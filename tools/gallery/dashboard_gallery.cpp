@@ -83,6 +83,7 @@ void picturePermissions(DashboardGallery& gallery) {
 
 void pictureDashboard(const QDir& folder) {
     DashboardGallery gallery(folder);
+    gallery.desktop.httpSession.otherwise = machineWithOllama;
     pictureGeneral(gallery);
     pictureHotkeys(gallery);
     pictureClone(gallery);

@@ -121,9 +121,24 @@ void pictureClone(DashboardGallery& gallery) {
     forgetSettings(gallery);
 }
 
+std::optional<FakeHttpSession::Reply> machineWithOllama(const platform::HttpRequest& request) {
+    const auto path = request.url.path();
+    if (request.url.port() != 11434)
+        return FakeHttpSession::Reply{
+            std::unexpected(platform::HttpError{.description = u"Could not connect to the server."_s})};
+    const auto* capabilities = request.body.contains("llava") ? R"(["completion","vision"])" : R"(["completion"])";
+    const QByteArray body = path == "/v1/models"_L1 ? QByteArray(R"({"data":[{"id":"llava:7b"},{"id":"qwen2.5:3b"}]})")
+                            : path == "/api/show"_L1
+                                ? QByteArray(R"({"capabilities":)") + capabilities + '}'
+                                : QByteArray(R"({"choices":[{"message":{"role":"assistant","content":"ready"}}]})");
+    return FakeHttpSession::Reply{
+        platform::HttpResponse{.status = 200, .headers = {{"Content-Type", "application/json"}}, .body = body}};
+}
+
 void pictureProviders(DashboardGallery& gallery) {
     using ui::ProviderSettingsModel;
-    gallery.picture(u"providers"_s, DashboardTab::providers);
+    gallery.picture(u"providers"_s, DashboardTab::providers,
+                    [](DashboardGallery& shown) { shown.desktop.loop.runUntilIdle(); });
     gallery.picture(u"providers-nvidia"_s, DashboardTab::providers,
                     [](DashboardGallery& shown) { shown.page<ProviderSettingsModel>().setEnableNvidiaLocal(true); });
     gallery.picture(u"providers-pollinations"_s, DashboardTab::providers, [](DashboardGallery& shown) {
@@ -161,7 +176,26 @@ void pictureProviders(DashboardGallery& gallery) {
         if (auto* picker = itemNamed(shown.window()->contentItem(), "CloudModelPicker"_L1))
             QMetaObject::invokeMethod(picker, "triggered");
     });
-    session.otherwise = nullptr;
+    session.otherwise = machineWithOllama;
+    forgetSettings(gallery);
+    gallery.picture(u"providers-tested"_s, DashboardTab::providers, [](DashboardGallery& shown) {
+        auto& page = shown.page<ProviderSettingsModel>();
+        shown.desktop.loop.runUntilIdle();
+        page.found()->take(u"http://127.0.0.1:11434"_s, u"llava:7b"_s);
+        page.trial()->start();
+        shown.desktop.loop.runUntilIdle();
+        shown.scrollDown();
+    });
+    session.otherwise = [](const auto&) {
+        return FakeHttpSession::Reply{
+            std::unexpected(platform::HttpError{.description = u"Could not connect to 127.0.0.1."_s})};
+    };
+    gallery.picture(u"providers-test-failed"_s, DashboardTab::providers, [](DashboardGallery& shown) {
+        shown.page<ProviderSettingsModel>().trial()->start();
+        shown.desktop.loop.runUntilIdle();
+        shown.scrollDown();
+    });
+    session.otherwise = machineWithOllama;
     forgetSettings(gallery);
 }
 

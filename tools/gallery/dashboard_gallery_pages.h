@@ -9,4 +9,7 @@ void pictureClone(DashboardGallery& gallery);
 void pictureProviders(DashboardGallery& gallery);
 void pictureHistory(DashboardGallery& gallery);
 
+/// A machine on which Ollama has two models; nothing else answers.
+std::optional<FakeHttpSession::Reply> machineWithOllama(const platform::HttpRequest& request);
+
 }  // namespace tavrelon::testing

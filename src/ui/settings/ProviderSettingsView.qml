@@ -47,11 +47,14 @@ ScrollPage {
             onTriggered: page.model.selection = "nvidia"
         }
     }
+    FoundServersCard { visible: page.model.isNothingChosen && found.servers.length > 0; found: page.model.found; texts: page.texts }
     TaughtNotice { taught: page.model.taught }
     Loader {
         width: parent.width
         sourceComponent: ({ pollinations: pollinationsSection, ollama: ollamaSection, nvidia: nvidiaSection })[page.model.selection]
     }
+
+    ServiceTrialCard { trial: page.model.trial; texts: page.texts }
 
     Component {
         id: pollinationsSection

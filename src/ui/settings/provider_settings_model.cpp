@@ -24,6 +24,7 @@ ProviderSettingsModel::ProviderSettingsModel(Services services)
     keys_ = {stored(entries::nvidiaApiKey), stored(entries::ollamaCloudApiKey),
              persistence::boundKey(defaults, entries::ollamaLocalApiKey, ollamaAddress()),
              persistence::boundKey(defaults, entries::pollinationsApiKey, pollinationsAddress())};
+    connect(this, &PageModel::changed, &trial_, &ServiceTrial::forget);
 }
 
 QString ProviderSettingsModel::ollamaAddress() const {
@@ -107,6 +108,14 @@ void ProviderSettingsModel::setEnableCustomPollinations(bool enabled) {
     storage().saveSettings();
     service.pollinationsCustomEnabled = enabled;
     handOnCustomPollinations();
+}
+
+void ProviderSettingsModel::take(const QString& baseURL, const generation::ServedModel& model) {
+    setPollinationsBaseURL(baseURL);
+    setPollinationsVisionModel(model.name);
+    store([&](AppSettings& changed) { changed.textOnlyModel = model.isTextOnly ? model.name : QString(); });
+    setEnableCustomPollinations(true);
+    select(u"pollinations"_s);
 }
 
 void ProviderSettingsModel::setStaysWithGateway(bool stays) {

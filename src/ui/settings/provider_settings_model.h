@@ -3,7 +3,9 @@
 #include "persistence/bound_key.h"
 #include "platform/workspace.h"
 #include "ui/dashboard/page_model.h"
+#include "ui/settings/found_servers.h"
 #include "ui/settings/ollama_cloud_models.h"
+#include "ui/settings/service_trial.h"
 #include "ui/settings/taught_model.h"
 
 namespace tavrelon::ui {
@@ -16,6 +18,9 @@ class ProviderSettingsModel : public PageModel {
     Q_PROPERTY(QString selection READ selection WRITE select NOTIFY selectionChanged)
     Q_PROPERTY(tavrelon::ui::OllamaCloudModels* cloudModels READ cloudModels CONSTANT)
     Q_PROPERTY(tavrelon::ui::TaughtModel* taught READ taught CONSTANT)
+    Q_PROPERTY(tavrelon::ui::FoundServers* found READ found CONSTANT)
+    Q_PROPERTY(tavrelon::ui::ServiceTrial* trial READ trial CONSTANT)
+    Q_PROPERTY(bool isNothingChosen READ isNothingChosen NOTIFY changed)
 
     Q_PROPERTY(bool enableNvidiaLocal READ enableNvidiaLocal WRITE setEnableNvidiaLocal NOTIFY changed)
     Q_PROPERTY(bool enableOllamaVision READ enableOllamaVision WRITE setEnableOllamaVision NOTIFY changed)
@@ -59,12 +64,20 @@ class ProviderSettingsModel : public PageModel {
         persistence::StorageManager& storage;
         generation::PollinationsService& pollinations;
         platform::Workspace& workspace;
+        platform::HttpSession& httpSession;
     };
 
     explicit ProviderSettingsModel(Services services);
 
     OllamaCloudModels* cloudModels() { return &cloudModels_; }
     TaughtModel* taught() { return &taught_; }
+    FoundServers* found() { return &found_; }
+    ServiceTrial* trial() { return &trial_; }
+
+    /// Whether requests go where they go without any choice of the user's.
+    bool isNothingChosen() const {
+        return !enableNvidiaLocal() && !enableOllamaVision() && !enableCustomPollinations();
+    }
 
     /// The section on view: "nvidia", "ollama" or "pollinations". It says nothing of what is in use.
     QString selection() const { return selection_; }
@@ -150,6 +163,7 @@ class ProviderSettingsModel : public PageModel {
     QString pollinationsAddress() const;
     static QString shownKey(const persistence::BoundKey& key, const QString& address);
     static QString keyNote(const persistence::BoundKey& key, const QString& address);
+    void take(const QString& baseURL, const generation::ServedModel& model);
     void turnOffNvidia();
     void handOnCustomPollinations();
 
@@ -157,6 +171,9 @@ class ProviderSettingsModel : public PageModel {
     Keys keys_;
     QString selection_;
     OllamaCloudModels cloudModels_;
+    FoundServers found_{services_.mainLoop, services_.httpSession,
+                        [this](const QString& baseURL, const generation::ServedModel& model) { take(baseURL, model); }};
+    ServiceTrial trial_{services_.mainLoop, services_.pollinations};
     TaughtModel taught_{storage(), {persistence::Taught::AdaptivePrompt, persistence::Taught::CloneProfile}};
 };
 

@@ -17,7 +17,8 @@ DashboardPage clonePage(app::AppState& appState, platform::Platform& platform, p
 DashboardPage providersPage(app::AppState& appState, platform::Platform& platform) {
     return {DashboardTab::providers, QStringLiteral("settings/ProviderSettingsView"), [&] {
                 return std::make_unique<ProviderSettingsModel>(ProviderSettingsModel::Services{
-                    platform.mainLoop, appState.storageManager(), appState.pollinationsService(), platform.workspace});
+                    platform.mainLoop, appState.storageManager(), appState.pollinationsService(), platform.workspace,
+                    platform.httpSession});
             }};
 }
 
