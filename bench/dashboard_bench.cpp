@@ -149,7 +149,7 @@ class DashboardBench {
 
     tavrelon::testing::TestDesktop desktop_;
     app::AppState appState_{desktop_.platform, desktop_.userInterface, generation::ServiceEndpoints::builtIn(),
-                            [](const QString&) {}};
+                            [](const QString&, const auto&) {}};
     tavrelon::testing::FakeRawKeys keys_;
     tavrelon::testing::FakeFilePicker picker_{desktop_.loop};
     desktop::QtMainLoop loop_;

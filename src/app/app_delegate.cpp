@@ -6,7 +6,8 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::UserInterface& 
                          const generation::ServiceEndpoints& endpoints)
     : platform_(platform),
       userInterface_(userInterface),
-      appState_(platform, userInterface, endpoints, [this](const QString& symbolName) { setStatusIcon(symbolName); }) {}
+      appState_(platform, userInterface, endpoints,
+                [this](const QString& symbolName, const auto& reason) { setStatusIcon(symbolName, reason); }) {}
 
 void AppDelegate::applicationDidFinishLaunching(Launch launch) {
     setupStatusItem();
@@ -58,8 +59,11 @@ void AppDelegate::quitApp() {
     userInterface_.application.terminate();
 }
 
-void AppDelegate::setStatusIcon(const QString& symbolName) {
-    userInterface_.statusItem.setImage(symbolName, QStringLiteral("Tavrelon"));
+void AppDelegate::setStatusIcon(const QString& symbolName, const std::optional<QString>& reason) {
+    constexpr qsizetype mostOfAReason = 200;
+    const auto name = QStringLiteral("Tavrelon");
+    userInterface_.statusItem.setImage(symbolName,
+                                       reason ? QStringLiteral("%1: %2").arg(name, reason->left(mostOfAReason)) : name);
 }
 
 void AppDelegate::startHotkeyListener() {

@@ -31,7 +31,8 @@ class AppDelegate {
     void openHistory() { openDashboard(); }
     void openAbout();
     void quitApp();
-    void setStatusIcon(const QString& symbolName);
+    /// The tray's tool tip says `reason`, if there is one.
+    void setStatusIcon(const QString& symbolName, const std::optional<QString>& reason = std::nullopt);
 
     AppState& appState() { return appState_; }
 

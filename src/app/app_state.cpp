@@ -84,11 +84,17 @@ std::optional<QRectF> AppState::caretRect() {
 void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon) {
     const auto caret = [this] { return caretRect(); };
     inputHUDController_ = std::make_unique<ui::InputHUDWindowController>(
-        ui::InputHUDWindowController::Desktop{platform_.mainLoop, userInterface, caret, std::move(setStatusIcon)},
+        ui::InputHUDWindowController::Desktop{platform_.mainLoop, userInterface, caret, std::move(setStatusIcon),
+                                              [this] { return serviceName(); }},
         inputStateMachine_);
     floatingInputController_ = std::make_unique<ui::FloatingInputWindowController>(
         ui::FloatingInputWindowController::Desktop{platform_.mainLoop, platform_.workspace, userInterface, caret},
         inputStateMachine_, [this] { return storageManager_.settings().appLanguage == QLatin1StringView("en"); });
+}
+
+QString AppState::serviceName() const {
+    const auto asked = generation::destinations(pollinationsService_, generation::RequestContents::Text);
+    return asked.empty() ? QString() : asked.front().host();
 }
 
 void AppState::askForConsent(const std::optional<ServiceConsent::Question>& question) {

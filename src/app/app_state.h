@@ -29,8 +29,8 @@ namespace tavrelon::app {
 /// service. Main thread; lives as long as the process.
 class AppState {
  public:
-    /// Gets the name of the symbol that stands for the state of the input.
-    using StatusIconSetter = std::function<void(const QString& symbolName)>;
+    /// Gets the name of the symbol that stands for the state of the input, and why the last input failed.
+    using StatusIconSetter = std::function<void(const QString& symbolName, const std::optional<QString>& reason)>;
 
     /// `platform` and `userInterface` outlive this object. Construction has no failure path: what is missing is
     /// defaults.
@@ -60,6 +60,7 @@ class AppState {
     void togglePromptBox();
     void toggleVideo();
     std::optional<QRectF> caretRect();
+    QString serviceName() const;
     void makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon);
     template <typename Work>
     hotkeys::HotkeyManager::Callback nextTurn(Work work);

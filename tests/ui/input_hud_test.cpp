@@ -30,9 +30,11 @@ class InputHUDTest : public ::testing::Test {
     tavrelon::testing::InputDesk desk;
     std::optional<QRectF> caret = QRectF(300, 100, 2, 18);
     std::unique_ptr<InputHUDWindowController> controller = std::make_unique<InputHUDWindowController>(
-        InputHUDWindowController::Desktop{
-            desk.loop, desk.userInterface, [this] { return caret; },
-            [this](const QString& symbol) { desk.statusItem.setImage(symbol, QStringLiteral("Tavrelon")); }},
+        InputHUDWindowController::Desktop{desk.loop, desk.userInterface, [this] { return caret; },
+                                          [this](const QString& symbol, const auto& reason) {
+                                              desk.statusItem.setImage(symbol, reason.value_or(QString()));
+                                          },
+                                          [] { return QStringLiteral("models.example"); }},
         desk.machine);
 
     InputHUDTest() { desk.generator.delay = 5s; }
@@ -41,19 +43,41 @@ class InputHUDTest : public ::testing::Test {
     bool isPanelVisible() { return !desk.panels.made.empty() && panel().visible; }
 };
 
-TEST_F(InputHUDTest, AFailureShowsForTwoSecondsWhereItHappened) {
+TEST_F(InputHUDTest, AFailureSaysItsReasonForFourSecondsAndInTheTrayUntilTheNextSuccess) {
     desk.toggle();
     desk.machine->failInput(QStringLiteral("No answer"));
     desk.loop.runUntilIdle();
     EXPECT_EQ(symbol(), QStringLiteral("exclamationmark.triangle.fill"));
     EXPECT_EQ(panel().contentSize, QSizeF(320, 60));
     EXPECT_EQ(hudLook(desk.state()).label, QStringLiteral("No answer"));
-    EXPECT_EQ(hudLook(InputState::error(QString(41, u'x'))).label, QStringLiteral("Error"));
-    desk.loop.advance(1999ms);
+    const auto longReason = InputState::error(QString(41, u'x'));
+    EXPECT_EQ(hudLook(longReason).label, longReason.message);
+    EXPECT_EQ(hudContentSize(longReason, std::nullopt), QSizeF(420, 60));
+    desk.loop.advance(3999ms);
     EXPECT_TRUE(desk.state() == InputState::error(QStringLiteral("No answer")));
     EXPECT_TRUE(panel().visible);
     desk.loop.advance(1ms);
     EXPECT_TRUE(desk.state() == Case::idle);
+    EXPECT_FALSE(panel().visible);
+    EXPECT_EQ(desk.statusItem.description, QStringLiteral("No answer"));
+    desk.machine->startAutoReply();
+    desk.loop.advance(4s);
+    EXPECT_EQ(desk.statusItem.description, QStringLiteral("No answer"));
+    desk.loop.advance(5s);
+    EXPECT_EQ(desk.statusItem.description, QString());
+}
+
+TEST_F(InputHUDTest, WhoKeepsTheUserWaitingIsSaidAfterTenSeconds) {
+    desk.generator.delay = 15s;
+    desk.machine->startAutoReply();
+    desk.loop.advance(9s);
+    const auto says = [this] { return panel().model->property("waiting").toString(); };
+    EXPECT_EQ(says(), QString());
+    desk.loop.advance(2s);
+    EXPECT_EQ(says(), QStringLiteral("Still waiting for models.example…"));
+    EXPECT_EQ(panel().contentSize, QSizeF(320, 70));
+    desk.loop.advance(10s);
+    EXPECT_EQ(says(), QString());
     EXPECT_FALSE(panel().visible);
 }
 
@@ -62,11 +86,11 @@ TEST_F(InputHUDTest, AnInputThatIsRefusedAtOnceIsSaidToo) {
     desk.loop.runUntilIdle();
     EXPECT_TRUE(isPanelVisible());
     EXPECT_EQ(symbol(), QStringLiteral("exclamationmark.triangle.fill"));
-    desk.loop.advance(2s);
+    desk.loop.advance(4s);
     EXPECT_TRUE(desk.state() == Case::idle);
 }
 
-TEST_F(InputHUDTest, ANewInputWithinTheTwoSecondsGoesOn) {
+TEST_F(InputHUDTest, ANewInputMeanwhileGoesOn) {
     desk.machine->failInput(QStringLiteral("No answer"));
     desk.loop.advance(1s);
     desk.toggle();

@@ -32,7 +32,7 @@ class DashboardGallery {
     QTemporaryDir files;  ///< views read pictures from the disk
     TestDesktop desktop;
     app::AppState appState{keepingFilesIn(files, desktop), desktop.userInterface,
-                           generation::ServiceEndpoints::builtIn(), [](const QString&) {}};
+                           generation::ServiceEndpoints::builtIn(), [](const QString&, const auto&) {}};
     FakeRawKeys keys;
     FakeFilePicker picker{desktop.loop};
     platform::AuthorizationStatus permission = platform::AuthorizationStatus::Denied;

@@ -137,8 +137,10 @@ std::optional<FakeHttpSession::Reply> machineWithOllama(const platform::HttpRequ
 
 void pictureProviders(DashboardGallery& gallery) {
     using ui::ProviderSettingsModel;
-    gallery.picture(u"providers"_s, DashboardTab::providers,
-                    [](DashboardGallery& shown) { shown.desktop.loop.runUntilIdle(); });
+    gallery.picture(u"providers"_s, DashboardTab::providers, [](DashboardGallery& shown) {
+        shown.settle();
+        shown.desktop.loop.runUntilIdle();
+    });
     gallery.picture(u"providers-nvidia"_s, DashboardTab::providers,
                     [](DashboardGallery& shown) { shown.page<ProviderSettingsModel>().setEnableNvidiaLocal(true); });
     gallery.picture(u"providers-pollinations"_s, DashboardTab::providers, [](DashboardGallery& shown) {

@@ -122,6 +122,10 @@ void pictureFaces(Gallery& gallery) {
         {"processing", InputState::Case::processing, InputTrigger::text},
         {"completed", InputState::Case::completed, InputTrigger::text},
         {"error", InputState::error(QStringLiteral("Answer is on the clipboard")), InputTrigger::text},
+        {"error-reason",
+         InputState::error(QStringLiteral("Generation failed: API error (401): the key for models.example is not known "
+                                          "there, or has been taken back by its owner")),
+         InputTrigger::text},
     };
     for (const auto& face : faces) {
         ui::InputHUDModel model;
@@ -129,6 +133,15 @@ void pictureFaces(Gallery& gallery) {
         model.show(face.state, face.trigger);
         gallery.picture(QString::fromLatin1(face.name), platform::PanelKind::Overlay,
                         QStringLiteral("hud/InputHUDView"), ui::hudContentSize(face.state, face.trigger), model);
+    }
+    for (const auto trigger : {InputTrigger::text, InputTrigger::autoReply}) {
+        ui::InputHUDModel model;
+        model.show(InputState::Case::processing, trigger);
+        model.setWaitingFor(QStringLiteral("gen.pollinations.ai"));
+        gallery.picture(
+            trigger == InputTrigger::text ? QStringLiteral("waiting") : QStringLiteral("waiting-auto-reply"),
+            platform::PanelKind::Overlay, QStringLiteral("hud/InputHUDView"),
+            ui::hudWaitingSize(InputState::Case::processing, trigger), model);
     }
     for (const bool isEnglish : {true, false}) {
         ui::InputHUDModel model;

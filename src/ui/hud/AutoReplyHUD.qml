@@ -3,11 +3,13 @@ import "qrc:/tavrelon/ui/theme"
 
 /// A reply to what is on the screen is being written.
 TitledHUD {
+    id: face
+
     required property QtObject hud
 
     tint: Theme.blue
     title: "Auto Reply"
-    subtitle: "Composing..."
+    subtitle: face.hud.waiting ? face.hud.waiting : "Composing..."
 
     GlowingBadge {
         from: Theme.faded(Theme.blue, 0.65)

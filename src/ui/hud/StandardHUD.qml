@@ -60,8 +60,13 @@ Item {
 
         Text {
             anchors.verticalCenter: parent.verticalCenter
+            width: Math.min(implicitWidth, face.width - 92)
             text: face.hud.label
+            textFormat: Text.PlainText
             color: Theme.primary
+            wrapMode: Text.Wrap
+            maximumLineCount: 2
+            elide: Text.ElideRight
             font.pixelSize: 13
             font.weight: Font.Medium
         }

@@ -3,11 +3,13 @@ import "qrc:/tavrelon/ui/theme"
 
 /// The recorded pictures are being looked at.
 TitledHUD {
+    id: face
+
     required property QtObject hud
 
     tint: Theme.purple
     title: "Video Vision"
-    subtitle: "Analyzing..."
+    subtitle: face.hud.waiting ? face.hud.waiting : "Analyzing..."
 
     GlowingBadge {
         from: Theme.faded(Theme.purple, 0.7)

@@ -1,5 +1,7 @@
 #include "ui/hud/hud_look.h"
 
+#include <algorithm>
+
 namespace tavrelon::ui {
 
 using input::InputState;
@@ -8,10 +10,16 @@ using Case = InputState::Case;
 
 namespace {
 
-/// What the user must know at once, such as that an answer is on the clipboard, is short; what a service says is not.
-bool isShortEnoughToShow(const QString& message) {
-    constexpr qsizetype longest = 40;
-    return !message.isEmpty() && message.size() <= longest;
+constexpr double height = 60;
+constexpr double widthOfAState = 200;
+constexpr double widthOfASentence = 320;
+constexpr double widthOfTwoLines = 420;
+
+double widthOfError(const QString& message) {
+    constexpr qsizetype oneLine = 40;
+    if (message.isEmpty())
+        return widthOfAState;
+    return message.size() <= oneLine ? widthOfASentence : widthOfTwoLines;
 }
 
 }  // namespace
@@ -68,7 +76,12 @@ QSizeF hudContentSize(const InputState& state, std::optional<InputTrigger> trigg
         case HUDFace::Standard:
             break;
     }
-    return {state == Case::error && isShortEnoughToShow(state.message) ? 320.0 : 200.0, 60};
+    return {state == Case::error ? widthOfError(state.message) : widthOfAState, height};
+}
+
+QSizeF hudWaitingSize(const InputState& state, std::optional<InputTrigger> trigger) {
+    const auto size = hudContentSize(state, trigger);
+    return {std::max(size.width(), widthOfASentence), size.height()};
 }
 
 HUDLook hudLook(const InputState& state) {
@@ -86,7 +99,7 @@ HUDLook hudLook(const InputState& state) {
         case Case::completed:
             return {QStringLiteral("Done"), QStringLiteral("checkmark"), QStringLiteral("green")};
         case Case::error:
-            return {isShortEnoughToShow(state.message) ? state.message : QStringLiteral("Error"),
+            return {state.message.isEmpty() ? QStringLiteral("Error") : state.message,
                     QStringLiteral("exclamationmark.triangle.fill"), QStringLiteral("red")};
     }
     return {QStringLiteral("Ready"), QStringLiteral("command"), QStringLiteral("grey")};

@@ -20,6 +20,9 @@ QString hudFaceName(HUDFace face);
 inline constexpr QSizeF hudQuestionSize{440, 124};
 QSizeF hudContentSize(const input::InputState& state, std::optional<input::InputTrigger> trigger);
 
+/// With room for the name of the service that is waited for.
+QSizeF hudWaitingSize(const input::InputState& state, std::optional<input::InputTrigger> trigger);
+
 /// What the standard face says of a state.
 struct HUDLook {
     QString label;

@@ -4,11 +4,17 @@ namespace tavrelon::ui {
 
 void InputHUDModel::show(const input::InputState& state, std::optional<input::InputTrigger> trigger) {
     look_ = hudLook(state);
+    waiting_.clear();
     isPulsing_ = !state.acceptsNewInput();
     isRotating_ = state == input::InputState::Case::processing;
     const auto earlier = shownFace();
     face_ = hudFace(state, trigger);
     announceSince(earlier);
+}
+
+void InputHUDModel::setWaitingFor(const QString& service) {
+    waiting_ = QStringLiteral("Still waiting for %1…").arg(service);
+    Q_EMIT stateChanged();
 }
 
 void InputHUDModel::setQuestion(const std::optional<HUDQuestion>& question) {

@@ -20,6 +20,7 @@ class InputHUDModel : public QObject {
     Q_PROPERTY(QString label READ label NOTIFY stateChanged)
     Q_PROPERTY(QString symbol READ symbol NOTIFY stateChanged)
     Q_PROPERTY(QString tint READ tint NOTIFY stateChanged)
+    Q_PROPERTY(QString waiting READ waiting NOTIFY stateChanged)
     Q_PROPERTY(bool isPulsing READ isPulsing NOTIFY stateChanged)
     Q_PROPERTY(bool isRotating READ isRotating NOTIFY stateChanged)
     Q_PROPERTY(QString questionTitle READ questionTitle NOTIFY stateChanged)
@@ -31,12 +32,16 @@ class InputHUDModel : public QObject {
     void show(const input::InputState& state, std::optional<input::InputTrigger> trigger);
     void setTranscript(const QString& transcript);
 
+    /// Says who keeps the user waiting, until the next `show`.
+    void setWaitingFor(const QString& service);
+
     /// A question stands in place of every face until it is taken away.
     void setQuestion(const std::optional<HUDQuestion>& question);
     bool isAsking() const { return question_.has_value(); }
 
     QString face() const { return hudFaceName(shownFace()); }
-    QString label() const { return look_.label; }
+    QString label() const { return waiting_.isEmpty() ? look_.label : waiting_; }
+    QString waiting() const { return waiting_; }  ///< empty until it takes long
     QString symbol() const { return look_.symbol; }
     QString tint() const { return look_.tint; }
     QString questionTitle() const { return question_ ? question_->title : QString(); }
@@ -59,6 +64,7 @@ class InputHUDModel : public QObject {
     std::optional<HUDQuestion> question_;
     HUDFace face_ = HUDFace::Standard;
     HUDLook look_ = hudLook({});
+    QString waiting_;
     QString transcript_;
     bool isPulsing_ = false;
     bool isRotating_ = false;

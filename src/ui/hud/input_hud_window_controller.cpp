@@ -11,8 +11,12 @@ using Case = InputState::Case;
 
 namespace {
 
-/// How long a result or a failure stays in sight. The user's settings have no say in it.
-constexpr auto returnDelay = 2s;
+/// How long a result stays in sight, and a failure with its reason. The user's settings have no say in it.
+constexpr auto resultDelay = 2s;
+constexpr auto failureDelay = 4s;
+
+/// How long a service may take without a word to the user.
+constexpr auto patience = 10s;
 
 }  // namespace
 
@@ -29,6 +33,8 @@ InputHUDWindowController::InputHUDWindowController(Desktop desktop,
 void InputHUDWindowController::react(const InputState& state) {
     resize(state);
     model_.show(state, stateMachine_->activeTrigger());
+    patience_ =
+        state == Case::processing ? desktop_.mainLoop.after(patience, [this] { sayWhoIsWaitedFor(); }) : async::Timer();
     switch (state.value) {
         case Case::idle:
             if (window_)
@@ -46,12 +52,15 @@ void InputHUDWindowController::react(const InputState& state) {
         case Case::error:
             if (!window_ || !window_->isVisible())  // it may be all that is seen of an input that was refused
                 placeAndShow(state);
-            [[fallthrough]];
+            reason_ = stateMachine_->lastError();
+            scheduleReturnToIdle(failureDelay);
+            break;
         case Case::completed:
-            scheduleReturnToIdle();
+            reason_.reset();
+            scheduleReturnToIdle(resultDelay);
             break;
     }
-    desktop_.setStatusIcon(statusSymbol(state));
+    desktop_.setStatusIcon(statusSymbol(state), reason_);
 }
 
 void InputHUDWindowController::resize(const InputState& state) {
@@ -96,13 +105,21 @@ void InputHUDWindowController::keepOnScreen() {
                              std::max(area.top(), std::min(origin_.y(), area.bottom() - size.height()))});
 }
 
-void InputHUDWindowController::scheduleReturnToIdle() {
-    returns_.push_back(desktop_.mainLoop.after(returnDelay, [this] { returnToIdle(); }));
+void InputHUDWindowController::scheduleReturnToIdle(std::chrono::milliseconds delay) {
+    const auto number = nextReturn_++;
+    returns_[number] = desktop_.mainLoop.after(delay, [this, number] {
+        returns_.erase(number);
+        stateMachine_->returnToIdle();
+    });
 }
 
-void InputHUDWindowController::returnToIdle() {
-    returns_.pop_front();  // all wait equally long, so it is the oldest that is due
-    stateMachine_->returnToIdle();
+void InputHUDWindowController::sayWhoIsWaitedFor() {
+    model_.setWaitingFor(desktop_.serviceName());
+    if (model_.isAsking())
+        return;
+    contentSize_ = hudWaitingSize(stateMachine_->currentState(), stateMachine_->activeTrigger());
+    if (window_)
+        window_->setContentSize(contentSize_);
 }
 
 }  // namespace tavrelon::ui

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <QProperty>
-#include <deque>
+#include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 
 #include "async/lifetime.h"
@@ -21,7 +22,9 @@ class InputHUDWindowController {
         async::MainLoop& mainLoop;
         platform::UserInterface& userInterface;
         std::function<std::optional<QRectF>()> caretRect;  ///< counts from the top left of the desktop
-        std::function<void(const QString& symbolName)> setStatusIcon;
+        /// `reason` is why the last input failed, until one succeeds.
+        std::function<void(const QString& symbolName, const std::optional<QString>& reason)> setStatusIcon;
+        std::function<QString()> serviceName;  ///< who answers requests
     };
 
     /// Works by itself from here on. `stateMachine` is not null.
@@ -38,16 +41,19 @@ class InputHUDWindowController {
     void placeAndShow(const input::InputState& state);
     void resize(const input::InputState& state);
     void keepOnScreen();
-    void scheduleReturnToIdle();
-    void returnToIdle();
+    void scheduleReturnToIdle(std::chrono::milliseconds delay);
+    void sayWhoIsWaitedFor();
 
     Desktop desktop_;
     std::shared_ptr<input::InputStateMachine> stateMachine_;
     InputHUDModel model_;
     std::unique_ptr<platform::Panel> window_;  ///< built when first needed, then kept
     QSizeF contentSize_;
-    QPointF origin_;                    ///< where the panel was placed beside the caret
-    std::deque<async::Timer> returns_;  ///< one for each end of an input that is not yet two seconds old
+    QPointF origin_;  ///< where the panel was placed beside the caret
+    std::optional<QString> reason_;
+    std::map<quint64, async::Timer> returns_;  ///< one for each end of an input that is still in sight
+    quint64 nextReturn_ = 0;
+    async::Timer patience_;
     QPropertyNotifier stateSubscription_;
     QPropertyNotifier transcriptSubscription_;
     async::Lifetime lifetime_;
