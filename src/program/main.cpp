@@ -48,6 +48,7 @@ int main(int argc, char** argv) {
         return EX_UNAVAILABLE;
     }
     start->display.reset();
+    windowing->letGoOfLeftOverModifiers();
     desktop::SessionAdapters session(loop, log, *std::move(windowing), start->folders);
     desktop::QtApplication desktopApplication;
     desktop::QtScreens screens;

@@ -46,6 +46,7 @@ std::expected<WindowingSystem, QString> openWindowingSystem(async::MainLoop& loo
     auto screenCapture = opened(X11ScreenCapture::create(loop, log, *workspace));
     auto hotkeys = std::make_unique<X11Hotkeys>(loop, log, posted);
     auto keyObserver = std::make_unique<X11KeyObserver>(*hotkeys);
+    auto letGoOfLeftOver = [poster = keyPoster.get()] { poster->letGoOfLeftOverModifiers(); };
     auto letGo = [poster = keyPoster.get()] { poster->letGoOfModifiers(); };
     return WindowingSystem{std::move(workspace),
                            std::move(pasteboard),
@@ -55,6 +56,7 @@ std::expected<WindowingSystem, QString> openWindowingSystem(async::MainLoop& loo
                            std::move(keyObserver),
                            panelSurroundings(opened(X11PanelSurroundings::create())),
                            keyNames(opened(X11NativeKeys::create())),
+                           std::move(letGoOfLeftOver),
                            std::move(letGo)};
 } catch (const Missing& missing) {
     return std::unexpected(missing.reason);

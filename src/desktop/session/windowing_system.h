@@ -27,6 +27,7 @@ struct WindowingSystem {
     std::unique_ptr<platform::KeyObserver> keyObserver;
     PanelSurroundings panelSurroundings;
     NativeKeyNames keyNames;
+    std::function<void()> letGoOfLeftOverModifiers;  ///< of a run that was killed; by the user's one process only
     std::function<void()> letGoOfModifiers;  ///< before the process stops: nobody would let go of what was given back
 };
 

@@ -43,10 +43,8 @@ std::expected<std::unique_ptr<X11KeyPoster>, QString> X11KeyPoster::open(
     auto watch = X11Connection::open();
     if (!watch)
         return std::unexpected(watch.error());
-    std::unique_ptr<X11KeyPoster> poster(
+    return std::unique_ptr<X11KeyPoster>(
         new X11KeyPoster(std::move(*xtest), std::move(*watch), std::move(posted), std::move(shortcuts)));
-    poster->modifiers_.releaseLeftOver();
-    return poster;
 }
 
 void X11KeyPoster::press(keys::VirtualKey key, keys::Modifiers flags) {

@@ -25,6 +25,10 @@ class X11KeyPoster : public platform::KeyPoster {
     void putModifiersAside() override;
     void giveModifiersBack() override;
 
+    /// Once at the start of the only process that posts keys: lets go of modifiers that a run which was killed left
+    /// down. Beside another such process it would break that one's chords.
+    void letGoOfLeftOverModifiers() { modifiers_.releaseLeftOver(); }
+
     /// Before the process stops: nobody would let go of what was given back.
     void letGoOfModifiers() { modifiers_.letGo(); }
 
