@@ -19,7 +19,7 @@ FLOORS = [
     ["ui/settings", "ui/history"],
 ]
 ADAPTERS = ["desktop/applications", "desktop/atspi", "desktop/audio", "desktop/documents", "desktop/linux", "desktop/qt",
-            "desktop/session", "desktop/x11"]
+            "desktop/session", "desktop/wayland", "desktop/x11", "desktop/xkb"]
 PICKER = "desktop/session"  # which of the other adapters this session has; it may use them all
 
 # Neighbours on one floor that may be used in this one direction, with the reason.
@@ -27,6 +27,10 @@ NEIGHBOURS = {
     ("keys", "text"): "hotkey records are written as JSON",
     ("desktop/atspi", "desktop/linux"): "a bus that may hang is tried before the library connects to it",
     ("desktop/documents", "desktop/linux"): "the document process reads files with the same care as the program",
+    ("desktop/wayland", "desktop/applications"): "a window's id tells its application, and which chords that takes",
+    ("desktop/wayland", "desktop/linux"): "the process behind a window is found in /proc",
+    ("desktop/wayland", "desktop/xkb"): "hotkeys and posted keys are keys of an xkb keymap",
+    ("desktop/x11", "desktop/xkb"): "so are those of an X server",
     ("desktop/x11", "desktop/linux"): "the process behind a window is found in /proc",
     ("desktop/x11", "desktop/applications"): "a window's class tells its application, and which chords that takes",
 }
@@ -40,7 +44,7 @@ PLATFORM_IFDEF = re.compile(
     r"^\s*#\s*(?:if|ifdef|ifndef|elif|elifdef)\b.*"
     r"\b(_WIN32|_WIN64|WIN32|__APPLE__|__MACH__|__linux__|__linux|__gnu_linux__|__unix__|__FreeBSD__|"
     r"TARGET_OS_\w+|Q_OS_\w+|Q_WS_\w+)\b")
-DESKTOP_HEADER = re.compile(r"^(xcb/|X11/|xkbcommon/|QDBus|QtDBus|atspi|dbus/|pulse/|glib|gio/)")
+DESKTOP_HEADER = re.compile(r"^(xcb/|X11/|wayland|xkbcommon/|QDBus|QtDBus|atspi|dbus/|pulse/|glib|gio/)")
 LINKED_TARGET = re.compile(r"\btavrelon_(\w+)\b")
 NOT_FOLDERS = {"library", "options", "test", "test_support"}
 

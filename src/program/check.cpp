@@ -18,6 +18,7 @@
 #include "desktop/qt/qt_http_session.h"
 #include "desktop/qt/qt_main_loop.h"
 #include "desktop/session/session_adapters.h"
+#include "desktop/session/session_kind.h"
 #include "keys/key_names.h"
 #include "program/check_report.h"
 #include "program/silent_buses.h"
@@ -44,10 +45,17 @@ Finding missing(const QString& reason) {
 }
 
 Finding session() {
-    const bool isWayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     const auto desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP", QStringLiteral("no desktop's name is set"));
-    if (isWayland)
-        return QStringLiteral("Wayland (%1): served are X11 windows, and what its keys bind to --trigger").arg(desktop);
+    switch (desktop::sessionKind()) {
+        case desktop::SessionKind::Sway:
+            return QStringLiteral(
+                "sway: fields are read and written by accessibility; what is typed cannot be seen in others");
+        case desktop::SessionKind::OtherWayland:
+            return QStringLiteral("Wayland (%1): served are X11 windows, and what its keys bind to --trigger")
+                .arg(desktop);
+        case desktop::SessionKind::X11:
+            break;
+    }
     return QStringLiteral("X11, display %1 (%2)").arg(qEnvironmentVariable("DISPLAY"), desktop);
 }
 

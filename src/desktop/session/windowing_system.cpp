@@ -1,5 +1,10 @@
 #include "desktop/session/windowing_system.h"
 
+#include "desktop/session/session_kind.h"
+#include "desktop/wayland/clipboard/wayland_pasteboard.h"
+#include "desktop/wayland/keys/wayland_key_poster.h"
+#include "desktop/wayland/sway/sway_hotkeys.h"
+#include "desktop/wayland/sway/sway_shortcuts.h"
 #include "desktop/x11/keys/x11_key_observer.h"
 #include "desktop/x11/keys/x11_key_poster.h"
 #include "desktop/x11/keys/x11_native_keys.h"
@@ -14,6 +19,30 @@ namespace {
 
 struct Missing {
     QString reason;
+};
+
+/// Where a session tells nobody what is typed: the field alone does.
+class NoKeyObserver : public platform::KeyObserver {
+ public:
+    bool start(Calls) override { return false; }
+    void stop() override {}
+};
+
+class NoScreenCapture : public platform::ScreenCapture {
+ public:
+    using Content = std::expected<platform::ShareableContent, platform::CaptureError>;
+    using Picture = std::expected<platform::Image, platform::CaptureError>;
+
+    bool preflightAccess() override { return false; }
+    async::Task<Content> shareableContent() override { co_return std::unexpected(reason()); }
+    async::Task<Picture> captureWindow(platform::ShareableWindow) override { co_return std::unexpected(reason()); }
+    async::Task<Picture> captureDisplay(platform::ShareableDisplay) override { co_return std::unexpected(reason()); }
+    std::shared_ptr<void> expectCapture() override { return nullptr; }
+
+ private:
+    static platform::CaptureError reason() {
+        return {QStringLiteral("Pictures of the screen are not taken in this session yet.")};
+    }
 };
 
 template <typename T>
@@ -35,9 +64,7 @@ PanelSurroundings panelSurroundings(const std::shared_ptr<X11PanelSurroundings>&
     return {[windows] { return windows->isComposited(); }, [windows](quint64 window) { windows->focus(window); }};
 }
 
-}  // namespace
-
-std::expected<WindowingSystem, QString> openWindowingSystem(async::MainLoop& loop, platform::Log& log) try {
+WindowingSystem openX11(async::MainLoop& loop, platform::Log& log) {
     const auto posted = std::make_shared<PostedKeys>();
     auto workspace = opened(X11Workspace::create());
     auto pasteboard = opened(X11Pasteboard::create(loop, log));
@@ -48,7 +75,8 @@ std::expected<WindowingSystem, QString> openWindowingSystem(async::MainLoop& loo
     auto keyObserver = std::make_unique<X11KeyObserver>(*hotkeys);
     auto letGoOfLeftOver = [poster = keyPoster.get()] { poster->letGoOfLeftOverModifiers(); };
     auto letGo = [poster = keyPoster.get()] { poster->letGoOfModifiers(); };
-    return WindowingSystem{std::move(workspace),
+    return WindowingSystem{nullptr,
+                           std::move(workspace),
                            std::move(pasteboard),
                            std::move(keyPoster),
                            std::move(screenCapture),
@@ -58,6 +86,31 @@ std::expected<WindowingSystem, QString> openWindowingSystem(async::MainLoop& loo
                            keyNames(opened(X11NativeKeys::create())),
                            std::move(letGoOfLeftOver),
                            std::move(letGo)};
+}
+
+/// What is native there by Wayland and by sway's own socket; our windows are drawn by its X server.
+WindowingSystem openSway(async::MainLoop& loop, platform::Log& log) {
+    std::shared_ptr<WaylandConnection> connection = opened(WaylandConnection::open());
+    auto workspace = opened(SwayWorkspace::create());
+    auto keyPoster = opened(WaylandKeyPoster::open(*connection, std::make_unique<SwayShortcuts>(*workspace)));
+    auto pasteboard = opened(WaylandPasteboard::create(loop, log, *connection, keyPoster->presses()));
+    return WindowingSystem{std::move(connection),
+                           std::move(workspace),
+                           std::move(pasteboard),
+                           std::move(keyPoster),
+                           std::make_unique<NoScreenCapture>(),
+                           std::make_unique<SwayHotkeys>(loop, log),
+                           std::make_unique<NoKeyObserver>(),
+                           panelSurroundings(opened(X11PanelSurroundings::create())),
+                           keyNames(opened(X11NativeKeys::create())),
+                           [] {},
+                           [] {}};
+}
+
+}  // namespace
+
+std::expected<WindowingSystem, QString> openWindowingSystem(async::MainLoop& loop, platform::Log& log) try {
+    return sessionKind() == SessionKind::Sway ? openSway(loop, log) : openX11(loop, log);
 } catch (const Missing& missing) {
     return std::unexpected(missing.reason);
 }

@@ -19,6 +19,7 @@ namespace tavrelon::desktop {
 
 /// The ports that a windowing system serves, and what the views need of it. A later one uses those before it.
 struct WindowingSystem {
+    std::shared_ptr<void> connection;  ///< what the others share; null where each has its own
     std::unique_ptr<platform::Workspace> workspace;
     std::unique_ptr<platform::Pasteboard> pasteboard;
     std::unique_ptr<platform::KeyPoster> keyPoster;

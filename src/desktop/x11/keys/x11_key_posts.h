@@ -7,7 +7,7 @@
 #include <mutex>
 
 #include "async/main_loop.h"
-#include "desktop/x11/keys/x11_key_table.h"
+#include "desktop/xkb/key_table.h"
 #include "keys/hotkey_config.h"
 
 namespace tavrelon::desktop {

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "desktop/x11/keys/x11_key_table.h"
+#include "desktop/xkb/key_table.h"
 #include "keys/modifiers.h"
 
 namespace tavrelon::desktop {

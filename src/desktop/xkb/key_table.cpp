@@ -1,4 +1,4 @@
-#include "desktop/x11/keys/x11_key_table.h"
+#include "desktop/xkb/key_table.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@ namespace tavrelon::desktop {
 
 namespace {
 
-/// A virtual key, the symbol on its label, and the X key code at its place; 0 for a second symbol of the same key.
+/// A virtual key, the symbol on its label, and the key code at its place; 0 for a second symbol of the same key.
 struct Row {
     keys::VirtualKey key;
     xkb_keysym_t symbol;
@@ -58,6 +58,11 @@ std::optional<keys::VirtualKey> virtualKeyOfSymbol(xkb_keysym_t symbol) {
 std::optional<keys::VirtualKey> virtualKeyOfPlace(KeyCode code) {
     const auto* row = std::ranges::find(rows, code, &Row::place);
     return code == 0 || row == rows.end() ? std::nullopt : std::optional(row->key);
+}
+
+std::optional<KeyLabel> labelOf(keys::VirtualKey key) {
+    const auto* row = std::ranges::find(rows, key, &Row::key);
+    return row == rows.end() ? std::nullopt : std::optional(KeyLabel{row->symbol, row->place});
 }
 
 }  // namespace tavrelon::desktop

@@ -9,7 +9,7 @@
 
 namespace tavrelon::desktop {
 
-/// A key code of the X server, 8 to 255.
+/// A key code as xkb counts them, 8 to 255.
 using KeyCode = std::uint8_t;
 
 /// The virtual key of keys that have none: no hotkey can mean it.
@@ -20,5 +20,12 @@ std::optional<keys::VirtualKey> virtualKeyOfSymbol(xkb_keysym_t symbol);
 
 /// The virtual key that lies at this place on a US keyboard.
 std::optional<keys::VirtualKey> virtualKeyOfPlace(KeyCode code);
+
+/// The symbol on the label of a virtual key, and its place on a US keyboard.
+struct KeyLabel {
+    xkb_keysym_t symbol;
+    KeyCode place;
+};
+std::optional<KeyLabel> labelOf(keys::VirtualKey key);
 
 }  // namespace tavrelon::desktop

@@ -1,0 +1,113 @@
+#include "desktop/wayland/sway/sway_workspace.h"
+
+#include <algorithm>
+
+#include "desktop/applications/application_identifiers.h"
+#include "desktop/applications/terminal_shortcuts.h"
+#include "desktop/linux/process/process_info.h"
+#include "desktop/linux/process/process_launcher.h"
+
+namespace tavrelon::desktop {
+
+using platform::FrontmostWindow;
+using platform::RunningApplication;
+using platform::WindowKind;
+
+namespace {
+
+WindowKind kindOf(const SwayWindow& window) {
+    const auto shortcuts = terminalShortcutsOf(window.name(), window.windowInstance);
+    // Nothing puts the answer where such a terminal takes it from.
+    if (shortcuts && shortcuts->paste == TerminalShortcuts::Paste::OfPrimary)
+        return WindowKind::WithoutPaste;
+    return windowKindOf(window.name(), window.windowInstance);
+}
+
+std::optional<QString> notEmpty(const QString& text) {
+    return text.isEmpty() ? std::nullopt : std::optional(text);
+}
+
+}  // namespace
+
+std::expected<std::unique_ptr<SwayWorkspace>, QString> SwayWorkspace::create(DesktopEntryCatalog entries) {
+    auto ipc = SwayIpc::open();
+    if (!ipc)
+        return std::unexpected(ipc.error());
+    return std::unique_ptr<SwayWorkspace>(new SwayWorkspace(*std::move(ipc), std::move(entries)));
+}
+
+std::optional<std::vector<SwayWindow>> SwayWorkspace::windows() {
+    const auto tree = ipc_->ask(SwayMessage::GetTree);
+    try {
+        return tree ? std::optional(windowsOf(*tree)) : std::nullopt;
+    } catch (const text::JsonError&) {
+        return std::nullopt;
+    }
+}
+
+std::optional<SwayWindow> SwayWorkspace::focusedWindow() {
+    const auto all = windows();
+    if (!all)
+        return std::nullopt;
+    const auto focused = std::ranges::find(*all, true, &SwayWindow::isFocused);
+    return focused == all->end() ? std::nullopt : std::optional(*focused);
+}
+
+std::optional<RunningApplication> SwayWorkspace::frontmostApplication() {
+    const auto window = focusedWindow();
+    if (!window)
+        return std::nullopt;
+    const auto entry = entries_.find({.applicationId = window->applicationId,
+                                      .windowClass = window->windowClass,
+                                      .windowInstance = window->windowInstance,
+                                      .executable = executableNameOf(window->processIdentifier)});
+    return RunningApplication{
+        .processIdentifier = window->processIdentifier,
+        .bundleIdentifier = bundleIdentifierOf(
+            {entry ? entry->id : QString(), window->applicationId, window->windowClass, window->windowInstance}),
+        .localizedName = entry ? entry->name : notEmpty(window->name()),
+        .windowIdentifier = window->identifier};
+}
+
+std::optional<FrontmostWindow> SwayWorkspace::frontmostWindow() {
+    const auto window = focusedWindow();
+    if (!window)
+        return std::nullopt;
+    return FrontmostWindow{
+        .identifier = window->identifier, .processIdentifier = window->processIdentifier, .kind = kindOf(*window)};
+}
+
+std::optional<QString> SwayWorkspace::frontmostWindowTitle() {
+    const auto window = focusedWindow();
+    return window ? window->title : std::nullopt;
+}
+
+std::optional<platform::WindowPlace> SwayWorkspace::frontmostWindowPlace() {
+    const auto window = focusedWindow();
+    return window ? std::optional(window->place) : std::nullopt;
+}
+
+bool SwayWorkspace::isTerminated(const RunningApplication& application) {
+    if (application.processIdentifier != 0 && !isProcessRunning(application.processIdentifier))
+        return true;
+    if (application.windowIdentifier == 0)
+        return false;
+    const auto all = windows();
+    return all && std::ranges::find(*all, application.windowIdentifier, &SwayWindow::identifier) == all->end();
+}
+
+bool SwayWorkspace::activate(const RunningApplication& application) {
+    return application.windowIdentifier != 0 &&
+           ipc_->run(QStringLiteral("[con_id=%1] focus").arg(application.windowIdentifier));
+}
+
+bool SwayWorkspace::hasKeyboard(const RunningApplication& application) {
+    const auto window = focusedWindow();
+    return window && window->identifier == application.windowIdentifier;
+}
+
+bool SwayWorkspace::openUrl(const QUrl& url) {
+    return openInDesktop(url);
+}
+
+}  // namespace tavrelon::desktop
