@@ -40,6 +40,7 @@ struct WindowPlace {
     };
     int x = 0, y = 0, width = 0, height = 0;  ///< with the shadow
     Shadow shadow;
+    bool countsFromItself = false;  ///< the application does not know where it lies, and tells places within the window
     bool operator==(const WindowPlace&) const = default;
 };
 

@@ -49,7 +49,7 @@ Finding session() {
     switch (desktop::sessionKind()) {
         case desktop::SessionKind::Sway:
             return QStringLiteral(
-                "sway: fields are read and written by accessibility; what is typed cannot be seen in others");
+                "sway: a request is found in fields that accessibility can read; elsewhere the prompt box takes it");
         case desktop::SessionKind::OtherWayland:
             return QStringLiteral("Wayland (%1): served are X11 windows, and what its keys bind to --trigger")
                 .arg(desktop);

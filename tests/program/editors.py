@@ -9,11 +9,14 @@ from pathlib import Path
 from urllib.parse import unquote
 
 import screen
+import sway
 from programs import EDITORS, Program
 from waiting import Fault, wait_for
 
 CHROMIUM = ["chromium", "--no-sandbox", "--user-data-dir={folder}/profile", "--no-first-run", "--disable-gpu",
             "--disable-dev-shm-usage", "--disable-background-networking", "--app=file://{folder}/page.html"]
+if sway.is_session():
+    CHROMIUM.insert(1, "--ozone-platform=wayland")
 FIREFOX = ["firefox-esr", "--no-remote", "--profile", "{folder}/profile", "{folder}/page.html"]
 SHIFTED = dict(zip("!@#$%^&*()_+QWERTYUIOP{}ASDFGHJKL:\"~|ZXCVBNM<>?", "1234567890-=qwertyuiop[]asdfghjkl;'`\\zxcvbnm,./"))
 # The command, where one can see what the field holds, and how long its text takes no keys after its window has come.
@@ -63,16 +66,20 @@ def let_keys_arrive():
 
 
 def front_title():
+    if sway.is_session():
+        return sway.focused_title()
     return screen.run("xdotool", "getwindowfocus", "getwindowname").stdout.strip()
 
 
 def set_clipboard(text, selection="clipboard"):
-    subprocess.run(["xclip", "-selection", selection, "-i"], input=text.encode(), timeout=10, check=True,
+    command = ["wl-copy", "-t", "text/plain;charset=utf-8"] if sway.is_session() else ["xclip", "-selection", selection, "-i"]
+    subprocess.run(command, input=text.encode(), timeout=10, check=True,
                    stdout=subprocess.DEVNULL)
 
 
 def clipboard():
-    return subprocess.run(["xclip", "-selection", "clipboard", "-o"], capture_output=True, timeout=10).stdout.decode()
+    command = ["wl-paste", "-n"] if sway.is_session() else ["xclip", "-selection", "clipboard", "-o"]
+    return subprocess.run(command, capture_output=True, timeout=10).stdout.decode()
 
 
 class Application(Program):

@@ -130,12 +130,12 @@ std::expected<std::vector<AXRect>, AXError> FieldPlaces::windowsOf(const QString
 
 std::expected<FieldPlaces::Coordinates, AXError> FieldPlaces::coordinatesOf(const QString& busName,
                                                                             const Toolkit& toolkit) {
-    const bool onScreen = toolkit.places == Places::OnScreen;
+    const auto place = workspace_.frontmostWindowPlace();
+    const bool onScreen = toolkit.places == Places::OnScreen && !(place && place->countsFromItself);
     const auto kind = onScreen ? screenCoordinates : windowCoordinates;
     const auto windows = windowsOf(busName, kind);
     if (!windows)
         return std::unexpected(windows.error());
-    const auto place = workspace_.frontmostWindowPlace();
     std::optional<AXPoint> origin;
     if (!onScreen)
         origin = place ? originOfWindow(*place, *windows) : std::nullopt;

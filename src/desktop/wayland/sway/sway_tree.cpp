@@ -30,7 +30,8 @@ platform::WindowPlace placeOf(const Json& node) {
             .y = number(*outer, "y") + number(*content, "y"),
             .width = number(*content, "width"),
             .height = number(*content, "height"),
-            .shadow = {}};
+            .shadow = {},
+            .countsFromItself = find(node, "window_properties") == nullptr};
 }
 
 SwayWindow windowOf(const Json& node, qint64 process) {

@@ -1,0 +1,99 @@
+"""The program in front of native windows of sway: the main job, and whose the keys are."""
+
+import os
+import time
+from pathlib import Path
+
+import pytest
+import sway
+from conftest import HOTKEY, ends_well, history, wait_for_history
+from editors import clipboard, let_keys_arrive, set_clipboard
+from waiting import wait_for
+
+THEIRS = "Shift+Alt+Super+g"  # as in sway.config
+BY_PASTE = "chromium-accessible"  # can be read by accessibility, but not written
+BOTH = pytest.mark.parametrize("kind", ["mousepad", BY_PASTE])
+
+
+@pytest.fixture
+def theirs():
+    trace = Path(os.environ["XDG_RUNTIME_DIR"]) / "theirs"
+    trace.unlink(missing_ok=True)
+    return trace
+
+
+@BOTH
+def test_a_request_in_the_middle_of_a_text_is_replaced(desk, kind):
+    editor, tavrelon = desk.open(kind, "前文 before  after"), desk.start()
+    set_clipboard("precious")
+    editor.go_to("前文 before ", " after")
+    desk.answers("你好 answer")
+    desk.request(tavrelon, editor, "what is 42?")
+    wait_for_history(tavrelon, 1)
+    assert desk.service.user_messages()[0].startswith("what is 42?")
+    assert editor.saved("前文 before 你好 answer after") == "前文 before 你好 answer after"
+    assert clipboard() == ("你好 answer" if kind == BY_PASTE else "precious")
+    assert ends_well(tavrelon)
+
+
+@BOTH
+def test_a_selection_is_replaced(desk, kind):
+    editor, tavrelon = desk.open(kind, "keep these words"), desk.start()
+    desk.keyboard.press("Control+End")
+    editor.select_backward(5)
+    desk.answers("WORDS")
+    desk.begin(tavrelon)
+    desk.commit()
+    wait_for_history(tavrelon, 1)
+    assert desk.service.user_messages()[0].startswith("words")
+    assert editor.saved("keep these WORDS") == "keep these WORDS"
+
+
+def test_escape_while_the_model_thinks_ends_it_for_good(desk):
+    editor, tavrelon = desk.open("mousepad"), desk.start()
+    desk.answers("TOO LATE", delayMs=2000)
+    desk.request(tavrelon, editor, "a question")
+    wait_for("a question at the service", desk.asked, 20)
+    desk.keyboard.press("Escape")
+    wait_for("the end of the request on the wire", lambda: desk.asked()[0]["abandoned"], 20)
+    time.sleep(2.5)  # past the moment at which the answer would have come
+    editor.type("!")
+    assert editor.saved("a question!") == "a question!"
+    assert history(tavrelon) == []
+    pressed = sway.NextBinding()
+    let_keys_arrive()
+    desk.keyboard.press("Escape")
+    desk.keyboard.press(THEIRS)
+    assert "theirs" in pressed.command(), "Escape is the applications' again"
+
+
+def test_a_combination_that_is_taken_stays_the_users(desk, theirs):
+    desk.open("mousepad")
+    tavrelon = desk.start()
+    tavrelon.wait_for_line(r"\[Hotkey\] Super\+Shift\+Alt\+G is bound in sway's configuration")
+    assert "Alt+L is bound" not in tavrelon.written(), "that is bound in a mode"
+    let_keys_arrive()
+    desk.keyboard.press(THEIRS)
+    wait_for("what the user has bound", theirs.exists)
+    sway.ask("reload")
+    time.sleep(0.5)
+    desk.begin(tavrelon)  # ours are bound anew
+
+
+def test_keys_are_given_back_at_the_end_and_after_a_crash(desk, theirs):
+    desk.open("mousepad")
+    # A binding that is in no configuration.
+    sway.ask(f"bindsym Mod4+Mod1+Shift+l exec touch {theirs}")
+    killed = desk.start()
+    desk.begin(killed)
+    killed.process.kill()
+    killed.process.wait(10)
+    again = desk.start()
+    assert ends_well(again)
+    pressed = sway.NextBinding()
+    let_keys_arrive()
+    desk.keyboard.press("Escape")
+    desk.keyboard.press(HOTKEY)
+    assert "theirs" in pressed.command()
+    wait_for("what the user has bound", theirs.exists)
+    sway.ask("unbindsym Mod4+Mod1+Shift+l")
