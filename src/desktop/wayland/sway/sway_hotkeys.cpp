@@ -55,11 +55,12 @@ std::expected<void, platform::HotkeysError> SwayHotkeys::start(Handler handler) 
 
 void SwayHotkeys::stop() {
     handler_ = nullptr;
-    for (const auto& [keys, bound] : bound_)
-        commands_->run(unbinding(bound.made));
-    bound_.clear();
-    if (!remembered_.empty())
+    if (commands_)
+        unbindAllBut([](const QString&, const Bound&) { return false; });
+    // What is still bound is left to the next start.
+    if (bound_.empty() && !remembered_.empty())
         QFile::remove(leftOversPath());
+    bound_.clear();
     remembered_.clear();
     endEvents();
     commands_.reset();
@@ -129,16 +130,25 @@ void SwayHotkeys::apply() {
     if (!commands_ || mode_ != defaultMode)
         return;
     const auto wanted = targets();
-    std::erase_if(bound_, [&](const auto& each) {
-        const auto target = wanted.find(each.first);
-        if (target != wanted.end() && target->second.hotkey == each.second.hotkey)
-            return false;
-        commands_->run(unbinding(each.second.made));
-        return true;
+    unbindAllBut([&](const QString& keys, const Bound& bound) {
+        const auto target = wanted.find(keys);
+        return target != wanted.end() && target->second.hotkey == bound.hotkey;
     });
     for (const auto& [keys, target] : wanted)
-        if (!bound_.contains(keys))
+        if (!bound_.contains(keys) && !commands_->isBroken())
             bind(keys, target);
+}
+
+/// One that sway does not answer for is tried again the next time, for a sway that hangs may cost one wait only.
+void SwayHotkeys::unbindAllBut(const std::function<bool(const QString&, const Bound&)>& isKept) {
+    bool isAnswering = true;
+    std::erase_if(bound_, [&](const auto& each) {
+        if (!isAnswering || isKept(each.first, each.second))
+            return false;
+        commands_->run(unbinding(each.second.made));
+        isAnswering = !commands_->isBroken();
+        return isAnswering;
+    });
 }
 
 void SwayHotkeys::bind(const QString& keys, const Target& target) {
@@ -165,7 +175,8 @@ void SwayHotkeys::readable() {
     for (const auto& answer : *answers)
         try {
             happened(answer);
-        } catch (const text::JsonError&) {  // nothing that we know
+        } catch (const text::JsonError& error) {
+            log_.line(QStringLiteral("[Hotkey] sway tells something unknown: %1").arg(error.localizedDescription()));
         }
 }
 
@@ -222,13 +233,14 @@ void SwayHotkeys::removeLeftOvers() {
     QFile file(leftOversPath());
     if (!file.open(QIODevice::ReadOnly))
         return;
-    while (!file.atEnd()) {
+    while (!file.atEnd() && !commands_->isBroken()) {
         const auto made = QString::fromUtf8(file.readLine()).trimmed();
         // Nothing but what this class writes there.
         if (made.startsWith(u"bind") && made.contains(u"Group") && !made.contains(u';') && !made.contains(u','))
             commands_->run(unbinding(made));
     }
-    file.remove();
+    if (!commands_->isBroken())
+        file.remove();
 }
 
 }  // namespace tavrelon::desktop

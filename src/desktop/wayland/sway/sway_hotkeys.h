@@ -44,6 +44,7 @@ class SwayHotkeys : public platform::Hotkeys {
     void learnUsersKeys();
     void apply();
     std::map<QString, Target> targets();
+    void unbindAllBut(const std::function<bool(const QString& keys, const Bound& bound)>& isKept);
     void bind(const QString& keys, const Target& target);
     std::size_t numberOf(const platform::WantedHotkey& hotkey);
     void remember(const QString& made);

@@ -86,9 +86,7 @@ bool SwayIpc::write(const QByteArray& bytes, std::chrono::steady_clock::time_poi
                                   static_cast<std::size_t>(bytes.size() - written), MSG_NOSIGNAL);
         if (count > 0)
             written += count;
-        else if (errno == EINTR)
-            continue;
-        else if (errno != EAGAIN || !wait(POLLOUT, until))
+        else if (count == 0 || (errno != EINTR && (errno != EAGAIN || !wait(POLLOUT, until))))
             return false;
     }
     return true;

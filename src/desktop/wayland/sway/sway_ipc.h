@@ -66,6 +66,9 @@ class SwayIpc {
     /// Runs one command; false where sway refuses it.
     bool run(const QString& command);
 
+    /// Whether the last question was not answered: the next may cost as much.
+    bool isBroken() const { return isBroken_; }
+
     /// For events: readable when there are some.
     int descriptor() const { return socket_; }
     /// What has arrived by now; nothing once sway is gone.
