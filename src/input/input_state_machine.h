@@ -42,6 +42,7 @@ class InputStateMachine {
     QBindable<InputState> bindableCurrentState() { return &currentState_; }
     QBindable<QString> bindableCurrentTranscript() { return &currentTranscript_; }
     const QString& typedInputBuffer() const { return typedText_.text(); }
+    bool wereKeysTold() const { return typedText_.wereKeysTold(); }
 
     // What hotkeys and the prompt box call.
     void startTextInput();

@@ -10,6 +10,10 @@ namespace {
 /// How far around the caret non-ASCII text tells of a user who writes in such a script, in UTF-16 units.
 constexpr qint64 scriptRadius = 400;
 
+/// Where only the field tells what was typed, it is read until two readings are the same.
+constexpr auto fieldRhythm = std::chrono::milliseconds(40);
+constexpr int mostReadings = 8;
+
 bool isMissing(const std::optional<QString>& text) {
     return !text || text->isEmpty();
 }
@@ -32,23 +36,47 @@ async::Task<TextRequestPipeline::Next> TextRequestPipeline::findText(TextRequest
 async::Task<bool> TextRequestPipeline::readInput(TextRequest& request) {
     if (!request.current)
         request.current = services_.contextCapturer.fetchFocusedTextSnapshot();
+    const bool typed = machine_.activeTrigger() == InputTrigger::text;
+    if (typed && request.current && !machine_.wereKeysTold())
+        co_await awaitField(request);
     if (!request.current)
         request.current = request.initial;
     if (!machine_.isCurrentTask(request.id))
         co_return false;
     machine_.initialTextSnapshot.reset();
     request.imeActive = services_.platform.inputSource.isInputMethodActive();
-    const bool typed = machine_.activeTrigger() == InputTrigger::text;
     // The one case in which Copy is pressed in the user's application: nothing could be read, and the keys alone are
     // not enough.
     if (typed && !request.current && (text::isBlank(request.inputBuffer) || request.imeActive))
         // To its end even when the request is cancelled: a copy under way would replace what is to be put back.
-        request.clipboardSelection =
-            co_await async::shielded(services_.contextCapturer.selectionViaClipboard(capture::SelectAll::Allowed));
+        request.clipboardSelection = co_await async::shielded(services_.contextCapturer.selectionViaClipboard(
+            wholeField() == WholeField::Allowed ? capture::SelectAll::Allowed : capture::SelectAll::Forbidden));
     if (!machine_.isCurrentTask(request.id))
         co_return false;
     request.requestText = chooseRequestText(request);
     co_return true;
+}
+
+/// A reading that comes early would lose the end of what was typed, or all of it.
+async::Task<void> TextRequestPipeline::awaitField(TextRequest& request) {
+    for (int reading = 1; reading < mostReadings; ++reading) {
+        co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, fieldRhythm));
+        if (!machine_.isCurrentTask(request.id))
+            co_return;
+        auto next = services_.contextCapturer.fetchFocusedTextSnapshot();
+        if (!next)
+            co_return;
+        const bool isSettled = next == request.current;
+        request.current = std::move(next);
+        if (isSettled && deriveRequestText(request.current, std::nullopt, request.initial))
+            co_return;
+    }
+}
+
+/// Not where something may have been typed that nobody saw: all that stood there would be gone with it.
+WholeField TextRequestPipeline::wholeField() const {
+    const bool typed = machine_.activeTrigger() == InputTrigger::text;
+    return typed && !machine_.wereKeysTold() ? WholeField::Forbidden : WholeField::Allowed;
 }
 
 QString TextRequestPipeline::chooseRequestText(const TextRequest& request) {
@@ -67,7 +95,7 @@ QString TextRequestPipeline::chooseRequestText(const TextRequest& request) {
     const bool foundInField = deriveRequestText(request.current, std::nullopt, request.initial).has_value();
     if (!foundInField && !text::isBlank(request.inputBuffer))
         return request.inputBuffer;
-    return deriveInputText(request.initial, request.current).value_or(request.inputBuffer);
+    return deriveInputText(request.initial, request.current, wholeField()).value_or(request.inputBuffer);
 }
 
 void TextRequestPipeline::believeSelection(TextRequest& request) {

@@ -26,7 +26,7 @@ std::optional<QString> selectedTextOf(const std::optional<AccessibilityTextSnaps
 }
 
 std::optional<QString> deriveInputText(const std::optional<AccessibilityTextSnapshot>& initial,
-                                       const std::optional<AccessibilityTextSnapshot>& current) {
+                                       const std::optional<AccessibilityTextSnapshot>& current, WholeField wholeField) {
     if (!current)
         return std::nullopt;
     if (initial)
@@ -35,7 +35,8 @@ std::optional<QString> deriveInputText(const std::optional<AccessibilityTextSnap
     if (auto selected = selectedTextOf(current))
         return selected;
     const bool isOneField = !initial || initial->element == current->element;
-    if (isOneField && current->value.size() <= longestWholeRequest && !text::isBlank(current->value))
+    if (wholeField == WholeField::Allowed && isOneField && current->value.size() <= longestWholeRequest &&
+        !text::isBlank(current->value))
         return current->value;
     return std::nullopt;
 }

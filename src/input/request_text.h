@@ -24,10 +24,14 @@ struct RequestText {
 /// The trimmed text that is selected in the snapshot; absent when nothing or only white space is.
 std::optional<QString> selectedTextOf(const std::optional<AccessibilityTextSnapshot>& snapshot);
 
+/// Whether the whole field may be the request where nothing was typed and nothing selected.
+enum class WholeField { Allowed, Forbidden };
+
 /// The text of an input by the field alone: what was inserted, else the selection, else the whole field, unless that is
 /// a long text or not the field in which the input began.
 std::optional<QString> deriveInputText(const std::optional<AccessibilityTextSnapshot>& initial,
-                                       const std::optional<AccessibilityTextSnapshot>& current);
+                                       const std::optional<AccessibilityTextSnapshot>& current,
+                                       WholeField wholeField = WholeField::Allowed);
 
 /// The text of a request: what was inserted, with its length; else the believed selection; else the selected range.
 std::optional<RequestText> deriveRequestText(const std::optional<AccessibilityTextSnapshot>& current,

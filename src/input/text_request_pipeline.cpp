@@ -59,6 +59,10 @@ void TextRequestPipeline::record(const TextRequest& request, persistence::Histor
 }
 
 void TextRequestPipeline::endEmpty(const QUuid& id) {
+    if (wholeField() == WholeField::Forbidden) {
+        machine_.fail(id, QStringLiteral("[StateMachine] Processing error: "), ProcessingError::unseenInput());
+        return;
+    }
     log(QStringLiteral("[StateMachine] Empty input detected, skipping processing"));
     machine_.resetIfOwned(id);
 }

@@ -30,6 +30,8 @@ class TextRequestPipeline {
 
     async::Task<Next> findText(TextRequest& request);
     async::Task<bool> readInput(TextRequest& request);
+    async::Task<void> awaitField(TextRequest& request);
+    WholeField wholeField() const;
     QString chooseRequestText(const TextRequest& request);
     void believeSelection(TextRequest& request);
     void testForComposition(TextRequest& request);

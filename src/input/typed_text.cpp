@@ -32,7 +32,8 @@ QString textOf(const QString& characters) {
 void TypedText::begin(std::function<void()> onAbandoned) {
     end();
     onAbandoned_ = std::move(onAbandoned);
-    platform_.keyObserver.start({[this](const platform::KeyEvent& event) { typed(event); }, [this] { abandon(); }});
+    wereKeysTold_ =
+        platform_.keyObserver.start({[this](const platform::KeyEvent& event) { typed(event); }, [this] { abandon(); }});
     waitForKeys();
 }
 

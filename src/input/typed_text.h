@@ -22,6 +22,9 @@ class TypedText {
     /// Ends the copying and gives what there is; empty where nothing was begun.
     QString end();
 
+    /// Whether the session tells what is typed; of the copying that began last.
+    bool wereKeysTold() const { return wereKeysTold_; }
+
     /// What was typed so far.
     const QString& text() const { return text_; }
 
@@ -32,6 +35,7 @@ class TypedText {
 
     platform::Platform& platform_;
     QString text_;
+    bool wereKeysTold_ = true;
     std::function<void()> onAbandoned_;
     async::Timer idle_;
 };

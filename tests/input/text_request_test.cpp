@@ -176,6 +176,39 @@ TEST_F(TextRequestTest, AnOpaqueFieldWithoutKeysIsReadThroughTheClipboardWhichSu
     EXPECT_EQ(desk.pasteboard.contents(), precious);
 }
 
+TEST_F(TextRequestTest, WhereNobodyTellsKeysAWholeFieldIsNeverTheRequest) {
+    desk.keyboard.observer.canObserve = false;
+    const auto kept = QStringLiteral("a long letter");
+    for (const auto visibility : {SimulatedEditor::Visibility::Opaque, SimulatedEditor::Visibility::Visible}) {
+        desk.editor.open(kept, visibility);
+        desk.editor.select(kept.size());
+        desk.request(QString());  // or what was typed never came into sight
+        finish();
+        EXPECT_EQ(desk.editor.text(), kept);
+        EXPECT_TRUE(desk.generator.requests.empty());
+        EXPECT_TRUE(desk.machine->lastError().value_or(QString()).contains(QStringLiteral("prompt box")));
+    }
+    desk.editor.select(2, 4);
+    desk.request(QString());
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("long")) << "a selection is one all the same";
+}
+
+TEST_F(TextRequestTest, WhereNobodyTellsKeysAFieldThatIsLateIsWaitedFor) {
+    desk.keyboard.observer.canObserve = false;
+    desk.editor.open(QStringLiteral("kept "));
+    desk.editor.select(5);
+    desk.toggle();
+    desk.toggle();
+    for (const auto* piece : {"what is ", "42?"}) {
+        desk.loop.advance(30ms);
+        desk.editor.type(QString::fromLatin1(piece));
+    }
+    finish();
+    EXPECT_EQ(asked(), QStringLiteral("what is 42?"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("kept ANSWER"));
+}
+
 TEST_F(TextRequestTest, AFailureIsTriedThreeTimesAndLeavesTheFieldAlone) {
     desk.generator.script = {FakeGenerator::Failure{QStringLiteral("a")}, FakeGenerator::Failure{QStringLiteral("b")},
                              FakeGenerator::Failure{QStringLiteral("c")}};

@@ -49,6 +49,15 @@ def test_a_selection_is_replaced(desk, kind):
     assert editor.saved("keep these WORDS") == "keep these WORDS"
 
 
+def test_what_nobody_can_see_is_no_request_and_the_field_stays(desk):
+    editor, tavrelon = desk.open("chromium", "a long letter"), desk.start()
+    desk.answers("ANSWER")
+    desk.request(tavrelon, editor, "what?")
+    tavrelon.wait_for_line(r"\[StateMachine\] Processing error: .*prompt box")
+    assert sorted(editor.saved("")) == sorted("a long letterwhat?"), "wherever the page has put the caret"
+    assert desk.service.user_messages() == []
+
+
 def test_escape_while_the_model_thinks_ends_it_for_good(desk):
     editor, tavrelon = desk.open("mousepad"), desk.start()
     desk.answers("TOO LATE", delayMs=2000)
