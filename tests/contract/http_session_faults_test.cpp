@@ -167,7 +167,7 @@ TEST_F(HttpFaultsTest, EndInAnAnswerOrAFailureInWordsAndNeverInAKeyAstray) {
     for (const auto& rows : {connections(), headsAndCodings(), statusesAndRedirects(far)})
         for (const auto& row : rows) {
             SCOPED_TRACE(row.name.toStdString());
-            service.ledger().setDefault(row.answer);  // the network stack asks again when a connection ends early
+            service.ledger().setDefault(row.answer);
             const MemoryPeak memory;
             const auto found = seen(post());
             EXPECT_EQ(found, row.seen);
@@ -176,6 +176,54 @@ TEST_F(HttpFaultsTest, EndInAnAnswerOrAFailureInWordsAndNeverInAKeyAstray) {
         }
     for (const auto& request : elsewhere.ledger().requests())
         EXPECT_EQ(request.header("Authorization"), "");
+}
+
+/// Answers as many requests on a connection as it is told, and cuts it amid the next one.
+class CuttingServer : public QTcpServer {
+ public:
+    CuttingServer(int answered, QByteArray last) : answered_(answered), last_(std::move(last)) {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            auto* socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket, left = answered_]() mutable {
+                const auto read = socket->readAll();
+                const bool isWhole = read.endsWith("{}");
+                wholeRequests += isWhole ? 1 : 0;
+                if (left > 0 && isWhole) {
+                    --left;
+                    socket->write(head("4") + "fine");
+                } else if (left == 0) {
+                    socket->write(last_);
+                    socket->disconnectFromHost();
+                }
+            });
+        });
+    }
+
+    int wholeRequests = 0;
+
+ private:
+    int answered_;
+    QByteArray last_;
+};
+
+TEST_F(HttpFaultsTest, ARequestIsSentTwiceOnlyWhereAKeptConnectionHadEnded) {
+    auto request = post();
+    CuttingServer cutting(0, "");
+    request.url.setPort(cutting.serverPort());
+    EXPECT_EQ(seen(request), lost);
+    EXPECT_EQ(cutting.wholeRequests, 1);
+    CuttingServer tired(1, "");
+    request.url.setPort(tired.serverPort());
+    for (int round = 0; round < 3; ++round)
+        EXPECT_EQ(seen(request), fine);
+    EXPECT_EQ(tired.wholeRequests, 5) << "the second and the third, each on a kept connection and on one of its own";
+    CuttingServer refusing(0, "HTTP/1.1 413 Large\r\nContent-Length: 3\r\n\r\nwhy");
+    request.url.setPort(refusing.serverPort());
+    request.body = QByteArray(30 << 20, 'x');
+    const auto told = seen(request);
+    EXPECT_TRUE(told == u"413 why"_s || told == u"127.0.0.1 ended the connection during the upload."_s)
+        << told.toStdString();
 }
 
 TEST_F(HttpFaultsTest, PeersThatAreNoServices) {

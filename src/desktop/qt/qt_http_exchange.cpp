@@ -6,6 +6,7 @@
 
 #include "desktop/qt/http_error_text.h"
 #include "desktop/qt/http_redirect.h"
+#include "desktop/qt/one_time_upload.h"
 
 namespace tavrelon::desktop {
 
@@ -60,13 +61,17 @@ void QtHttpExchange::start() {
 
 void QtHttpExchange::sendRequest() {
     noteActivity();
-    const auto network = networkRequest(request_);
-    if (request_.method == "GET")
+    auto network = networkRequest(request_);
+    if (request_.method == "GET") {
         reply_ = manager_.get(network);
-    else if (request_.method == "POST")
-        reply_ = manager_.post(network, request_.body);
-    else
-        reply_ = manager_.sendCustomRequest(network, request_.method, request_.body);
+    } else {
+        network.setHeader(QNetworkRequest::ContentLengthHeader, request_.body.size());
+        network.setAttribute(QNetworkRequest::DoNotBufferUploadDataAttribute, true);
+        upload_ = new OneTimeUpload(request_.body);
+        reply_ = manager_.sendCustomRequest(network, request_.method, upload_);
+        upload_->setParent(reply_);  // which reads it as long as it lives
+        connect(reply_, &QNetworkReply::socketStartedConnecting, upload_, [this] { upload_->noteNewConnection(); });
+    }
     // A bound that is set before the head is there has no effect on an upload.
     connect(reply_, &QNetworkReply::metaDataChanged, this, [this] { reply_->setReadBufferSize(mostUnread); });
     connect(reply_, &QNetworkReply::uploadProgress, this, [this] { noteActivity(); });
@@ -102,7 +107,7 @@ void QtHttpExchange::readAnswer() {
     const auto error = reply_->error();
     const bool whole = error == QNetworkReply::NoError || (status >= 400 && isStatusError(error));
     if (status <= 0 || !whole)
-        return finish(std::unexpected(httpError(error, request_.url, tlsFault_)));
+        return finish(std::unexpected(failure(error)));
     if (isRedirect(status) && reply_->hasRawHeader("Location"))
         return follow(status);
     if (brokeOff(*reply_, body_.size()))
@@ -110,6 +115,15 @@ void QtHttpExchange::readAnswer() {
     const auto pairs = reply_->rawHeaderPairs();
     finish(platform::HttpResponse{
         .status = status, .headers = {pairs.begin(), pairs.end()}, .body = std::move(body_), .url = request_.url});
+}
+
+platform::HttpError QtHttpExchange::failure(QNetworkReply::NetworkError error) const {
+    const bool isCut = error == QNetworkReply::RemoteHostClosedError || error == QNetworkReply::UnknownNetworkError;
+    if (isCut && upload_ && upload_->wasCutShort())
+        return {Code::Transport, u"%1 ended the connection during the upload."_s.arg(request_.url.host())};
+    if (isCut && upload_ && upload_->wasRefused())
+        error = QNetworkReply::RemoteHostClosedError;
+    return httpError(error, request_.url, tlsFault_);
 }
 
 void QtHttpExchange::follow(int status) {

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "async/main_loop.h"
+#include "desktop/qt/one_time_upload.h"
 #include "platform/http_session.h"
 
 class QNetworkAccessManager;
@@ -29,6 +30,7 @@ class QtHttpExchange : public QObject {
     void watchActivity();
     void readBody();
     void readAnswer();
+    platform::HttpError failure(QNetworkReply::NetworkError error) const;
     void follow(int status);
     void dropReply();
     void fail(platform::HttpError::Code code, const QString& description);
@@ -38,6 +40,7 @@ class QtHttpExchange : public QObject {
     async::MainLoop& loop_;
     platform::HttpRequest request_;
     std::move_only_function<void(Answer)> finished_;
+    QPointer<OneTimeUpload> upload_;
     QPointer<QNetworkReply> reply_;
     QByteArray body_;
     QString tlsFault_;
