@@ -34,16 +34,15 @@ TEST(PlainText, TheFirstEncodingThatFitsIsTaken) {
         EXPECT_EQ(plainText(encoded(text, encoding, WriteBom)), text);
     EXPECT_EQ(plainText(encoded(text, Utf16LE)), text) << "without a mark";
     EXPECT_EQ(plainText(encoded(u"plain letters"_s, Utf16LE)), u"plain letters"_s);
-    EXPECT_EQ(plainText("caf\xe9s"), u"cafés"_s) << "an odd number of bytes is no UTF-16";
-    EXPECT_EQ(plainText(""), QString());
-}
-
-TEST(PlainText, UnpairedSurrogatesAndCutUnitsAreNoUtf16) {
-    EXPECT_EQ(plainText(QByteArray("\x00\xd8\x41\x00", 4)).size(), 2) << "big-endian fits where little-endian does not";
-    EXPECT_EQ(plainText("\xd8\xd8\xd8\xd8"), u"ØØØØ"_s);
+    EXPECT_EQ(plainText("caf\xe9s na\xefve \x93quoted\x94"), u"cafés naïve “quoted”"_s) << "no Chinese words";
+    EXPECT_EQ(plainText("GB: \xc4\xe3\xba\xc3\xa3\xac\xca\xc0\xbd\xe7 ok"), u"GB: 你好，世界 ok"_s);
+    EXPECT_EQ(plainText(QByteArray("a text with one stray \0 in the middle of 你好", 47)),
+              u"a text with one stray  in the middle of 你好"_s);
     EXPECT_EQ(plainText("\xff\xfe"
                         "a"),
-              u"ÿþa"_s);
+              u"ÿþa"_s)
+        << "half a unit";
+    EXPECT_EQ(plainText(""), QString());
 }
 
 TEST(HtmlCharset, TheMarkThenTheDeclarationThenTheBytesDecide) {

@@ -164,7 +164,9 @@ TEST_F(DocumentFiles, RtfIsReadFromAFileOrFromItsFolder) {
     ASSERT_TRUE(QDir(directory.path()).mkdir(u"b.rtfd"_s));
     put(u"b.rtfd/TXT.rtf"_s, "{\\rtf1 inside}");
     EXPECT_EQ(read(directory.filePath(u"b.rtfd"_s), DocumentFormat::Rtf), u"inside"_s);
-    expectUnsupported(read(put(u"c.rtf"_s, "not RTF"), DocumentFormat::Rtf));
+    EXPECT_EQ(read(put(u"c.rtf"_s, "caf\xe9 {no RTF}"), DocumentFormat::Rtf), u"café {no RTF}"_s);
+    EXPECT_EQ(read(put(u"d.rtf"_s, "\n<HTML><p>Dear <b>Zoe</b>"), DocumentFormat::Rtf), u"Dear Zoe"_s);
+    expectUnsupported(read(put(u"e.rtf"_s, QByteArray("PK\3\4\0", 5)), DocumentFormat::Rtf));
 }
 
 TEST_F(DocumentFiles, WhatIsNoReadableFileIsToldWithItsPath) {

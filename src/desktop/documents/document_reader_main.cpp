@@ -42,8 +42,7 @@ QList<QByteArray> readableFolders() {
 
 /// The HTML importer asks for fonts, wherever a page has code or measures in letters; the others need no desktop at
 /// all.
-std::unique_ptr<QCoreApplication> applicationFor(int& argc, char** argv) {
-    const QLatin1StringView format(argc > 1 ? argv[1] : "");
+std::unique_ptr<QCoreApplication> applicationFor(const QString& format, int& argc, char** argv) {
     if (format != document_process::html && format != document_process::markup)
         return std::make_unique<QCoreApplication>(argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -83,6 +82,16 @@ std::optional<QString> textOf(const QString& format, const QByteArray& bytes) {
     return plainText(bytes);
 }
 
+/// What a file holds that is named as RTF: some programs save pages or plain text under that name.
+QString formatWithin(const QString& format, QByteArrayView bytes) {
+    const auto head = bytes.first(std::min<qsizetype>(1024, bytes.size())).toByteArray().toLower();
+    if (format != document_process::rtf || head.contains("{\\rtf"))
+        return format;
+    if (head.contains("<html") || head.contains("<!doctype html"))
+        return document_process::html;
+    return bytes.contains('\0') ? format : document_process::plain;
+}
+
 std::expected<QByteArray, platform::FileError> fileContent(const QString& format, QString path) {
     if (format == document_process::rtf && QDir(path).exists())
         path += QStringLiteral("/TXT.rtf");
@@ -103,13 +112,14 @@ Exit read(const QString& format, const QByteArray& bytes) {
 
 /// The file is opened while this process may still do so, and looked into when it may do nothing else.
 Exit run(int argc, char** argv) {
-    const auto format = QFile::decodeName(argv[1]);
+    auto format = QFile::decodeName(argv[1]);
     const bool isFile = argc > 2;
     const auto content = isFile ? fileContent(format, QFile::decodeName(argv[2])) : QByteArray();
     confineThisProcess(readableFolders());
     if (!content)
         return answer(Exit::Unreadable, content.error().description);
-    const auto application = applicationFor(argc, argv);
+    format = formatWithin(format, *content);
+    const auto application = applicationFor(format, argc, argv);
     return read(format, isFile ? *content : standardInput());
 }
 

@@ -5,10 +5,9 @@
 
 namespace tavrelon::desktop {
 
-/// The text of a file without a format, in the first encoding that fits: UTF-8; UTF-16 by its mark, or in this
-/// machine's order; UTF-16 with the low byte first; with the high byte first; ISO Latin 1. Bytes with a null character
-/// are no text in UTF-8 or Latin 1 letters but in UTF-16, whose letters are full of them. A mark is not part of the
-/// text.
+/// The text of a file without a format, in the first encoding that fits: by its byte order mark; UTF-16 without one,
+/// where every other byte or so is null; UTF-8; GB18030 where nearly all beyond ASCII are the characters that people
+/// write; Windows code page 1252. A mark and stray null characters are not part of the text.
 QString plainText(QByteArrayView bytes);
 
 }  // namespace tavrelon::desktop
