@@ -5,6 +5,7 @@
 
 #include "generation/model_walk.h"
 #include "learning/clone_error.h"
+#include "learning/clone_page.h"
 #include "learning/clone_scrape.h"
 #include "text/characters.h"
 
@@ -39,6 +40,7 @@ CloneService::CloneService(platform::HttpSession& session, platform::DocumentRea
     : session_(session),
       documents_(documents),
       pollinationsService_(pollinationsService),
+      wasServiceChosen_(text::trimmedOrAbsent(baseURL).has_value()),
       firecrawlBaseURL_(text::trimmedOrAbsent(baseURL).value_or(defaultEndpoint)),
       defaultEndpoint_(std::move(defaultEndpoint)) {}
 
@@ -61,8 +63,19 @@ async::Task<QString> CloneService::scrapeContent(QString page) {
     } catch (const TransportError& error) {
         if (error.code() == HttpCode::TimedOut)
             throw CloneServiceError(Code::scrapeTimeout);
-        throw;
+        if (wasServiceChosen_)
+            throw;
     }
+    // There is no service, and nobody has asked for one.
+    co_return co_await fetchedText(page);
+}
+
+async::Task<QString> CloneService::fetchedText(QString page) {
+    const auto response = co_await exchange(clone_page::buildRequest(page));
+    const auto text = co_await documents_.importHtml(clone_page::htmlOf(response));
+    if (!text || text->trimmed().isEmpty())
+        throw CloneServiceError(Code::invalidResponse);
+    co_return text->simplified();
 }
 
 /// Whatever goes wrong here, a lighter attempt may do.
@@ -81,7 +94,7 @@ async::Task<QString> CloneService::scrapedText(QString page, const clone_scrape:
     const auto response = co_await exchange(clone_scrape::buildRequest(url, page, attempt));
     auto found = clone_scrape::parseScrapeResponse(clone_scrape::bodyOf(response));
     if (found.html)
-        found.texts << (co_await documents_.importHtml(found.html->toUtf8())).value_or(*found.html);
+        found.texts << (co_await documents_.importHtml(clone_page::htmlInUtf8(found.html->toUtf8()))).value_or(*found.html);
     const auto text = found.texts.join(u'\n').simplified();
     if (text.isEmpty())
         throw CloneServiceError(Code::invalidResponse);

@@ -15,8 +15,8 @@ struct Attempt;
 /// What `CloneService::learn` is given: the address of a page, or the samples themselves.
 enum class CloneInput : std::uint8_t { Page, Text };
 
-/// Learns how a person writes from samples of it: a page, which a scrape service fetches, or the text of a file. It
-/// stores nothing; the caller does, on success alone. Main thread; it outlives the tasks it gives out.
+/// Learns how a person writes from samples of it: a page, which a scrape service fetches, or the text of a file. Where
+/// the user has set no such service and the default one is not there, the page is fetched as it is. It stores nothing; the caller does, on success alone. Main thread; it outlives the tasks it gives out.
 ///
 /// Operations throw `CloneServiceError` or the error of the service that failed, all of them `text::LocalizedError`.
 class CloneService {
@@ -36,6 +36,7 @@ class CloneService {
  private:
     async::Task<QString> scrapeContent(QString page);
     async::Task<std::optional<QString>> firstScrape(QString page);
+    async::Task<QString> fetchedText(QString page);
     async::Task<QString> scrapedText(QString page, const clone_scrape::Attempt& attempt);
     async::Task<platform::HttpResponse> exchange(platform::HttpRequest request);
     async::Task<CloneProfile> learnProfile(QString samples);
@@ -43,6 +44,7 @@ class CloneService {
     platform::HttpSession& session_;
     platform::DocumentReader& documents_;
     generation::PollinationsService& pollinationsService_;
+    bool wasServiceChosen_;
     QString firecrawlBaseURL_;
     QString defaultEndpoint_;
 };

@@ -35,7 +35,8 @@ class DocumentReader {
     /// The text of the file. An RTF document may be a folder that holds its text and pictures.
     virtual async::Task<Text> readFile(QString path, DocumentFormat format) = 0;
 
-    /// The text of an HTML document in UTF-8, whatever it says of its encoding.
+    /// The text of an HTML document: in the encoding of its byte order mark, else in the one that it names itself, else
+    /// in UTF-8 if it is that, else in Windows code page 1252.
     virtual async::Task<Text> importHtml(QByteArray html) = 0;
 };
 

@@ -193,9 +193,33 @@ TEST_F(CloneServiceTest, HtmlIsImportedOnlyWhereThereIsNoText) {
     const auto html = text::toJson(u"<p>"_s + letters + u"</p>"_s);
     EXPECT_EQ(scrape({{"html", html}, {"metadata", {{"title", "Zoé"}}}}), u"Zoé "_s + letters);
     EXPECT_EQ(scrape({{"html", html}, {"text", text::toJson(u"t"_s.repeated(120))}}), u"t"_s.repeated(120));
-    EXPECT_EQ(documents.markups, QList<QByteArray>{(u"<p>"_s + letters + u"</p>"_s).toUtf8()});
+    EXPECT_EQ(documents.markups, QList<QByteArray>{(u"\ufeff<p>"_s + letters + u"</p>"_s).toUtf8()});
     documents.refuseHtml = true;
     EXPECT_EQ(scrape({{"html", html}}), u"<p>"_s + letters + u"</p>"_s);
+}
+
+TEST_F(CloneServiceTest, APageIsFetchedAsItIsWhereThereIsNoService) {
+    auto alone = serviceAt(u" "_s);
+    const auto learn = [&](const QString& address) { return runTask(loop, alone.learn(address, CloneInput::Page)); };
+    const auto noService = [&] {
+        http.fail(HttpCode::Transport, u"refused"_s);
+        http.fail(HttpCode::Transport, u"refused"_s);
+    };
+    noService();
+    http.answer(200, samples.toUtf8(), "text/html; charset=GBK");
+    http.answer(200, chatReply(good));
+    EXPECT_EQ(learn(u"people.test/zoe"_s).systemPrompt, u"Be Zoe."_s);
+    EXPECT_EQ(http.requests().at(2).url, QUrl(page));
+    EXPECT_EQ(documents.markups.last(), "<meta charset=gbk>" + samples.toUtf8());
+    for (const auto& [type, status, told] : {std::tuple("application/pdf", 200, u"Invalid response from server."_s),
+                                             std::tuple("text/html", 404, u"HTTP 404"_s)}) {
+        noService();
+        http.answer(status, "%PDF", type);
+        EXPECT_EQ(failure([&] { learn(page); }), told);
+    }
+    noService();
+    EXPECT_EQ(failure([&] { learn(u"file:///etc/passwd"_s); }), u"Invalid response from server."_s);
+    EXPECT_EQ(http.unused(), 0U);
 }
 
 TEST_F(CloneServiceTest, TheAddressOfTheServiceIsReadAsItIsMeant) {

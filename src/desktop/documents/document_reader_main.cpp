@@ -75,10 +75,8 @@ std::optional<QString> textOf(const QString& format, const QByteArray& bytes) {
         return pdfText(bytes, textCap);
     if (format == document_process::rtf)
         return rtfText(bytes, textCap);
-    if (format == document_process::html)
+    if (format == document_process::html || format == document_process::markup)
         return htmlText(htmlMarkup(bytes));
-    if (format == document_process::markup)
-        return htmlText(QString::fromUtf8(bytes));
     return plainText(bytes);
 }
 
