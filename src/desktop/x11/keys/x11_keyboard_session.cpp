@@ -159,8 +159,13 @@ void X11KeyboardSession::setWatching(bool watching) {
     if (watching == watching_)
         return;
     watching_ = watching;
-    delivery_->setWatching(watching);
+    if (!watching)
+        delivery_->setWatching(false);
     watchKeys(connection_, devices_, watching ? Watch::On : Watch::Off);
+    if (!watching)
+        return;
+    connection_.sync();  // whoever relies on the watch may type at once
+    delivery_->setWatching(true);
 }
 
 void X11KeyboardSession::followFocus() {
