@@ -67,6 +67,11 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
     userInterface.application.setOnActiveChanged(
         [this](bool isActive) { hotkeyManager_.setOwnWindowActive(isActive); });
     applyCaptureSettings();
+    // Who clears the history does not want its inputs kept elsewhere.
+    historySubscription_ = historyManager_.onChange([this] {
+        if (historyManager_.entries().empty())
+            adaptivePromptLearner_->forget();
+    });
     settingsSubscription_ = storageManager_.onChange([this] { applyCaptureSettings(); });
     outputWriter_.keepsClipboard = [this] { return storageManager_.settings().keepClipboard; };
 }

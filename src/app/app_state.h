@@ -45,6 +45,7 @@ class AppState {
     scenes::SceneRouter& sceneRouter() { return sceneRouter_; }
     persistence::HistoryManager& historyManager() { return historyManager_; }
     generation::PollinationsService& pollinationsService() { return pollinationsService_; }
+    learning::AdaptivePromptLearner& adaptivePromptLearner() { return *adaptivePromptLearner_; }
     learning::CloneService& cloneService() { return *cloneService_; }
     input::InputStateMachine& inputStateMachine() { return *inputStateMachine_; }
     ui::HotkeyStatusHUDWindowController& hotkeyStatusHUDController() { return hotkeyStatusHUDController_; }
@@ -87,6 +88,7 @@ class AppState {
     std::unique_ptr<ui::InputHUDWindowController> inputHUDController_;
     std::unique_ptr<ui::FloatingInputWindowController> floatingInputController_;
     persistence::ChangeSubscription settingsSubscription_;
+    persistence::ChangeSubscription historySubscription_;
     async::Lifetime lifetime_;
 };
 

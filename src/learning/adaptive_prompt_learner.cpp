@@ -15,6 +15,10 @@ constexpr auto tag = "[AdaptivePrompt] "_L1;
 constexpr qint64 maxTokens = 400;
 constexpr float temperature = 0.2F;
 
+/// A service that fails is not asked at every input: each time it gets all the samples again.
+constexpr std::chrono::minutes firstPatience{10};
+constexpr std::chrono::hours longestPatience{6};
+
 }  // namespace
 
 AdaptivePromptLearner::AdaptivePromptLearner(async::MainLoop& mainLoop, platform::FileSystem& fileSystem,
@@ -37,15 +41,15 @@ AdaptivePromptLearner::AdaptivePromptLearner(async::MainLoop& mainLoop, platform
       queue_(queues.create(u"tavrelon.adaptivePromptLearner"_s)) {
     // If the folder cannot be made, the first save says so.
     static_cast<void>(fileSystem_.createDirectory(storageManager.applicationSupport()));
-    load();
-    seed(historyManager);
+    if (fileSystem_.exists(stateURL_))
+        load();
+    else if (learningEnabled_)
+        seed(historyManager);
 }
 
 AdaptivePromptLearner::~AdaptivePromptLearner() = default;
 
 void AdaptivePromptLearner::load() {
-    if (!fileSystem_.exists(stateURL_))
-        return;
     const auto failed = [this](const QString& error) { log_.line(tag + "Failed to load state: "_L1 + error); };
     const auto document = fileSystem_.read(stateURL_);
     if (!document)
@@ -58,15 +62,23 @@ void AdaptivePromptLearner::load() {
 }
 
 void AdaptivePromptLearner::seed(const persistence::HistoryManager& historyManager) {
-    if (!learningEnabled_ || !state_.pendingInputs.empty())
-        return;
     const auto& entries = historyManager.entries();
     const auto count = std::min<qsizetype>(learningInterval_, std::ssize(entries));
     for (auto entry = entries.begin(); entry != entries.begin() + count; ++entry)
         if (auto sample = adaptive_prompt::cleanedSample(entry->inputText))
             state_.pendingInputs.push_back(*std::move(sample));
-    if (!state_.pendingInputs.empty())
+    save();  // an empty one too: what is forgotten does not come back from the history
+}
+
+void AdaptivePromptLearner::forget() {
+    ++forgettings_;
+    storageManager_.changeSettings(
+        [](persistence::AppSettings& settings) { forgetTaught(settings, persistence::Taught::AdaptivePrompt); });
+    storageManager_.saveSettings();
+    queue_->post([this] {
+        state_ = {};
         save();
+    });
 }
 
 void AdaptivePromptLearner::recordInput(const QString& text) {
@@ -91,7 +103,7 @@ void AdaptivePromptLearner::record(const QString& input) {
 void AdaptivePromptLearner::evaluateUpdate() {
     if (!learningEnabled_ || isUpdating_)
         return;
-    if (std::ssize(state_.pendingInputs) < learningInterval_)
+    if (std::ssize(state_.pendingInputs) < learningInterval_ || mainLoop_.now() < nextUpdate_)
         return;
     isUpdating_ = true;
     const auto first = state_.pendingInputs.begin();
@@ -101,17 +113,22 @@ void AdaptivePromptLearner::evaluateUpdate() {
 }
 
 async::Task<void> AdaptivePromptLearner::update(std::vector<QString> samples) {
-    const auto lesson = co_await learnedPrompt(std::move(samples));
-    if (lesson)
-        queue_->post([this, lesson = *lesson] { finish(lesson); });
-    else
-        queue_->post([this] { finishWithoutChange(); });
+    const int forgettings = forgettings_;
+    const bool isAllowed = mayUpdate();
+    const auto lesson = isAllowed ? co_await learnedPrompt(std::move(samples)) : std::nullopt;
+    queue_->post([this, lesson, isAllowed, forgettings] {
+        isUpdating_ = false;
+        if (isAllowed)
+            endUpdate(lesson, forgettings);
+    });
+}
+
+bool AdaptivePromptLearner::mayUpdate() const {
+    return storageManager_.settings().enableLocalLearning && mayAsk_();
 }
 
 async::Task<std::optional<AdaptivePromptLearner::Lesson>> AdaptivePromptLearner::learnedPrompt(
     std::vector<QString> samples) {
-    if (!storageManager_.settings().enableLocalLearning || !mayAsk_())
-        co_return std::nullopt;
     const auto provider = persistence::providerOf(storageManager_.settings());
     try {
         const auto answer = co_await pollinationsService_.answerText(
@@ -124,22 +141,32 @@ async::Task<std::optional<AdaptivePromptLearner::Lesson>> AdaptivePromptLearner:
     co_return std::nullopt;
 }
 
-void AdaptivePromptLearner::finish(const Lesson& lesson) {
-    mainLoop_.post(lifetime_.guard([this, lesson] { storePrompt(lesson); }));
+void AdaptivePromptLearner::endUpdate(const std::optional<Lesson>& lesson, int forgettings) {
+    if (forgettings != forgettings_)
+        return;
+    if (!lesson)
+        return postpone();
+    mainLoop_.post(lifetime_.guard([this, lesson = *lesson, forgettings] { storePrompt(lesson, forgettings); }));
+    finish();
+}
+
+void AdaptivePromptLearner::finish() {
     auto& pending = state_.pendingInputs;
     pending.erase(pending.begin(), pending.begin() + std::min<qsizetype>(learningInterval_, std::ssize(pending)));
     state_.lastUpdatedAt = mainLoop_.wallTime();
-    isUpdating_ = false;
+    patience_ = {};
     save();
     evaluateUpdate();
 }
 
-void AdaptivePromptLearner::finishWithoutChange() {
-    isUpdating_ = false;
-    save();
+void AdaptivePromptLearner::postpone() {
+    patience_ = std::clamp<async::Instant::duration>(patience_ * 2, firstPatience, longestPatience);
+    nextUpdate_ = mainLoop_.now() + patience_;
 }
 
-void AdaptivePromptLearner::storePrompt(const Lesson& lesson) {
+void AdaptivePromptLearner::storePrompt(const Lesson& lesson, int forgettings) {
+    if (forgettings != forgettings_)
+        return;
     storageManager_.changeSettings([&](persistence::AppSettings& settings) {
         settings.adaptiveSystemPrompt = lesson.prompt;
         settings.adaptiveSystemPromptUpdatedAt = mainLoop_.wallTime();

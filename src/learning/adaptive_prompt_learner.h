@@ -16,14 +16,15 @@ namespace tavrelon::learning {
 
 /// Learns how the user writes: keeps what was typed or said, and has a model write a system prompt from it every
 /// `learningInterval` samples. The prompt goes into the settings. No failure reaches the user; samples stay for the
-/// next attempt.
+/// next attempt, which waits ten minutes after the first failure, twice as long after each further one, at most six
+/// hours.
 ///
 /// Made, called and destroyed on the main thread. The samples and their file belong to the queue
 /// "tavrelon.adaptivePromptLearner", a thread that ends with this object once the recordings posted so far are stored.
 class AdaptivePromptLearner : public InputRecorder {
  public:
-    /// Loads the state; a fresh installation starts with samples from the history. A state file that cannot be read is
-    /// logged, counts as none, and is overwritten at the next save. All services outlive the learner.
+    /// Loads the state; where there is none yet it starts with samples from the history. A state file that cannot be
+    /// read is logged, counts as an empty one, and is overwritten at the next save. All services outlive the learner.
     AdaptivePromptLearner(async::MainLoop& mainLoop, platform::FileSystem& fileSystem, platform::Log& log,
                           platform::SerialQueues& queues, persistence::StorageManager& storageManager,
                           generation::PollinationsService& pollinationsService,
@@ -36,6 +37,10 @@ class AdaptivePromptLearner : public InputRecorder {
     void askOnlyIf(std::function<bool()> mayAsk) { mayAsk_ = std::move(mayAsk); }
 
     void recordInput(const QString& text) override;
+
+    /// Empties the samples and the learned prompt, on disk too. An update under way teaches nothing any more. Main
+    /// thread.
+    void forget();
 
     /// Starts an update if enough samples wait for one. Returns at once.
     void scheduleEvaluation();
@@ -55,14 +60,16 @@ class AdaptivePromptLearner : public InputRecorder {
     // On the queue.
     void record(const QString& input);
     void evaluateUpdate();
-    void finish(const Lesson& lesson);
-    void finishWithoutChange();
+    void endUpdate(const std::optional<Lesson>& lesson, int forgettings);
+    void finish();
+    void postpone();
     void save();
 
     // On the main thread.
     async::Task<void> update(std::vector<QString> samples);
+    bool mayUpdate() const;
     async::Task<std::optional<Lesson>> learnedPrompt(std::vector<QString> samples);
-    void storePrompt(const Lesson& lesson);
+    void storePrompt(const Lesson& lesson, int forgettings);
 
     async::MainLoop& mainLoop_;
     platform::FileSystem& fileSystem_;
@@ -75,6 +82,9 @@ class AdaptivePromptLearner : public InputRecorder {
 
     LearnerState state_;
     bool isUpdating_ = false;
+    async::Instant nextUpdate_{};          ///< none begins before
+    async::Instant::duration patience_{};  ///< that the last failure has cost
+    std::atomic<int> forgettings_ = 0;
 
     // The settings belong to the main thread, but the queue asks whether learning is on at the moment of its work. This
     // copy follows every change of them.

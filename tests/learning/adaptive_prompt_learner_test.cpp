@@ -97,8 +97,9 @@ TEST_F(AdaptivePromptLearnerTest, AFailureKeepsTheOldestSamplesForTheNextInput) 
     EXPECT_TRUE(
         learnerLines().front().startsWith(u"[AdaptivePrompt] Failed to update system prompt: API error (503)"_s));
     EXPECT_EQ(stored().pendingInputs.size(), 3U);
-    loop.advance(std::chrono::hours(1));
-    EXPECT_EQ(http.requests().size(), attempts) << "nothing tries again by itself";
+    record(u"early"_s, 1, 1);
+    loop.advance(std::chrono::minutes(11));
+    EXPECT_EQ(http.requests().size(), attempts) << "not at every input, and nothing tries again by itself";
 
     http.otherwise = nullptr;
     http.answer(200, chatReply(u"Write briefly."_s));
@@ -106,7 +107,29 @@ TEST_F(AdaptivePromptLearnerTest, AFailureKeepsTheOldestSamplesForTheNextInput) 
     EXPECT_TRUE(heard(attempts).contains(u"Input 1: input 1\n"_s));
     EXPECT_FALSE(heard(attempts).contains(u"input 4"_s));
     EXPECT_EQ(prompt(), u"Write briefly."_s);
-    EXPECT_THAT(stored().pendingInputs, ElementsAre(u"input 4"_s));
+    EXPECT_THAT(stored().pendingInputs, ElementsAre(u"early 1"_s, u"input 4"_s));
+}
+
+TEST_F(AdaptivePromptLearnerTest, WhatIsForgottenIsGoneAndAnUpdateUnderWayTeachesNothing) {
+    history.addEntry({.id = QUuid::createUuid(), .inputText = u"of the history"_s});
+    start();
+    http.answer(
+        {platform::HttpResponse{.status = 200, .body = chatReply(u"Write briefly."_s)}, std::chrono::seconds(5)});
+    record(u"input"_s, 1, 4);
+    learner->forget();
+    record(u"later"_s, 1, 1);
+    loop.advance(std::chrono::seconds(6));
+    EXPECT_EQ(prompt(), QString());
+    EXPECT_THAT(stored().pendingInputs, ElementsAre(u"later 1"_s));
+    http.answer(200, chatReply(u"Be terse."_s));
+    record(u"later"_s, 2, 3);
+    EXPECT_EQ(prompt(), u"Be terse."_s);
+    learner->forget();
+    EXPECT_EQ(prompt(), QString());
+    EXPECT_FALSE(store.data(persistence::defaults_keys::settings)->contains("Be terse."));
+    start();
+    loop.runUntilIdle();
+    EXPECT_THAT(stored().pendingInputs, ElementsAre()) << "nor does the history bring it back";
 }
 
 TEST_F(AdaptivePromptLearnerTest, ABlankReplyChangesNothingAndOneOfQuotationMarksIsAnEmptyPrompt) {
@@ -117,6 +140,7 @@ TEST_F(AdaptivePromptLearnerTest, ABlankReplyChangesNothingAndOneOfQuotationMark
     EXPECT_EQ(prompt(), u"old"_s);
     EXPECT_EQ(stored().pendingInputs.size(), 3U);
     EXPECT_EQ(learnerLines(), QStringList());
+    loop.advance(std::chrono::minutes(10));
 
     http.answer(200, chatReply(u"\"''\""_s));
     record(u"input"_s, 4, 4);
@@ -160,7 +184,7 @@ TEST_F(AdaptivePromptLearnerTest, AFreshInstallationStartsWithTheNewestOfTheHist
 
     history.addEntry({.id = QUuid::createUuid(), .inputText = u"another"_s});
     start(3);
-    EXPECT_THAT(stored().pendingInputs, ElementsAre(u"newest"_s, u"two lines"_s)) << "a queue in use is not seeded";
+    EXPECT_THAT(stored().pendingInputs, ElementsAre(u"newest"_s, u"two lines"_s)) << "once";
 }
 
 TEST_F(AdaptivePromptLearnerTest, AnUpdateCutOffByTheEndRunsAgainAfterTheNextStart) {

@@ -59,6 +59,9 @@ TEST_F(LearningInApp, FortyRequestsTeachTheNextOne) {
     EXPECT_TRUE(userPrompts.back().contains(u"Input 40: please answer 40\n"_s));
     request(u"please answer again"_s);
     EXPECT_TRUE(systemPrompts.back().contains(u"Write tersely."_s));
+    program->appState().historyManager().clearHistory();
+    request(u"please answer once more"_s);
+    EXPECT_FALSE(systemPrompts.back().contains(u"Write tersely."_s)) << "it goes with the history";
 }
 
 TEST_F(LearningInApp, SamplesOfTheLastRunAreLearnedFromAtTheStart) {

@@ -34,7 +34,8 @@ struct DashboardDesk {
     platform::AuthorizationStatus microphone = platform::AuthorizationStatus::NotDetermined;
     int microphoneRequests = 0;
 
-    ui::GeneralSettingsModel general{storage, service};
+    int forgettings = 0;
+    ui::GeneralSettingsModel general{storage, service, [this] { ++forgettings; }};
     ui::HotkeysSettingsModel hotkeys{{desktop.loop, storage, manager, keys,
                                       [this](bool enabled) { shownStates.push_back(enabled); },
                                       desktop.keyboard.hotkeys}};

@@ -72,30 +72,31 @@ ScrollPage {
     }
     TaughtNotice { taught: page.model.taught }
     GlassCard {
-        visible: page.model.taught.isTaught
         width: parent.width
 
         Item {
             width: parent.width
-            height: Math.max(learned.height, remove.height)
+            height: Math.max(learned.height, forget.height)
 
             SectionHeader {
                 id: learned
-                width: parent.width - remove.width - 16
+                width: parent.width - forget.width - 16
                 anchors.verticalCenter: parent.verticalCenter
                 title: page.texts.learned
-                subtitle: [page.model.taught.origin, page.model.learnedAt].filter(part => part).join(" · ")
+                subtitle: page.model.taught.isTaught
+                    ? [page.model.taught.origin, page.model.learnedAt].filter(part => part).join(" · ")
+                    : page.model.hasForgotten ? page.texts.forgotten : page.texts.forgetHint
             }
             GlassButton {
-                id: remove
-                visible: !page.model.taught.isSetAside
+                id: forget
                 anchors { right: parent.right; verticalCenter: parent.verticalCenter }
                 icon: "trash"
-                text: page.model.taught.texts.remove
-                onTriggered: page.model.taught.remove()
+                text: page.texts.forget
+                onTriggered: page.model.forget()
             }
         }
         LongText {
+            visible: page.model.taught.isTaught
             pieces: page.model.learnedPieces
             name: page.texts.learned
         }

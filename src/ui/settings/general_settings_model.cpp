@@ -15,7 +15,7 @@ namespace {
 constexpr QLatin1StringView speed("speed");
 constexpr QLatin1StringView quality("quality");
 
-constexpr std::array<PageText, 19> pageTexts{{
+constexpr std::array<PageText, 22> pageTexts{{
     {u"faulty", u"These settings could not be read, and their defaults serve: ", u"以下设置无法读取，已使用默认值："},
     {u"vision", u"Vision Preference", u"视觉偏好"},
     {u"visionHint", u"Prioritize speed or quality for vision models", u"选择视觉模型的速度或质量优先级"},
@@ -25,7 +25,12 @@ constexpr std::array<PageText, 19> pageTexts{{
     {u"think", u"Think", u"思考"},
     {u"thinkHint", u"Use /think for vision replies", u"视觉回复时使用 /think"},
     {u"memory", u"Local Memory", u"本地记忆"},
-    {u"memoryHint", u"Record phrases locally", u"本地记录短语"},
+    {u"memoryHint", u"After every 40 requests the model service reads them and describes how you write",
+     u"每 40 次请求后，模型服务会阅读它们并描述您的写作风格"},
+    {u"forget", u"Forget", u"忘记"},
+    {u"forgetHint", u"Empties what was gathered and the learned voice; clearing the history does too",
+     u"清除已收集的内容和已学习的语气；清除历史记录时也会一并清除"},
+    {u"forgotten", u"Nothing of your requests is kept for learning now.", u"现在没有保留任何用于学习的请求内容。"},
     {u"learned", u"Learned Voice", u"已学习的语气"},
     {u"share", u"Share Improvements", u"分享改进"},
     {u"shareHint", u"Help improve products", u"帮助改进产品"},
@@ -40,8 +45,15 @@ constexpr std::array<PageText, 19> pageTexts{{
 }  // namespace
 
 GeneralSettingsModel::GeneralSettingsModel(persistence::StorageManager& storage,
-                                           generation::PollinationsService& service)
-    : PageModel(storage, pageTexts), service_(service) {}
+                                           generation::PollinationsService& service,
+                                           std::function<void()> forgetLearned)
+    : PageModel(storage, pageTexts), service_(service), forgetLearned_(std::move(forgetLearned)) {}
+
+void GeneralSettingsModel::forget() {
+    hasForgotten_ = true;
+    forgetLearned_();
+    Q_EMIT changed();
+}
 
 QStringList GeneralSettingsModel::learnedPieces() const {
     const auto& learned = settings().adaptiveSystemPrompt;

@@ -8,8 +8,9 @@ namespace tavrelon::ui {
 
 DashboardPage generalSettingsPage(app::AppState& appState) {
     return {DashboardTab::settings, QStringLiteral("settings/GeneralSettingsScrollView"), [&appState] {
-                return std::make_unique<GeneralSettingsModel>(appState.storageManager(),
-                                                              appState.pollinationsService());
+                return std::make_unique<GeneralSettingsModel>(
+                    appState.storageManager(), appState.pollinationsService(),
+                    [&appState] { appState.adaptivePromptLearner().forget(); });
             }};
 }
 
