@@ -19,6 +19,9 @@ constexpr int learningInterval = 40;
 constexpr std::chrono::milliseconds frameInterval{500};
 constexpr std::size_t maxFrames = 24;
 
+/// Pixels. Models on a machine of one's own work at that size or a smaller one, and each frame costs them seconds.
+constexpr double longestSideForOllama = 1024;
+
 capture::ScreenshotMode screenshotModeNamed(const QString& name) {
     if (name == QLatin1StringView("fullScreen"))
         return capture::ScreenshotMode::fullScreen;
@@ -119,6 +122,7 @@ void AppState::applyCaptureSettings() {
                              settings.textOnlyModel == settings.pollinationsVisionModel;
     contextCapturer_.screenshotMode =
         seesNothing ? capture::ScreenshotMode::none : screenshotModeNamed(settings.screenshotMode);
+    videoRecorder_.longestSide = settings.enableOllamaVision ? longestSideForOllama : 0;
     contextCapturer_.screenshotQuality = settings.screenshotQuality;
     contextCapturer_.maxScreenshotWidth = static_cast<double>(settings.maxScreenshotWidth);
 }

@@ -32,6 +32,17 @@ ProcessingError failureOf(const std::exception& error) {
     return ProcessingError::generationFailed(text::localizedDescription(error), againAfter(error));
 }
 
+/// The first and the last are among them.
+std::vector<QByteArray> evenlySpaced(const std::vector<QByteArray>& frames) {
+    constexpr std::size_t most = 8;  // what models on a machine of one's own take in a bearable time
+    if (frames.size() <= most)
+        return frames;
+    std::vector<QByteArray> chosen;
+    for (std::size_t i = 0; i < most; ++i)
+        chosen.push_back(frames[i * (frames.size() - 1) / (most - 1)]);
+    return chosen;
+}
+
 }  // namespace
 
 /// What both paths know of a request.
@@ -111,9 +122,12 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
     co_return GenerationResult{.text = std::move(reply), .decisionObject = std::move(decision)};
 }
 
-/// All frames to the one model that takes several; else the last one to those that take one.
+/// Ollama looks at pictures alone when it is switched on. Else all frames go to the one model that takes so many, and
+/// the last one to those that take one.
 async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames) {
     std::exception_ptr withAllFrames;
+    if (pollinationsService_.ollamaEnabled)
+        co_return co_await pollinationsService_.generateWithOllama(prompt.system, prompt.user, evenlySpaced(frames));
     if (pollinationsService_.pollinationsCustomEnabled) {
         prompt.image = frames.back();
         try {

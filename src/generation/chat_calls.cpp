@@ -53,7 +53,7 @@ async::Task<QString> PollinationsService::generateWithNvidia(PollinationsModel m
 }
 
 async::Task<QString> PollinationsService::generateWithOllama(QString systemPrompt, QString userPrompt,
-                                                             std::optional<QByteArray> image) {
+                                                             std::vector<QByteArray> images) {
     const bool cloud = ollamaMode == OllamaMode::cloud;
     auto request = chat_ollama::buildRequest(
         {.mode = ollamaMode,
@@ -62,7 +62,7 @@ async::Task<QString> PollinationsService::generateWithOllama(QString systemPromp
          .key = cloud ? ollamaCloudApiKey : ollamaLocalApiKey,
          .systemPrompt = std::move(systemPrompt),
          .userPrompt = std::move(userPrompt),
-         .image = std::move(image)});
+         .images = std::move(images)});
     if (asksLocalServer())
         request.requestTimeout = request.resourceTimeout = localDeadline;
     const auto sent = request.body;

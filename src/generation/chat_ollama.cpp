@@ -30,8 +30,8 @@ Json messages(const Call& call, chat_wire::Pictures& pictures) {
     if (!call.systemPrompt.isEmpty())
         list.push_back(chat_wire::message("system", text::toJson(call.systemPrompt)));
     auto user = chat_wire::message("user", text::toJson(call.userPrompt));
-    if (call.image)
-        user["images"] = Json::array({pictures.base64(*call.image)});
+    for (const auto& image : call.images)
+        user["images"].push_back(pictures.base64(image));
     list.push_back(std::move(user));
     return list;
 }

@@ -16,7 +16,7 @@ struct Call {
     std::optional<QString> key{};
     QString systemPrompt;
     QString userPrompt;
-    std::optional<QByteArray> image{};  ///< JPEG
+    std::vector<QByteArray> images{};  ///< JPEG
 };
 
 /// Throws `configurationMissing` for what the user did not set, and `invalidURL` for an address that cannot be formed.

@@ -58,7 +58,7 @@ bool isLocalName(const QString& name) {
 }  // namespace
 
 std::vector<QUrl> destinations(const PollinationsService& service, RequestContents contents) {
-    if (service.ollamaEnabled && contents == RequestContents::Picture)
+    if (service.ollamaEnabled && contents != RequestContents::Text)
         return {ollamaAddress(service)};
     if (service.asksGatewayOnly())
         return {QUrl(service.pollinationsBaseURL())};

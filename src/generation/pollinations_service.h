@@ -92,7 +92,7 @@ class PollinationsService {
     async::Task<QString> generateWithGLM(PollinationsModel model, ChatPrompt prompt, JsonMode jsonMode);
     async::Task<QString> generateWithNvidia(PollinationsModel model, ChatPrompt prompt,
                                             std::optional<std::vector<QByteArray>> images, Thinking thinking);
-    async::Task<QString> generateWithOllama(QString systemPrompt, QString userPrompt, std::optional<QByteArray> image);
+    async::Task<QString> generateWithOllama(QString systemPrompt, QString userPrompt, std::vector<QByteArray> images);
 
     /// One call by the protocol that the model speaks, as every walk makes it.
     async::Task<QString> generateWithModel(PollinationsModel model, ChatPrompt prompt, JsonMode jsonMode);

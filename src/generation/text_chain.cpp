@@ -56,7 +56,8 @@ async::Task<ModelAnswer> PollinationsService::answerText(QString systemPrompt, Q
                                                          float temperature) {
     if (ollamaEnabled && image)
         co_return ModelAnswer{
-            co_await generateWithOllama(std::move(systemPrompt), std::move(userPrompt), std::move(image)), u"Ollama"_s};
+            co_await generateWithOllama(std::move(systemPrompt), std::move(userPrompt), {*std::move(image)}),
+            u"Ollama"_s};
 
     const ChatPrompt prompt{std::move(systemPrompt), std::move(userPrompt), std::move(image), maxTokens, temperature};
     QString source;

@@ -1,5 +1,7 @@
 #include "media/window_video_recorder.h"
 
+#include <algorithm>
+
 #include "async/waits.h"
 
 namespace tavrelon::media {
@@ -45,13 +47,22 @@ async::Task<std::optional<QByteArray>> WindowVideoRecorder::takeFrame() {
         auto image = co_await contextCapturer_.captureFocusedWindowImage();
         if (!image)
             co_return std::nullopt;
-        if (const auto width = contextCapturer_.maxScreenshotWidth; width > 0)
+        if (const auto width = widestFor(*image); width > 0)
             if (auto scaled = co_await contextCapturer_.scaledImage(*image, width))
                 image = std::move(scaled);
         co_return co_await contextCapturer_.encodeJPEG(*std::move(image));
     } catch (const std::exception&) {  // costs this frame only
         co_return std::nullopt;
     }
+}
+
+/// 0 for no bound.
+double WindowVideoRecorder::widestFor(const platform::Image& image) const {
+    const double width = contextCapturer_.maxScreenshotWidth;
+    if (longestSide <= 0 || image.width <= 0)
+        return width;
+    const double scaled = image.width * longestSide / std::max(image.width, image.height);
+    return width > 0 ? std::min(width, scaled) : scaled;
 }
 
 void WindowVideoRecorder::keep(QByteArray frame) {

@@ -16,6 +16,9 @@ class WindowVideoRecorder {
     WindowVideoRecorder(platform::Platform& platform, capture::ContextCapturer& contextCapturer,
                         std::chrono::nanoseconds frameInterval, std::size_t maxFrames);
 
+    /// Pixels; a frame that is longer on one side is made smaller. 0 for no bound but the contextCapturer's.
+    double longestSide = 0;
+
     /// Begins anew with an empty list.
     async::Task<void> startCapture();
 
@@ -25,6 +28,7 @@ class WindowVideoRecorder {
  private:
     async::Task<void> sample();
     async::Task<std::optional<QByteArray>> takeFrame();
+    double widestFor(const platform::Image& image) const;
     void keep(QByteArray frame);
 
     platform::Platform& platform_;

@@ -61,6 +61,27 @@ TEST_F(AIServiceTest, ThoughtsAreNoAnswerAndNothingIsDrawnWhereThatIsNotWanted) 
     EXPECT_EQ(wordTokens(u"วาด हिन्दी e\u0301te"_s), (QStringList{u"วาด"_s, u"हिन्दी"_s, u"e\u0301te"_s}));
 }
 
+TEST_F(AIServiceTest, AVideoGoesToOllamaAloneWhereThatIsOn) {
+    service.ollamaEnabled = true;
+    service.ollamaMode = OllamaMode::local;
+    service.ollamaLocalModel = u"llava"_s;
+    std::vector<QByteArray> frames;
+    for (int number = 0; number < 24; ++number)
+        frames.push_back(QByteArray::number(number));
+    const auto describe = [&] {
+        return runTask(loop, assistant.generateVideoResult({.input = u"what happens?"_s}, frames)).text;
+    };
+    http.answer(200, R"({"message":{"content":"A cat."}})");
+    EXPECT_EQ(describe(), u"A cat."_s);
+    QByteArrayList seen;
+    for (const auto& image : body(0)["messages"][1]["images"])
+        seen << QByteArray::fromBase64(text::stringFrom(image).toLatin1());
+    EXPECT_EQ(seen, (QByteArrayList{"0", "3", "6", "9", "13", "16", "19", "23"}));
+    http.answer(500, "busy");
+    EXPECT_THROW(describe(), ProcessingError) << "and no other is asked";
+    EXPECT_EQ(http.unused(), 0U);
+}
+
 TEST_F(AIServiceTest, TheSceneAndTheContextGoAlong) {
     router.updateScenes({{.id = QUuid::createUuid(),
                           .name = u"Mail"_s,

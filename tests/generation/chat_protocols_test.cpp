@@ -249,7 +249,7 @@ TEST(ChatOllama, ChecksItsConfigurationAndBuildsItsRequests) {
                            .url = u"http://host:11434"_s,
                            .systemPrompt = u""_s,
                            .userPrompt = u"Hi"_s,
-                           .image = QByteArray("\xff\xd8")};
+                           .images = {"\xff\xd8", "\xff"}};
     const auto refused = [&] { return refusal([&] { chat_ollama::buildRequest(call); }); };
     EXPECT_EQ(refused(), u"Ollama cloud model is required"_s);
     call.model = u"llava"_s;
@@ -258,8 +258,9 @@ TEST(ChatOllama, ChecksItsConfigurationAndBuildsItsRequests) {
     const auto request = chat_ollama::buildRequest(call);
     EXPECT_EQ(request.url, QUrl(u"http://host:11434"_s)) << "an endpoint is used as it was typed";
     EXPECT_EQ(request.headers, (platform::HttpHeaders{{"Content-Type", "application/json"}}));
-    EXPECT_EQ(request.body,
-              R"({"model":"llava","messages":[{"role":"user","content":"Hi","images":["/9g="]}],"stream":false})");
+    EXPECT_EQ(
+        request.body,
+        R"({"model":"llava","messages":[{"role":"user","content":"Hi","images":["/9g=","/w=="]}],"stream":false})");
     call.url = u"http://[bad"_s;
     EXPECT_EQ(refused(), u"Invalid URL"_s);
     call.model = u""_s;

@@ -64,6 +64,11 @@ TEST_F(WindowVideoRecorderTest, WidePicturesAreScaledUnlessTheWidthIsZero) {
     show(3840, 2160);
     start();
     EXPECT_EQ(stop(), (std::vector<QByteArray>{"jpeg 3840x2160 w 0.7"})) << "and a new list";
+    capturer.maxScreenshotWidth = 1920;
+    recorder->longestSide = 1024;
+    show(1000, 2048);
+    start();
+    EXPECT_EQ(stop(), (std::vector<QByteArray>{"jpeg 500x1024 w 0.7"}));
 }
 
 TEST_F(WindowVideoRecorderTest, WhatCannotBeCapturedCostsItsFrameOnly) {
