@@ -2,6 +2,28 @@
 
 namespace tavrelon::scenes {
 
+namespace {
+
+/// The value under a key that is required; an error says which key has the fault.
+template <typename Read>
+auto read(const text::Json& scene, const char* key, Read from) {
+    const auto& value = text::required(scene, key);
+    try {
+        return from(value);
+    } catch (const text::JsonError& error) {
+        throw text::JsonError(QStringLiteral("\"%1\": ").arg(QLatin1StringView(key)) + error.localizedDescription());
+    }
+}
+
+/// "scene 2 (Mail)", for whoever wrote the list.
+QString placeOf(const text::Json& scene, std::size_t index) {
+    const auto place = QStringLiteral("scene %1").arg(index + 1);
+    const auto name = scene.is_object() ? text::firstText(scene, {"name"}) : std::nullopt;
+    return name ? place + QStringLiteral(" (%1)").arg(*name) : place;
+}
+
+}  // namespace
+
 text::Json toJson(const SceneConfig& scene) {
     return {{"id", text::toJson(text::uuidText(scene.id))},
             {"name", text::toJson(scene.name)},
@@ -23,25 +45,28 @@ text::Json toJson(const std::vector<SceneConfig>& scenes) {
 }
 
 SceneConfig sceneConfigFrom(const text::Json& json) {
-    const auto field = [&](const char* key) -> const text::Json& { return text::required(json, key); };
     SceneConfig scene;
-    scene.id = text::uuidFrom(field("id"));
-    scene.name = text::stringFrom(field("name"));
-    scene.isEnabled = text::boolFrom(field("isEnabled"));
-    scene.priority = text::integerFrom(field("priority"));
-    scene.appBundleIDs = stringListFrom(field("appBundleIDs"));
-    scene.windowTitleKeywords = stringListFrom(field("windowTitleKeywords"));
-    scene.domainPatterns = stringListFrom(field("domainPatterns"));
-    scene.outputContract = outputContractFrom(field("outputContract"));
-    scene.allowScreenshot = text::boolFrom(field("allowScreenshot"));
-    scene.allowShare = text::boolFrom(field("allowShare"));
+    scene.id = read(json, "id", text::uuidFrom);
+    scene.name = read(json, "name", text::stringFrom);
+    scene.isEnabled = read(json, "isEnabled", text::boolFrom);
+    scene.priority = read(json, "priority", text::integerFrom);
+    scene.appBundleIDs = read(json, "appBundleIDs", stringListFrom);
+    scene.windowTitleKeywords = read(json, "windowTitleKeywords", stringListFrom);
+    scene.domainPatterns = read(json, "domainPatterns", stringListFrom);
+    scene.outputContract = read(json, "outputContract", outputContractFrom);
+    scene.allowScreenshot = read(json, "allowScreenshot", text::boolFrom);
+    scene.allowShare = read(json, "allowShare", text::boolFrom);
     return scene;
 }
 
 std::vector<SceneConfig> sceneListFrom(const text::Json& json) {
     std::vector<SceneConfig> scenes;
     for (const auto& scene : text::arrayFrom(json))
-        scenes.push_back(sceneConfigFrom(scene));
+        try {
+            scenes.push_back(sceneConfigFrom(scene));
+        } catch (const text::JsonError& error) {
+            throw text::JsonError(placeOf(scene, scenes.size()) + QStringLiteral(": ") + error.localizedDescription());
+        }
     return scenes;
 }
 

@@ -27,7 +27,8 @@ struct SceneConfig {
 text::Json toJson(const SceneConfig& scene);
 text::Json toJson(const std::vector<SceneConfig>& scenes);
 
-/// Both throw `text::JsonError`; all ten keys are required, and one faulty scene fails the whole list.
+/// Both throw `text::JsonError`; all ten keys are required, and one faulty scene fails the whole list, and the
+/// error names it and its key.
 SceneConfig sceneConfigFrom(const text::Json& json);
 std::vector<SceneConfig> sceneListFrom(const text::Json& json);
 

@@ -44,6 +44,16 @@ TEST(SceneConfig, RequiresEveryKey) {
         EXPECT_THROW(sceneConfigFrom(lacking), text::JsonError) << key;
         EXPECT_THROW(sceneListFrom(text::Json::array({json, lacking})), text::JsonError) << key;
     }
+    auto wrong = json;
+    wrong["outputContract"]["lengthMax"] = 1;
+    try {
+        sceneListFrom(text::Json::array({json, wrong}));
+        ADD_FAILURE() << "it is taken";
+    } catch (const text::JsonError& error) {
+        EXPECT_EQ(error.localizedDescription(),
+                  QStringLiteral("scene 2 (邮件回复): \"outputContract\": \"lengthMax\" (1) is smaller than "
+                                 "\"lengthMin\" (50)."));
+    }
     EXPECT_THROW(sceneListFrom(json), text::JsonError);
 }
 
