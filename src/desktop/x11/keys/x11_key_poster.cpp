@@ -87,9 +87,8 @@ void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys
         xtest_->post(code, KeyAction::Release);
     for (const auto modifier : modifierKeys)
         xtest_->post(modifier, KeyAction::Press);
-    // As fast fingers would: while accessibility is on, pages of Qt's web engine take a chord twice whose key follows
-    // the modifier at once; after 3 ms they do not. But not while the user holds modifiers: letting go of the same ones
-    // would take ours away before the key.
+    // As fast fingers would, or a paste is taken twice in places. But not while the user holds modifiers: letting go of
+    // the same ones would take ours away before the key.
     if (!modifierKeys.empty() && !modifiers_.isAnyAside()) {
         xtest_->send();
         std::this_thread::sleep_for(chordWait);
