@@ -70,17 +70,38 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
     userInterface.application.setOnActiveChanged(
         [this](bool isActive) { hotkeyManager_.setOwnWindowActive(isActive); });
     applyCaptureSettings();
-    // Who clears the history does not want its inputs kept elsewhere.
     historySubscription_ = historyManager_.onChange([this] {
+        // Who clears the history does not want its inputs kept elsewhere.
         if (historyManager_.entries().empty())
             adaptivePromptLearner_->forget();
+        noteFirstAnswer();
     });
+    noteFirstAnswer();
     settingsSubscription_ = storageManager_.onChange([this] { applyCaptureSettings(); });
     outputWriter_.keepsClipboard = [this] { return storageManager_.settings().keepClipboard; };
 }
 
 AppState::~AppState() {
     userInterface_.application.setOnActiveChanged(nullptr);
+}
+
+void AppState::noteFirstAnswer() {
+    if (historyManager_.entries().empty() || storageManager_.settings().hasAnswered)
+        return;
+    storageManager_.changeSettings([](persistence::AppSettings& settings) { settings.hasAnswered = true; });
+    storageManager_.saveSettings();
+}
+
+Readiness AppState::readiness() const {
+    const auto& settings = storageManager_.settings();
+    const bool hasModel = settings.enableCustomPollinations || settings.enableOllamaVision ||
+                          pollinationsService_.effectivePollinationsApiKey() ||
+                          pollinationsService_.effectiveNvidiaApiKey() || pollinationsService_.glmApiKey;
+    if (!hotkeyManager_.isListening())
+        return Readiness::noKeyboardAccess;
+    if (!settings.hotkeysEnabled)
+        return Readiness::hotkeysOff;
+    return hasModel ? Readiness::active : Readiness::noModel;
 }
 
 std::optional<QRectF> AppState::caretRect() {

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "app/ai_generator.h"
+#include "app/readiness.h"
 #include "async/lifetime.h"
 #include "capture/context_capturer.h"
 #include "capture/cursor_locator.h"
@@ -52,7 +53,11 @@ class AppState {
     ServiceConsent& serviceConsent() { return consent_; }
     async::MainLoop& mainLoop() { return platform_.mainLoop; }
 
+    /// As far as it can be told without asking anybody.
+    Readiness readiness() const;
+
  private:
+    void noteFirstAnswer();
     void askForConsent(const std::optional<ServiceConsent::Question>& question);
     void applyHotkeySettings();
     void applyCaptureSettings();

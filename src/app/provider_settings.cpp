@@ -83,4 +83,17 @@ void applyProviderSettings(const AppSettings& settings, platform::DefaultsStore&
                                          : VisionModelPreference::speed);
 }
 
+void useServer(persistence::StorageManager& storage, PollinationsService& service, const QString& baseURL,
+               const generation::ServedModel& model) {
+    storage.changeSettings([&](AppSettings& changed) {
+        changed.pollinationsBaseURL = baseURL;
+        changed.pollinationsVisionModel = model.name;
+        changed.textOnlyModel = model.isTextOnly ? model.name : QString();
+        changed.enableCustomPollinations = true;
+        changed.enableOllamaVision = changed.enableNvidiaLocal = false;
+    });
+    storage.saveSettings();
+    applyProviderSettings(storage.settings(), storage.userDefaults(), service);
+}
+
 }  // namespace tavrelon::app

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "generation/pollinations_service.h"
+#include "generation/server_probe.h"
 #include "persistence/storage_manager.h"
 #include "platform/defaults_store.h"
 
@@ -20,5 +21,9 @@ generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoin
 /// to.
 void applyProviderSettings(const persistence::AppSettings& settings, platform::DefaultsStore& userDefaults,
                            generation::PollinationsService& service);
+
+/// Has a server on this machine or elsewhere answer from now on, by this model: stored, and in force at once.
+void useServer(persistence::StorageManager& storage, generation::PollinationsService& service, const QString& baseURL,
+               const generation::ServedModel& model);
 
 }  // namespace tavrelon::app

@@ -39,6 +39,7 @@ struct AppSettings : keys::HotkeySet {
     QString ollamaLocalModel = QStringLiteral("genmini-3-flash-preview");
     QString ollamaLocalEndpoint = defaultOllamaLocalEndpoint();
     bool enableImagePromptEnhancement = true;
+    bool hasAnswered = false;       ///< whether any request was ever answered
     bool picturesByRequest = true;  ///< whether a wish for a picture is answered with one
     bool enableAI = true;           ///< without it every input for a model ends in an error; no view edits it
 

@@ -84,6 +84,7 @@ inline constexpr auto settingsFields = std::to_array<SettingsField>({
     {"fallBackToOtherServices", 59, &AppSettings::fallBackToOtherServices},
     {"picturesByRequest", 60, &AppSettings::picturesByRequest},
     {"textOnlyModel", 61, &AppSettings::textOnlyModel},
+    {"hasAnswered", 62, &AppSettings::hasAnswered},
 });
 
 /// The same fields in the order of writing.

@@ -35,9 +35,11 @@ Dashboard::Dashboard(app::AppState& appState, desktop::SessionAdapters& session)
       keys(session.windowing.keyNames),
       filePicker(session.platform.mainLoop),
       window(windows, appState.storageManager(),
-             {ui::generalSettingsPage(appState), ui::hotkeysPage(appState, keys, session.platform.hotkeys),
+             {ui::generalSettingsPage(appState, session.platform.httpSession),
+              ui::hotkeysPage(appState, keys, session.platform.hotkeys),
               ui::clonePage(appState, session.platform, filePicker), ui::providersPage(appState, session.platform),
               ui::historyPage(appState), ui::privacyPage(appState, permissions(session))},
-             [&session] { session.platform.workspace.openUrl(ui::donationPage()); }) {}
+             {[&session] { session.platform.workspace.openUrl(ui::donationPage()); },
+              [&appState] { return appState.readiness(); }}) {}
 
 }  // namespace tavrelon::program

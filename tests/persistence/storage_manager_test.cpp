@@ -136,9 +136,9 @@ TEST_F(StorageManagerTest, AUsersSceneFileReplacesTheBuiltInScenes) {
     reversed[0]["outputContract"]["lengthMin"] = 501;
     files.put(scenesPath, text::compactJson(reversed));
     EXPECT_EQ(sceneNames().size(), 5);
-    EXPECT_EQ(
-        log.lines(),
-        QStringList{QStringLiteral("Failed to load scenes: \"lengthMax\" (500) is smaller than \"lengthMin\" (501).")});
+    EXPECT_EQ(log.lines(),
+              QStringList{QStringLiteral("Failed to load scenes: scene 1 (Slack 消息): \"outputContract\": "
+                                         "\"lengthMax\" (500) is smaller than \"lengthMin\" (501).")});
     log.clear();
     files.refuse(scenesPath);
     EXPECT_EQ(sceneNames().size(), 5);

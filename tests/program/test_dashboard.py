@@ -4,7 +4,7 @@ from pathlib import Path
 
 import pytest
 import screen
-from editors import let_keys_arrive
+from editors import clipboard, let_keys_arrive
 from conftest import ends_well, history, settings_of, wait_for_history
 from dashboard import Dashboard
 from waiting import wait_for
@@ -74,6 +74,25 @@ def test_a_recorded_hotkey_works_in_an_editor_without_a_restart(desk, shown):
     assert ends_well(tavrelon)
 
 
+def test_the_first_answer_comes_into_the_field_of_the_first_page(desk, shown):
+    tavrelon, dashboard = shown
+    desk.answers("forty-two\n(42)")
+    press(dashboard, "Try it here")
+    type_text("before ")
+    desk.begin(tavrelon)
+    desk.keyboard.type_places("what")
+    desk.commit()
+    wait_for_history(tavrelon, 1)
+    assert stored(tavrelon, "hasAnswered", True)
+    tavrelon.wait_for_line(r"\[StateMachine\] Writing ended")
+    dashboard.windows.wait_for("That was it. It works like this in every application.")
+    desk.keyboard.press("Control+a")
+    desk.keyboard.press("Control+c")
+    wait_for("the answer in the field", lambda: clipboard() == "before forty-two\n(42)", 20)
+    dashboard.close()
+    assert ends_well(tavrelon)
+
+
 def test_a_number_is_taken_when_its_field_is_left_and_nonsense_is_not(desk, shown):
     tavrelon, dashboard = shown
 
@@ -100,7 +119,7 @@ def test_a_number_is_taken_when_its_field_is_left_and_nonsense_is_not(desk, show
 def test_tab_walks_through_named_controls_and_space_presses_them(desk, shown):
     tavrelon, dashboard = shown
     windows, walked = dashboard.windows, []
-    wanted = ["Settings", "Hotkeys", "Permissions", "Help", "Donate", "Search settings", "中文", "Speed", "Quality", "Think",
+    wanted = ["Settings", "Hotkeys", "Permissions", "Help", "Donate", "中文", "Try it here", "Speed", "Quality", "Think",
               "Local Memory", "Share Improvements", "Image Prompt Enhancement"]
     while wanted[-1] not in walked and len(walked) < 30:
         desk.keyboard.press("Tab")

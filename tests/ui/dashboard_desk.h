@@ -35,7 +35,7 @@ struct DashboardDesk {
     int microphoneRequests = 0;
 
     int forgettings = 0;
-    ui::GeneralSettingsModel general{storage, service, [this] { ++forgettings; }};
+    ui::GeneralSettingsModel general{{desktop.loop, storage, service, desktop.httpSession}, [this] { ++forgettings; }};
     ui::HotkeysSettingsModel hotkeys{{desktop.loop, storage, manager, keys,
                                       [this](bool enabled) { shownStates.push_back(enabled); },
                                       desktop.keyboard.hotkeys}};

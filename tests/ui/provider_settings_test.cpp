@@ -101,7 +101,7 @@ TEST_F(ProviderSettingsTest, AServerOnThisMachineIsFoundAndTakenWithOneClick) {
     EXPECT_EQ(servers[1].toMap()[u"models"_s], (QVariantList{model("m.gguf", true)}));
 
     page.found()->take(u"http://127.0.0.1:11434"_s, u"index"_s);
-    EXPECT_TRUE(page.isNothingChosen()) << "it is not on offer";
+    EXPECT_TRUE(page.found()->isNothingChosen()) << "it is not on offer";
     page.found()->take(u"http://127.0.0.1:11434"_s, u"writer"_s);
     EXPECT_EQ(service.pollinationsBaseURL(), u"http://127.0.0.1:11434"_s);
     EXPECT_TRUE(service.asksGatewayOnly());

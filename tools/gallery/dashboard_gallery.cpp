@@ -26,6 +26,23 @@ void pictureShell(DashboardGallery& gallery) {
 }
 
 void pictureGeneral(DashboardGallery& gallery) {
+    const auto begin = [&](app::Readiness readiness) {
+        gallery.readiness = readiness;
+        gallery.change([](auto& settings) {
+            settings = persistence::defaultSettings();
+            settings.hasAnswered = false;
+        });
+    };
+    begin(app::Readiness::noModel);
+    gallery.picture(QStringLiteral("first-model"), DashboardTab::settings,
+                    [](DashboardGallery& shown) { shown.desktop.loop.runUntilIdle(); });
+    begin(app::Readiness::hotkeysOff);
+    gallery.picture(QStringLiteral("first-request"), DashboardTab::settings, [](DashboardGallery& shown) {
+        shown.change([](auto& settings) { settings.enableCustomPollinations = true; });
+        shown.desktop.loop.runUntilIdle();
+    });
+    begin(app::Readiness::active);
+    gallery.change([](auto& settings) { settings.hasAnswered = true; });
     gallery.picture(QStringLiteral("settings"), DashboardTab::settings);
     gallery.picture(QStringLiteral("settings-focus"), DashboardTab::settings, [](DashboardGallery& shown) {
         shown.change([](auto& settings) {

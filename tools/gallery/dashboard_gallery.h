@@ -33,19 +33,21 @@ class DashboardGallery {
     TestDesktop desktop;
     app::AppState appState{keepingFilesIn(files, desktop), desktop.userInterface,
                            generation::ServiceEndpoints::builtIn(), [](const QString&, const auto&) {}};
+    app::Readiness readiness = app::Readiness::active;
     FakeRawKeys keys;
     FakeFilePicker picker{desktop.loop};
     platform::AuthorizationStatus permission = platform::AuthorizationStatus::Denied;
     desktop::QtMainLoop loop;
     desktop::StandardOutputLog log;
     desktop::QtWindows windows{loop, log};
-    std::vector<ui::DashboardPage> pages{ui::generalSettingsPage(appState),
+    std::vector<ui::DashboardPage> pages{ui::generalSettingsPage(appState, desktop.platform.httpSession),
                                          ui::hotkeysPage(appState, keys, desktop.keyboard.hotkeys),
                                          ui::clonePage(appState, desktop.platform, picker),
                                          ui::providersPage(appState, desktop.platform),
                                          ui::historyPage(appState),
                                          ui::privacyPage(appState, permissions())};
-    ui::DashboardWindowController dashboard{windows, appState.storageManager(), pages, [] {}};
+    ui::DashboardWindowController dashboard{
+        windows, appState.storageManager(), pages, {[] {}, [this] { return readiness; }}};
 
     /// One picture in each language, as <name>-<language>.png.
     void picture(const QString& name, ui::DashboardTab tab, const Preparation& prepare = [](DashboardGallery&) {}) {

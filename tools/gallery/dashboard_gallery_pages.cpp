@@ -14,7 +14,10 @@ using ui::DashboardTab;
 namespace {
 
 void forgetSettings(DashboardGallery& gallery) {
-    gallery.change([](auto& settings) { settings = persistence::defaultSettings(); });
+    gallery.change([](auto& settings) {
+        settings = persistence::defaultSettings();
+        settings.hasAnswered = true;
+    });
 }
 
 FakeHttpSession::Reply modelList(int count) {

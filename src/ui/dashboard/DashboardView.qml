@@ -55,10 +55,10 @@ Item {
                         width: 6
                         height: 6
                         radius: 3
-                        color: Look.accent
+                        color: view.model.isActive ? Look.accent : Look.warning
                     }
                     Text {
-                        text: view.texts.state
+                        text: view.model.state
                         color: Look.secondary
                         font { family: Look.fontFamily; pixelSize: 11 }
                     }
@@ -138,14 +138,13 @@ Item {
             height: 60
             anchors { left: sidebar.right; right: parent.right }
 
-            GlassTextField {
+            Text {
                 anchors { left: parent.left; leftMargin: Look.margin; verticalCenter: parent.verticalCenter }
-                width: Math.min(420, chip.x - 2 * Look.margin)
-                icon: "magnifyingglass"
-                name: view.texts.search
-                placeholder: view.texts.search
-                text: view.model.searchText
-                onEdited: text => view.model.searchText = text
+                text: view.model.tabs[view.model.selection]?.name ?? ""
+                color: Look.primary
+                font { family: Look.fontFamily; pixelSize: 17; weight: Font.DemiBold }
+                Accessible.role: Accessible.Heading
+                Accessible.name: text
             }
             GlassButton {
                 id: chip

@@ -16,8 +16,8 @@ const DashboardTabLook& lookOf(DashboardTab tab) {
 }  // namespace
 
 DashboardModel::DashboardModel(persistence::StorageManager& storage, const std::vector<DashboardPage>& pages,
-                               std::function<void()> openDonationPage)
-    : PageModel(storage, dashboardTexts), pages_(pages), openDonationPage_(std::move(openDonationPage)) {
+                               const DashboardSurroundings& surroundings)
+    : PageModel(storage, dashboardTexts), pages_(pages), surroundings_(surroundings) {
     if (!pages_.empty())
         show(0);
 }
@@ -58,6 +58,20 @@ void DashboardModel::show(std::size_t index) {
 
 QString DashboardModel::pageView() const {
     return pages_.empty() ? QString() : QStringLiteral("qrc:/tavrelon/ui/%1.qml").arg(pages_[selection_].view);
+}
+
+QString DashboardModel::state() const {
+    switch (surroundings_.readiness()) {
+        case app::Readiness::active:
+            break;
+        case app::Readiness::hotkeysOff:
+            return text(u"hotkeysOff");
+        case app::Readiness::noModel:
+            return text(u"noModel");
+        case app::Readiness::noKeyboardAccess:
+            return text(u"noKeyboardAccess");
+    }
+    return text(u"active");
 }
 
 QVariantList DashboardModel::helpSections() const {

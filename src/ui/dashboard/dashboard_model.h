@@ -3,9 +3,16 @@
 #include <map>
 #include <vector>
 
+#include "app/readiness.h"
 #include "ui/dashboard/dashboard_page.h"
 
 namespace tavrelon::ui {
+
+/// What the shell asks and does outside of the window.
+struct DashboardSurroundings {
+    std::function<void()> openDonationPage;  ///< in the browser
+    std::function<app::Readiness()> readiness;
+};
 
 /// The shell of the dashboard: which page is shown, the language, the help. What is neither stored nor a page's own
 /// starts anew with each window.
@@ -15,14 +22,15 @@ class DashboardModel : public PageModel {
     Q_PROPERTY(int selection READ selection WRITE select NOTIFY selectionChanged)
     Q_PROPERTY(QString pageView READ pageView NOTIFY selectionChanged)
     Q_PROPERTY(QObject* pageModel READ pageModel NOTIFY selectionChanged)
-    Q_PROPERTY(QString searchText MEMBER searchText_ NOTIFY searchTextChanged)
+    Q_PROPERTY(QString state READ state NOTIFY changed)
+    Q_PROPERTY(bool isActive READ isActive NOTIFY changed)
     Q_PROPERTY(bool showingHelp MEMBER showingHelp_ NOTIFY showingHelpChanged)
     Q_PROPERTY(QVariantList helpSections READ helpSections NOTIFY changed)
 
  public:
-    /// `pages` and what their functions refer to outlive the model. `openDonationPage` opens the browser.
+    /// `pages`, `surroundings` and what their functions refer to outlive the model.
     DashboardModel(persistence::StorageManager& storage, const std::vector<DashboardPage>& pages,
-                   std::function<void()> openDonationPage);
+                   const DashboardSurroundings& surroundings);
     ~DashboardModel() override;
 
     /// The name and the symbol of each tab that has a page.
@@ -35,6 +43,10 @@ class DashboardModel : public PageModel {
     QString pageView() const;
     PageModel* pageModel() const { return current_; }
 
+    /// Whether a hotkey leads to an answer, in a word or two.
+    QString state() const;
+    bool isActive() const { return surroundings_.readiness() == app::Readiness::active; }
+
     QVariantList helpSections() const;
 
     // Operations and not properties, of which a view would read the whole list again for each number.
@@ -42,21 +54,19 @@ class DashboardModel : public PageModel {
     Q_INVOKABLE QVariantList nearStars() const;
 
     Q_INVOKABLE void switchLanguage();
-    Q_INVOKABLE void donate() { openDonationPage_(); }
+    Q_INVOKABLE void donate() { surroundings_.openDonationPage(); }
 
     Q_SIGNAL void selectionChanged();
-    Q_SIGNAL void searchTextChanged();
     Q_SIGNAL void showingHelpChanged();
 
  private:
     void show(std::size_t index);
 
     const std::vector<DashboardPage>& pages_;
-    std::function<void()> openDonationPage_;
+    const DashboardSurroundings& surroundings_;
     std::map<std::size_t, std::unique_ptr<PageModel>> models_;  ///< of the pages seen so far
     std::size_t selection_ = 0;
     PageModel* current_ = nullptr;
-    QString searchText_;
     bool showingHelp_ = false;
 };
 

@@ -5,12 +5,14 @@
 namespace tavrelon::ui {
 
 /// The texts of the shell.
-inline constexpr std::array<PageText, 11> dashboardTexts{{
+inline constexpr std::array<PageText, 13> dashboardTexts{{
     {u"name", u"Tavrelon", u"Tavrelon"},
-    {u"state", u"Active", u"已激活"},
+    {u"active", u"Active", u"已激活"},
+    {u"hotkeysOff", u"Hotkeys off", u"快捷键已关闭"},
+    {u"noModel", u"No model", u"未选择模型"},
+    {u"noKeyboardAccess", u"No keyboard", u"无法使用键盘"},
     {u"language", u"中文", u"EN"},
     {u"languageTip", u"Switch to Chinese", u"切换到英文"},
-    {u"search", u"Search settings", u"搜索设置"},
     {u"help", u"Help", u"帮助"},
     {u"donate", u"Donate", u"赞助"},
     {u"donateTip", u"Support Tavrelon", u"支持 Tavrelon"},

@@ -11,12 +11,12 @@ constexpr QSizeF minimumSize{720, 480};
 
 DashboardWindowController::DashboardWindowController(platform::Windows& windows, persistence::StorageManager& storage,
                                                      std::vector<DashboardPage> pages,
-                                                     std::function<void()> openDonationPage)
-    : windows_(windows), storage_(storage), pages_(std::move(pages)), openDonationPage_(std::move(openDonationPage)) {}
+                                                     DashboardSurroundings surroundings)
+    : windows_(windows), storage_(storage), pages_(std::move(pages)), surroundings_(std::move(surroundings)) {}
 
 void DashboardWindowController::show() {
     if (!window_) {
-        model_ = std::make_unique<DashboardModel>(storage_, pages_, openDonationPage_);
+        model_ = std::make_unique<DashboardModel>(storage_, pages_, surroundings_);
         window_ = windows_.create({contentSize, minimumSize, QStringLiteral("dashboard/DashboardView"), model_.get()},
                                   [this] { close(); });
     }

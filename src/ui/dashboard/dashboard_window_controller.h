@@ -12,7 +12,7 @@ class DashboardWindowController {
  public:
     /// The referents outlive this object; `pages` is in the order of the sidebar.
     DashboardWindowController(platform::Windows& windows, persistence::StorageManager& storage,
-                              std::vector<DashboardPage> pages, std::function<void()> openDonationPage);
+                              std::vector<DashboardPage> pages, DashboardSurroundings surroundings);
     DashboardWindowController(const DashboardWindowController&) = delete;
     DashboardWindowController& operator=(const DashboardWindowController&) = delete;
 
@@ -28,7 +28,7 @@ class DashboardWindowController {
     platform::Windows& windows_;
     persistence::StorageManager& storage_;
     std::vector<DashboardPage> pages_;
-    std::function<void()> openDonationPage_;
+    DashboardSurroundings surroundings_;
     std::unique_ptr<DashboardModel> model_;
     std::unique_ptr<platform::Window> window_;
 };

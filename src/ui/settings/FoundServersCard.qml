@@ -6,11 +6,11 @@ GlassCard {
     id: card
 
     required property QtObject found
-    required property var texts
+    readonly property var texts: found.texts
 
     width: parent ? parent.width : implicitWidth
     spacing: 10
-    Component.onCompleted: found.look()
+    Component.onCompleted: if (found.isNothingChosen) found.look()
 
     SectionHeader { title: card.texts.found; subtitle: card.texts.foundHint }
     Repeater {

@@ -10,6 +10,12 @@ ScrollPage {
     readonly property var texts: model.texts
 
     MessageLine { text: page.model.faultySettings ? page.texts.faulty + page.model.faultySettings : "" }
+    Loader {
+        active: page.model.firstSteps.isWanted
+        visible: active
+        width: parent.width
+        sourceComponent: FirstStepsCard { steps: page.model.firstSteps }
+    }
     GlassCard {
         width: parent.width
 

@@ -47,7 +47,7 @@ ScrollPage {
             onTriggered: page.model.selection = "nvidia"
         }
     }
-    FoundServersCard { visible: page.model.isNothingChosen && found.servers.length > 0; found: page.model.found; texts: page.texts }
+    FoundServersCard { visible: found.isNothingChosen && found.servers.length > 0; found: page.model.found }
     TaughtNotice { taught: page.model.taught }
     Loader {
         width: parent.width

@@ -1,26 +1,31 @@
 #pragma once
 
-#include <QObject>
-#include <QVariantList>
-#include <functional>
-
 #include "async/task_scope.h"
+#include "generation/pollinations_service.h"
 #include "generation/server_probe.h"
+#include "ui/dashboard/page_model.h"
 
 namespace tavrelon::ui {
 
 /// The model servers that answer on this machine, for the user to take one. Nothing but loopback is asked, and only
 /// while a view wants to know. Main thread.
-class FoundServers : public QObject {
+class FoundServers : public PageModel {
     Q_OBJECT
     Q_PROPERTY(QVariantList servers READ servers NOTIFY changed)
+    Q_PROPERTY(bool isNothingChosen READ isNothingChosen NOTIFY changed)
 
  public:
-    /// Gets the base URL and the model that the user took.
-    using Taken = std::function<void(const QString& baseURL, const generation::ServedModel& model)>;
+    struct Services {
+        async::MainLoop& mainLoop;
+        persistence::StorageManager& storage;
+        generation::PollinationsService& pollinations;
+        platform::HttpSession& httpSession;
+    };
 
-    FoundServers(async::MainLoop& loop, platform::HttpSession& session, Taken taken)
-        : session_(session), taken_(std::move(taken)), tasks_(loop) {}
+    explicit FoundServers(Services services);
+
+    /// Whether requests go where they go without any choice of the user's.
+    bool isNothingChosen() const;
 
     /// Records of `title`, `baseURL` and `models`, each of these a record of `name` and `isTextOnly`.
     QVariantList servers() const;
@@ -28,16 +33,15 @@ class FoundServers : public QObject {
     /// Asks at all usual places anew, unless that is under way. What is known stays until the answers are there.
     Q_INVOKABLE void look();
 
-    /// One of the list's servers and one of its models. Others are not taken.
+    /// One of the list's servers and one of its models answer from now on. Others are not taken.
     Q_INVOKABLE void take(const QString& baseURL, const QString& model);
 
-    Q_SIGNAL void changed();
+    Q_SIGNAL void taken();
 
  private:
     async::Task<void> ask(std::size_t place);
 
-    platform::HttpSession& session_;
-    Taken taken_;
+    Services services_;
     std::vector<std::optional<generation::LocalServer>> found_{generation::usualServerPlaces().size()};
     async::TaskScope tasks_;
 };

@@ -44,10 +44,11 @@ constexpr std::array<PageText, 22> pageTexts{{
 
 }  // namespace
 
-GeneralSettingsModel::GeneralSettingsModel(persistence::StorageManager& storage,
-                                           generation::PollinationsService& service,
-                                           std::function<void()> forgetLearned)
-    : PageModel(storage, pageTexts), service_(service), forgetLearned_(std::move(forgetLearned)) {}
+GeneralSettingsModel::GeneralSettingsModel(FoundServers::Services services, std::function<void()> forgetLearned)
+    : PageModel(services.storage, pageTexts),
+      service_(services.pollinations),
+      firstSteps_(services),
+      forgetLearned_(std::move(forgetLearned)) {}
 
 void GeneralSettingsModel::forget() {
     hasForgotten_ = true;

@@ -2,8 +2,7 @@
 
 #include <functional>
 
-#include "generation/pollinations_service.h"
-#include "ui/dashboard/page_model.h"
+#include "ui/settings/first_steps.h"
 #include "ui/settings/taught_model.h"
 
 namespace tavrelon::ui {
@@ -21,13 +20,14 @@ class GeneralSettingsModel : public PageModel {
     Q_PROPERTY(QString faultySettings READ faultySettings CONSTANT)
     Q_PROPERTY(QStringList learnedPieces READ learnedPieces NOTIFY changed)
     Q_PROPERTY(QString learnedAt READ learnedAt NOTIFY changed)
+    Q_PROPERTY(tavrelon::ui::FirstSteps* firstSteps READ firstSteps CONSTANT)
     Q_PROPERTY(bool hasForgotten READ hasForgotten NOTIFY changed)
     Q_PROPERTY(tavrelon::ui::TaughtModel* taught READ taught CONSTANT)
 
  public:
-    /// Both outlive the model. `forgetLearned` empties what was gathered of the user's inputs and learned from it.
-    GeneralSettingsModel(persistence::StorageManager& storage, generation::PollinationsService& service,
-                         std::function<void()> forgetLearned);
+    /// The services outlive the model. `forgetLearned` empties what was gathered of the user's inputs and learned from
+    /// it.
+    GeneralSettingsModel(FoundServers::Services services, std::function<void()> forgetLearned);
 
     /// "speed" or "quality"; whatever else is stored shows as "speed".
     QString visionModelPreference() const;
@@ -54,11 +54,14 @@ class GeneralSettingsModel : public PageModel {
     QString learnedAt() const;
     TaughtModel* taught() { return &taught_; }
 
+    FirstSteps* firstSteps() { return &firstSteps_; }
+
     Q_INVOKABLE void forget();
     bool hasForgotten() const { return hasForgotten_; }  ///< since the page was opened
 
  private:
     generation::PollinationsService& service_;
+    FirstSteps firstSteps_;
     std::function<void()> forgetLearned_;
     bool hasForgotten_ = false;
     TaughtModel taught_{storage(), {persistence::Taught::AdaptivePrompt}};

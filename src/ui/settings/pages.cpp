@@ -6,10 +6,11 @@
 
 namespace tavrelon::ui {
 
-DashboardPage generalSettingsPage(app::AppState& appState) {
-    return {DashboardTab::settings, QStringLiteral("settings/GeneralSettingsScrollView"), [&appState] {
+DashboardPage generalSettingsPage(app::AppState& appState, platform::HttpSession& session) {
+    return {DashboardTab::settings, QStringLiteral("settings/GeneralSettingsScrollView"), [&appState, &session] {
                 return std::make_unique<GeneralSettingsModel>(
-                    appState.storageManager(), appState.pollinationsService(),
+                    FoundServers::Services{appState.mainLoop(), appState.storageManager(),
+                                           appState.pollinationsService(), session},
                     [&appState] { appState.adaptivePromptLearner().forget(); });
             }};
 }

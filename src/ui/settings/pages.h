@@ -9,7 +9,7 @@
 namespace tavrelon::ui {
 
 // The pages of settings, for the window to show. What they refer to outlives the window.
-DashboardPage generalSettingsPage(app::AppState& appState);
+DashboardPage generalSettingsPage(app::AppState& appState, platform::HttpSession& session);
 DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys, platform::Hotkeys& desktop);
 DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions);
 

@@ -25,6 +25,7 @@ ProviderSettingsModel::ProviderSettingsModel(Services services)
              persistence::boundKey(defaults, entries::ollamaLocalApiKey, ollamaAddress()),
              persistence::boundKey(defaults, entries::pollinationsApiKey, pollinationsAddress())};
     connect(this, &PageModel::changed, &trial_, &ServiceTrial::forget);
+    connect(&found_, &FoundServers::taken, this, [this] { select(u"pollinations"_s); });
 }
 
 QString ProviderSettingsModel::ollamaAddress() const {
@@ -108,14 +109,6 @@ void ProviderSettingsModel::setEnableCustomPollinations(bool enabled) {
     storage().saveSettings();
     service.pollinationsCustomEnabled = enabled;
     handOnCustomPollinations();
-}
-
-void ProviderSettingsModel::take(const QString& baseURL, const generation::ServedModel& model) {
-    setPollinationsBaseURL(baseURL);
-    setPollinationsVisionModel(model.name);
-    store([&](AppSettings& changed) { changed.textOnlyModel = model.isTextOnly ? model.name : QString(); });
-    setEnableCustomPollinations(true);
-    select(u"pollinations"_s);
 }
 
 void ProviderSettingsModel::setStaysWithGateway(bool stays) {

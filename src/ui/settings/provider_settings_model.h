@@ -20,7 +20,6 @@ class ProviderSettingsModel : public PageModel {
     Q_PROPERTY(tavrelon::ui::TaughtModel* taught READ taught CONSTANT)
     Q_PROPERTY(tavrelon::ui::FoundServers* found READ found CONSTANT)
     Q_PROPERTY(tavrelon::ui::ServiceTrial* trial READ trial CONSTANT)
-    Q_PROPERTY(bool isNothingChosen READ isNothingChosen NOTIFY changed)
 
     Q_PROPERTY(bool enableNvidiaLocal READ enableNvidiaLocal WRITE setEnableNvidiaLocal NOTIFY changed)
     Q_PROPERTY(bool enableOllamaVision READ enableOllamaVision WRITE setEnableOllamaVision NOTIFY changed)
@@ -73,11 +72,6 @@ class ProviderSettingsModel : public PageModel {
     TaughtModel* taught() { return &taught_; }
     FoundServers* found() { return &found_; }
     ServiceTrial* trial() { return &trial_; }
-
-    /// Whether requests go where they go without any choice of the user's.
-    bool isNothingChosen() const {
-        return !enableNvidiaLocal() && !enableOllamaVision() && !enableCustomPollinations();
-    }
 
     /// The section on view: "nvidia", "ollama" or "pollinations". It says nothing of what is in use.
     QString selection() const { return selection_; }
@@ -163,7 +157,6 @@ class ProviderSettingsModel : public PageModel {
     QString pollinationsAddress() const;
     static QString shownKey(const persistence::BoundKey& key, const QString& address);
     static QString keyNote(const persistence::BoundKey& key, const QString& address);
-    void take(const QString& baseURL, const generation::ServedModel& model);
     void turnOffNvidia();
     void handOnCustomPollinations();
 
@@ -171,8 +164,7 @@ class ProviderSettingsModel : public PageModel {
     Keys keys_;
     QString selection_;
     OllamaCloudModels cloudModels_;
-    FoundServers found_{services_.mainLoop, services_.httpSession,
-                        [this](const QString& baseURL, const generation::ServedModel& model) { take(baseURL, model); }};
+    FoundServers found_{{services_.mainLoop, storage(), services_.pollinations, services_.httpSession}};
     ServiceTrial trial_{services_.mainLoop, services_.pollinations};
     TaughtModel taught_{storage(), {persistence::Taught::AdaptivePrompt, persistence::Taught::CloneProfile}};
 };

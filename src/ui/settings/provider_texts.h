@@ -7,15 +7,11 @@
 namespace tavrelon::ui {
 
 /// Every text of the providers page.
-inline constexpr std::array<PageText, 48> providerTexts{{
+inline constexpr std::array<PageText, 44> providerTexts{{
     {u"title", u"Providers", u"服务提供商"},
     {u"subtitle", u"Choose the active vision provider and customize service configs.",
      u"选择当前视觉提供商并配置服务。"},
 
-    {u"found", u"Found on this machine", u"本机上发现"},
-    {u"foundHint", u"A click sets it up. Requests then stay on this machine.", u"点击即可使用，请求将留在本机。"},
-    {u"use", u"Use", u"使用"},
-    {u"textOnly", u"text only, no pictures of windows", u"仅文本，不发送窗口图片"},
     {u"test", u"Test", u"测试"},
     {u"testing", u"Asking…", u"正在询问…"},
     {u"testHint", u"Asks the chosen service one short question.", u"向所选服务提一个简短的问题。"},
