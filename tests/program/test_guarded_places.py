@@ -190,8 +190,9 @@ def test_where_no_key_is_known_that_pastes_the_request_stays_and_the_answer_is_o
     assert editor.saved("what is 42?") == "what is 42?"
 
 
-def test_the_users_clipboard_comes_back_once_the_answer_was_pasted_where_that_is_wanted(desk):
-    editor, tavrelon = desk.open("chromium"), desk.start(settings={"keepClipboard": True})
+@pytest.mark.parametrize("kind", ["chromium", "xterm"])  # the one fetches the clipboard, the other the primary selection
+def test_the_users_clipboard_comes_back_once_the_answer_was_pasted_where_that_is_wanted(desk, kind):
+    editor, tavrelon = desk.open(kind), desk.start(settings={"keepClipboard": True})
     set_clipboard("as it was")
     desk.answers("ANSWER")
     desk.request(tavrelon, editor, "what is 42?")

@@ -73,8 +73,14 @@ async::Task<std::optional<QString>> X11Pasteboard::string() {
     co_return outcome ? std::move(outcome->text) : std::nullopt;
 }
 
+bool X11Pasteboard::wasFetched() {
+    const auto copy = copy_.lock();
+    return thread_->wasFetched() || (copy && copy->wasFetched());
+}
+
 void X11Pasteboard::clearContents() {
     lastString_.reset();
+    copy_.reset();
     if (!std::exchange(clearing_, true))
         loop_.post(lifetime_.guard([this] { clearNow(); }));
 }
@@ -101,6 +107,7 @@ SelectionThread::HandOver X11Pasteboard::handOver(std::chrono::milliseconds limi
 bool X11Pasteboard::offer(const PasteboardItem& item) {
     clearing_ = false;
     lastString_.reset();
+    copy_.reset();
     // On a busy machine the thread may have been late, and the first offer is there by the second.
     const bool taken = thread_->offer(item) || thread_->offer(item);
     if (!taken)

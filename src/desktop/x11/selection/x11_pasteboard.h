@@ -32,13 +32,16 @@ class X11Pasteboard : public platform::Pasteboard {
     std::int64_t changeCount() override;
     async::Task<std::expected<std::vector<platform::PasteboardItem>, platform::PasteboardError>> items() override;
     async::Task<std::optional<QString>> string() override;
-    bool wasFetched() override { return thread_->wasFetched(); }
+    bool wasFetched() override;
     void clearContents() override;
     bool setString(const QString& text) override;
     bool writeItems(std::vector<platform::PasteboardItem> items) override;
 
     /// The text that was put here last with success, whether or not it still is; absent after anything but `setString`.
     const std::optional<QString>& lastString() const { return lastString_; }
+
+    /// What is here stands there too, and a fetching of that counts as one of ours, until something else is put here.
+    void alsoFetchedFrom(const X11Pasteboard& other) { copy_ = other.thread_; }
 
     /// Asks the clipboard manager, if there is one, to keep what we have on the clipboard, so that it survives us.
     /// Blocks until it has answered, at most for `limit`.
@@ -54,6 +57,7 @@ class X11Pasteboard : public platform::Pasteboard {
     async::MainLoop& loop_;
     platform::Log& log_;
     std::shared_ptr<SelectionThread> thread_;
+    std::weak_ptr<SelectionThread> copy_;
     bool clearing_ = false;
     std::optional<QString> lastString_;
     async::Lifetime lifetime_;

@@ -60,6 +60,7 @@ std::optional<KeyChord> X11TerminalShortcuts::paste(const TerminalShortcuts& kno
     // A picture, or a selection that was refused: the terminal would paste whatever somebody else has selected.
     if (!pasteboard_.lastString() || !primary_->setString(*pasteboard_.lastString()))
         return std::nullopt;
+    pasteboard_.alsoFetchedFrom(*primary_);
     return primaryPasteChord;
 }
 
