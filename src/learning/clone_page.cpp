@@ -47,8 +47,8 @@ QByteArray htmlOf(const platform::HttpResponse& response) {
     const bool isPlain = type.startsWith("text/plain"_L1);
     if (!isPlain && !type.isEmpty() && !type.contains("html"_L1))
         throw CloneServiceError(Code::invalidResponse);
-    const auto body = isPlain ? "<pre>" + QByteArray(response.body).replace('&', "&amp;").replace('<', "&lt;")
-                              : response.body;
+    const auto body =
+        isPlain ? "<pre>" + QByteArray(response.body).replace('&', "&amp;").replace('<', "&lt;") : response.body;
     const auto charset = charsetIn(type);
     if (charset == "utf-8"_L1)
         return htmlInUtf8(body);

@@ -94,7 +94,8 @@ async::Task<QString> CloneService::scrapedText(QString page, const clone_scrape:
     const auto response = co_await exchange(clone_scrape::buildRequest(url, page, attempt));
     auto found = clone_scrape::parseScrapeResponse(clone_scrape::bodyOf(response));
     if (found.html)
-        found.texts << (co_await documents_.importHtml(clone_page::htmlInUtf8(found.html->toUtf8()))).value_or(*found.html);
+        found.texts
+            << (co_await documents_.importHtml(clone_page::htmlInUtf8(found.html->toUtf8()))).value_or(*found.html);
     const auto text = found.texts.join(u'\n').simplified();
     if (text.isEmpty())
         throw CloneServiceError(Code::invalidResponse);

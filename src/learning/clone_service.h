@@ -16,7 +16,8 @@ struct Attempt;
 enum class CloneInput : std::uint8_t { Page, Text };
 
 /// Learns how a person writes from samples of it: a page, which a scrape service fetches, or the text of a file. Where
-/// the user has set no such service and the default one is not there, the page is fetched as it is. It stores nothing; the caller does, on success alone. Main thread; it outlives the tasks it gives out.
+/// the user has set no such service and the default one is not there, the page is fetched as it is. It stores nothing;
+/// the caller does, on success alone. Main thread; it outlives the tasks it gives out.
 ///
 /// Operations throw `CloneServiceError` or the error of the service that failed, all of them `text::LocalizedError`.
 class CloneService {
