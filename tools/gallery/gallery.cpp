@@ -11,5 +11,6 @@ int main(int argc, char** argv) {
     folder.mkpath(QStringLiteral("."));
     tavrelon::testing::pictureOverlays(folder);
     tavrelon::testing::pictureDashboard(folder);
+    tavrelon::testing::pictureTray(folder);
     return 0;
 }

@@ -12,4 +12,7 @@ void pictureOverlays(const QDir& folder);
 /// a picture of each.
 void pictureDashboard(const QDir& folder);
 
+/// Has a tray take the icon of a failure, with the mouse on it, and writes a picture of that.
+void pictureTray(const QDir& folder);
+
 }  // namespace tavrelon::testing
