@@ -45,7 +45,7 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       historyManager_(platform.fileSystem, platform.log, platform.applicationSupport, historyCap),
       speechRecognizer_(platform),
       videoRecorder_(platform, contextCapturer_, frameInterval, maxFrames),
-      hotkeyStatusHUDController_(platform.mainLoop, userInterface),
+      hotkeyStatusHUDController_(platform.mainLoop, userInterface, [this] { return overlayLanguage(); }),
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)),
       consent_(platform.mainLoop, platform.defaultsStore) {
     enforceProviderExclusivity(storageManager_);
@@ -110,11 +110,22 @@ std::optional<QRectF> AppState::caretRect() {
                  : std::nullopt;
 }
 
+std::optional<QRectF> AppState::frontWindowRect() {
+    const auto place = platform_.workspace.frontmostWindowPlace();
+    return place ? std::optional(QRectF(place->x, place->y, place->width, place->height)) : std::nullopt;
+}
+
+ui::HUDLanguage AppState::overlayLanguage() const {
+    return storageManager_.settings().appLanguage == QLatin1StringView("en") ? ui::HUDLanguage::English
+                                                                             : ui::HUDLanguage::Chinese;
+}
+
 void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon) {
     const auto caret = [this] { return caretRect(); };
     inputHUDController_ = std::make_unique<ui::InputHUDWindowController>(
-        ui::InputHUDWindowController::Desktop{platform_.mainLoop, userInterface, caret, std::move(setStatusIcon),
-                                              [this] { return serviceName(); }},
+        ui::InputHUDWindowController::Desktop{platform_.mainLoop, userInterface, caret,
+                                              [this] { return frontWindowRect(); }, std::move(setStatusIcon),
+                                              [this] { return serviceName(); }, [this] { return overlayLanguage(); }},
         inputStateMachine_);
     floatingInputController_ = std::make_unique<ui::FloatingInputWindowController>(
         ui::FloatingInputWindowController::Desktop{platform_.mainLoop, platform_.workspace, userInterface, caret},

@@ -66,6 +66,8 @@ class AppState {
     void togglePromptBox();
     void toggleVideo();
     std::optional<QRectF> caretRect();
+    std::optional<QRectF> frontWindowRect();
+    ui::HUDLanguage overlayLanguage() const;
     QString serviceName() const;
     void makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon);
     template <typename Work>

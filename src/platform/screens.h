@@ -10,6 +10,7 @@ namespace tavrelon::platform {
 struct Screen {
     QRectF frame;         ///< top() is the lower edge, bottom() the upper one
     QRectF visibleFrame;  ///< without docks and task bars
+    double scale = 1;     ///< pixels to a point
     bool operator==(const Screen&) const = default;
 };
 
@@ -27,6 +28,14 @@ class Screens {
     virtual std::optional<Screen> mainScreen() = 0;
 
     virtual QPointF mouseLocation() = 0;
+
+    /// The screen that holds the point, else the main one.
+    std::optional<Screen> screenAt(QPointF point) {
+        for (auto& screen : screens())
+            if (screen.frame.contains(point))
+                return std::move(screen);
+        return mainScreen();
+    }
 };
 
 }  // namespace tavrelon::platform

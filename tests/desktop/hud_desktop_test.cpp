@@ -75,7 +75,9 @@ TEST_F(HUDDesktopTest, TheOverlayStandsByTheCaretAndGoesWithTheState) {
     InputDesk desk;
     platform::UserInterface userInterface{desk.application, panels, screens, desk.statusItem};
     const InputHUDWindowController controller({desk.loop, userInterface, [] { return QRectF(300, 400, 2, 18); },
-                                               [](const QString&, const auto&) {}, [] { return QString(); }},
+                                               [] { return std::nullopt; },
+                                               [](const QString&, const auto&) {}, [] { return QString(); },
+                                               [] { return HUDLanguage::English; }},
                                               desk.machine);
     desk.toggle();
     ASSERT_TRUE(runQtUntil([&] { return shownView() && !isWhite({340, 360}); }));

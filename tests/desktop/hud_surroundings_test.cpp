@@ -64,7 +64,7 @@ TEST_F(HUDSurroundingsTest, TheStatusOverlayGoesToTheMonitorOfTheMouseAndLivesTh
             QStringLiteral("none")});
     ASSERT_TRUE(runQtUntil([] { return QGuiApplication::screens().size() == 2; }));
     xdotool({QStringLiteral("mousemove"), QStringLiteral("900"), QStringLiteral("300")});
-    HotkeyStatusHUDWindowController controller(loop, userInterface);
+    HotkeyStatusHUDWindowController controller(loop, userInterface, [] { return HUDLanguage::English; });
     controller.show(false);
     ASSERT_TRUE(runQtUntil([this] { return shownView() != nullptr; }));
     EXPECT_EQ(shownView()->geometry(), QRect(640 + 190, 80, 260, 80)) << "in its middle, 80 below its upper edge";

@@ -12,15 +12,20 @@ using Case = InputState::Case;
 
 namespace {
 
-TEST(HUDLookTest, TheCornerStandsByTheCaretOnceTheAxisIsTurned) {
-    const platform::Screen screen{.frame = {0, 0, 1280, 800}, .visibleFrame = {0, 0, 1280, 800}};
-    const QRectF caret(300, 100, 2, 18);
-    EXPECT_EQ(hudOrigin(Case::listening, caret, screen), QPointF(310, 28 + 800 - 118));
-    EXPECT_EQ(hudOrigin(Case::processing, caret, screen), QPointF(310, 20 + 800 - 118));
-    EXPECT_EQ(hudOrigin(Case::listening, QRectF(5, 0, 0, 10), screen), QPointF(15, 818)) << "not kept on the screen";
-    EXPECT_EQ(hudOrigin(Case::listening, std::nullopt, screen), QPointF(565, 400));
-    EXPECT_EQ(hudOrigin(Case::listening, caret, std::nullopt), QPointF(100, 100));
-    EXPECT_EQ(hudOrigin(Case::listening, std::nullopt, std::nullopt), QPointF(0, 0));
+TEST(HUDLookTest, TheCornerStandsByTheCaretAndWithinTheScreen) {
+    platform::Screen screen{.frame = {0, 0, 1280, 800}, .visibleFrame = {0, 30, 1280, 770}};
+    const QSizeF size(200, 60);
+    const auto at = [&](const input::InputState& state, std::optional<QRectF> caret) {
+        return hudOrigin(state, caret, screen, size);
+    };
+    const QRectF caret(300, 682, 2, 18);
+    EXPECT_EQ(at(Case::listening, caret), QPointF(310, 28 + 682));
+    EXPECT_EQ(at(Case::processing, caret), QPointF(310, 20 + 682));
+    EXPECT_EQ(at(Case::processing, QRectF(1200, 780, 2, 18)), QPointF(1080, 780 - 10 - 60)) << "no room above";
+    EXPECT_EQ(at(Case::processing, QRectF(-40, 0, 2, 18)), QPointF(0, 30));
+    EXPECT_EQ(at(Case::listening, std::nullopt), QPointF(565, 400));
+    screen.scale = 2;
+    EXPECT_EQ(at(Case::listening, caret), QPointF(320, 56 + 682));
 }
 
 }  // namespace
@@ -29,12 +34,14 @@ class InputHUDTest : public ::testing::Test {
  public:
     tavrelon::testing::InputDesk desk;
     std::optional<QRectF> caret = QRectF(300, 100, 2, 18);
+    HUDLanguage language = HUDLanguage::English;
     std::unique_ptr<InputHUDWindowController> controller = std::make_unique<InputHUDWindowController>(
         InputHUDWindowController::Desktop{desk.loop, desk.userInterface, [this] { return caret; },
+                                          [] { return std::optional<QRectF>(); },
                                           [this](const QString& symbol, const auto& reason) {
                                               desk.statusItem.setImage(symbol, reason.value_or(QString()));
                                           },
-                                          [] { return QStringLiteral("models.example"); }},
+                                          [] { return QStringLiteral("models.example"); }, [this] { return language; }},
         desk.machine);
 
     InputHUDTest() { desk.generator.delay = 5s; }
@@ -49,9 +56,9 @@ TEST_F(InputHUDTest, AFailureSaysItsReasonForFourSecondsAndInTheTrayUntilTheNext
     desk.loop.runUntilIdle();
     EXPECT_EQ(symbol(), QStringLiteral("exclamationmark.triangle.fill"));
     EXPECT_EQ(panel().contentSize, QSizeF(320, 60));
-    EXPECT_EQ(hudLook(desk.state()).label, QStringLiteral("No answer"));
+    EXPECT_EQ(hudLook(desk.state(), language).label, QStringLiteral("No answer"));
     const auto longReason = InputState::error(QString(41, u'x'));
-    EXPECT_EQ(hudLook(longReason).label, longReason.message);
+    EXPECT_EQ(hudLook(longReason, language).label, longReason.message);
     EXPECT_EQ(hudContentSize(longReason, std::nullopt), QSizeF(420, 60));
     desk.loop.advance(3999ms);
     EXPECT_TRUE(desk.state() == InputState::error(QStringLiteral("No answer")));
@@ -76,9 +83,11 @@ TEST_F(InputHUDTest, WhoKeepsTheUserWaitingIsSaidAfterTenSeconds) {
     desk.loop.advance(2s);
     EXPECT_EQ(says(), QStringLiteral("Still waiting for models.example…"));
     EXPECT_EQ(panel().contentSize, QSizeF(320, 70));
+    language = HUDLanguage::Chinese;
     desk.loop.advance(10s);
     EXPECT_EQ(says(), QString());
     EXPECT_FALSE(panel().visible);
+    EXPECT_EQ(panel().model->property("label").toString(), QStringLiteral("就绪"));
 }
 
 TEST_F(InputHUDTest, AnInputThatIsRefusedAtOnceIsSaidToo) {

@@ -127,13 +127,15 @@ void pictureFaces(Gallery& gallery) {
                                           "there, or has been taken back by its owner")),
          InputTrigger::text},
     };
-    for (const auto& face : faces) {
-        ui::InputHUDModel model;
-        model.setTranscript(QStringLiteral("please write a friendly answer"));
-        model.show(face.state, face.trigger);
-        gallery.picture(QString::fromLatin1(face.name), platform::PanelKind::Overlay,
-                        QStringLiteral("hud/InputHUDView"), ui::hudContentSize(face.state, face.trigger), model);
-    }
+    for (const auto language : {ui::HUDLanguage::English, ui::HUDLanguage::Chinese})
+        for (const auto& face : faces) {
+            ui::InputHUDModel model;
+            model.setTranscript(QStringLiteral("please write a friendly answer"));
+            model.show(face.state, face.trigger, language);
+            const auto suffix = language == ui::HUDLanguage::English ? QString() : QStringLiteral("-zh");
+            gallery.picture(QString::fromLatin1(face.name) + suffix, platform::PanelKind::Overlay,
+                            QStringLiteral("hud/InputHUDView"), ui::hudContentSize(face.state, face.trigger), model);
+        }
     for (const auto trigger : {InputTrigger::text, InputTrigger::autoReply}) {
         ui::InputHUDModel model;
         model.show(InputState::Case::processing, trigger);

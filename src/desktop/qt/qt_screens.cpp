@@ -23,7 +23,8 @@ double mainScreenHeight() {
 platform::Screen described(const QScreen& screen) {
     const double height = mainScreenHeight();
     return {.frame = flipped(nativeFrame(screen), height),
-            .visibleFrame = flipped(toNative(screen.availableGeometry(), screen), height)};
+            .visibleFrame = flipped(toNative(screen.availableGeometry(), screen), height),
+            .scale = screen.devicePixelRatio()};
 }
 
 }  // namespace

@@ -24,14 +24,6 @@ double clamped(double value, double lowest, double highest) {
     return std::min(std::max(value, lowest), highest);
 }
 
-/// The visible part of the screen that holds the caret; of the main screen where none does.
-QRectF visibleFrameAround(QPointF point, platform::Screens& screens, const platform::Screen& mainScreen) {
-    for (const auto& screen : screens.screens())
-        if (screen.frame.contains(point))
-            return screen.visibleFrame;
-    return mainScreen.visibleFrame;
-}
-
 }  // namespace
 
 FloatingInputWindowController::FloatingInputWindowController(Desktop desktop,
@@ -77,10 +69,11 @@ void FloatingInputWindowController::place() {
         return;
     }
     const double lowerEdge = mainScreen->frame.height() - caret->y() - caret->height();
-    const auto area = visibleFrameAround({caret->x(), lowerEdge}, desktop_.userInterface.screens, *mainScreen);
-    window_->setFrameOrigin(
-        {clamped(caret->x(), area.left(), area.right() - size.width()),
-         clamped(lowerEdge + caret->height() + distanceFromCaret, area.top(), area.bottom() - size.height())});
+    const auto screen = desktop_.userInterface.screens.screenAt({caret->x(), lowerEdge}).value_or(*mainScreen);
+    const auto& area = screen.visibleFrame;
+    window_->setFrameOrigin({clamped(caret->x(), area.left(), area.right() - size.width()),
+                             clamped(lowerEdge + caret->height() + distanceFromCaret * screen.scale, area.top(),
+                                     area.bottom() - size.height())});
 }
 
 void FloatingInputWindowController::submit() {

@@ -8,8 +8,8 @@ TitledHUD {
     required property QtObject hud
 
     tint: Theme.blue
-    title: "Auto Reply"
-    subtitle: face.hud.waiting ? face.hud.waiting : "Composing..."
+    title: face.hud.isEnglish ? "Auto Reply" : "自动回复"
+    subtitle: face.hud.waiting ? face.hud.waiting : face.hud.isEnglish ? "Composing..." : "正在撰写…"
 
     GlowingBadge {
         from: Theme.faded(Theme.blue, 0.65)

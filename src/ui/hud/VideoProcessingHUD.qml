@@ -8,8 +8,8 @@ TitledHUD {
     required property QtObject hud
 
     tint: Theme.purple
-    title: "Video Vision"
-    subtitle: face.hud.waiting ? face.hud.waiting : "Analyzing..."
+    title: face.hud.isEnglish ? "Video Vision" : "视频理解"
+    subtitle: face.hud.waiting ? face.hud.waiting : face.hud.isEnglish ? "Analyzing..." : "正在分析…"
 
     GlowingBadge {
         from: Theme.faded(Theme.purple, 0.7)

@@ -8,8 +8,8 @@ TitledHUD {
     required property QtObject hud
 
     tint: Theme.red
-    title: "Video Capture"
-    subtitle: "Recording..."
+    title: face.hud.isEnglish ? "Video Capture" : "视频录制"
+    subtitle: face.hud.isEnglish ? "Recording..." : "正在录制…"
 
     Rectangle {
         id: circle

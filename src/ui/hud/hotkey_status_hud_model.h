@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QString>
 
+#include "ui/hud/hud_look.h"
+
 namespace tavrelon::ui {
 
 /// What the hotkey status HUD shows, for its view to observe.
@@ -15,21 +17,27 @@ class HotkeyStatusHUDModel : public QObject {
 
  public:
     /// Sets the state and raises `trigger`, which starts the view's animation.
-    void show(bool enabled) {
+    void show(bool enabled, HUDLanguage language = HUDLanguage::English) {
         isEnabled_ = enabled;
+        language_ = language;
         ++trigger_;
         Q_EMIT shown();
     }
 
     bool isEnabled() const { return isEnabled_; }
     int trigger() const { return trigger_; }
-    QString text() const { return isEnabled_ ? QStringLiteral("Hotkeys Enabled") : QStringLiteral("Hotkeys Disabled"); }
+    QString text() const {
+        if (language_ == HUDLanguage::English)
+            return isEnabled_ ? QStringLiteral("Hotkeys Enabled") : QStringLiteral("Hotkeys Disabled");
+        return isEnabled_ ? QStringLiteral("快捷键已启用") : QStringLiteral("快捷键已禁用");
+    }
     QString symbol() const { return isEnabled_ ? QStringLiteral("keyboard.fill") : QStringLiteral("keyboard"); }
 
     Q_SIGNAL void shown();
 
  private:
     bool isEnabled_ = true;
+    HUDLanguage language_ = HUDLanguage::English;
     int trigger_ = 0;
 };
 

@@ -1,7 +1,5 @@
 #include "ui/hud/hotkey_status_hud_window_controller.h"
 
-#include <algorithm>
-
 namespace tavrelon::ui {
 
 using namespace std::chrono_literals;
@@ -24,7 +22,7 @@ void HotkeyStatusHUDWindowController::showNow(bool enabled) {
     if (!window_)
         window_ = userInterface_.panels.create(
             {platform::PanelKind::StatusOverlay, contentSize, QStringLiteral("hud/HotkeyStatusHUDView"), &model_});
-    model_.show(enabled);
+    model_.show(enabled, language_());
     place();
     window_->setAlpha(0, 0ms);
     window_->orderFront();
@@ -42,14 +40,13 @@ void HotkeyStatusHUDWindowController::hide() {
 }
 
 void HotkeyStatusHUDWindowController::place() {
-    const auto all = userInterface_.screens.screens();
-    const auto mouse = userInterface_.screens.mouseLocation();
-    const auto holdsMouse = [&](const platform::Screen& screen) { return screen.frame.contains(mouse); };
-    const auto found = std::ranges::find_if(all, holdsMouse);
-    const auto screen = found != all.end() ? std::optional(*found) : userInterface_.screens.mainScreen();
-    const auto area = screen ? screen->visibleFrame : QRectF();
+    const auto screen = userInterface_.screens.screenAt(userInterface_.screens.mouseLocation());
+    if (!screen)
+        return;
+    const auto& area = screen->visibleFrame;
     const auto size = window_->frameSize();
-    window_->setFrameOrigin({area.center().x() - size.width() / 2, area.bottom() - size.height() - distanceFromTop});
+    window_->setFrameOrigin(
+        {area.center().x() - size.width() / 2, area.bottom() - size.height() - distanceFromTop * screen->scale});
 }
 
 }  // namespace tavrelon::ui

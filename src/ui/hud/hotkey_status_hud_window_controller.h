@@ -13,8 +13,9 @@ namespace tavrelon::ui {
 /// Confirms for about a second and a half that all hotkeys were switched on or off.
 class HotkeyStatusHUDWindowController {
  public:
-    HotkeyStatusHUDWindowController(async::MainLoop& mainLoop, platform::UserInterface& userInterface)
-        : mainLoop_(mainLoop), userInterface_(userInterface) {}
+    HotkeyStatusHUDWindowController(async::MainLoop& mainLoop, platform::UserInterface& userInterface,
+                                    std::function<HUDLanguage()> language)
+        : mainLoop_(mainLoop), userInterface_(userInterface), language_(std::move(language)) {}
     HotkeyStatusHUDWindowController(const HotkeyStatusHUDWindowController&) = delete;
     HotkeyStatusHUDWindowController& operator=(const HotkeyStatusHUDWindowController&) = delete;
 
@@ -28,6 +29,7 @@ class HotkeyStatusHUDWindowController {
 
     async::MainLoop& mainLoop_;
     platform::UserInterface& userInterface_;
+    std::function<HUDLanguage()> language_;
     HotkeyStatusHUDModel model_;
     std::unique_ptr<platform::Panel> window_;  ///< built at the first showing, then kept
     async::Timer hideWorkItem_;

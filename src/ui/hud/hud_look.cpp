@@ -4,6 +4,7 @@
 
 namespace tavrelon::ui {
 
+using namespace Qt::StringLiterals;
 using input::InputState;
 using input::InputTrigger;
 using Case = InputState::Case;
@@ -84,25 +85,30 @@ QSizeF hudWaitingSize(const InputState& state, std::optional<InputTrigger> trigg
     return {std::max(size.width(), widthOfASentence), size.height()};
 }
 
-HUDLook hudLook(const InputState& state) {
+HUDLook hudLook(const InputState& state, HUDLanguage language) {
+    const bool isEnglish = language == HUDLanguage::English;
+    const auto look = [&](QStringView english, QStringView chinese, QLatin1StringView symbol, QLatin1StringView tint) {
+        return HUDLook{(isEnglish ? english : chinese).toString(), symbol, tint};
+    };
     switch (state.value) {
         case Case::idle:
             break;
         case Case::listening:
-            return {QStringLiteral("Listening..."), QStringLiteral("text.cursor"), QStringLiteral("blue")};
+            return look(u"Listening...", u"正在聆听…", "text.cursor"_L1, "blue"_L1);
         case Case::listeningVoice:
-            return {QStringLiteral("Recording..."), QStringLiteral("waveform"), QStringLiteral("orange")};
+            return look(u"Recording...", u"正在录音…", "waveform"_L1, "orange"_L1);
         case Case::recordingVideo:
-            return {QStringLiteral("Capturing..."), QStringLiteral("video.fill"), QStringLiteral("red")};
+            return look(u"Capturing...", u"正在录制…", "video.fill"_L1, "red"_L1);
         case Case::processing:
-            return {QStringLiteral("Thinking..."), QStringLiteral("sparkles"), QStringLiteral("purple")};
+            return look(u"Thinking...", u"正在思考…", "sparkles"_L1, "purple"_L1);
         case Case::completed:
-            return {QStringLiteral("Done"), QStringLiteral("checkmark"), QStringLiteral("green")};
+            return look(u"Done", u"完成", "checkmark"_L1, "green"_L1);
         case Case::error:
-            return {state.message.isEmpty() ? QStringLiteral("Error") : state.message,
-                    QStringLiteral("exclamationmark.triangle.fill"), QStringLiteral("red")};
+            return state.message.isEmpty()
+                       ? look(u"Error", u"出错了", "exclamationmark.triangle.fill"_L1, "red"_L1)
+                       : look(state.message, state.message, "exclamationmark.triangle.fill"_L1, "red"_L1);
     }
-    return {QStringLiteral("Ready"), QStringLiteral("command"), QStringLiteral("grey")};
+    return look(u"Ready", u"就绪", "command"_L1, "grey"_L1);
 }
 
 QString statusSymbol(const InputState& state) {
@@ -114,19 +120,22 @@ QString statusSymbol(const InputState& state) {
         case Case::completed:
             return QStringLiteral("checkmark.circle.fill");
         default:
-            return hudLook(state).symbol;
+            return hudLook(state, HUDLanguage::English).symbol;
     }
 }
 
-QPointF hudOrigin(const InputState& state, const std::optional<QRectF>& caret,
-                  const std::optional<platform::Screen>& mainScreen) {
-    if (!mainScreen)
-        return caret ? QPointF(100, 100) : QPointF(0, 0);
-    const auto& frame = mainScreen->frame;
-    if (!caret)
-        return {frame.center().x() - 75, frame.center().y()};
-    const double offset = state == Case::listening ? 28 : 20;
-    return {caret->x() + 10, offset + (frame.height() - caret->y() - caret->height())};
+QPointF hudOrigin(const InputState& state, const std::optional<QRectF>& caret, const platform::Screen& screen,
+                  QSizeF size) {
+    const auto& area = screen.visibleFrame;
+    auto origin = screen.frame.center() - QPointF(75 * screen.scale, 0);
+    if (caret) {
+        const double offset = (state == Case::listening ? 28 : 20) * screen.scale;
+        origin = {caret->x() + 10 * screen.scale, caret->top() + offset};
+        if (origin.y() + size.height() > area.bottom())
+            origin.setY(caret->top() - offset / 2 - size.height());
+    }
+    return {std::max(area.left(), std::min(origin.x(), area.right() - size.width())),
+            std::max(area.top(), std::min(origin.y(), area.bottom() - size.height()))};
 }
 
 }  // namespace tavrelon::ui

@@ -23,20 +23,22 @@ QSizeF hudContentSize(const input::InputState& state, std::optional<input::Input
 /// With room for the name of the service that is waited for.
 QSizeF hudWaitingSize(const input::InputState& state, std::optional<input::InputTrigger> trigger);
 
+enum class HUDLanguage { English, Chinese };
+
 /// What the standard face says of a state.
 struct HUDLook {
     QString label;
     QString symbol;
     QString tint;  ///< the name of a colour of the theme
 };
-HUDLook hudLook(const input::InputState& state);
+HUDLook hudLook(const input::InputState& state, HUDLanguage language = HUDLanguage::English);
 
 /// The symbol of the status item in a state.
 QString statusSymbol(const input::InputState& state);
 
-/// Where the lower left corner of the HUD goes. `caret` counts from the top left of the desktop. The HUD is not kept
-/// within the screen.
-QPointF hudOrigin(const input::InputState& state, const std::optional<QRectF>& caret,
-                  const std::optional<platform::Screen>& mainScreen);
+/// Where the lower left corner of a HUD of this size goes, within the screen. `caret` is on the same axes as the
+/// screen, its top() the lower edge. It stands above the caret, or below where there is no room.
+QPointF hudOrigin(const input::InputState& state, const std::optional<QRectF>& caret, const platform::Screen& screen,
+                  QSizeF size);
 
 }  // namespace tavrelon::ui

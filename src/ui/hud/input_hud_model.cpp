@@ -2,8 +2,10 @@
 
 namespace tavrelon::ui {
 
-void InputHUDModel::show(const input::InputState& state, std::optional<input::InputTrigger> trigger) {
-    look_ = hudLook(state);
+void InputHUDModel::show(const input::InputState& state, std::optional<input::InputTrigger> trigger,
+                         HUDLanguage language) {
+    language_ = language;
+    look_ = hudLook(state, language);
     waiting_.clear();
     isPulsing_ = !state.acceptsNewInput();
     isRotating_ = state == input::InputState::Case::processing;
@@ -13,7 +15,7 @@ void InputHUDModel::show(const input::InputState& state, std::optional<input::In
 }
 
 void InputHUDModel::setWaitingFor(const QString& service) {
-    waiting_ = QStringLiteral("Still waiting for %1…").arg(service);
+    waiting_ = (isEnglish() ? QStringLiteral("Still waiting for %1…") : QStringLiteral("仍在等待 %1…")).arg(service);
     Q_EMIT stateChanged();
 }
 

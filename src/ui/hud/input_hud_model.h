@@ -17,6 +17,7 @@ struct HUDQuestion {
 class InputHUDModel : public QObject {
     Q_OBJECT
     Q_PROPERTY(QString face READ face NOTIFY faceChanged)
+    Q_PROPERTY(bool isEnglish READ isEnglish NOTIFY stateChanged)
     Q_PROPERTY(QString label READ label NOTIFY stateChanged)
     Q_PROPERTY(QString symbol READ symbol NOTIFY stateChanged)
     Q_PROPERTY(QString tint READ tint NOTIFY stateChanged)
@@ -29,7 +30,8 @@ class InputHUDModel : public QObject {
     Q_PROPERTY(QString transcript READ transcript NOTIFY transcriptChanged)
 
  public:
-    void show(const input::InputState& state, std::optional<input::InputTrigger> trigger);
+    void show(const input::InputState& state, std::optional<input::InputTrigger> trigger,
+              HUDLanguage language = HUDLanguage::English);
     void setTranscript(const QString& transcript);
 
     /// Says who keeps the user waiting, until the next `show`.
@@ -40,6 +42,7 @@ class InputHUDModel : public QObject {
     bool isAsking() const { return question_.has_value(); }
 
     QString face() const { return hudFaceName(shownFace()); }
+    bool isEnglish() const { return language_ == HUDLanguage::English; }
     QString label() const { return waiting_.isEmpty() ? look_.label : waiting_; }
     QString waiting() const { return waiting_; }  ///< empty until it takes long
     QString symbol() const { return look_.symbol; }
@@ -63,7 +66,8 @@ class InputHUDModel : public QObject {
 
     std::optional<HUDQuestion> question_;
     HUDFace face_ = HUDFace::Standard;
-    HUDLook look_ = hudLook({});
+    HUDLanguage language_ = HUDLanguage::English;
+    HUDLook look_ = hudLook({}, language_);
     QString waiting_;
     QString transcript_;
     bool isPulsing_ = false;

@@ -32,7 +32,7 @@ InputHUDWindowController::InputHUDWindowController(Desktop desktop,
 
 void InputHUDWindowController::react(const InputState& state) {
     resize(state);
-    model_.show(state, stateMachine_->activeTrigger());
+    model_.show(state, stateMachine_->activeTrigger(), desktop_.language());
     patience_ =
         state == Case::processing ? desktop_.mainLoop.after(patience, [this] { sayWhoIsWaitedFor(); }) : async::Timer();
     switch (state.value) {
@@ -68,41 +68,49 @@ void InputHUDWindowController::resize(const InputState& state) {
     if (size == contentSize_)
         return;
     contentSize_ = size;
-    if (window_)
-        window_->setContentSize(size);
+    if (!window_)
+        return;
+    window_->setContentSize(size);
+    place();
 }
 
 void InputHUDWindowController::placeAndShow(const InputState& state) {
     if (!window_)
         window_ = desktop_.userInterface.panels.create(
             {platform::PanelKind::Overlay, contentSize_, QStringLiteral("hud/InputHUDView"), &model_});
-    origin_ = hudOrigin(state, desktop_.caretRect(), desktop_.userInterface.screens.mainScreen());
-    window_->setFrameOrigin(origin_);
+    const auto caret = desktop_.caretRect();
+    placedFor_ = state;
+    caret_ = caret ? std::optional(upward(*caret)) : std::nullopt;
+    screen_ = screenOf(caret_);
+    place();
     window_->orderFront();
+}
+
+QRectF InputHUDWindowController::upward(const QRectF& rectangle) {
+    const auto main = desktop_.userInterface.screens.mainScreen();
+    const double height = main ? main->frame.height() : 0;
+    return {rectangle.x(), height - rectangle.y() - rectangle.height(), rectangle.width(), rectangle.height()};
+}
+
+std::optional<platform::Screen> InputHUDWindowController::screenOf(const std::optional<QRectF>& caret) {
+    auto& screens = desktop_.userInterface.screens;
+    if (caret)
+        return screens.screenAt(caret->topLeft());
+    const auto window = desktop_.windowRect();
+    return window ? screens.screenAt(upward(*window).center()) : screens.mainScreen();
+}
+
+void InputHUDWindowController::place() {
+    if (screen_)
+        window_->setFrameOrigin(hudOrigin(placedFor_, caret_, *screen_, window_->frameSize()));
 }
 
 void InputHUDWindowController::ask(const std::optional<HUDQuestion>& question) {
     model_.setQuestion(question);
     const auto state = stateMachine_->currentState();
     resize(state);
-    if (!question) {
-        if (window_)
-            window_->setFrameOrigin(origin_);
-        return;
-    }
-    if (!window_ || !window_->isVisible())
+    if (question && (!window_ || !window_->isVisible()))
         placeAndShow(state);
-    keepOnScreen();
-}
-
-void InputHUDWindowController::keepOnScreen() {
-    const auto screen = desktop_.userInterface.screens.mainScreen();
-    if (!screen)
-        return;
-    const auto size = window_->frameSize();
-    const auto& area = screen->visibleFrame;
-    window_->setFrameOrigin({std::max(area.left(), std::min(origin_.x(), area.right() - size.width())),
-                             std::max(area.top(), std::min(origin_.y(), area.bottom() - size.height()))});
 }
 
 void InputHUDWindowController::scheduleReturnToIdle(std::chrono::milliseconds delay) {
@@ -118,8 +126,10 @@ void InputHUDWindowController::sayWhoIsWaitedFor() {
     if (model_.isAsking())
         return;
     contentSize_ = hudWaitingSize(stateMachine_->currentState(), stateMachine_->activeTrigger());
-    if (window_)
-        window_->setContentSize(contentSize_);
+    if (!window_)
+        return;
+    window_->setContentSize(contentSize_);
+    place();
 }
 
 }  // namespace tavrelon::ui

@@ -21,10 +21,12 @@ class InputHUDWindowController {
     struct Desktop {
         async::MainLoop& mainLoop;
         platform::UserInterface& userInterface;
-        std::function<std::optional<QRectF>()> caretRect;  ///< counts from the top left of the desktop
+        std::function<std::optional<QRectF>()> caretRect;   ///< counts from the top left of the desktop
+        std::function<std::optional<QRectF>()> windowRect;  ///< of the window in front, likewise
         /// `reason` is why the last input failed, until one succeeds.
         std::function<void(const QString& symbolName, const std::optional<QString>& reason)> setStatusIcon;
         std::function<QString()> serviceName;  ///< who answers requests
+        std::function<HUDLanguage()> language;
     };
 
     /// Works by itself from here on. `stateMachine` is not null.
@@ -32,15 +34,16 @@ class InputHUDWindowController {
     InputHUDWindowController(const InputHUDWindowController&) = delete;
     InputHUDWindowController& operator=(const InputHUDWindowController&) = delete;
 
-    /// Asks in place of what is shown, or shows that again where there is no question. The panel stands within the
-    /// screen while it asks.
+    /// Asks in place of what is shown, or shows that again where there is no question.
     void ask(const std::optional<HUDQuestion>& question);
 
  private:
     void react(const input::InputState& state);
     void placeAndShow(const input::InputState& state);
     void resize(const input::InputState& state);
-    void keepOnScreen();
+    void place();
+    std::optional<platform::Screen> screenOf(const std::optional<QRectF>& caret);
+    QRectF upward(const QRectF& rectangle);
     void scheduleReturnToIdle(std::chrono::milliseconds delay);
     void sayWhoIsWaitedFor();
 
@@ -49,7 +52,9 @@ class InputHUDWindowController {
     InputHUDModel model_;
     std::unique_ptr<platform::Panel> window_;  ///< built when first needed, then kept
     QSizeF contentSize_;
-    QPointF origin_;  ///< where the panel was placed beside the caret
+    input::InputState placedFor_;
+    std::optional<QRectF> caret_;  ///< beside which the panel stands; y counts upward
+    std::optional<platform::Screen> screen_;
     std::optional<QString> reason_;
     std::map<quint64, async::Timer> returns_;  ///< one for each end of an input that is still in sight
     quint64 nextReturn_ = 0;
