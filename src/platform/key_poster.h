@@ -10,10 +10,9 @@ namespace tavrelon::platform {
 /// Types keys on the user's behalf into the focused window. Main thread.
 class KeyPoster {
  public:
-    /// How long a chord's key waits for its modifiers to be taken; callers count it as a part of their own wait. While
-    /// accessibility is on, Qt holds each key back until the bus has answered, mostly within 2 ms, and a page of its
-    /// web engine takes a key twice that overtakes its modifier so.
-    static constexpr std::chrono::milliseconds chordWait{12};
+    /// How long a chord's key waits for its modifiers to be taken, as with fast fingers; callers count it as a part of
+    /// their own wait.
+    static constexpr std::chrono::milliseconds chordWait{4};
 
     virtual ~KeyPoster() = default;
 

@@ -105,6 +105,21 @@ TEST_F(KeyPosterOnDesktop, APressOnItsOwnPutsModifiersAsideForItself) {
     EXPECT_EQ(window.stateOf(place::x), control);
 }
 
+TEST_F(KeyPosterOnDesktop, WhereChordsAreTakenTwiceTheirModifiersAreAState) {
+    struct TakesThemTwice : desktop::ShortcutTranslator {
+        std::optional<desktop::KeyChord> translate(desktop::KeyChord asked) override { return asked; }
+        bool takesChordsTwice() override { return true; }
+    };
+    const auto other = desktop::X11KeyPoster::open(loop, posted, std::make_unique<TakesThemTwice>()).value();
+    other->press(keys::keyV, keys::commandFlag | keys::shiftFlag);
+    other->press(keys::keyBackspace, keys::noModifiers);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(window.stateOf(place::v), control | 1);
+    EXPECT_EQ(window.stateOf(place::backspace), 0) << "nothing stays locked";
+    EXPECT_EQ(std::ranges::count(window.strokes(), place::leftControl, &KeyWindow::Stroke::code), 0);
+    EXPECT_THAT(told, IsEmpty());
+}
+
 TEST_F(KeyPosterOnDesktop, LettingGoAtAnyMomentLeavesNothingStuck) {
     for (int round = 0; round < 50; ++round) {
         keyboard.press(place::leftControl);

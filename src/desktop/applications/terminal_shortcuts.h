@@ -24,6 +24,10 @@ class ShortcutTranslator {
     /// The chord to press for a shortcut; absent when nothing is to be pressed. Chords that are no shortcut stay as
     /// they are.
     virtual std::optional<KeyChord> translate(KeyChord asked) = 0;
+
+    /// Whether the window in front may take a chord twice whose modifiers are pressed as keys, and gets them as a
+    /// state.
+    virtual bool takesChordsTwice() { return false; }
 };
 
 inline constexpr KeyChord terminalCopyChord{keys::keyC, keys::controlFlag | keys::shiftFlag};

@@ -22,6 +22,11 @@ QString executableNameOf(qint64 processIdentifier) {
     return target.sliced(target.lastIndexOf(u'/') + 1).section(QStringLiteral(" (deleted)"), 0, 0);
 }
 
+bool hasLoaded(qint64 processIdentifier, QByteArrayView library) {
+    QFile maps(QStringLiteral("/proc/%1/maps").arg(processIdentifier));
+    return processIdentifier > 0 && maps.open(QIODevice::ReadOnly) && maps.readAll().contains(library);
+}
+
 bool isThisMachine(const QString& machine) {
     const auto shortName = [](const QString& name) { return name.section(u'.', 0, 0); };
     return machine.compare(QStringLiteral("localhost"), Qt::CaseInsensitive) == 0 ||

@@ -60,7 +60,13 @@ void X11KeyPoster::press(keys::VirtualKey key, keys::Modifiers flags) {
     if (!code)
         return;
     const auto way = posted_->makeWay({chord->key, onThisDesktop(chord->flags)});
-    stroke(*code, modifierKeys(*keyboard, chord->flags));
+    const auto modifiers = modifierKeys(*keyboard, chord->flags);
+    if (modifiers.empty() || !shortcuts_ || !shortcuts_->takesChordsTwice())
+        return stroke(*code, modifiers);
+    unsigned mask = 0;
+    for (const auto modifier : modifiers)
+        mask |= keyboard->modifiersOf(modifier);
+    strokeLocked(*code, static_cast<ModifierMask>(mask));
 }
 
 bool X11KeyPoster::isCompositionOpen() {
@@ -87,7 +93,7 @@ void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys
         xtest_->post(code, KeyAction::Release);
     for (const auto modifier : modifierKeys)
         xtest_->post(modifier, KeyAction::Press);
-    // As fast fingers would, or a paste is taken twice in places. But not while the user holds modifiers: letting go of
+    // As fast fingers would. But not while the user holds modifiers: letting go of
     // the same ones would take ours away before the key.
     if (!modifierKeys.empty() && !modifiers_.isAnyAside()) {
         xtest_->send();
@@ -97,6 +103,17 @@ void X11KeyPoster::stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys
     xtest_->post(code, KeyAction::Release);
     for (const auto modifier : std::views::reverse(modifierKeys))
         xtest_->post(modifier, KeyAction::Release);
+    xtest_->send();
+}
+
+/// For a program that runs another's keys by their codes this would be a key without modifiers, so it is not the rule.
+void X11KeyPoster::strokeLocked(KeyCode code, ModifierMask modifiers) {
+    if (keysDown(xtest_->connection()).test(code))
+        xtest_->post(code, KeyAction::Release);
+    xtest_->setLocked(modifiers, true);
+    xtest_->post(code, KeyAction::Press);
+    xtest_->post(code, KeyAction::Release);
+    xtest_->setLocked(modifiers, false);
     xtest_->send();
 }
 

@@ -41,6 +41,7 @@ class X11KeyPoster : public platform::KeyPoster {
           modifiers_(*xtest_, std::move(watch)) {}
 
     void stroke(KeyCode code, const std::vector<KeyCode>& modifierKeys);
+    void strokeLocked(KeyCode code, ModifierMask modifiers);
 
     std::shared_ptr<PostedKeys> posted_;
     std::unique_ptr<ShortcutTranslator> shortcuts_;

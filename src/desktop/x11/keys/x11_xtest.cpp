@@ -2,6 +2,11 @@
 
 #include <xcb/xtest.h>
 
+// The C header has a field named like a C++ keyword.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
 #include "desktop/x11/keys/x11_keyboard_notices.h"
 
 namespace tavrelon::desktop {
@@ -22,6 +27,11 @@ void X11XTest::post(KeyCode code, KeyAction action) {
     posted_->expect(code, action, loop_.now());
     const std::uint8_t type = action == KeyAction::Press ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
     xcb_test_fake_input(connection_->get(), type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+}
+
+void X11XTest::setLocked(ModifierMask modifiers, bool locked) {
+    xcb_xkb_latch_lock_state(connection_->get(), XCB_XKB_ID_USE_CORE_KBD, modifiers, locked ? modifiers : 0, 0, 0, 0, 0,
+                             0);
 }
 
 std::shared_ptr<const X11Keyboard> X11XTest::keyboard() {

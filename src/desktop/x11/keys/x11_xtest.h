@@ -20,6 +20,9 @@ class X11XTest {
     /// which the tap expects the keys.
     void post(KeyCode code, KeyAction action);
 
+    /// Adds to them that these modifiers count as locked, or no longer. No key of theirs goes down.
+    void setLocked(ModifierMask modifiers, bool locked);
+
     /// Sends in one go, so that hardly a key of the user comes in between, and returns once the server has them. Any
     /// thread.
     void send() { connection_->sync(); }

@@ -1,5 +1,9 @@
 #include "desktop/x11/windows/x11_terminal_shortcuts.h"
 
+#include <utility>
+
+#include "desktop/linux/process/process_info.h"
+
 namespace tavrelon::desktop {
 
 using namespace std::chrono_literals;
@@ -62,6 +66,15 @@ std::optional<KeyChord> X11TerminalShortcuts::paste(const TerminalShortcuts& kno
         return std::nullopt;
     pasteboard_.alsoFetchedFrom(*primary_);
     return primaryPasteChord;
+}
+
+bool X11TerminalShortcuts::takesChordsTwice() {
+    const auto window = windows_->activeWindow();
+    const auto process = window == XCB_NONE ? 0 : windows_->properties(window).processIdentifier;
+    // The engine stays where it was loaded, and comes with the first page.
+    if (process != std::exchange(lastProcess_, process) || !isLastWebEngine_)
+        isLastWebEngine_ = hasLoaded(process, "WebEngineCore");
+    return isLastWebEngine_;
 }
 
 async::Task<void> X11TerminalShortcuts::copyPrimary() {

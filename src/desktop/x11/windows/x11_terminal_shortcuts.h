@@ -23,6 +23,10 @@ class X11TerminalShortcuts : public ShortcutTranslator {
 
     std::optional<KeyChord> translate(KeyChord asked) override;
 
+    /// Pages of Qt's web engine do, while accessibility is on: Qt then holds each key back until the bus has answered,
+    /// and the engine gives the command of a key that overtakes its modifier to both.
+    bool takesChordsTwice() override;
+
  private:
     X11TerminalShortcuts(async::MainLoop& loop, X11Pasteboard& pasteboard, std::unique_ptr<X11WindowQueries> windows,
                          std::unique_ptr<X11Pasteboard> primary)
@@ -36,6 +40,8 @@ class X11TerminalShortcuts : public ShortcutTranslator {
     std::unique_ptr<X11WindowQueries> windows_;
     std::unique_ptr<X11Pasteboard> primary_;
     async::TaskScope copies_;
+    qint64 lastProcess_ = 0;
+    bool isLastWebEngine_ = false;
 };
 
 }  // namespace tavrelon::desktop
