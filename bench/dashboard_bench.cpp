@@ -156,7 +156,7 @@ class DashboardBench {
     desktop::StandardOutputLog log_;
     desktop::QtWindows windows_{loop_, log_};
     std::vector<ui::DashboardPage> pages_{ui::generalSettingsPage(appState_),
-                                          ui::hotkeysPage(appState_, keys_, desktop_.keyboard.hotkeys),
+                                          ui::hotkeysPage(appState_, keys_, desktop_.keyboard.hotkeys, desktop_.speech),
                                           ui::clonePage(appState_, desktop_.platform, picker_),
                                           ui::providersPage(appState_, desktop_.platform),
                                           ui::historyPage(appState_),

@@ -13,6 +13,7 @@ class NoEngine : public platform::Speech {
  public:
     explicit NoEngine(std::atomic<std::size_t>& samples) : samples_(samples) {}
 
+    QStringList locales() override { return {QStringLiteral("zh-CN")}; }
     bool isAvailable(const QString&) override { return true; }
     platform::AuthorizationStatus authorizationStatus() override { return platform::AuthorizationStatus::Authorized; }
     void requestAuthorization(AuthorizationHandler) override {}
@@ -20,7 +21,9 @@ class NoEngine : public platform::Speech {
     std::shared_ptr<platform::SpeechRequest> createRequest(const platform::SpeechRequestOptions&) override {
         return std::make_shared<Request>(samples_);
     }
-    std::unique_ptr<platform::SpeechTask> startTask(std::shared_ptr<platform::SpeechRequest>, ResultHandler) override {
+    std::unique_ptr<platform::SpeechTask> startTask(std::shared_ptr<platform::SpeechRequest>,
+                                                    HearingHandler whenHearing, ResultHandler) override {
+        whenHearing();
         return std::make_unique<Task>();
     }
 

@@ -2,6 +2,7 @@
 
 #include "app/consent_question.h"
 #include "app/provider_settings.h"
+#include "media/speech_locale.h"
 
 namespace tavrelon::app {
 
@@ -62,6 +63,10 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
     inputStateMachine_ = std::make_shared<input::InputStateMachine>(
         input::InputServices{platform, contextCapturer_, *generator_, outputWriter_, historyManager_, storageManager_,
                              adaptivePromptLearner_.get(), videoRecorder_});
+    speechRecognizer_.chooseLocale = [this](const QStringList& installed) {
+        return media::speechLocale(installed, storageManager_.settings().speechLocale,
+                                   storageManager_.settings().appLanguage);
+    };
     inputStateMachine_->setSpeechRecognizer(speechRecognizer_);
     makeViews(userInterface, std::move(setStatusIcon));
     setCallbacks();

@@ -41,6 +41,8 @@ class InputStateMachine {
     std::optional<InputTrigger> activeTrigger() const { return activeTrigger_.value(); }
     QBindable<InputState> bindableCurrentState() { return &currentState_; }
     QBindable<QString> bindableCurrentTranscript() { return &currentTranscript_; }
+    bool isRecogniserLoading() const { return isRecogniserLoading_.value(); }
+    QBindable<bool> bindableIsRecogniserLoading() { return &isRecogniserLoading_; }
     const QString& typedInputBuffer() const { return typedText_.text(); }
     bool wereKeysTold() const { return typedText_.wereKeysTold(); }
 
@@ -106,6 +108,7 @@ class InputStateMachine {
     std::optional<capture::AccessibilityTextSnapshot> initialTextSnapshot;
     /// Held from the input's beginning until its picture is taken.
     std::shared_ptr<void> expectedScreenshot;
+    void setRecogniserLoading(bool isLoading) { isRecogniserLoading_ = isLoading; }
     void setCurrentTranscript(const QString& transcript) { currentTranscript_ = transcript; }
 
     TextRequestPipeline& textRequests() { return *textRequests_; }
@@ -124,6 +127,7 @@ class InputStateMachine {
     QProperty<InputState> currentState_;
     bool isStageTaken_ = false;  ///< an input has begun, but its state shows a turn later
     QProperty<QString> currentTranscript_;
+    QProperty<bool> isRecogniserLoading_{false};
     QProperty<std::optional<QString>> lastError_;
     QProperty<std::optional<InputTrigger>> activeTrigger_;
     TypedText typedText_;

@@ -17,6 +17,9 @@ void VoiceFlow::setSpeechRecognizer(media::SpeechRecognizer& recognizer) {
             handleTranscriptUpdate(transcript);
         });
     });
+    recogniserSubscription_ = recognizer.bindableRecogniserState().addNotifier([this] {
+        machine_.schedule([this, state = speechRecognizer_->bindableRecogniserState().value()] { follow(state); });
+    });
 }
 
 void VoiceFlow::toggle(InputTrigger kind) {
@@ -56,9 +59,7 @@ void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
         const auto description = text::localizedDescription(error);
         log(logPrefix + description);
         machine_.setStateLater(InputState::error(description));
-        return;
     }
-    restartVoiceSilenceTimer(kind);
 }
 
 void VoiceFlow::stop(InputTrigger kind) {
@@ -81,6 +82,20 @@ void VoiceFlow::cancel() {
     stopSilenceTimer();
     if (speechRecognizer_)
         speechRecognizer_->cancelRecording();
+}
+
+void VoiceFlow::follow(media::RecogniserState state) {
+    using enum media::RecogniserState;
+    machine_.setRecogniserLoading(state == Loading);
+    if (machine_.currentState() != Case::listeningVoice)
+        return;
+    if (state == Hearing)
+        restartVoiceSilenceTimer(machine_.activeTrigger());
+    if (state == Unavailable) {
+        const media::SpeechRecognizerError error(media::SpeechRecognizerError::Code::recognizerNotAvailable);
+        log(QStringLiteral("[StateMachine] The recording ended: ") + error.localizedDescription());
+        machine_.setStateLater(InputState::error(error.localizedDescription()));
+    }
 }
 
 void VoiceFlow::handleTranscriptUpdate(const QString& text) {

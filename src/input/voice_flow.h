@@ -8,7 +8,8 @@
 namespace tavrelon::input {
 
 /// The two spoken inputs. Voice input writes the transcript into the field and treats it as a text request; dictation
-/// only writes it. Both record in `listeningVoice` and end by their hotkey or by silence. Main thread.
+/// only writes it. Both record in `listeningVoice` and end by their hotkey or by silence, which counts from when the
+/// recogniser hears. Main thread.
 class VoiceFlow {
  public:
     VoiceFlow(InputStateMachine& machine, const InputServices& services) : machine_(machine), services_(services) {}
@@ -28,6 +29,7 @@ class VoiceFlow {
     void startRecording(InputTrigger kind, const QString& logPrefix);
     void stop(InputTrigger kind);
 
+    void follow(media::RecogniserState state);
     void handleTranscriptUpdate(const QString& text);
     void restartVoiceSilenceTimer(std::optional<InputTrigger> trigger);
     std::chrono::duration<double> silenceTimeout(std::optional<InputTrigger> trigger) const;
@@ -46,6 +48,7 @@ class VoiceFlow {
     InputServices services_;
     media::SpeechRecognizer* speechRecognizer_ = nullptr;
     QPropertyNotifier transcriptSubscription_;
+    QPropertyNotifier recogniserSubscription_;
     async::Timer voiceSilenceTimer_;
 };
 

@@ -10,7 +10,8 @@ using Method = scenes::ReplacementStrategy::Method;
 
 namespace {
 
-/// How long a final transcript is waited for after the recording ended, and how often it is looked for.
+/// How long a final transcript is waited for after the recording ended and the recogniser hears, and how often it is
+/// looked for.
 constexpr auto transcriptTimeout = 1200ms;
 constexpr auto transcriptInterval = 150ms;
 constexpr auto finalInterval = 30ms;  ///< where there is a text already, and only its last words may be missing
@@ -29,14 +30,23 @@ async::Task<QString> VoiceFlow::currentVoiceTranscript() {
 async::Task<QString> VoiceFlow::waitForVoiceTranscript(QUuid id) {
     auto transcript = co_await currentVoiceTranscript();
     const auto isPartial = [this] { return speechRecognizer_ && speechRecognizer_->awaitsFinal(); };
-    for (auto waited = 0ms; (transcript.isEmpty() || isPartial()) && waited < transcriptTimeout;) {
+    const auto state = [this] {
+        return speechRecognizer_ ? speechRecognizer_->bindableRecogniserState().value() : media::RecogniserState::Off;
+    };
+    const auto mayCome = [&] {
+        return state() != media::RecogniserState::Unavailable && (transcript.isEmpty() || isPartial());
+    };
+    for (auto waited = 0ms; mayCome() && waited < transcriptTimeout;) {
         const auto interval = transcript.isEmpty() ? transcriptInterval : finalInterval;
-        waited += interval;
+        if (state() != media::RecogniserState::Loading)  // which the recogniser itself bounds
+            waited += interval;
         co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, interval));
         if (!machine_.isCurrentTask(id))
             co_return QString();
         transcript = co_await currentVoiceTranscript();
     }
+    if (transcript.isEmpty() && state() == media::RecogniserState::Unavailable)
+        throw media::SpeechRecognizerError(media::SpeechRecognizerError::Code::recognizerNotAvailable);
     co_return transcript;
 }
 

@@ -1,6 +1,7 @@
 #include "media/speech_recognizer.h"
 
 #include "async/main_loop.h"
+#include "media/speech_locale.h"
 
 namespace tavrelon::media {
 
@@ -9,7 +10,6 @@ using Code = SpeechRecognizerError::Code;
 
 namespace {
 
-const auto locale = QStringLiteral("zh-CN");
 constexpr int tapBufferSize = 1024;
 
 }  // namespace
@@ -50,6 +50,8 @@ SpeechRecognizer::~SpeechRecognizer() {
 }
 
 void SpeechRecognizer::startRecording() {
+    const auto installed = platform_.speech.locales();
+    const auto locale = chooseLocale ? chooseLocale(installed) : speechLocale(installed, {}, {});
     if (!platform_.speech.isAvailable(locale))
         throw SpeechRecognizerError(Code::recognizerNotAvailable);
     requireSpeechAuthorization();
@@ -70,6 +72,8 @@ void SpeechRecognizer::startRecording() {
     installTap();
     if (const auto started = platform_.audioInput.start(); !started)
         throw text::LocalizedError(started.error().description);
+    recogniserState_ = RecogniserState::Loading;
+    loading_ = platform_.mainLoop.after(loadingLimit, [this] { endRecognition(RecogniserState::Unavailable); });
     schedule([this] {
         isRecording_ = true;
         currentTranscript_ = QString();
@@ -98,10 +102,12 @@ void SpeechRecognizer::requireMicrophoneAuthorization() {
 }
 
 void SpeechRecognizer::startTask() {
+    const auto hearHere = lifetime_.guard([this, recording = recording_ + 1] { handleHearing(recording); });
     const auto handleHere =
         lifetime_.guard([this, recording = ++recording_](const Outcome& outcome) { handle(recording, outcome); });
-    recognitionTask_ =
-        platform_.speech.startTask(recognitionRequest_, [handleHere, loop = &platform_.mainLoop](Outcome outcome) {
+    recognitionTask_ = platform_.speech.startTask(
+        recognitionRequest_, [hearHere, loop = &platform_.mainLoop] { loop->post(hearHere); },
+        [handleHere, loop = &platform_.mainLoop](Outcome outcome) {
             loop->post([handle = handleHere, outcome = std::move(outcome)]() mutable { handle(outcome); });
         });
 }
@@ -125,12 +131,24 @@ void SpeechRecognizer::handle(quint64 recording, const Outcome& outcome) {
         if (!isFinal)
             return;
     }
+    endRecognition(!outcome && outcome.error().isUnavailable ? RecogniserState::Unavailable : RecogniserState::Off);
+}
+
+void SpeechRecognizer::endRecognition(RecogniserState state) {
     platform_.audioInput.stop();
     platform_.audioInput.removeTap();
     dropTask();
     isRecording_ = false;
+    recogniserState_ = state;
     if (const auto told = delegate.lock())
         told->didStopRecording(*this);
+}
+
+void SpeechRecognizer::handleHearing(quint64 recording) {
+    if (recording != recording_ || !recognitionTask_)
+        return;
+    loading_.reset();
+    recogniserState_ = RecogniserState::Hearing;
 }
 
 /// A microphone that is gone must not cost the words that were spoken into it.
@@ -162,6 +180,8 @@ void SpeechRecognizer::dropTask() {
         recognitionTask_->cancel();
     recognitionTask_.reset();
     recognitionRequest_.reset();
+    loading_.reset();
+    recogniserState_ = RecogniserState::Off;
 }
 
 template <typename Block>

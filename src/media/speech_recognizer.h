@@ -25,7 +25,10 @@ class SpeechRecognizerDelegate {
     virtual void didStopRecording(SpeechRecognizer& recognizer) = 0;
 };
 
-/// Turns what the microphone hears into Chinese text while it records. Main thread; what the ports tell on their own
+/// How far the recogniser of a recording is. What is said while it loads is not lost.
+enum class RecogniserState { Off, Loading, Hearing, Unavailable };
+
+/// Turns what the microphone hears into text while it records. Main thread; what the ports tell on their own
 /// threads arrives here in later turns, in order.
 class SpeechRecognizer {
  public:
@@ -49,9 +52,18 @@ class SpeechRecognizer {
 
     QBindable<bool> bindableIsRecording() { return &isRecording_; }
     QBindable<QString> bindableCurrentTranscript() { return &currentTranscript_; }  ///< the best text so far
+    /// `Unavailable` where a recording has ended because its recogniser never began to hear.
+    QBindable<RecogniserState> bindableRecogniserState() { return &recogniserState_; }
     QBindable<bool> bindableIsAuthorized() { return &isAuthorized_; }
 
     std::weak_ptr<SpeechRecognizerDelegate> delegate;
+
+    /// Says which of the installed locales the next recording is in; unset, it is as `speechLocale` has it for a user
+    /// who has chosen nothing.
+    std::function<QString(const QStringList& installed)> chooseLocale;
+
+    /// How long a recogniser may load: sound that has waited for longer is not kept by it either.
+    static constexpr std::chrono::minutes loadingLimit{1};
 
  private:
     class Tap;
@@ -62,7 +74,9 @@ class SpeechRecognizer {
     void startTask();
     void installTap();
     void handle(quint64 recording, const Outcome& outcome);
+    void handleHearing(quint64 recording);
     void handleInputEnd(quint64 recording);
+    void endRecognition(RecogniserState state);
     void dropTask();
     template <typename Block>
     void schedule(Block block);
@@ -71,6 +85,8 @@ class SpeechRecognizer {
     QProperty<bool> isRecording_{false};
     QProperty<QString> currentTranscript_;
     QProperty<bool> isAuthorized_{false};
+    QProperty<RecogniserState> recogniserState_{RecogniserState::Off};
+    async::Timer loading_;
     std::shared_ptr<platform::SpeechRequest> recognitionRequest_;
     std::unique_ptr<platform::SpeechTask> recognitionTask_;
     quint64 recording_ = 0;  ///< counts the tasks, so that word of an earlier one is told apart

@@ -17,6 +17,7 @@ struct AppSettings : keys::HotkeySet {
 
     double voiceInputSilenceTimeoutSeconds = 2.0;
     double voiceDictationSilenceTimeoutSeconds = 2.0;
+    QString speechLocale;  ///< as "zh-CN"; empty until the user has chosen, see `media::speechLocale`
 
     QString screenshotMode = QStringLiteral("focusedWindow");  ///< or "fullScreen", "none"
     double screenshotQuality = 0.7;

@@ -85,6 +85,7 @@ inline constexpr auto settingsFields = std::to_array<SettingsField>({
     {"picturesByRequest", 60, &AppSettings::picturesByRequest},
     {"textOnlyModel", 61, &AppSettings::textOnlyModel},
     {"hasAnswered", 62, &AppSettings::hasAnswered},
+    {"speechLocale", 63, &AppSettings::speechLocale},
 });
 
 /// The same fields in the order of writing.

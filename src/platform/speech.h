@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <expected>
 #include <functional>
@@ -19,7 +19,8 @@ struct SpeechResult {
 };
 
 struct SpeechError {
-    QString description;  ///< for the log
+    QString description;         ///< for the log
+    bool isUnavailable = false;  ///< nothing can be recognised until the user has installed something else
 };
 
 enum class SpeechTaskHint { Unspecified = 0, Dictation = 1 };
@@ -59,11 +60,15 @@ class SpeechTask {
 class Speech {
  public:
     using ResultHandler = std::function<void(std::expected<SpeechResult, SpeechError>)>;
+    using HearingHandler = std::function<void()>;
     using AuthorizationHandler = std::function<void(AuthorizationStatus)>;
 
     virtual ~Speech() = default;
 
-    /// Whether a recogniser for this locale is there and can work.
+    /// Of the recognisers that are installed, as "zh-CN", in alphabetical order.
+    virtual QStringList locales() = 0;
+
+    /// Whether a recogniser for this locale is there and, as far as is known, can work.
     virtual bool isAvailable(const QString& locale) = 0;
 
     virtual AuthorizationStatus authorizationStatus() = 0;
@@ -76,9 +81,12 @@ class Speech {
     /// Null when there can be none.
     virtual std::shared_ptr<SpeechRequest> createRequest(const SpeechRequestOptions& options) = 0;
 
-    /// Recognises what is appended to `request`, which this port made. `handler` gets partial results, each unlike the
-    /// one before, and then either one final result or one error. A request without sound is an error in the end.
-    virtual std::unique_ptr<SpeechTask> startTask(std::shared_ptr<SpeechRequest> request, ResultHandler handler) = 0;
+    /// Recognises what is appended to `request`, which this port made. `whenHearing` is called once, before any result,
+    /// when what is spoken begins to be understood, which may take seconds; the sound until then is kept. `handler`
+    /// gets partial results, each unlike the one before, and then either one final result or one error. A request
+    /// without sound is an error in the end.
+    virtual std::unique_ptr<SpeechTask> startTask(std::shared_ptr<SpeechRequest> request, HearingHandler whenHearing,
+                                                  ResultHandler handler) = 0;
 };
 
 }  // namespace tavrelon::platform

@@ -89,9 +89,10 @@ Finding sound(platform::AudioInput& input) {
 }
 
 Finding recogniser(platform::Speech& speech) {
-    if (!speech.isAvailable(QStringLiteral("zh-CN")))
+    const auto installed = speech.locales();
+    if (installed.isEmpty() || !speech.isAvailable(installed.front()))
         return missing(QStringLiteral("no model for speech; install-voice brings one"));
-    return QStringLiteral("a model is installed");
+    return QStringLiteral("models: ") + installed.join(u", ");
 }
 
 async::Task<Finding> accessibilityBus(desktop::SessionAdapters& session, async::MainLoop& loop) {

@@ -36,7 +36,7 @@ Dashboard::Dashboard(app::AppState& appState, desktop::SessionAdapters& session)
       filePicker(session.platform.mainLoop),
       window(windows, appState.storageManager(),
              {ui::generalSettingsPage(appState, session.platform.httpSession),
-              ui::hotkeysPage(appState, keys, session.platform.hotkeys),
+              ui::hotkeysPage(appState, keys, session.platform.hotkeys, session.platform.speech),
               ui::clonePage(appState, session.platform, filePicker), ui::providersPage(appState, session.platform),
               ui::historyPage(appState), ui::privacyPage(appState, permissions(session))},
              {[&session] { session.platform.workspace.openUrl(ui::donationPage()); },

@@ -1,9 +1,11 @@
 // The recogniser with a scripted library.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include "desktop/audio/vosk_speech.h"
@@ -27,7 +29,8 @@ class Reports {
     platform::Speech::ResultHandler handler() {
         return [this](std::expected<platform::SpeechResult, platform::SpeechError> outcome) {
             const std::lock_guard lock(mutex_);
-            texts_ << (!outcome           ? QStringLiteral("error")
+            texts_ << (!outcome
+                           ? outcome.error().isUnavailable ? QStringLiteral("unavailable") : QStringLiteral("error")
                        : outcome->isFinal ? outcome->formattedString + u'!'
                                           : outcome->formattedString);
         };
@@ -63,6 +66,12 @@ class SpeechFolder {
         QFile file(path() + QStringLiteral("/speech/zh-CN/script"));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(script) == script.size());
     }
+    /// How many models the library has in memory.
+    int models() const {
+        const auto library = QFile::encodeName(path() + QStringLiteral("/speech/libvosk.so"));
+        void* const handle = ::dlopen(library.constData(), RTLD_NOW | RTLD_NOLOAD);
+        return reinterpret_cast<int (*)()>(::dlsym(handle, "scripted_vosk_models"))();
+    }
 
  private:
     QTemporaryDir folder_;
@@ -76,6 +85,7 @@ class VoskTest : public ::testing::Test {
     RecordingLog log;
     SpeechFolder folder;
     Reports reports;
+    std::atomic<int> hearings = 0;
     std::optional<desktop::VoskSpeech> speech;
 
     VoskTest() { speech.emplace(loop, log, folder.path()); }
@@ -84,15 +94,19 @@ class VoskTest : public ::testing::Test {
         folder.installModel(script);
         ASSERT_TRUE(eventually([this] { return speech->isAvailable(locale); }));
     }
+    std::unique_ptr<platform::SpeechTask> start() {
+        return speech->startTask(speech->createRequest({.locale = locale}), [this] { ++hearings; }, reports.handler());
+    }
     /// What comes of so much sound.
     QStringList reportsOf(std::size_t samples) {
         const auto request = speech->createRequest({.locale = locale, .reportsPartialResults = true});
-        const auto task = speech->startTask(request, reports.handler());
+        const auto task = speech->startTask(request, [] {}, reports.handler());
         request->append(std::vector<std::int16_t>(samples));
         task->finish();
         EXPECT_TRUE(eventually([this] {
             const auto texts = reports.texts();
-            return !texts.isEmpty() && (texts.last() == QStringLiteral("error") || texts.last().endsWith(u'!'));
+            return !texts.isEmpty() &&
+                   texts.last().contains(QRegularExpression(QStringLiteral("!$|^error$|^unavailable$")));
         }));
         return reports.texts();
     }
@@ -102,7 +116,7 @@ TEST_F(VoskTest, PartialResultsGrowIntoOneFinalOne) {
     install("1600 partial 你\n3200 utterance 你 好\n4800 partial 吗\n");
     EXPECT_TRUE(speech->supportsOnDeviceRecognition(locale));
     const auto request = speech->createRequest({.locale = locale, .reportsPartialResults = true});
-    const auto task = speech->startTask(request, reports.handler());
+    const auto task = speech->startTask(request, [] {}, reports.handler());
     QStringList expected;
     for (const auto* const text : {"你", "你好", "你好吗"}) {
         request->append(std::vector<std::int16_t>(1600));
@@ -136,12 +150,14 @@ TEST_F(VoskTest, WhatIsMissingIsToldInOneLineAndAnInstallationNeedsNoRestart) {
 TEST_F(VoskTest, TheInstallationScriptTakesWhatFitsAndNothingElse) {
     const QTemporaryDir downloads;
     const auto model = downloads.filePath(QStringLiteral("vosk-model-cn"));
-    const auto install = [&](const char* library) {
+    auto given = model;
+    const auto install = [&](const char* library, const QStringList& language = {}) {
         QProcess script;
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("XDG_DATA_HOME"), folder.path());
+        environment.insert(QStringLiteral("TAVRELON_VOICE_MODELS"), QStringLiteral("file://") + downloads.path());
         script.setProcessEnvironment(environment);
-        script.start(QStringLiteral(INSTALL_VOICE), {QString::fromUtf8(library), model});
+        script.start(QStringLiteral(INSTALL_VOICE), QStringList{QString::fromUtf8(library), given} + language);
         EXPECT_TRUE(script.waitForFinished(20000));
         return script.exitCode();
     };
@@ -159,21 +175,67 @@ TEST_F(VoskTest, TheInstallationScriptTakesWhatFitsAndNothingElse) {
     EXPECT_EQ(install(SCRIPTED_VOSK), 0) << "over the first";
     EXPECT_TRUE(eventually([this] { return speech->isAvailable(locale); }));
     EXPECT_EQ(reportsOf(1600), QStringList{QStringLiteral("!")});
+    const auto german = QStringLiteral("vosk-model-small-de-0.15");
+    given = downloads.filePath(QStringLiteral("mine"));
+    EXPECT_TRUE(QFile::rename(model, given));
+    EXPECT_EQ(install(SCRIPTED_VOSK), 65) << "no language";
+    EXPECT_EQ(install(SCRIPTED_VOSK, {QStringLiteral("../x")}), 65);
+    EXPECT_EQ(install(SCRIPTED_VOSK, {QStringLiteral("fr")}), 0);
+    EXPECT_EQ(QProcess::execute(QStringLiteral("python3"),
+                                {QStringLiteral("-m"), QStringLiteral("zipfile"), QStringLiteral("-c"),
+                                 downloads.filePath(german + QStringLiteral(".zip")), given}),
+              0);
+    given = german;
+    EXPECT_EQ(install(SCRIPTED_VOSK), 0) << "downloaded";
+    EXPECT_EQ(speech->locales(), (QStringList{QStringLiteral("de"), QStringLiteral("fr"), QStringLiteral("zh-CN")}));
 }
 
 TEST_F(VoskTest, NothingIsLeftBehindByAnyRecognition) {
     const int threads = threadCount();
     install("1600 partial hello\n");
     EXPECT_EQ(reportsOf(1600), (QStringList{QStringLiteral("hello"), QStringLiteral("hello!")}));
-    auto dropped = speech->startTask(speech->createRequest({.locale = locale}), reports.handler());
+    auto dropped = start();
     dropped.reset();
     EXPECT_TRUE(eventually([&] { return threadCount() == threads; }));
     // The end of the program does not wait for sound either.
-    const auto task = speech->startTask(speech->createRequest({.locale = locale}), reports.handler());
+    const auto task = start();
     task->cancel();
     speech.reset();
     EXPECT_EQ(threadCount(), threads);
     EXPECT_EQ(reports.texts().size(), 2);
+}
+
+TEST_F(VoskTest, AModelIsReadWhenItIsNeededAndGivenBackWhenItWasNotForTenMinutes) {
+    install("1600 partial hello\n");
+    EXPECT_EQ(folder.models(), 0);
+    auto task = start();
+    EXPECT_TRUE(eventually([this] { return hearings == 1; }));
+    task.reset();
+    loop.advance(9min);
+    task = start();
+    EXPECT_TRUE(eventually([this] { return hearings == 2; }));
+    loop.advance(1h);
+    EXPECT_EQ(folder.models(), 1) << "while it is in use";
+    task.reset();
+    loop.advance(10min);
+    EXPECT_TRUE(eventually([this] { return folder.models() == 0; }));
+    EXPECT_EQ(reportsOf(1600).last(), QStringLiteral("hello!"));
+}
+
+TEST_F(VoskTest, AModelThatCannotBeReadIsTriedAgainOnceItWasReplaced) {
+    install("1600 partial hello\n");
+    EXPECT_EQ(reportsOf(1600).last(), QStringLiteral("hello!"));
+    reports.clear();
+    folder.installModel("1600 partial replaced\n");
+    EXPECT_EQ(reportsOf(1600).last(), QStringLiteral("replaced!"));
+    reports.clear();
+    QFile::remove(folder.path() + QStringLiteral("/speech/zh-CN/script"));
+    EXPECT_EQ(reportsOf(1600), QStringList{QStringLiteral("unavailable")});
+    EXPECT_FALSE(speech->isAvailable(locale));
+    EXPECT_TRUE(log.lines().last().contains(QStringLiteral("could not be read, and is still the same")));
+    install("1600 partial hello\n");
+    reports.clear();
+    EXPECT_EQ(reportsOf(1600).last(), QStringLiteral("hello!"));
 }
 
 TEST_F(VoskTest, ALibraryThatFailsOrTalksNonsenseEndsInOneError) {

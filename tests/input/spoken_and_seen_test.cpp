@@ -38,6 +38,43 @@ TEST_F(SpokenTest, AFinalResultAfterTheStopIsUsedAndABlankUpdateRestartsNothing)
     EXPECT_EQ(desk.state(), Case::idle);
 }
 
+TEST_F(SpokenTest, SilenceCountsFromWhenTheRecogniserHears) {
+    desk.speech.loadsLate = true;
+    desk.machine->handleVoiceDictationHotkey();
+    desk.loop.advance(20s);
+    EXPECT_EQ(desk.state(), Case::listeningVoice);
+    EXPECT_TRUE(desk.machine->isRecogniserLoading());
+    desk.audioInput.sound(16000);
+    desk.speech.load();
+    desk.loop.advance(1900ms);
+    EXPECT_EQ(desk.state(), Case::listeningVoice);
+    EXPECT_FALSE(desk.machine->isRecogniserLoading());
+    hear("said while it loaded");
+    desk.loop.advance(5s);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("said while it loaded"));
+    desk.machine->handleVoiceDictationHotkey();
+    pass();
+    desk.machine->handleVoiceDictationHotkey();  // all was said before it was loaded
+    desk.loop.advance(20s);
+    desk.speech.load();
+    desk.speech.hearFinally(QStringLiteral(" and more"));
+    desk.loop.advance(1s);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("said while it loadedand more"));
+    desk.loop.advance(1s);
+    desk.machine->handleVoiceDictationHotkey();
+    desk.loop.advance(61s);
+    const auto never = QStringLiteral("Speech recognition is not available on this device");
+    EXPECT_EQ(desk.state(), InputState::error(never)) << "it never hears";
+    EXPECT_FALSE(desk.audioInput.running);
+    desk.machine->handleVoiceDictationHotkey();
+    pass();
+    desk.machine->handleVoiceDictationHotkey();
+    pass();
+    desk.speech.fail(true);
+    desk.loop.advance(200ms);
+    EXPECT_EQ(desk.state(), InputState::error(never)) << "pressed meanwhile";
+}
+
 TEST_F(SpokenTest, AFieldThatRefusesTheTranscriptStillGetsTheAnswer) {
     desk.editor.open(QString());
     desk.machine->handleVoiceHotkey();

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "media/speech_locale.h"
 #include "support/qt_gtest.h"
 #include "support/test_desktop.h"
 
@@ -75,6 +76,26 @@ TEST_F(SpeechRecognizerTest, WordsArriveWhileTheyAreSpokenAndTheFinalResultEndsT
     EXPECT_EQ(desk.audioInput.tap, nullptr);
     EXPECT_EQ(listener->told, (QStringList{QStringLiteral("start"), QStringLiteral("你"), QStringLiteral("你好"),
                                            QStringLiteral("你好吗!"), QStringLiteral("stop")}));
+}
+
+TEST_F(SpeechRecognizerTest, AnInstalledModelServes) {
+    const struct {
+        const char *installed, *chosen, *interfaceLanguage, *locale;
+    } cases[] = {
+        {"", "de", "en", "zh-CN"},
+        {"de,en-US,zh-CN", "de", "en", "de"},
+        {"de,en-US,zh-CN", "", "en", "en-US"},
+        {"de,zh-CN", "fr", "en", "zh-CN"},
+        {"de", "", "en", "de"},
+        {"eno,zh,en", "", "en", "en"},
+    };
+    for (const auto& [installed, chosen, interfaceLanguage, locale] : cases)
+        EXPECT_EQ(speechLocale(QString::fromLatin1(installed).split(u',', Qt::SkipEmptyParts),
+                               QString::fromLatin1(chosen), QString::fromLatin1(interfaceLanguage)),
+                  QString::fromLatin1(locale));
+    desk.speech.installed = {QStringLiteral("de")};
+    start();
+    EXPECT_EQ(desk.speech.options.locale, QStringLiteral("de"));
 }
 
 TEST_F(SpeechRecognizerTest, AStopStillBringsTheFinalResult) {

@@ -10,6 +10,7 @@ namespace tavrelon::testing {
 /// A recogniser that understands what a test says. Tests change the members at any time.
 class FakeSpeech : public platform::Speech {
     struct Recognition {
+        HearingHandler whenHearing;
         ResultHandler handler;
         bool over = false;
     };
@@ -24,12 +25,14 @@ class FakeSpeech : public platform::Speech {
     };
 
     bool available = true;
+    QStringList installed{QStringLiteral("zh-CN")};
     bool canMakeRequests = true;
     platform::AuthorizationStatus status = platform::AuthorizationStatus::Authorized;
     AuthorizationHandler asked;              ///< the question that the user has yet to answer
     platform::SpeechRequestOptions options;  ///< of the newest request
     std::shared_ptr<Request> request;        ///< the newest
     int cancelled = 0, finished = 0;
+    bool loadsLate = false;     ///< otherwise it hears at once
     bool finishesLate = false;  ///< otherwise what was heard is final as soon as it is asked to finish
 
     /// What the newest task reports; nothing once it is over.
@@ -38,9 +41,12 @@ class FakeSpeech : public platform::Speech {
         report(platform::SpeechResult{text, false}, false);
     }
     void hearFinally(const QString& text) { report(platform::SpeechResult{text, true}, true); }
-    void fail() { report(std::unexpected(platform::SpeechError{QStringLiteral("It broke.")}), true); }
+    void fail(bool isUnavailable = false) {
+        report(std::unexpected(platform::SpeechError{QStringLiteral("It broke."), isUnavailable}), true);
+    }
 
-    bool isAvailable(const QString& locale) override { return available && locale == QStringLiteral("zh-CN"); }
+    bool isAvailable(const QString& locale) override { return available && installed.contains(locale); }
+    QStringList locales() override { return installed; }
     platform::AuthorizationStatus authorizationStatus() override { return status; }
     void requestAuthorization(AuthorizationHandler completion) override { asked = std::move(completion); }
     bool supportsOnDeviceRecognition(const QString&) override { return true; }
@@ -49,10 +55,13 @@ class FakeSpeech : public platform::Speech {
         request = canMakeRequests ? std::make_shared<Request>() : nullptr;
         return request;
     }
+    void load() { recognition_->whenHearing(); }
     std::unique_ptr<platform::SpeechTask> startTask(std::shared_ptr<platform::SpeechRequest>,
-                                                    ResultHandler handler) override {
-        recognition_ = std::make_shared<Recognition>(std::move(handler));
+                                                    HearingHandler whenHearing, ResultHandler handler) override {
+        recognition_ = std::make_shared<Recognition>(std::move(whenHearing), std::move(handler));
         heard_.clear();
+        if (!loadsLate)
+            load();
         return std::make_unique<Task>(*this, recognition_);
     }
 

@@ -18,7 +18,11 @@ struct Event {
     std::string text;
 };
 
+std::atomic<int> models;
+
 struct Model {
+    Model() { ++models; }
+    ~Model() { --models; }
     std::vector<Event> script;
 };
 
@@ -40,6 +44,9 @@ struct Recognizer {
 
 extern "C" {
 
+int scripted_vosk_models() {
+    return models;
+}
 void vosk_set_log_level(int) {}
 
 Model* vosk_model_new(const char* folder) {

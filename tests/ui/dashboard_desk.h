@@ -38,7 +38,7 @@ struct DashboardDesk {
     ui::GeneralSettingsModel general{{desktop.loop, storage, service, desktop.httpSession}, [this] { ++forgettings; }};
     ui::HotkeysSettingsModel hotkeys{{desktop.loop, storage, manager, keys,
                                       [this](bool enabled) { shownStates.push_back(enabled); },
-                                      desktop.keyboard.hotkeys}};
+                                      desktop.keyboard.hotkeys, desktop.speech}};
     app::ServiceConsent consent{desktop.loop, store};
     ui::PrivacySettingsModel privacy{storage, permissions(), consent};
 

@@ -37,6 +37,18 @@ class HotkeysSettingsTest : public ::testing::Test, public tavrelon::testing::Da
     }
 };
 
+TEST_F(HotkeysSettingsTest, TheSpeechLanguageIsOneThatIsInstalled) {
+    desktop.speech.installed = {QStringLiteral("de"), QStringLiteral("zh-CN")};
+    hotkeys.appear();
+    ASSERT_EQ(hotkeys.speechLanguages().size(), 2);
+    EXPECT_EQ(hotkeys.speechLanguages().front().toMap().value(QStringLiteral("label")), QStringLiteral("Deutsch"));
+    EXPECT_EQ(hotkeys.speechLocale(), QStringLiteral("zh-CN"));
+    hotkeys.setSpeechLocale(QStringLiteral("de"));
+    EXPECT_EQ(stored().speechLocale, QStringLiteral("de"));
+    hotkeys.restoreDefaults();
+    EXPECT_EQ(hotkeys.speechLocale(), QStringLiteral("zh-CN"));
+}
+
 TEST_F(HotkeysSettingsTest, TheLargestSetThatWasHeldIsTakenWhenAllIsLetGo) {
     const HotkeyConfig old{keys::keyL, keys::commandFlag};
     const HotkeyConfig controlOption{0, keys::controlFlag | keys::optionFlag};

@@ -41,7 +41,7 @@ class DashboardGallery {
     desktop::StandardOutputLog log;
     desktop::QtWindows windows{loop, log};
     std::vector<ui::DashboardPage> pages{ui::generalSettingsPage(appState, desktop.platform.httpSession),
-                                         ui::hotkeysPage(appState, keys, desktop.keyboard.hotkeys),
+                                         ui::hotkeysPage(appState, keys, desktop.keyboard.hotkeys, desktop.speech),
                                          ui::clonePage(appState, desktop.platform, picker),
                                          ui::providersPage(appState, desktop.platform),
                                          ui::historyPage(appState),

@@ -1,6 +1,7 @@
 #include "desktop/audio/vosk_library.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <QFile>
 
@@ -16,6 +17,30 @@ bool resolve(void* library, const char* name, Function*& function, QString& miss
     return function;
 }
 
+template <typename Record>
+bool readRecord(QFile& file, qint64 place, Record& record) {
+    return file.seek(place) && file.read(reinterpret_cast<char*>(&record), sizeof record) == sizeof record;
+}
+
+/// Whether a library ends before its content does, as after a download that broke off. The loader does not look, and
+/// the program would die in it.
+bool isCutOff(const QString& path) {
+    QFile file(path);
+    ElfW(Ehdr) header;
+    if (!file.open(QIODevice::ReadOnly) || !readRecord(file, 0, header) ||
+        !QByteArrayView(header.e_ident, SELFMAG).startsWith(ELFMAG))
+        return false;  // which the loader tells in better words
+    for (int i = 0; i < header.e_phnum; ++i) {
+        ElfW(Phdr) segment;
+        if (!readRecord(file, static_cast<qint64>(header.e_phoff) + i * header.e_phentsize, segment))
+            return true;
+        const auto size = static_cast<ElfW(Xword)>(file.size());
+        if (segment.p_type == PT_LOAD && (segment.p_offset > size || segment.p_filesz > size - segment.p_offset))
+            return true;
+    }
+    return false;
+}
+
 QString loadingError() {
     const char* const error = ::dlerror();
     return QString::fromUtf8(error ? error : "it cannot be loaded");
@@ -24,6 +49,8 @@ QString loadingError() {
 }  // namespace
 
 std::expected<std::shared_ptr<VoskLibrary>, QString> VoskLibrary::load(const QString& file) {
+    if (isCutOff(file))
+        return std::unexpected(QStringLiteral("%1: the file is not complete").arg(file));
     void* const library = ::dlopen(QFile::encodeName(file).constData(), RTLD_NOW | RTLD_LOCAL);
     if (!library)
         return std::unexpected(loadingError());
@@ -47,15 +74,10 @@ std::expected<std::shared_ptr<VoskLibrary>, QString> VoskLibrary::load(const QSt
     return std::shared_ptr<VoskLibrary>(new VoskLibrary(functions));
 }
 
-VoskModelPtr VoskLibrary::model(const QString& folder) {
-    const std::lock_guard lock(mutex_);
-    if (!model_ || modelFolder_ != folder) {
-        model_.reset();
-        if (auto* const loaded = functions_.modelNew(QFile::encodeName(folder).constData()))
-            model_ = VoskModelPtr(loaded, functions_.modelFree);
-        modelFolder_ = folder;
-    }
-    return model_;
+VoskModelPtr VoskLibrary::readModel(const QString& folder) const {
+    if (auto* const model = functions_.modelNew(QFile::encodeName(folder).constData()))
+        return {model, functions_.modelFree};
+    return nullptr;
 }
 
 }  // namespace tavrelon::desktop

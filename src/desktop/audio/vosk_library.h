@@ -3,7 +3,6 @@
 #include <QString>
 #include <expected>
 #include <memory>
-#include <mutex>
 
 namespace tavrelon::desktop {
 
@@ -36,16 +35,13 @@ class VoskLibrary {
 
     const VoskFunctions& functions() const { return functions_; }
 
-    /// The model in that folder, which is read once and takes seconds then; null when it cannot be used.
-    VoskModelPtr model(const QString& folder);
+    /// Reads the model in that folder, which takes seconds; null when it cannot be used.
+    VoskModelPtr readModel(const QString& folder) const;
 
  private:
     explicit VoskLibrary(const VoskFunctions& functions) : functions_(functions) {}
 
     VoskFunctions functions_;
-    std::mutex mutex_;
-    QString modelFolder_;
-    VoskModelPtr model_;
 };
 
 }  // namespace tavrelon::desktop

@@ -27,6 +27,10 @@ SpeechError error(const char* description) {
     return {QString::fromLatin1(description)};
 }
 
+SpeechError unavailable(const char* description) {
+    return {QString::fromLatin1(description), true};
+}
+
 }  // namespace
 
 /// The library's recogniser with the text that it has given so far.
@@ -103,14 +107,21 @@ std::optional<VoskSession::Samples> VoskSession::nextSamples() {
     return std::exchange(pending_, {});
 }
 
-void VoskSession::run(VoskLibrary& library, const QString& modelFolder, const ResultHandler& handler) {
+void VoskSession::run(const VoskLibrary& library, VoskModels& models, const QString& modelFolder,
+                      const Listener& listener) {
+    const auto& handler = listener.handler;
+    if (isCancelled())
+        return;
     try {
-        auto model = library.model(modelFolder);
+        auto model = models.model(library, modelFolder);
         if (!model)
-            return handler(std::unexpected(error("the model cannot be read")));
+            return handler(std::unexpected(unavailable("the model cannot be read")));
         Recognizer recognizer(library.functions(), std::move(model));
         if (!recognizer)
-            return handler(std::unexpected(error("the Vosk library makes no recogniser of the model")));
+            return handler(std::unexpected(unavailable("the Vosk library makes no recogniser of the model")));
+        if (isCancelled())
+            return;
+        listener.whenHearing();
         recognise(recognizer, handler);
     } catch (const std::exception& failure) {
         handler(std::unexpected(SpeechError{text::localizedDescription(failure)}));

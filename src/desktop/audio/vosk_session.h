@@ -4,7 +4,7 @@
 #include <mutex>
 #include <vector>
 
-#include "desktop/audio/vosk_library.h"
+#include "desktop/audio/vosk_models.h"
 #include "desktop/audio/vosk_transcript.h"
 #include "platform/audio_input.h"
 #include "platform/speech.h"
@@ -21,7 +21,11 @@ class VoskSession : public platform::SpeechRequest {
     void endAudio() override;
     void cancel();
 
-    void run(VoskLibrary& library, const QString& modelFolder, const platform::Speech::ResultHandler& handler);
+    struct Listener {
+        platform::Speech::HearingHandler whenHearing;
+        platform::Speech::ResultHandler handler;
+    };
+    void run(const VoskLibrary& library, VoskModels& models, const QString& modelFolder, const Listener& listener);
 
  private:
     using Samples = std::vector<std::int16_t>;

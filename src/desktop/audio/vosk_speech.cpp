@@ -1,5 +1,6 @@
 #include "desktop/audio/vosk_speech.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <condition_variable>
 
@@ -22,13 +23,18 @@ std::expected<std::shared_ptr<VoskLibrary>, QString> loadFrom(const QString& fol
 
 class VoskTask : public platform::SpeechTask {
  public:
-    explicit VoskTask(std::shared_ptr<VoskSession> session) : session_(std::move(session)) {}
-    ~VoskTask() override { session_->cancel(); }
+    VoskTask(std::shared_ptr<VoskSession> session, std::function<void()> whenEnded)
+        : session_(std::move(session)), whenEnded_(std::move(whenEnded)) {}
+    ~VoskTask() override {
+        session_->cancel();
+        whenEnded_();
+    }
     void cancel() override { session_->cancel(); }
     void finish() override { session_->endAudio(); }
 
  private:
     std::shared_ptr<VoskSession> session_;
+    std::function<void()> whenEnded_;
 };
 
 }  // namespace
@@ -46,9 +52,14 @@ VoskSpeech::VoskSpeech(async::MainLoop& loop, platform::Log& log, const QString&
         startLoading();
 }
 
+QStringList VoskSpeech::locales() {
+    return QDir(folder_).entryList(QDir::Dirs | QDir::NoDotAndDotDot,
+                                   QDir::Name);  // no hidden ones: those are half there
+}
+
 bool VoskSpeech::isAvailable(const QString& locale) {
     const auto model = modelFolder(locale);
-    const bool hasModel = QFileInfo(model).isDir();
+    const bool hasModel = QFileInfo(model).isDir() && !models_->isUnusable(model);
     if (!library_)
         load();
     if (library_ && hasModel)
@@ -56,7 +67,9 @@ bool VoskSpeech::isAvailable(const QString& locale) {
     log_.line(QStringLiteral("[Speech] No recogniser: looked for the library in %1/%2 and on the system's library path "
                              "(%3), and for the model in %4 (%5)")
                   .arg(folder_, libraryName, library_ ? QStringLiteral("found") : whyNot_, model,
-                       hasModel ? QStringLiteral("found") : QStringLiteral("no such folder")));
+                       hasModel                   ? QStringLiteral("found")
+                       : QFileInfo(model).isDir() ? QStringLiteral("could not be read, and is still the same")
+                                                  : QStringLiteral("no such folder")));
     return false;
 }
 
@@ -99,17 +112,27 @@ std::shared_ptr<platform::SpeechRequest> VoskSpeech::createRequest(const platfor
 }
 
 std::unique_ptr<platform::SpeechTask> VoskSpeech::startTask(std::shared_ptr<platform::SpeechRequest> request,
-                                                            ResultHandler handler) {
+                                                            HearingHandler whenHearing, ResultHandler handler) {
     auto session = std::static_pointer_cast<VoskSession>(std::move(request));
-    threads_.start(
-        "speech", [session, library = library_, folder = modelFolder_, &log = log_, handler = std::move(handler)] {
-            session->run(*library, folder, [&](std::expected<platform::SpeechResult, platform::SpeechError> outcome) {
-                if (!outcome)
-                    log.line(QStringLiteral("[Speech] The recognition failed: ") + outcome.error().description);
-                handler(std::move(outcome));
-            });
-        });
-    return std::make_unique<VoskTask>(std::move(session));
+    auto tell = [handler = std::move(handler),
+                 &log = log_](std::expected<platform::SpeechResult, platform::SpeechError> outcome) {
+        if (!outcome)
+            log.line(QStringLiteral("[Speech] The recognition failed: ") + outcome.error().description);
+        handler(std::move(outcome));
+    };
+    giveBack_.reset();
+    ++runningTasks_;
+    threads_.start("speech", [session, library = library_, models = models_, folder = modelFolder_,
+                              listener = VoskSession::Listener{std::move(whenHearing), std::move(tell)}] {
+        session->run(*library, *models, folder, listener);
+    });
+    return std::make_unique<VoskTask>(std::move(session), lifetime_.guard([this] { endTask(); }));
+}
+
+void VoskSpeech::endTask() {
+    if (--runningTasks_ == 0)
+        giveBack_ = loop_.after(modelKept,
+                                [this] { threads_.start("speech model", [models = models_] { models->giveBack(); }); });
 }
 
 }  // namespace tavrelon::desktop

@@ -68,8 +68,8 @@ Item {
         }
         Text {
             width: Math.min(parent.width, 180)
-            visible: face.hud.transcript.length > 0
-            text: face.hud.transcript
+            visible: text.length > 0
+            text: face.hud.heard
             textFormat: Text.PlainText
             color: Theme.secondary
             font.pixelSize: 11

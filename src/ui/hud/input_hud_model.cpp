@@ -39,4 +39,13 @@ void InputHUDModel::setTranscript(const QString& transcript) {
     Q_EMIT transcriptChanged();
 }
 
+void InputHUDModel::setRecogniserLoading(bool isLoading) {
+    isRecogniserLoading_ = isLoading;
+    Q_EMIT transcriptChanged();
+}
+
+QString InputHUDModel::heard() const {
+    return transcript_.isEmpty() && isRecogniserLoading_ ? QStringLiteral("Loading...") : transcript_;
+}
+
 }  // namespace tavrelon::ui

@@ -28,11 +28,13 @@ class InputHUDModel : public QObject {
     Q_PROPERTY(QString questionDetail READ questionDetail NOTIFY stateChanged)
     Q_PROPERTY(QString questionHint READ questionHint NOTIFY stateChanged)
     Q_PROPERTY(QString transcript READ transcript NOTIFY transcriptChanged)
+    Q_PROPERTY(QString heard READ heard NOTIFY transcriptChanged)
 
  public:
     void show(const input::InputState& state, std::optional<input::InputTrigger> trigger,
               HUDLanguage language = HUDLanguage::English);
     void setTranscript(const QString& transcript);
+    void setRecogniserLoading(bool isLoading);
 
     /// Says who keeps the user waiting, until the next `show`.
     void setWaitingFor(const QString& service);
@@ -51,6 +53,7 @@ class InputHUDModel : public QObject {
     QString questionDetail() const { return question_ ? question_->detail : QString(); }
     QString questionHint() const { return question_ ? question_->hint : QString(); }
     QString transcript() const { return transcript_; }
+    QString heard() const;  ///< the transcript, or why there is none yet
 
     /// Whether the icon's circle breathes, and whether the icon turns once a second.
     bool isPulsing() const { return isPulsing_; }
@@ -70,6 +73,7 @@ class InputHUDModel : public QObject {
     HUDLook look_ = hudLook({}, language_);
     QString waiting_;
     QString transcript_;
+    bool isRecogniserLoading_ = false;
     bool isPulsing_ = false;
     bool isRotating_ = false;
 };

@@ -28,6 +28,8 @@ InputHUDWindowController::InputHUDWindowController(Desktop desktop,
     });
     transcriptSubscription_ = stateMachine_->bindableCurrentTranscript().addNotifier(
         [this] { model_.setTranscript(stateMachine_->currentTranscript()); });
+    recogniserSubscription_ = stateMachine_->bindableIsRecogniserLoading().addNotifier(
+        [this] { model_.setRecogniserLoading(stateMachine_->isRecogniserLoading()); });
 }
 
 void InputHUDWindowController::react(const InputState& state) {

@@ -61,6 +61,7 @@ class InputHUDWindowController {
     async::Timer patience_;
     QPropertyNotifier stateSubscription_;
     QPropertyNotifier transcriptSubscription_;
+    QPropertyNotifier recogniserSubscription_;
     async::Lifetime lifetime_;
 };
 

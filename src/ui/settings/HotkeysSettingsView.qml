@@ -26,6 +26,22 @@ ScrollPage {
         }
         onToggled: isOn => page.model.hotkeysEnabled = isOn
     }
+    GlassCard {
+        width: parent.width
+        visible: page.model.speechLanguages.length > 0
+
+        SectionHeader {
+            title: page.texts.speech
+            subtitle: page.texts.speechHint
+        }
+        SegmentedControl {
+            width: Math.min(implicitWidth, parent.width)
+            name: page.texts.speech
+            options: page.model.speechLanguages
+            current: page.model.speechLocale
+            onChosen: locale => page.model.setSpeechLocale(locale)
+        }
+    }
     Repeater {
         model: page.model.rowCount
         HotkeyCardRow {

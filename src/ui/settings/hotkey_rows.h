@@ -81,7 +81,7 @@ inline constexpr auto hotkeyRows = [] {
 }();
 
 /// The rest of the page.
-inline constexpr std::array<PageText, 14> hotkeysPageTexts{{
+inline constexpr std::array<PageText, 16> hotkeysPageTexts{{
     {u"title", u"Hotkeys", u"快捷键"},
     {u"restore", u"Restore Defaults", u"恢复默认"},
     {u"master", u"Hotkeys Enabled", u"启用快捷键"},
@@ -91,6 +91,8 @@ inline constexpr std::array<PageText, 14> hotkeysPageTexts{{
     {u"timeout", u"Timeout", u"超时"},
     {u"timeoutUnit", u"s", u"秒"},
     {u"timeoutTip", u"Auto stop after Xs of silence", u"静默 X 秒后自动结束"},
+    {u"speech", u"Speech language", u"语音语言"},
+    {u"speechHint", u"Of the recognisers that are installed", u"已安装的语音识别模型"},
     {u"recording", u"Press keys...", u"Press keys..."},
     {u"refused", u"A cannot be the key of this hotkey", u"此快捷键不能使用 A 键"},
     {u"clash", u"Same keys as: %1", u"按键相同：%1"},

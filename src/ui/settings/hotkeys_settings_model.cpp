@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "keys/key_names.h"
+#include "media/speech_locale.h"
 #include "ui/settings/hotkey_rows.h"
 
 namespace tavrelon::ui {
@@ -103,16 +104,17 @@ QString HotkeysSettingsModel::warning(int index) const {
 }
 
 /// The desktop is asked once for each look at the page and each change, not at each drawing.
-void HotkeysSettingsModel::lookForHolders() {
+void HotkeysSettingsModel::lookAround() {
     std::vector<HotkeyConfig> hotkeys;
     for (const auto& row : hotkeyRows)
         if (const auto& hotkey = settings().*row.key; row.hasKey(hotkey))
             hotkeys.push_back(hotkey);
     heldElsewhere_ = services_.desktop.heldElsewhere(hotkeys);
+    speechLocales_ = services_.speech.locales();
 }
 
 void HotkeysSettingsModel::appear() {
-    lookForHolders();
+    lookAround();
     PageModel::appear();
 }
 
@@ -133,6 +135,27 @@ void HotkeysSettingsModel::setTimeout(int row, const QString& typed) {
     store([&](AppSettings& settings) { settings.*fields->silenceTimeout = clamped; });
 }
 
+QVariantList HotkeysSettingsModel::speechLanguages() const {
+    QVariantList list;
+    for (const auto& locale : speechLocales_) {
+        const auto name = QLocale(locale).nativeLanguageName();
+        list << QVariantMap{{QStringLiteral("value"), locale},
+                            {QStringLiteral("label"), name.isEmpty() ? locale : name}};
+    }
+    return list;
+}
+
+QString HotkeysSettingsModel::speechLocale() const {
+    return speechLocales_.isEmpty()
+               ? QString()
+               : media::speechLocale(speechLocales_, settings().speechLocale, settings().appLanguage);
+}
+
+void HotkeysSettingsModel::setSpeechLocale(const QString& locale) {
+    store([&](AppSettings& settings) { settings.speechLocale = locale; });
+    Q_EMIT changed();
+}
+
 void HotkeysSettingsModel::setHotkeysEnabled(bool enabled) {
     store([&](AppSettings& settings) { settings.hotkeysEnabled = enabled; });
     applyToManager();
@@ -144,6 +167,7 @@ void HotkeysSettingsModel::restoreDefaults() {
     const auto& defaults = persistence::defaultSettings();
     store([&](AppSettings& settings) {
         static_cast<keys::HotkeySet&>(settings) = defaults;
+        settings.speechLocale = defaults.speechLocale;
         for (const auto& row : hotkeyRows)
             if (row.silenceTimeout)
                 settings.*row.silenceTimeout = defaults.*row.silenceTimeout;
@@ -155,7 +179,7 @@ void HotkeysSettingsModel::restoreDefaults() {
 void HotkeysSettingsModel::applyToManager() {
     static_cast<keys::HotkeySet&>(services_.manager) = settings();
     services_.manager.refresh();
-    lookForHolders();
+    lookAround();
     Q_EMIT changed();
 }
 

@@ -8,6 +8,7 @@
 #include "hotkeys/hotkey_manager.h"
 #include "platform/hotkeys.h"
 #include "platform/raw_keys.h"
+#include "platform/speech.h"
 #include "ui/dashboard/page_model.h"
 #include "ui/settings/hotkey_recording.h"
 
@@ -20,6 +21,8 @@ class HotkeysSettingsModel : public PageModel {
     Q_PROPERTY(bool hotkeysEnabled READ hotkeysEnabled WRITE setHotkeysEnabled NOTIFY changed)
     Q_PROPERTY(int rowCount READ rowCount CONSTANT)
     Q_PROPERTY(QVariantList rows READ rows NOTIFY changed)
+    Q_PROPERTY(QVariantList speechLanguages READ speechLanguages NOTIFY changed)
+    Q_PROPERTY(QString speechLocale READ speechLocale NOTIFY changed)
 
  public:
     struct Services {
@@ -30,6 +33,7 @@ class HotkeysSettingsModel : public PageModel {
         std::function<void(bool enabled)> showStatus;  ///< the overlay that tells the state of all hotkeys
 
         platform::Hotkeys& desktop;  ///< knows which keys something else holds
+        platform::Speech& speech;    ///< knows which recognisers are installed
     };
 
     explicit HotkeysSettingsModel(Services services);
@@ -44,6 +48,13 @@ class HotkeysSettingsModel : public PageModel {
     /// `canRecord`, `isRecording`, `warning` (empty where all is well), and `timeout`: the silence in seconds as text,
     /// empty for rows without one.
     QVariantList rows() const;
+
+    /// The installed recognisers as records of `value`, a locale, and `label`, the language's own name for itself.
+    QVariantList speechLanguages() const;
+
+    /// Of the recogniser that is in use; empty when there is none.
+    QString speechLocale() const;
+    Q_INVOKABLE void setSpeechLocale(const QString& locale);
 
     Q_INVOKABLE void setEnabled(int row, bool enabled);
 
@@ -75,11 +86,12 @@ class HotkeysSettingsModel : public PageModel {
     void startRecording(int row);
     void endRecording(std::chrono::milliseconds pause);
     void applyToManager();
-    void lookForHolders();
+    void lookAround();
 
     Services services_;
     std::optional<Recording> recording_;
     std::vector<keys::HotkeyConfig> heldElsewhere_;
+    QStringList speechLocales_;
     async::Timer afterglow_;  ///< runs while keys that were recorded may still reach the hotkeys
     async::Lifetime lifetime_;
 };

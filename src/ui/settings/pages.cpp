@@ -15,12 +15,14 @@ DashboardPage generalSettingsPage(app::AppState& appState, platform::HttpSession
             }};
 }
 
-DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys, platform::Hotkeys& desktop) {
-    return {DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"), [&appState, &keys, &desktop] {
-                return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
-                    appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
-                    [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }, desktop});
-            }};
+DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys, platform::Hotkeys& desktop,
+                          platform::Speech& speech) {
+    return {
+        DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"), [&appState, &keys, &desktop, &speech] {
+            return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
+                appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
+                [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }, desktop, speech});
+        }};
 }
 
 DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions) {
