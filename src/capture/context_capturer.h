@@ -47,6 +47,9 @@ class ContextCapturer {
     /// result lives, which the platform must outlive; safe inside the key callback.
     std::shared_ptr<void> expectScreenshot();
 
+    /// The same for `captureFocusedWindowImage`, whatever the mode.
+    std::shared_ptr<void> expectWindowImage();
+
     /// The first window of the frontmost application; absent where it has none on screen, and while a password field
     /// has the focus. Throws what the platform reports.
     async::Task<std::optional<platform::Image>> captureFocusedWindowImage();

@@ -31,9 +31,11 @@ async::Task<std::optional<QByteArray>> ContextCapturer::captureScreenshot() {
 }
 
 std::shared_ptr<void> ContextCapturer::expectScreenshot() {
-    if (screenshotMode != ScreenshotMode::focusedWindow || !platform_.screenCapture.preflightAccess())
-        return nullptr;
-    return platform_.screenCapture.expectCapture();
+    return screenshotMode == ScreenshotMode::focusedWindow ? expectWindowImage() : nullptr;
+}
+
+std::shared_ptr<void> ContextCapturer::expectWindowImage() {
+    return platform_.screenCapture.preflightAccess() ? platform_.screenCapture.expectCapture() : nullptr;
 }
 
 async::Task<std::optional<Image>> ContextCapturer::captureFocusedWindowImage() {

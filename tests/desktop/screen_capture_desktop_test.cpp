@@ -10,9 +10,9 @@ namespace {
 
 using platform::Image;
 
-constexpr std::uint32_t red = 0xE01010;
-constexpr std::uint32_t blue = 0x1010E0;
-constexpr std::uint32_t green = 0x10E010;
+constexpr std::uint32_t red = 0xFF0000;
+constexpr std::uint32_t blue = 0x0000FF;
+constexpr std::uint32_t green = 0x00FF00;
 
 /// A client of its own that paints other clients' windows and covers them.
 class Painter {
@@ -24,7 +24,16 @@ class Painter {
     Painter& operator=(const Painter&) = delete;
     ~Painter() { xcb_disconnect(connection_); }
 
+    /// What this colour is on a screen of any depth.
+    std::uint32_t on(std::uint32_t colour) {
+        const auto part = [colour](int shift) { return static_cast<std::uint16_t>((colour >> shift & 0xFF) * 0x101); };
+        const auto map = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->default_colormap;
+        const desktop::XPointer<xcb_alloc_color_reply_t> reply(
+            xcb_alloc_color_reply(connection_, xcb_alloc_color(connection_, map, part(16), part(8), part(0)), nullptr));
+        return reply->pixel;
+    }
     void fill(xcb_window_t window, std::uint32_t colour) {
+        colour = on(colour);
         xcb_change_window_attributes(connection_, window, XCB_CW_BACK_PIXEL, &colour);
         xcb_clear_area(connection_, 0, window, 0, 0, 0, 0);
         sync();
@@ -32,6 +41,7 @@ class Painter {
 
     /// Paints what nobody paints again.
     void fillOnce(xcb_window_t window, std::uint32_t colour) {
+        colour = on(colour);
         const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
         xcb_change_window_attributes(connection_, window, XCB_CW_BACK_PIXMAP, &none);
         const auto context = xcb_generate_id(connection_);
@@ -44,7 +54,7 @@ class Painter {
     /// Lays a window of this colour over the whole screen, above all others.
     void coverScreen(std::uint32_t colour) {
         cover_ = xcb_generate_id(connection_);
-        const std::uint32_t values[] = {colour, 1};
+        const std::uint32_t values[] = {on(colour), 1};
         xcb_create_window(connection_, XCB_COPY_FROM_PARENT, cover_, root_, 0, 0, 3000, 3000, 0,
                           XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                           XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);

@@ -125,6 +125,11 @@ TEST_F(InputStateMachineTest, APictureIsExpectedFromTheFirstPressUntilItIsTaken)
     desk.press(desk.hotkeys.cancelHotkey);
     desk.loop.runUntilIdle();
     EXPECT_FALSE(isExpected());
+
+    desk.capturer.screenshotMode = capture::ScreenshotMode::none;
+    desk.machine->startVideoInput();
+    desk.loop.runUntilIdle();
+    EXPECT_TRUE(isExpected()) << "a video has its pictures in every mode";
 }
 
 TEST_F(InputStateMachineTest, CancelKeepsTheLastErrorAndResetClearsIt) {

@@ -26,6 +26,13 @@ ScrollPage {
         }
         onToggled: isOn => page.model.hotkeysEnabled = isOn
     }
+    Repeater {
+        model: page.model.rowCount
+        HotkeyCardRow {
+            width: parent.width
+            hotkeys: page.model
+        }
+    }
     GlassCard {
         width: parent.width
         visible: page.model.speechLanguages.length > 0
@@ -40,13 +47,6 @@ ScrollPage {
             options: page.model.speechLanguages
             current: page.model.speechLocale
             onChosen: locale => page.model.setSpeechLocale(locale)
-        }
-    }
-    Repeater {
-        model: page.model.rowCount
-        HotkeyCardRow {
-            width: parent.width
-            hotkeys: page.model
         }
     }
 }

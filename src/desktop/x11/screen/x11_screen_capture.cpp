@@ -3,6 +3,7 @@
 #include <xcb/xfixes.h>
 
 #include "async/waits.h"
+#include "desktop/x11/screen/x11_pixel_layout.h"
 #include "desktop/x11/screen/x11_screen_cursor.h"
 
 namespace tavrelon::desktop {
@@ -46,6 +47,11 @@ X11ScreenCapture::X11ScreenCapture(async::MainLoop& loop, platform::Log& log, X1
         fixes && fixes->present &&
         awaitXReply<xcb_xfixes_query_version_reply_t>(
             connection_->get(), xcb_xfixes_query_version(connection_->get(), 2, 0).sequence, deadlineFromNow());
+    const int depth = xcb_setup_roots_iterator(xcb_get_setup(connection_->get())).data->root_depth;
+    isReadable_ = pixelLayout(connection_->get(), static_cast<std::uint8_t>(depth)).has_value();
+    if (!isReadable_)
+        log.line(QStringLiteral("[Desktop] The screen's pixels of %1 bits are not known; there are no screenshots")
+                     .arg(depth));
     if (!windows_.canUncover())
         log.line(
             QStringLiteral("[Desktop] The X server lacks the Composite extension; "
@@ -159,7 +165,7 @@ X11ScreenCapture::Picture X11ScreenCapture::takeWindow(xcb_window_t window) {
     const auto frame = geometry_.frameOf(window, deadline);
     if (!frame || !frame->isViewable)
         return std::unexpected(error("The window is no longer on the screen."));
-    return withCursor(windows_.fetch(*frame, deadline), frame->area.x, frame->area.y, deadline);
+    return withCursor(windows_.fetch(*frame, deadline), deadline);
 }
 
 X11ScreenCapture::Picture X11ScreenCapture::takeDisplay(std::size_t index) {
@@ -169,14 +175,14 @@ X11ScreenCapture::Picture X11ScreenCapture::takeDisplay(std::size_t index) {
         return std::unexpected(error("The display is no longer there."));
     const auto& area = monitors[index];
     const auto shown = area.intersected(geometry_.screen(deadline));
-    return withCursor(pixels_.fetch(connection_->root(), shown, deadline), area.x, area.y, deadline);
+    return withCursor(pixels_.fetch(connection_->root(), shown, deadline), deadline);
 }
 
-X11ScreenCapture::Picture X11ScreenCapture::withCursor(const FetchOutcome& fetched, int x, int y, XDeadline deadline) {
+X11ScreenCapture::Picture X11ScreenCapture::withCursor(const FetchOutcome& fetched, XDeadline deadline) {
     if (!fetched)
         return std::unexpected(fetched.error());
     if (const auto cursor = hasCursor_ ? cursorNow(connection_->get(), deadline) : std::nullopt)
-        drawCursor(*fetched, *cursor, x, y);
+        drawCursor(*fetched, *cursor);
     return fetched->image();
 }
 

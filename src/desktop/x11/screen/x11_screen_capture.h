@@ -28,7 +28,7 @@ class X11ScreenCapture : public platform::ScreenCapture {
                                                                             X11Workspace& workspace);
     ~X11ScreenCapture() override;
 
-    bool preflightAccess() override { return !connection_->isBroken(); }
+    bool preflightAccess() override { return isReadable_ && !connection_->isBroken(); }
     async::Task<std::expected<platform::ShareableContent, platform::CaptureError>> shareableContent() override;
     async::Task<std::expected<platform::Image, platform::CaptureError>> captureWindow(
         platform::ShareableWindow window) override;
@@ -52,7 +52,7 @@ class X11ScreenCapture : public platform::ScreenCapture {
     Content findContent(const std::vector<platform::RunningApplication>& applications);
     Picture takeWindow(xcb_window_t window);
     Picture takeDisplay(std::size_t index);
-    Picture withCursor(const FetchOutcome& fetched, int x, int y, XDeadline deadline);
+    Picture withCursor(const FetchOutcome& fetched, XDeadline deadline);
     void discardEvents();
 
     async::MainLoop& loop_;
@@ -62,6 +62,7 @@ class X11ScreenCapture : public platform::ScreenCapture {
     ScreenPixels pixels_;
     WindowPixels windows_;
     bool hasCursor_ = false;
+    bool isReadable_ = false;  ///< whether the screen's pixels are of a known kind
 
     std::mutex mutex_;  // guards the two fields below
     std::condition_variable changed_;

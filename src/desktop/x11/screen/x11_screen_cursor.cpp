@@ -32,8 +32,8 @@ std::optional<CursorPicture> cursorNow(xcb_connection_t* connection, XDeadline d
                          .pixels = {first, first + count}};
 }
 
-void drawCursor(const FetchedPicture& picture, const CursorPicture& cursor, int pictureX, int pictureY) {
-    const auto shown = cursor.area.intersected({pictureX, pictureY, picture.width, picture.height});
+void drawCursor(const FetchedPicture& picture, const CursorPicture& cursor) {
+    const auto shown = cursor.area.intersected(picture.area);
     if (shown.isEmpty())
         return;
     for (int y = shown.y; y < shown.y + shown.height; ++y)
@@ -41,8 +41,9 @@ void drawCursor(const FetchedPicture& picture, const CursorPicture& cursor, int 
             const auto from =
                 static_cast<std::size_t>(y - cursor.area.y) * static_cast<std::size_t>(cursor.area.width) +
                 static_cast<std::size_t>(x - cursor.area.x);
-            const auto to = static_cast<std::size_t>(y - pictureY) * static_cast<std::size_t>(picture.width) +
-                            static_cast<std::size_t>(x - pictureX);
+            const auto to =
+                static_cast<std::size_t>(y - picture.area.y) * static_cast<std::size_t>(picture.area.width) +
+                static_cast<std::size_t>(x - picture.area.x);
             blend(picture.pixels.get() + 4 * to, cursor.pixels[from]);
         }
 }

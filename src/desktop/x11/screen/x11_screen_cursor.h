@@ -15,7 +15,7 @@ struct CursorPicture {
 /// The pointer as it is shown now; absent where the server does not tell.
 std::optional<CursorPicture> cursorNow(xcb_connection_t* connection, XDeadline deadline);
 
-/// Draws the pointer on a picture whose first pixel is at this place of the screen.
-void drawCursor(const FetchedPicture& picture, const CursorPicture& cursor, int pictureX, int pictureY);
+/// Draws the pointer on a picture whose area is one of the screen.
+void drawCursor(const FetchedPicture& picture, const CursorPicture& cursor);
 
 }  // namespace tavrelon::desktop

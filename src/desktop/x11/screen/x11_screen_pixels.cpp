@@ -6,6 +6,8 @@
 
 #include <atomic>
 
+#include "desktop/x11/screen/x11_pixel_layout.h"
+
 namespace tavrelon::desktop {
 
 using platform::CaptureError;
@@ -24,8 +26,9 @@ CaptureError error(const char* text) {
 }  // namespace
 
 platform::Image FetchedPicture::image() const {
-    const auto bytes = qsizetype{width} * height * qsizetype{bytesPerPixel};
-    return {width, height, QByteArray::fromRawData(reinterpret_cast<const char*>(pixels.get()), bytes), pixels};
+    const auto bytes = qsizetype{area.width} * area.height * qsizetype{bytesPerPixel};
+    return {area.width, area.height, QByteArray::fromRawData(reinterpret_cast<const char*>(pixels.get()), bytes),
+            pixels};
 }
 
 ScreenPixels::ScreenPixels(xcb_connection_t* connection) : connection_(connection) {
@@ -80,23 +83,20 @@ bool ScreenPixels::share(std::size_t bytes, XDeadline deadline) {
     return true;
 }
 
-bool ScreenPixels::fetchShared(xcb_drawable_t drawable, const ScreenArea& area, std::size_t bytes, XDeadline deadline) {
+std::optional<ScreenPixels::Fetched> ScreenPixels::fetchShared(xcb_drawable_t drawable, const ScreenArea& area,
+                                                               XDeadline deadline) {
     const auto asked =
         xcb_shm_get_image(connection_, drawable, static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y),
                           static_cast<std::uint16_t>(area.width), static_cast<std::uint16_t>(area.height), allPlanes,
                           XCB_IMAGE_FORMAT_Z_PIXMAP, segment_, 0);
     const auto reply = awaitXReply<xcb_shm_get_image_reply_t>(connection_, asked.sequence, deadline);
-    return reply && reply->size == bytes && (reply->depth == 24 || reply->depth == 32);
+    if (!reply)
+        return std::nullopt;
+    return Fetched{memory_, reply->size, reply->depth};
 }
 
-FetchOutcome ScreenPixels::fetch(xcb_drawable_t drawable, const ScreenArea& area, XDeadline deadline) {
-    if (area.isEmpty())
-        return std::unexpected(error("There is nothing to capture: the area is empty."));
-    if (xcb_get_setup(connection_)->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST)
-        return std::unexpected(error("The X server's order of bytes is not known."));
-    const auto bytes = static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) * bytesPerPixel;
-    if (share(bytes, deadline) && fetchShared(drawable, area, bytes, deadline))
-        return FetchedPicture{area.width, area.height, memory_};
+std::optional<ScreenPixels::Fetched> ScreenPixels::fetchSent(xcb_drawable_t drawable, const ScreenArea& area,
+                                                             XDeadline deadline) {
     const auto asked =
         xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, static_cast<std::int16_t>(area.x),
                       static_cast<std::int16_t>(area.y), static_cast<std::uint16_t>(area.width),
@@ -104,11 +104,33 @@ FetchOutcome ScreenPixels::fetch(xcb_drawable_t drawable, const ScreenArea& area
     const std::shared_ptr<xcb_get_image_reply_t> reply =
         awaitXReply<xcb_get_image_reply_t>(connection_, asked.sequence, deadline);
     if (!reply)
+        return std::nullopt;
+    return Fetched{{reply, xcb_get_image_data(reply.get())},
+                   static_cast<std::size_t>(xcb_get_image_data_length(reply.get())),
+                   reply->depth};
+}
+
+FetchOutcome ScreenPixels::fetch(xcb_drawable_t drawable, const ScreenArea& area, XDeadline deadline) {
+    if (area.isEmpty())
+        return std::unexpected(error("There is nothing to capture: the area is empty."));
+    const auto width = static_cast<std::size_t>(area.width), height = static_cast<std::size_t>(area.height);
+    std::optional<Fetched> fetched;
+    if (share(width * height * bytesPerPixel, deadline))
+        fetched = fetchShared(drawable, area, deadline);
+    if (!fetched)
+        fetched = fetchSent(drawable, area, deadline);
+    if (!fetched)
         return std::unexpected(error("The X server did not give the picture; the window may be gone."));
-    const auto length = static_cast<std::size_t>(xcb_get_image_data_length(reply.get()));
-    if (length != bytes || (reply->depth != 24 && reply->depth != 32))
-        return std::unexpected(error("The X server's pixels are not of 24 or 32 bits."));
-    return FetchedPicture{area.width, area.height, {reply, xcb_get_image_data(reply.get())}};
+    const auto layout = pixelLayout(connection_, fetched->depth);
+    if (!layout || fetched->size != layout->bytesPerRow(width) * height)
+        return std::unexpected(error("The X server's pixels are of a kind that is not known."));
+    if (layout->isPlain())
+        return FetchedPicture{area, fetched->pixels};
+    const std::shared_ptr<unsigned char[]> pixels(new unsigned char[width * height * bytesPerPixel]);
+    for (std::size_t y = 0; y < height; ++y)
+        layout->convertRow(fetched->pixels.get() + y * layout->bytesPerRow(width),
+                           pixels.get() + y * width * bytesPerPixel, width);
+    return FetchedPicture{area, {pixels, pixels.get()}};
 }
 
 }  // namespace tavrelon::desktop

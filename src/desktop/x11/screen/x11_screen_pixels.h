@@ -10,8 +10,7 @@ namespace tavrelon::desktop {
 
 /// A picture that can still be drawn on.
 struct FetchedPicture {
-    int width = 0;
-    int height = 0;
+    ScreenArea area;                        ///< what it shows
     std::shared_ptr<unsigned char> pixels;  ///< as those of `platform::Image`
 
     platform::Image image() const;
@@ -27,7 +26,8 @@ class ScreenPixels {
     ScreenPixels& operator=(const ScreenPixels&) = delete;
     ~ScreenPixels();
 
-    /// The area must lie inside of the drawable, in whose coordinates it is; a window must be on the screen.
+    /// The area must lie inside of the drawable, in whose coordinates it is, as is that of the picture; a window must
+    /// be on the screen.
     FetchOutcome fetch(xcb_drawable_t drawable, const ScreenArea& area, XDeadline deadline);
 
     bool sharesMemory() const { return segment_ != XCB_NONE; }
@@ -35,7 +35,14 @@ class ScreenPixels {
 
  private:
     bool share(std::size_t bytes, XDeadline deadline);
-    bool fetchShared(xcb_drawable_t drawable, const ScreenArea& area, std::size_t bytes, XDeadline deadline);
+    /// As the server gives it.
+    struct Fetched {
+        std::shared_ptr<unsigned char> pixels;
+        std::size_t size = 0;
+        std::uint8_t depth = 0;
+    };
+    std::optional<Fetched> fetchShared(xcb_drawable_t drawable, const ScreenArea& area, XDeadline deadline);
+    std::optional<Fetched> fetchSent(xcb_drawable_t drawable, const ScreenArea& area, XDeadline deadline);
 
     xcb_connection_t* connection_;
     bool canShare_ = false;

@@ -72,7 +72,11 @@ std::optional<FetchedPicture> WindowPixels::fetchApart(const WindowFrame& frame,
     std::this_thread::sleep_until(drawnAt_);
     const ScreenArea wanted{frame.insetX, frame.insetY, frame.area.width, frame.area.height};
     auto picture = pixels_.fetch(pixmap.identifier(), wanted.intersected(pixmap.area()), deadline);
-    return picture ? std::optional(*std::move(picture)) : std::nullopt;
+    if (!picture)
+        return std::nullopt;
+    picture->area.x += frame.area.x - frame.insetX;
+    picture->area.y += frame.area.y - frame.insetY;
+    return *std::move(picture);
 }
 
 std::shared_ptr<void> WindowPixels::drawApart(const WindowFrame& frame, XDeadline deadline) {
