@@ -1,5 +1,6 @@
 """The programs that a demonstration or measurement runs: the stand-in service, Tavrelon and editors."""
 
+import base64
 import json
 import os
 import re
@@ -78,6 +79,11 @@ class StandIn(Program):
                 if message.get("role") == "user":
                     messages.append(text_of(message["content"]))
         return messages
+
+    def pictures(self):
+        """Those that came with the requests, decoded from their data URLs."""
+        found = re.findall(r"data:image/jpeg;base64,([A-Za-z0-9+/=]+)", json.dumps(self.control("requests")))
+        return [base64.b64decode(picture) for picture in found]
 
 
 def text_of(content):

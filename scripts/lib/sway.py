@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import subprocess
 
 from waiting import Fault
@@ -27,6 +28,23 @@ def nodes(node=None):
 
 def focused_title():
     return next((node["name"] or "" for node in nodes() if node["focused"] and node.get("pid")), "")
+
+
+def picture_of_focused_window(path):
+    node = next(node for node in nodes() if node["focused"])
+    outer, content = node["rect"], node["window_rect"]
+    place = f"{outer['x'] + content['x']},{outer['y'] + content['y']} {content['width']}x{content['height']}"
+    subprocess.run(["grim", "-g", place, str(path)], stdin=subprocess.DEVNULL, timeout=20, check=True)
+
+
+def difference(one, other):
+    """Of two pictures of one size, from 0 to 1."""
+    told = subprocess.run(["compare", "-metric", "RMSE", str(one), str(other), "null:"], stdin=subprocess.DEVNULL,
+                          capture_output=True, text=True, timeout=20).stderr
+    found = re.fullmatch(r"\S+ \((\S+)\)", told.strip())
+    if not found:
+        raise Fault(f"the pictures cannot be compared: {told}")
+    return float(found.group(1))
 
 
 class NextBinding:

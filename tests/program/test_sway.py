@@ -49,6 +49,25 @@ def test_a_selection_is_replaced(desk, kind):
     assert editor.saved("keep these WORDS") == "keep these WORDS"
 
 
+def test_the_model_sees_the_window_without_our_overlay(desk):
+    editor, tavrelon = desk.open("mousepad", "what is here\n" * 8), desk.start()
+    before, sent = desk.folder / "before.png", desk.folder / "sent.jpg"
+    sway.picture_of_focused_window(before)
+    desk.answers("ANSWER")
+    desk.begin(tavrelon)
+    editor.type("what is shown?")
+    time.sleep(0.5)  # in which the overlay comes
+    covered = desk.folder / "covered.png"
+    sway.picture_of_focused_window(covered)
+    menu = "[100x24+0+0]"  # the first line's overlay lies there
+    assert sway.difference(f"{before}{menu}", f"{covered}{menu}") > 0.1
+    desk.commit()
+    wait_for_history(tavrelon, 1)
+    sent.write_bytes(desk.service.pictures()[0])
+    assert sway.difference(f"{before}{menu}", f"{sent}{menu}") < 0.05
+    assert sway.difference(covered, sent) < 0.03, "and what was typed"
+
+
 def test_what_nobody_can_see_is_no_request_and_the_field_stays(desk):
     editor, tavrelon = desk.open("chromium", "a long letter"), desk.start()
     desk.answers("ANSWER")

@@ -1,11 +1,22 @@
 #include "desktop/qt/qt_panels.h"
 
+#include <QGuiApplication>
 #include <QQmlContext>
+#include <QWindow>
 
 #include "desktop/qt/qt_panel.h"
+#include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_view_engine.h"
 
 namespace tavrelon::desktop {
+
+std::vector<QRect> shownOverlayFrames() {
+    std::vector<QRect> found;
+    for (const auto* window : QGuiApplication::topLevelWindows())
+        if (window->isVisible() && window->flags().testFlag(Qt::X11BypassWindowManagerHint))
+            found.push_back(toNative(window->geometry(), *window->screen()).toAlignedRect());
+    return found;
+}
 
 QtPanels::QtPanels(async::MainLoop& loop, platform::Log& log, PanelSurroundings surroundings)
     : loop_(loop), log_(log), surroundings_(std::move(surroundings)) {}

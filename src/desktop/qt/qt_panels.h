@@ -2,9 +2,11 @@
 
 #include <QQmlEngine>
 #include <QQmlPropertyMap>
+#include <QRect>
 #include <functional>
 #include <memory>
 #include <set>
+#include <vector>
 
 #include "async/main_loop.h"
 #include "desktop/qt/qt_compositor_watch.h"
@@ -20,6 +22,9 @@ struct PanelSurroundings {
     std::function<bool()> isComposited;                   ///< whether windows may be translucent at the moment
     std::function<void(quint64 windowIdentifier)> focus;  ///< gives a window the keyboard, window manager or not
 };
+
+/// Where this program's overlays are now, in the X desktop's pixels. Main thread.
+std::vector<QRect> shownOverlayFrames();
 
 /// Makes panels whose views are written in QML. Nothing of QML is loaded before the first panel. Main thread.
 class QtPanels : public platform::Panels {

@@ -6,14 +6,14 @@
 
 namespace tavrelon::desktop {
 
-namespace {
-
 /// Qt leaves the corner of a scaled screen where it is and shrinks what lies to its right and below.
 QRectF toNative(const QRectF& rectangle, const QScreen& screen) {
     const auto corner = QPointF(screen.geometry().topLeft());
     const double scale = screen.devicePixelRatio();
     return {corner + (rectangle.topLeft() - corner) * scale, rectangle.size() * scale};
 }
+
+namespace {
 
 double mainScreenHeight() {
     const auto* primary = QGuiApplication::primaryScreen();

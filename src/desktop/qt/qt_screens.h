@@ -6,7 +6,8 @@ class QScreen;
 
 namespace tavrelon::desktop {
 
-/// Where things are on the X desktop: pixels, y counting downward from the upper left corner.
+/// Where Qt's rectangle on this screen is on the X desktop: pixels, y counting downward from the upper left corner.
+QRectF toNative(const QRectF& rectangle, const QScreen& screen);
 QRectF nativeFrame(const QScreen& screen);
 
 /// The same rectangle with y counting upward from the lower edge of the main screen, or back again.

@@ -4,6 +4,7 @@
 #include "desktop/wayland/clipboard/wayland_pasteboard.h"
 #include "desktop/wayland/keys/wayland_key_poster.h"
 #include "desktop/wayland/sway/sway_hotkeys.h"
+#include "desktop/wayland/sway/sway_screen_capture.h"
 #include "desktop/wayland/sway/sway_shortcuts.h"
 #include "desktop/x11/keys/x11_key_observer.h"
 #include "desktop/x11/keys/x11_key_poster.h"
@@ -26,23 +27,6 @@ class NoKeyObserver : public platform::KeyObserver {
  public:
     bool start(Calls) override { return false; }
     void stop() override {}
-};
-
-class NoScreenCapture : public platform::ScreenCapture {
- public:
-    using Content = std::expected<platform::ShareableContent, platform::CaptureError>;
-    using Picture = std::expected<platform::Image, platform::CaptureError>;
-
-    bool preflightAccess() override { return false; }
-    async::Task<Content> shareableContent() override { co_return std::unexpected(reason()); }
-    async::Task<Picture> captureWindow(platform::ShareableWindow) override { co_return std::unexpected(reason()); }
-    async::Task<Picture> captureDisplay(platform::ShareableDisplay) override { co_return std::unexpected(reason()); }
-    std::shared_ptr<void> expectCapture() override { return nullptr; }
-
- private:
-    static platform::CaptureError reason() {
-        return {QStringLiteral("Pictures of the screen are not taken in this session yet.")};
-    }
 };
 
 template <typename T>
@@ -94,11 +78,14 @@ WindowingSystem openSway(async::MainLoop& loop, platform::Log& log) {
     auto workspace = opened(SwayWorkspace::create());
     auto keyPoster = opened(WaylandKeyPoster::open(*connection, std::make_unique<SwayShortcuts>(*workspace)));
     auto pasteboard = opened(WaylandPasteboard::create(loop, log, *connection, keyPoster->presses()));
+    // An X server's pixels are sway's logical ones.
+    auto screenCapture = std::make_unique<SwayScreenCapture>(loop, *workspace, connection->globals().givesPictures,
+                                                             [] { return shownOverlayFrames(); });
     return WindowingSystem{std::move(connection),
                            std::move(workspace),
                            std::move(pasteboard),
                            std::move(keyPoster),
-                           std::make_unique<NoScreenCapture>(),
+                           std::move(screenCapture),
                            std::make_unique<SwayHotkeys>(loop, log),
                            std::make_unique<NoKeyObserver>(),
                            panelSurroundings(opened(X11PanelSurroundings::create())),

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "desktop/wayland/protocol/requests.h"
+#include "desktop/wayland/protocol/screencopy.h"
 
 namespace tavrelon::desktop {
 
@@ -110,6 +111,8 @@ void WaylandConnection::bind(wl_registry* registry, std::uint32_t name, const ch
     take(globals_.seat, wl_seat_interface, 1);
     take(globals_.dataControl, data_control::managerInterface, 2);
     take(globals_.virtualKeyboards, virtual_keyboard::managerInterface, 1);
+    if (std::string_view(interface) == screencopy::managerInterface.name)
+        globals_.givesPictures = true;
 }
 
 bool WaylandConnection::settleWithin(std::chrono::milliseconds limit) {

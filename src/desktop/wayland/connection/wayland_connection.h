@@ -34,6 +34,7 @@ class WaylandConnection {
         wl_seat* seat = nullptr;
         data_control::Manager* dataControl = nullptr;
         virtual_keyboard::Manager* virtualKeyboards = nullptr;
+        bool givesPictures = false;  ///< of its screen; where not, only that is missing
     };
 
     /// Connects to the compositor that the environment names. The error says what is missing.

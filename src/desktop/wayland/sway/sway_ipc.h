@@ -17,6 +17,7 @@ namespace tavrelon::desktop {
 enum class SwayMessage : std::uint32_t {
     RunCommand = 0,
     Subscribe = 2,
+    GetOutputs = 3,
     GetTree = 4,
     GetVersion = 7,
     GetConfig = 9,

@@ -67,6 +67,22 @@ void collect(const Json& node, std::vector<SwayWindow>& found) {
 
 }  // namespace
 
+std::vector<SwayOutput> outputsOf(const text::Json& answer) {
+    std::vector<SwayOutput> found;
+    for (const auto& output : text::arrayFrom(answer)) {
+        const auto* area = find(output, "rect");
+        if (!area || !flag(output, "active"))
+            continue;
+        const auto* scale = find(output, "scale");
+        found.push_back(
+            {.name = textUnder(output, "name"),
+             .area = {number(*area, "x"), number(*area, "y"), number(*area, "width"), number(*area, "height")},
+             .scale = scale ? text::doubleFrom(*scale) : 1,
+             .isFocused = flag(output, "focused")});
+    }
+    return found;
+}
+
 std::vector<SwayWindow> windowsOf(const text::Json& tree) {
     std::vector<SwayWindow> found;
     collect(tree, found);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <QString>
 #include <optional>
 #include <vector>
@@ -25,6 +26,18 @@ struct SwayWindow {
     /// The name by which the tables of applications know it.
     const QString& name() const { return applicationId.isEmpty() ? windowClass : applicationId; }
 };
+
+/// A display that is on.
+struct SwayOutput {
+    QString name;
+    QRect area;  ///< in logical pixels of the desktop
+    double scale = 1;
+    bool isFocused = false;
+    bool operator==(const SwayOutput&) const = default;
+};
+
+/// Those of the answer to `GetOutputs` that are on. Throws `text::JsonError` where it is none.
+std::vector<SwayOutput> outputsOf(const text::Json& answer);
 
 /// All windows of the answer to `GetTree`, in no order. Throws `text::JsonError` where it is no tree.
 std::vector<SwayWindow> windowsOf(const text::Json& tree);

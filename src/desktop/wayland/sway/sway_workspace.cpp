@@ -38,35 +38,50 @@ std::expected<std::unique_ptr<SwayWorkspace>, QString> SwayWorkspace::create(Des
 
 std::optional<std::vector<SwayWindow>> SwayWorkspace::windows() {
     const auto tree = ipc_->ask(SwayMessage::GetTree);
+    if (!tree)
+        return std::nullopt;
     try {
-        return tree ? std::optional(windowsOf(*tree)) : std::nullopt;
+        auto found = windowsOf(*tree);
+        std::ranges::partition(found, &SwayWindow::isFocused);
+        return found;
     } catch (const text::JsonError&) {
         return std::nullopt;
     }
 }
 
+std::vector<SwayOutput> SwayWorkspace::outputs() {
+    const auto answer = ipc_->ask(SwayMessage::GetOutputs);
+    if (!answer)
+        return {};
+    try {
+        auto found = outputsOf(*answer);
+        std::ranges::partition(found, &SwayOutput::isFocused);
+        return found;
+    } catch (const text::JsonError&) {
+        return {};
+    }
+}
+
 std::optional<SwayWindow> SwayWorkspace::focusedWindow() {
     const auto all = windows();
-    if (!all)
-        return std::nullopt;
-    const auto focused = std::ranges::find(*all, true, &SwayWindow::isFocused);
-    return focused == all->end() ? std::nullopt : std::optional(*focused);
+    return all && !all->empty() && all->front().isFocused ? std::optional(all->front()) : std::nullopt;
 }
 
 std::optional<RunningApplication> SwayWorkspace::frontmostApplication() {
     const auto window = focusedWindow();
-    if (!window)
-        return std::nullopt;
-    const auto entry = entries_.find({.applicationId = window->applicationId,
-                                      .windowClass = window->windowClass,
-                                      .windowInstance = window->windowInstance,
-                                      .executable = executableNameOf(window->processIdentifier)});
-    return RunningApplication{
-        .processIdentifier = window->processIdentifier,
-        .bundleIdentifier = bundleIdentifierOf(
-            {entry ? entry->id : QString(), window->applicationId, window->windowClass, window->windowInstance}),
-        .localizedName = entry ? entry->name : notEmpty(window->name()),
-        .windowIdentifier = window->identifier};
+    return window ? std::optional(applicationBehind(*window)) : std::nullopt;
+}
+
+RunningApplication SwayWorkspace::applicationBehind(const SwayWindow& window) {
+    const auto entry = entries_.find({.applicationId = window.applicationId,
+                                      .windowClass = window.windowClass,
+                                      .windowInstance = window.windowInstance,
+                                      .executable = executableNameOf(window.processIdentifier)});
+    return {.processIdentifier = window.processIdentifier,
+            .bundleIdentifier = bundleIdentifierOf(
+                {entry ? entry->id : QString(), window.applicationId, window.windowClass, window.windowInstance}),
+            .localizedName = entry ? entry->name : notEmpty(window.name()),
+            .windowIdentifier = window.identifier};
 }
 
 std::optional<FrontmostWindow> SwayWorkspace::frontmostWindow() {

@@ -26,13 +26,15 @@ class SwayWorkspace : public platform::Workspace {
 
     /// The window with the keyboard. None while a panel or a screen's lock has it.
     std::optional<SwayWindow> focusedWindow();
+    /// All windows, that with the keyboard first; nothing where sway does not answer.
+    std::optional<std::vector<SwayWindow>> windows();
+    /// The displays that are on, the one that is worked on first; none where sway does not answer.
+    std::vector<SwayOutput> outputs();
+    platform::RunningApplication applicationBehind(const SwayWindow& window);
 
  private:
     SwayWorkspace(std::unique_ptr<SwayIpc> ipc, DesktopEntryCatalog entries)
         : ipc_(std::move(ipc)), entries_(std::move(entries)) {}
-
-    /// Nothing where sway does not answer.
-    std::optional<std::vector<SwayWindow>> windows();
 
     std::unique_ptr<SwayIpc> ipc_;
     DesktopEntryCatalog entries_;
