@@ -17,6 +17,8 @@ CHROMIUM = ["chromium", "--no-sandbox", "--user-data-dir={folder}/profile", "--n
             "--disable-dev-shm-usage", "--disable-background-networking", "--app=file://{folder}/page.html"]
 if sway.is_session():
     CHROMIUM.insert(1, "--ozone-platform=wayland")
+# What the toolkits do not take up by themselves.
+NATIVE = {"QT_QPA_PLATFORM": "wayland", "MOZ_ENABLE_WAYLAND": "1"} if sway.is_session() else {}
 FIREFOX = ["firefox-esr", "--no-remote", "--profile", "{folder}/profile", "{folder}/page.html"]
 SHIFTED = dict(zip("!@#$%^&*()_+QWERTYUIOP{}ASDFGHJKL:\"~|ZXCVBNM<>?", "1234567890-=qwertyuiop[]asdfghjkl;'`\\zxcvbnm,./"))
 # The command, where one can see what the field holds, and how long its text takes no keys after its window has come.
@@ -29,6 +31,7 @@ KINDS = {
     "chromium-accessible": (CHROMIUM[:1] + ["--force-renderer-accessibility"] + CHROMIUM[1:], "title", 0.5),
     "xterm": (["xterm", "-T", "field.txt", "-e", "{folder}/lines"], "lines", 1.0),
     "lxterminal": (["lxterminal", "--no-remote", "--title=field.txt", "-e", "{folder}/lines"], "lines", 1.0),
+    "foot": (["foot", "-T", "field.txt", "{folder}/lines"], "lines", 1.0),
     "firefox": (FIREFOX, "title", 2.0),
     "chromium-rich": (CHROMIUM[:1] + ["--force-renderer-accessibility"] + CHROMIUM[1:], "title", 0.5),
     "firefox-rich": (FIREFOX, "title", 2.0),
@@ -106,7 +109,8 @@ class Application(Program):
         (config / "featherpad" / "fp.conf").write_text("[text]\nappendEmptyLine=false\n")
         places = {"folder": self.folder, "path": self.path, "build": build}
         super().__init__([part.format(**places) for part in command], self.folder / "log",
-                         {"GSK_RENDERER": "cairo", "QTWEBENGINE_DISABLE_SANDBOX": "1", "XDG_CONFIG_HOME": str(config)})
+                         {"GSK_RENDERER": "cairo", "QTWEBENGINE_DISABLE_SANDBOX": "1", "XDG_CONFIG_HOME": str(config),
+                          **NATIVE})
         try:
             wait_for(f"{kind} in front", lambda: "field.txt" in front_title(), 60)
         except BaseException:
@@ -122,7 +126,7 @@ class Application(Program):
 
     @property
     def is_terminal(self):
-        return self.kind in ("xterm", "lxterminal")
+        return self.kind in ("xterm", "lxterminal", "foot")
 
     @property
     def is_known_by_keys_only(self):
@@ -238,7 +242,7 @@ class Application(Program):
             return
         set_clipboard(text, "primary" if self.kind == "xterm" else "clipboard")
         let_keys_arrive()
-        self.keyboard.press({"xterm": "Shift+Insert", "lxterminal": "Control+Shift+v"}.get(self.kind, "Control+v"))
+        self.keyboard.press({"xterm": "Shift+Insert", "lxterminal": "Control+Shift+v", "foot": "Control+Shift+v"}.get(self.kind, "Control+v"))
         let_keys_arrive()  # and the editor asks the clipboard's owner in its own time
 
     def select_backward(self, count):

@@ -1,6 +1,7 @@
 """The program in front of native windows of sway: the main job, and whose the keys are."""
 
 import os
+import shutil
 import time
 from pathlib import Path
 
@@ -8,11 +9,14 @@ import pytest
 import sway
 from conftest import HOTKEY, ends_well, history, wait_for_history
 from editors import clipboard, let_keys_arrive, set_clipboard
+from test_prompt_box import open_box
 from waiting import wait_for
 
 THEIRS = "Shift+Alt+Super+g"  # as in sway.config
-BY_PASTE = "chromium-accessible"  # can be read by accessibility, but not written
-BOTH = pytest.mark.parametrize("kind", ["mousepad", BY_PASTE])
+BY_PASTE = {"chromium-accessible", "firefox"}  # can be read by accessibility, but not written
+EACH = pytest.mark.parametrize("kind", [
+    "mousepad", "gnome-text-editor", "qt6-editor", "chromium-accessible",
+    pytest.param("firefox", marks=pytest.mark.skipif(not shutil.which("firefox-esr"), reason="it is not installed"))])
 
 
 @pytest.fixture
@@ -22,9 +26,10 @@ def theirs():
     return trace
 
 
-@BOTH
+@EACH
 def test_a_request_in_the_middle_of_a_text_is_replaced(desk, kind):
     editor, tavrelon = desk.open(kind, "前文 before  after"), desk.start()
+    assert next(node for node in sway.nodes() if node["focused"])["app_id"], "a client of Wayland"
     set_clipboard("precious")
     editor.go_to("前文 before ", " after")
     desk.answers("你好 answer")
@@ -32,11 +37,11 @@ def test_a_request_in_the_middle_of_a_text_is_replaced(desk, kind):
     wait_for_history(tavrelon, 1)
     assert desk.service.user_messages()[0].startswith("what is 42?")
     assert editor.saved("前文 before 你好 answer after") == "前文 before 你好 answer after"
-    assert clipboard() == ("你好 answer" if kind == BY_PASTE else "precious")
+    assert clipboard() == ("你好 answer" if kind in BY_PASTE else "precious")
     assert ends_well(tavrelon)
 
 
-@BOTH
+@EACH
 def test_a_selection_is_replaced(desk, kind):
     editor, tavrelon = desk.open(kind, "keep these words"), desk.start()
     desk.keyboard.press("Control+End")
@@ -68,13 +73,28 @@ def test_the_model_sees_the_window_without_our_overlay(desk):
     assert sway.difference(covered, sent) < 0.03, "and what was typed"
 
 
-def test_what_nobody_can_see_is_no_request_and_the_field_stays(desk):
-    editor, tavrelon = desk.open("chromium", "a long letter"), desk.start()
+@pytest.mark.parametrize("kind", ["chromium", "foot"])
+def test_what_nobody_can_see_is_no_request_and_the_field_stays(desk, kind):
+    editor, tavrelon = desk.open(kind, "a long letter"), desk.start()
     desk.answers("ANSWER")
     desk.request(tavrelon, editor, "what?")
     tavrelon.wait_for_line(r"\[StateMachine\] Processing error: .*prompt box")
     assert sorted(editor.saved("")) == sorted("a long letterwhat?"), "wherever the page has put the caret"
     assert desk.service.user_messages() == []
+
+
+@pytest.mark.parametrize("kind", ["mousepad", "foot"])
+def test_a_prompt_is_answered_where_the_user_was_writing(desk, kind):
+    editor = desk.open(kind)
+    editor.type("before ")
+    tavrelon = desk.start()
+    desk.answers("你好 ANSWER")
+    open_box(desk)
+    editor.type("a poem")  # the keys go to the box
+    let_keys_arrive()
+    desk.keyboard.press("Return")
+    wait_for_history(tavrelon, 1)
+    assert editor.saved("before 你好 ANSWER") == "before 你好 ANSWER"
 
 
 def test_escape_while_the_model_thinks_ends_it_for_good(desk):

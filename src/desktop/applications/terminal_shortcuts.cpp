@@ -77,6 +77,8 @@ constexpr KnownTerminal knownTerminals[] = {
     {"com.mitchellh.ghostty", controlShift},
     {"ghostty", controlShift},
     {"contour", controlShift},
+    {"foot", controlShift},
+    {"footclient", controlShift},
     {"st-256color", controlShift},
     {"hyper", controlShift},
     {"tabby", controlShift},
