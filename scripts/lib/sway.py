@@ -26,12 +26,17 @@ def nodes(node=None):
         yield from nodes(child)
 
 
+def focused():
+    """The node of the window that has the keyboard; none while it is not a window's."""
+    return next((node for node in nodes() if node["focused"] and node.get("pid")), {})
+
+
 def focused_title():
-    return next((node["name"] or "" for node in nodes() if node["focused"] and node.get("pid")), "")
+    return focused().get("name") or ""
 
 
 def picture_of_focused_window(path):
-    node = next(node for node in nodes() if node["focused"])
+    node = focused()
     outer, content = node["rect"], node["window_rect"]
     place = f"{outer['x'] + content['x']},{outer['y'] + content['y']} {content['width']}x{content['height']}"
     subprocess.run(["grim", "-g", place, str(path)], stdin=subprocess.DEVNULL, timeout=20, check=True)

@@ -74,6 +74,18 @@ def front_title():
     return screen.run("xdotool", "getwindowfocus", "getwindowname").stdout.strip()
 
 
+def front_window():
+    return str(sway.focused()["id"]) if sway.is_session() else screen.answer("xdotool", "getactivewindow")
+
+
+def bring_to_front(window):
+    if sway.is_session():
+        sway.ask(f"[con_id={window}] focus")
+    else:
+        screen.run("xdotool", "windowactivate", "--sync", window)
+    let_keys_arrive()
+
+
 def set_clipboard(text, selection="clipboard"):
     command = ["wl-copy", "-t", "text/plain;charset=utf-8"] if sway.is_session() else ["xclip", "-selection", selection, "-i"]
     subprocess.run(command, input=text.encode(), timeout=10, check=True,

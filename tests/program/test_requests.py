@@ -9,9 +9,8 @@ import random
 import time
 from pathlib import Path
 
-import screen
 from conftest import history
-from editors import clipboard, front_title, let_keys_arrive
+from editors import bring_to_front, clipboard, front_title, front_window, let_keys_arrive
 from programs import Program
 from waiting import wait_for
 
@@ -125,7 +124,7 @@ class RandomRequests:
     def with_another_window_in_front(self):
         before, after, typed, answer = self.texts()
         self.editor.refill(before, after)
-        mine = screen.answer("xdotool", "getactivewindow")
+        mine = front_window()
         self.ask(typed, answer, delayMs=UNDERWAY)
         folder = self.desk.folder_named("other")
         other = self.desk.started(Program(["xterm", "-T", "another", "-e", "sh", "-c", f"cat >'{folder}/got'"],
@@ -137,8 +136,7 @@ class RandomRequests:
         let_keys_arrive()
         assert (folder / "got").read_bytes() == b"\n", "the other window is untouched"
         other.stop()
-        screen.run("xdotool", "windowactivate", "--sync", mine)
-        let_keys_arrive()
+        bring_to_front(mine)
         self.holds(before + typed + after)
 
     def ways(self):

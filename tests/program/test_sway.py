@@ -29,7 +29,7 @@ def theirs():
 @EACH
 def test_a_request_in_the_middle_of_a_text_is_replaced(desk, kind):
     editor, tavrelon = desk.open(kind, "前文 before  after"), desk.start()
-    assert next(node for node in sway.nodes() if node["focused"])["app_id"], "a client of Wayland"
+    assert sway.focused()["app_id"], "a client of Wayland"
     set_clipboard("precious")
     editor.go_to("前文 before ", " after")
     desk.answers("你好 answer")
