@@ -131,13 +131,14 @@ std::expected<std::vector<AXRect>, AXError> FieldPlaces::windowsOf(const QString
 std::expected<FieldPlaces::Coordinates, AXError> FieldPlaces::coordinatesOf(const QString& busName,
                                                                             const Toolkit& toolkit) {
     const auto place = workspace_.frontmostWindowPlace();
-    const bool onScreen = toolkit.places == Places::OnScreen && !(place && place->countsFromItself);
-    const auto kind = onScreen ? screenCoordinates : windowCoordinates;
+    // One that does not know where its window is takes that for the screen's corner. Chromium's places within the
+    // window then still count from the page, whatever bars lie above it.
+    const auto kind = toolkit.places == Places::OnScreen ? screenCoordinates : windowCoordinates;
     const auto windows = windowsOf(busName, kind);
     if (!windows)
         return std::unexpected(windows.error());
     std::optional<AXPoint> origin;
-    if (!onScreen)
+    if (kind == windowCoordinates || (place && place->countsFromItself))
         origin = place ? originOfWindow(*place, *windows) : std::nullopt;
     else if (!place || knowsPlaceOfWindow(*place, *windows))
         origin = AXPoint{0, 0};
