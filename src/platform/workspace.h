@@ -41,6 +41,7 @@ struct WindowPlace {
     int x = 0, y = 0, width = 0, height = 0;  ///< with the shadow
     Shadow shadow;
     bool countsFromItself = false;  ///< the application does not know where it lies, and tells places within the window
+    double scale = 1;  ///< pixels of its display for each of the units above, as far as the application may know them
     bool operator==(const WindowPlace&) const = default;
 };
 

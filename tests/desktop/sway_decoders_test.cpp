@@ -86,6 +86,14 @@ TEST(SwayTree, APlaceIsThatOfTheContentAndAnX11WindowKnowsIt) {
     EXPECT_FALSE(windows[1].place.countsFromItself);
 }
 
+TEST(SwayTree, ADisplayThatIsOffIsNone) {
+    const auto outputs = outputsOf(text::parseJson(R"([{"name":"DP-1","active":false,"rect":{"x":0,"y":0}},
+        {"name":"eDP-1","active":true,"focused":true,"scale":1.5,"rect":{"x":9,"y":0,"width":1280,"height":800}}])"));
+    EXPECT_EQ(outputs,
+              (std::vector<SwayOutput>{
+                  {.name = QStringLiteral("eDP-1"), .area = {9, 0, 1280, 800}, .scale = 1.5, .isFocused = true}}));
+}
+
 TEST(ClipboardTypes, ATextIsOfferedUnderEveryNameAndReadByItsBest) {
     const auto item =
         withTextTypes({.dataByType = {{QStringLiteral("image/png"), "p"}, {QStringLiteral("STRING"), "\xe9"}}});

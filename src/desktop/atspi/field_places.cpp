@@ -1,5 +1,8 @@
 #include "desktop/atspi/field_places.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "desktop/atspi/chain.h"
 
 namespace tavrelon::desktop::atspi {
@@ -24,15 +27,14 @@ QDBusMessage frameCall(const ObjectReference& element, quint32 coordinates) {
     return methodCall(element, componentInterface, "GetExtents", {coordinates});
 }
 
-AXRect moved(AXRect rectangle, AXPoint origin) {
-    rectangle.origin.x += origin.x;
-    rectangle.origin.y += origin.y;
-    return rectangle;
+AXRect onScreen(const AXRect& told, double scale, AXPoint origin) {
+    return {{told.origin.x / scale + origin.x, told.origin.y / scale + origin.y},
+            {told.size.width / scale, told.size.height / scale}};
 }
 
-std::optional<AXRect> taken(const AtspiCalls::Reply& reply, AXPoint origin) {
-    const auto rectangle = chain(reply, rectangleOf);
-    return rectangle ? std::optional(moved(*rectangle, origin)) : std::nullopt;
+std::optional<AXRect> taken(const AtspiCalls::Reply& reply, double scale, AXPoint origin) {
+    const auto told = chain(reply, rectangleOf);
+    return told ? std::optional(onScreen(*told, scale, origin)) : std::nullopt;
 }
 
 bool contains(const AXRect& frame, const AXRect& part) {
@@ -123,7 +125,7 @@ std::expected<std::vector<AXRect>, AXError> FieldPlaces::windowsOf(const QString
         questions.push_back(frameCall(window, coordinates));
     std::vector<AXRect> frames;
     for (const auto& reply : calls_.send(questions))
-        if (const auto frame = taken(reply, {0, 0}); frame && !frame->isEmpty())
+        if (const auto frame = chain(reply, rectangleOf); frame && !frame->isEmpty())
             frames.push_back(*frame);
     return frames;
 }
@@ -144,7 +146,14 @@ std::expected<FieldPlaces::Coordinates, AXError> FieldPlaces::coordinatesOf(cons
         origin = AXPoint{0, 0};
     if (!origin)
         return std::unexpected(AXError::AttributeUnsupported);
-    return Coordinates{kind, *origin};
+    const double scale = place && place->countsFromItself ? place->scale : 1;
+    // Whether a client draws in that scale or in the next whole one is not told.
+    if (toolkit.inDisplayPixels != InDisplayPixels::Nothing && (scale < 1 || scale != std::floor(scale)))
+        return std::unexpected(AXError::AttributeUnsupported);
+    return Coordinates{.kind = kind,
+                       .origin = *origin,
+                       .fieldScale = toolkit.inDisplayPixels == InDisplayPixels::TextsAndFields ? scale : 1,
+                       .textScale = toolkit.inDisplayPixels != InDisplayPixels::Nothing ? scale : 1};
 }
 
 std::expected<AXRect, AXError> FieldPlaces::frameOf(const ObjectReference& field) {
@@ -153,7 +162,7 @@ std::expected<AXRect, AXError> FieldPlaces::frameOf(const ObjectReference& field
     if (!coordinates)
         return std::unexpected(coordinates.error());
     return mapped(chain(calls_.send(frameCall(field, coordinates->kind)), rectangleOf),
-                  [&](const AXRect& frame) { return moved(frame, coordinates->origin); });
+                  [&](const AXRect& frame) { return onScreen(frame, coordinates->fieldScale, coordinates->origin); });
 }
 
 std::expected<AXRect, AXError> FieldPlaces::boundsOf(const ObjectReference& field, const QString& value,
@@ -164,7 +173,7 @@ std::expected<AXRect, AXError> FieldPlaces::boundsOf(const ObjectReference& fiel
     const auto coordinates = coordinatesOf(field.busName, *toolkit);
     if (!coordinates)
         return std::unexpected(coordinates.error());
-    const auto [kind, origin] = *coordinates;
+    const auto& [kind, origin, fieldScale, textScale] = *coordinates;
     const auto places = placesOf(value, range);
     const auto offset = [&](qint64 utf16) { return toApplicationOffset(value, utf16, toolkit->offsets); };
     const bool isCaret = places.start == places.end;
@@ -178,11 +187,11 @@ std::expected<AXRect, AXError> FieldPlaces::boundsOf(const ObjectReference& fiel
     if (!replies[0])
         return std::unexpected(replies[0].error());
     const bool hasNeighbour = places.start > places.lineBegins;
-    const ReportedPlaces reported{.frame = taken(replies[0], origin),
-                                  .text = taken(replies[1], origin),
-                                  .before = hasNeighbour ? taken(replies[2], origin) : std::nullopt,
-                                  .first = taken(replies[3], origin),
-                                  .linesBefore = taken(replies[4], origin)};
+    const ReportedPlaces reported{.frame = taken(replies[0], fieldScale, origin),
+                                  .text = taken(replies[1], textScale, origin),
+                                  .before = hasNeighbour ? taken(replies[2], textScale, origin) : std::nullopt,
+                                  .first = taken(replies[3], textScale, origin),
+                                  .linesBefore = taken(replies[4], textScale, origin)};
     const auto bounds = believableBounds(reported, isCaret, places.lineBegins > 0);
     if (!bounds)
         return std::unexpected(AXError::NoValue);

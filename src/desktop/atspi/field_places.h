@@ -43,10 +43,12 @@ class FieldPlaces {
                                                                 text::Utf16Range range);
 
  private:
-    /// In what to ask for places, and what to add to them.
+    /// In what to ask for places, by what to divide them and then what to add to them.
     struct Coordinates {
         quint32 kind;
         platform::AXPoint origin;
+        double fieldScale;
+        double textScale;
     };
     std::expected<Coordinates, platform::AXError> coordinatesOf(const QString& busName, const Toolkit& toolkit);
     std::expected<std::vector<platform::AXRect>, platform::AXError> windowsOf(const QString& busName,

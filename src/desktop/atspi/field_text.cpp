@@ -23,8 +23,10 @@ Toolkit toolkitNamed(const QString& name) {
     } else if (name == QLatin1String("Gecko")) {
         toolkit.offsets = OffsetUnit::Utf16WithFillers;
         toolkit.editing = Editing::OnlyClaimsToWork;
+        toolkit.inDisplayPixels = InDisplayPixels::Texts;
         toolkit.richText = RichText::EmbeddedObjects;
     } else if (name == QLatin1String("Chromium")) {
+        toolkit.inDisplayPixels = InDisplayPixels::TextsAndFields;
         toolkit.selectionEnds = SelectionEnds::ConvertedTwice;
         toolkit.richText = RichText::EmbeddedObjects;
     } else if (name == QLatin1String("GTK")) {  // GTK 4; GTK 3 calls itself gtk

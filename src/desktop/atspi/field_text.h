@@ -36,6 +36,10 @@ enum class Places { OnScreen, InWindowOnly };
 /// How a field tells a text of several paragraphs: as one, or as an element for each.
 enum class RichText { OneText, EmbeddedObjects };
 
+/// What is told in pixels of the display by an application that does not know where its window is; the rest is in
+/// logical ones, as its windows are.
+enum class InDisplayPixels { Nothing, Texts, TextsAndFields };
+
 /// The habits of a toolkit, all of them found by trying.
 struct Toolkit {
     OffsetUnit offsets = OffsetUnit::CodePoints;
@@ -44,6 +48,7 @@ struct Toolkit {
     Editing editing = Editing::Works;
     ShowingState showing = ShowingState::Set;
     Places places = Places::OnScreen;
+    InDisplayPixels inDisplayPixels = InDisplayPixels::Nothing;
     RichText richText = RichText::OneText;
     bool operator==(const Toolkit&) const = default;
 };

@@ -99,7 +99,16 @@ std::optional<QString> SwayWorkspace::frontmostWindowTitle() {
 
 std::optional<platform::WindowPlace> SwayWorkspace::frontmostWindowPlace() {
     const auto window = focusedWindow();
-    return window ? std::optional(window->place) : std::nullopt;
+    if (!window)
+        return std::nullopt;
+    auto place = window->place;
+    const QRect frame(place.x, place.y, place.width, place.height);
+    // An X11 window knows nothing of the scale.
+    if (place.countsFromItself)
+        for (const auto& output : outputs())
+            if (output.area.contains(frame.center()))
+                place.scale = output.scale;
+    return place;
 }
 
 bool SwayWorkspace::isTerminated(const RunningApplication& application) {
