@@ -27,6 +27,7 @@ class Connection:
         self.socket.settimeout(10)
         self.socket.connect(os.path.join(os.environ["XDG_RUNTIME_DIR"], os.environ["WAYLAND_DISPLAY"]))
         self.newest, self.received = DISPLAY, b""
+        self.registry, self.globals = None, {}
 
     def new(self):
         """Objects are numbered by their maker, without gaps."""
@@ -57,6 +58,23 @@ class Connection:
                 raise Fault("the compositor is gone")
             self.received += more
 
+    def settle(self):
+        for _ in self.events():
+            pass
+
+    def bound(self, interface, version=1):
+        if self.registry is None:
+            self.registry = self.new()
+            self.send(DISPLAY, 1, struct.pack("I", self.registry))
+            for sender, _, body in self.events():
+                if sender == self.registry:
+                    number, length = struct.unpack_from("II", body)
+                    self.globals[body[8:8 + length - 1].decode()] = number
+        made = self.new()
+        self.send(self.registry, 0, struct.pack("I", self.globals[interface]) + text_argument(interface)
+                  + struct.pack("II", version, made))
+        return made
+
 
 def us_keymap():
     library = ctypes.CDLL("libxkbcommon.so.0")
@@ -68,24 +86,18 @@ def us_keymap():
         ctypes.c_void_p(library.xkb_keymap_new_from_names(context, names, 0)), XKB_V1) + b"\0"
 
 
-class WaylandKeyboard(Keyboard):
+class PacedKeyboard(Keyboard):
+    """The compositor has taken a key before the next is pressed, and applications have their time with each chord."""
+
+    def press(self, chord):
+        super().press(chord)
+        time.sleep(BETWEEN_KEYS)
+
+
+class WaylandKeyboard(PacedKeyboard):
     def __init__(self):
         self.connection, self.down = Connection(), 0
-        registry = self.connection.new()
-        self.connection.send(DISPLAY, 1, struct.pack("I", registry))
-        found = {}
-        for sender, _, body in self.connection.events():
-            if sender == registry:
-                number, length = struct.unpack_from("II", body)
-                found[body[8:8 + length - 1].decode()] = number
-
-        def bound(interface):
-            made = self.connection.new()
-            self.connection.send(registry, 0, struct.pack("I", found[interface]) + text_argument(interface)
-                                 + struct.pack("II", 1, made))
-            return made
-
-        seat, manager = bound("wl_seat"), bound("zwp_virtual_keyboard_manager_v1")
+        seat, manager = self.connection.bound("wl_seat"), self.connection.bound("zwp_virtual_keyboard_manager_v1")
         self.made = self.connection.new()
         self.connection.send(manager, 0, struct.pack("II", seat, self.made))
         keymap = us_keymap()
@@ -93,11 +105,7 @@ class WaylandKeyboard(Keyboard):
         os.write(memory, keymap)
         self.connection.send(self.made, 0, struct.pack("II", XKB_V1, len(keymap)), [memory])
         os.close(memory)
-        self._settle()
-
-    def _settle(self):
-        for _ in self.connection.events():
-            pass
+        self.connection.settle()
 
     def _key(self, place, down):
         # The modifiers go as a keyboard's would: with the key that changes them, and after it.
@@ -106,8 +114,4 @@ class WaylandKeyboard(Keyboard):
         if place in REAL_MODIFIERS:
             self.down = self.down | REAL_MODIFIERS[place] if down else self.down & ~REAL_MODIFIERS[place]
             self.connection.send(self.made, 2, struct.pack("IIII", self.down, 0, 0, 0))
-        self._settle()
-
-    def press(self, chord):
-        super().press(chord)
-        time.sleep(BETWEEN_KEYS)
+        self.connection.settle()

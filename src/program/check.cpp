@@ -50,6 +50,10 @@ Finding session() {
         case desktop::SessionKind::Sway:
             return QStringLiteral(
                 "sway: a request is found in fields that accessibility can read; elsewhere the prompt box takes it");
+        case desktop::SessionKind::Plasma:
+            return QStringLiteral(
+                "Plasma on Wayland: a request is found in fields that accessibility can read; elsewhere the prompt box "
+                "takes it");
         case desktop::SessionKind::OtherWayland:
             return QStringLiteral("Wayland (%1): served are X11 windows, and what its keys bind to --trigger")
                 .arg(desktop);
@@ -241,6 +245,8 @@ int check(int argc, char** argv, const desktop::UserFolders& folders, ReportForm
     std::unique_ptr<desktop::SessionAdapters> adapters;
     if (display) {
         auto windowing = desktop::openWindowingSystem(loop, log);
+        if (windowing && !windowing->shortfall.isEmpty())
+            report.add(QStringLiteral("windows"), missing(windowing->shortfall));
         if (windowing)
             adapters = std::make_unique<desktop::SessionAdapters>(loop, log, *std::move(windowing), folders);
         else

@@ -12,11 +12,9 @@ ROOT = Path(__file__).resolve().parents[2]
 sys.path[:0] = [str(ROOT / "scripts/lib"), str(Path(__file__).parent)]
 
 from editors import Application, let_keys_arrive  # noqa: E402
-import sway  # noqa: E402
-from keyboard import Keyboard  # noqa: E402
+import session  # noqa: E402
 from programs import StandIn, Tavrelon  # noqa: E402
 from waiting import wait_for  # noqa: E402
-from wayland_keyboard import WaylandKeyboard  # noqa: E402
 
 HOTKEY = "Shift+Alt+Super+l"
 
@@ -27,8 +25,7 @@ class Desk:
     def __init__(self, folder):
         self.build = Path(os.environ["TAVRELON_BUILD"])
         self.executable = self.build / "src/tavrelon"
-        keyboard = WaylandKeyboard() if sway.is_session() else Keyboard()
-        self.folder, self.keyboard, self.running = folder, keyboard, []
+        self.folder, self.keyboard, self.running = folder, session.keyboard(), []
         self.service = self.started(StandIn(self.build / "tests/support/tavrelon-stand-in-service", folder / "service.log"))
 
     def started(self, program):

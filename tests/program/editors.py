@@ -3,22 +3,21 @@
 import html
 import os
 import signal
-import subprocess
 import time
 from pathlib import Path
 from urllib.parse import unquote
 
-import screen
-import sway
+import session
 from programs import EDITORS, Program
+from session import clipboard, front_title, set_clipboard
 from waiting import Fault, wait_for
 
 CHROMIUM = ["chromium", "--no-sandbox", "--user-data-dir={folder}/profile", "--no-first-run", "--disable-gpu",
             "--disable-dev-shm-usage", "--disable-background-networking", "--app=file://{folder}/page.html"]
-if sway.is_session():
-    CHROMIUM.insert(1, "--ozone-platform=wayland")
+if session.is_wayland():
+    CHROMIUM[1:1] = ["--ozone-platform=wayland", "--password-store=basic"]
 # What the toolkits do not take up by themselves.
-NATIVE = {"QT_QPA_PLATFORM": "wayland", "MOZ_ENABLE_WAYLAND": "1"} if sway.is_session() else {}
+NATIVE = {"QT_QPA_PLATFORM": "wayland", "MOZ_ENABLE_WAYLAND": "1"} if session.is_wayland() else {}
 FIREFOX = ["firefox-esr", "--no-remote", "--profile", "{folder}/profile", "{folder}/page.html"]
 SHIFTED = dict(zip("!@#$%^&*()_+QWERTYUIOP{}ASDFGHJKL:\"~|ZXCVBNM<>?", "1234567890-=qwertyuiop[]asdfghjkl;'`\\zxcvbnm,./"))
 # The command, where one can see what the field holds, and how long its text takes no keys after its window has come.
@@ -66,35 +65,6 @@ def let_keys_arrive():
     """The pause of a person between two thoughts. Editors take keys in their own time, and Qt sends typed keys on a detour
     over the accessibility bus but shortcuts not, so that a shortcut on the heels of a key overtakes it."""
     time.sleep(0.15)
-
-
-def front_title():
-    if sway.is_session():
-        return sway.focused_title()
-    return screen.run("xdotool", "getwindowfocus", "getwindowname").stdout.strip()
-
-
-def front_window():
-    return str(sway.focused()["id"]) if sway.is_session() else screen.answer("xdotool", "getactivewindow")
-
-
-def bring_to_front(window):
-    if sway.is_session():
-        sway.ask(f"[con_id={window}] focus")
-    else:
-        screen.run("xdotool", "windowactivate", "--sync", window)
-    let_keys_arrive()
-
-
-def set_clipboard(text, selection="clipboard"):
-    command = ["wl-copy", "-t", "text/plain;charset=utf-8"] if sway.is_session() else ["xclip", "-selection", selection, "-i"]
-    subprocess.run(command, input=text.encode(), timeout=10, check=True,
-                   stdout=subprocess.DEVNULL)
-
-
-def clipboard():
-    command = ["wl-paste", "-n"] if sway.is_session() else ["xclip", "-selection", "clipboard", "-o"]
-    return subprocess.run(command, capture_output=True, timeout=10).stdout.decode()
 
 
 class Application(Program):

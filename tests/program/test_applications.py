@@ -7,8 +7,9 @@ import time
 from pathlib import Path
 
 import screen
-from editors import clipboard, let_keys_arrive, set_clipboard
+from editors import let_keys_arrive
 from conftest import history
+from session import clipboard, set_clipboard
 from waiting import Fault, wait_for
 
 SILENT = "tells accessibility nothing unless started with --force-renderer-accessibility"

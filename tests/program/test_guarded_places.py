@@ -7,8 +7,9 @@ import time
 import pytest
 import screen
 from conftest import history, wait_for_history
-from editors import CHROMIUM, KINDS, clipboard, front_title, let_keys_arrive, set_clipboard
+from editors import CHROMIUM, KINDS, let_keys_arrive
 from programs import Program
+from session import clipboard, front_title, set_clipboard
 from waiting import wait_for
 
 CANARY = "hunter2"

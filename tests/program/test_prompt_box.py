@@ -2,7 +2,8 @@
 
 import pytest
 from conftest import ends_well, wait_for_history
-from editors import front_title, let_keys_arrive
+from editors import let_keys_arrive
+from session import front_title
 from waiting import wait_for
 
 KINDS = pytest.mark.parametrize("kind", ["mousepad", "featherpad", "xterm"])

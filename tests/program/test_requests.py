@@ -10,8 +10,9 @@ import time
 from pathlib import Path
 
 from conftest import history
-from editors import bring_to_front, clipboard, front_title, front_window, let_keys_arrive
+from editors import let_keys_arrive
 from programs import Program
+from session import bring_to_front, clipboard, front_title, front_window
 from waiting import wait_for
 
 REST = 2.1  # seconds; an input that opened within two seconds of the last answer would be reset with it

@@ -8,7 +8,8 @@ from pathlib import Path
 import pytest
 import sway
 from conftest import HOTKEY, ends_well, history, wait_for_history
-from editors import clipboard, let_keys_arrive, set_clipboard
+from editors import let_keys_arrive
+from session import clipboard, set_clipboard
 from test_prompt_box import open_box
 from waiting import wait_for
 

@@ -1,13 +1,17 @@
 #include "desktop/session/session_kind.h"
 
-#include <QtGlobal>
+#include <QStringList>
 
 namespace tavrelon::desktop {
 
 SessionKind sessionKind() {
     if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         return SessionKind::X11;
-    return qEnvironmentVariableIsEmpty("SWAYSOCK") ? SessionKind::OtherWayland : SessionKind::Sway;
+    if (!qEnvironmentVariableIsEmpty("SWAYSOCK"))
+        return SessionKind::Sway;
+    // Names of the desktop and of what it is a kind of, with colons between them.
+    const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
+    return desktops.contains(u"KDE") ? SessionKind::Plasma : SessionKind::OtherWayland;
 }
 
 }  // namespace tavrelon::desktop

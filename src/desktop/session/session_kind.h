@@ -8,6 +8,7 @@ namespace tavrelon::desktop {
 enum class SessionKind : std::uint8_t {
     X11,
     Sway,
+    Plasma,
     OtherWayland,  ///< what is served there are the X11 windows
 };
 

@@ -1,11 +1,16 @@
 #include "desktop/session/windowing_system.h"
 
+#include "desktop/kwin/keys/kwin_hotkeys.h"
+#include "desktop/kwin/keys/kwin_key_poster.h"
+#include "desktop/kwin/windows/kwin_workspace.h"
+#include "desktop/linux/process/private_memory.h"
 #include "desktop/session/session_kind.h"
 #include "desktop/wayland/clipboard/wayland_pasteboard.h"
+#include "desktop/wayland/keys/native_shortcuts.h"
 #include "desktop/wayland/keys/wayland_key_poster.h"
 #include "desktop/wayland/sway/sway_hotkeys.h"
 #include "desktop/wayland/sway/sway_screen_capture.h"
-#include "desktop/wayland/sway/sway_shortcuts.h"
+#include "desktop/wayland/sway/sway_workspace.h"
 #include "desktop/x11/keys/x11_key_observer.h"
 #include "desktop/x11/keys/x11_key_poster.h"
 #include "desktop/x11/keys/x11_native_keys.h"
@@ -48,6 +53,15 @@ PanelSurroundings panelSurroundings(const std::shared_ptr<X11PanelSurroundings>&
     return {[windows] { return windows->isComposited(); }, [windows](quint64 window) { windows->focus(window); }};
 }
 
+/// As each compositor's own kind of workspace tells it; the workspace must outlive it.
+template <typename Workspace>
+std::unique_ptr<ShortcutTranslator> shortcutsOf(Workspace& workspace) {
+    return std::make_unique<NativeShortcuts>([&workspace]() -> std::optional<NativeShortcuts::Names> {
+        const auto& window = workspace.focusedWindow();
+        return window ? std::optional(NativeShortcuts::Names{window->name(), window->windowInstance}) : std::nullopt;
+    });
+}
+
 WindowingSystem openX11(async::MainLoop& loop, platform::Log& log) {
     const auto posted = std::make_shared<PostedKeys>();
     auto workspace = opened(X11Workspace::create());
@@ -76,7 +90,7 @@ WindowingSystem openX11(async::MainLoop& loop, platform::Log& log) {
 WindowingSystem openSway(async::MainLoop& loop, platform::Log& log) {
     std::shared_ptr<WaylandConnection> connection = opened(WaylandConnection::open());
     auto workspace = opened(SwayWorkspace::create());
-    auto keyPoster = opened(WaylandKeyPoster::open(*connection, std::make_unique<SwayShortcuts>(*workspace)));
+    auto keyPoster = opened(WaylandKeyPoster::open(*connection, shortcutsOf(*workspace)));
     auto pasteboard = opened(WaylandPasteboard::create(loop, log, *connection, keyPoster->presses()));
     // An X server's pixels are sway's logical ones.
     auto screenCapture = std::make_unique<SwayScreenCapture>(loop, *workspace, connection->globals().givesPictures,
@@ -94,10 +108,54 @@ WindowingSystem openSway(async::MainLoop& loop, platform::Log& log) {
                            [] {}};
 }
 
+/// KWin shows its ways to post keys to programs whose path a desktop file names; it looks when they connect.
+std::expected<std::unique_ptr<WaylandConnection>, QString> openInSight() {
+    const ProgramInSight inSight;
+    return WaylandConnection::open();
+}
+
+/// What is native there by Wayland, and by what KWin offers on the session bus.
+WindowingSystem openPlasma(async::MainLoop& loop, platform::Log& log) {
+    std::shared_ptr<WaylandConnection> connection = opened(openInSight());
+    auto bus = opened(KWinBus::open());
+    const auto posts = std::make_shared<OwnPosts>();
+    auto workspace = opened(KWinWorkspace::create(bus));
+    auto keyPoster = opened(KWinKeyPoster::open(*connection, bus, posts, shortcutsOf(*workspace)));
+    auto pasteboard = opened(WaylandPasteboard::create(loop, log, *connection, keyPoster->presses()));
+    return WindowingSystem{std::move(connection),
+                           std::move(workspace),
+                           std::move(pasteboard),
+                           std::move(keyPoster),
+                           std::make_unique<NoScreenCapture>(),
+                           std::make_unique<KWinHotkeys>(loop, log, std::move(bus), posts),
+                           std::make_unique<NoKeyObserver>(),
+                           panelSurroundings(opened(X11PanelSurroundings::create())),
+                           keyNames(opened(X11NativeKeys::create())),
+                           [] {},
+                           [] {}};
+}
+
+/// Without KWin's leave the X11 windows are still served.
+WindowingSystem openPlasmaOrX11(async::MainLoop& loop, platform::Log& log) try {
+    return openPlasma(loop, log);
+} catch (const Missing& missing) {
+    log.line(QStringLiteral("[Session] Only X11 windows are served: ") + missing.reason);
+    auto system = openX11(loop, log);
+    system.shortfall = missing.reason;
+    return system;
+}
+
 }  // namespace
 
 std::expected<WindowingSystem, QString> openWindowingSystem(async::MainLoop& loop, platform::Log& log) try {
-    return sessionKind() == SessionKind::Sway ? openSway(loop, log) : openX11(loop, log);
+    switch (sessionKind()) {
+        case SessionKind::Sway:
+            return openSway(loop, log);
+        case SessionKind::Plasma:
+            return openPlasmaOrX11(loop, log);
+        default:
+            return openX11(loop, log);
+    }
 } catch (const Missing& missing) {
     return std::unexpected(missing.reason);
 }

@@ -30,6 +30,7 @@ struct WindowingSystem {
     NativeKeyNames keyNames;
     std::function<void()> letGoOfLeftOverModifiers;  ///< of a run that was killed; by the user's one process only
     std::function<void()> letGoOfModifiers;  ///< before the process stops: nobody would let go of what was given back
+    QString shortfall{};  ///< why only X11 windows are served where it could be all; empty otherwise. For the user.
 };
 
 /// Opens that of this session. The error says what is missing, for the user to read.

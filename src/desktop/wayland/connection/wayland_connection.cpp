@@ -79,7 +79,7 @@ WaylandConnection::~WaylandConnection() {
     if (wake_ >= 0)
         ::close(wake_);
     for (auto* proxy : {proxyOf(registry_), proxyOf(globals_.seat), proxyOf(globals_.dataControl),
-                        proxyOf(globals_.virtualKeyboards)})
+                        proxyOf(globals_.virtualKeyboards), proxyOf(globals_.fakeInput)})
         if (proxy)
             wl_proxy_destroy(proxy);
     wl_display_disconnect(display_);
@@ -95,11 +95,10 @@ std::expected<void, QString> WaylandConnection::findGlobals() {
     wl_registry_add_listener(registry_, &listener, this);
     if (!settleWithin(openingLimit))
         return std::unexpected(QStringLiteral("The Wayland compositor does not answer."));
-    if (!globals_.seat || !globals_.dataControl || !globals_.virtualKeyboards)
-        return std::unexpected(QStringLiteral("The Wayland compositor has no %1.")
-                                   .arg(!globals_.seat          ? QStringLiteral("seat")
-                                        : !globals_.dataControl ? QStringLiteral("clipboard for programs")
-                                                                : QStringLiteral("virtual keyboards")));
+    if (!globals_.seat || !globals_.dataControl)
+        return std::unexpected(
+            QStringLiteral("The Wayland compositor has no %1.")
+                .arg(!globals_.seat ? QStringLiteral("seat") : QStringLiteral("clipboard for programs")));
     return {};
 }
 
@@ -113,6 +112,7 @@ void WaylandConnection::bind(wl_registry* registry, std::uint32_t name, const ch
     take(globals_.virtualKeyboards, virtual_keyboard::managerInterface, 1);
     if (std::string_view(interface) == screencopy::managerInterface.name)
         globals_.givesPictures = true;
+    take(globals_.fakeInput, fake_input::deviceInterface, 4);
 }
 
 bool WaylandConnection::settleWithin(std::chrono::milliseconds limit) {

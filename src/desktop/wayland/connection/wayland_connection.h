@@ -15,11 +15,12 @@
 #include <thread>
 
 #include "desktop/wayland/protocol/data_control.h"
+#include "desktop/wayland/protocol/fake_input.h"
 #include "desktop/wayland/protocol/virtual_keyboard.h"
 
 namespace tavrelon::desktop {
 
-/// The program's connection with a wlroots compositor, and the thread that speaks there, so that other clients are
+/// The program's connection with the compositor, and the thread that speaks there, so that other clients are
 /// served while the main thread is busy. If the compositor goes away, calls fail at once and nothing is told any more.
 class WaylandConnection {
  public:
@@ -29,12 +30,13 @@ class WaylandConnection {
     /// What one call on the connection may cost its caller.
     static constexpr std::chrono::milliseconds callLimit{250};
 
-    /// What the compositor has to have.
+    /// What the compositor has to have, and the ways to post keys of which it has one.
     struct Globals {
         wl_seat* seat = nullptr;
         data_control::Manager* dataControl = nullptr;
         virtual_keyboard::Manager* virtualKeyboards = nullptr;
         bool givesPictures = false;  ///< of its screen; where not, only that is missing
+        fake_input::Device* fakeInput = nullptr;
     };
 
     /// Connects to the compositor that the environment names. The error says what is missing.

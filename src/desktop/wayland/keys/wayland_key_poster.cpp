@@ -64,6 +64,8 @@ std::uint32_t milliseconds() {
 
 std::expected<std::unique_ptr<WaylandKeyPoster>, QString> WaylandKeyPoster::open(
     WaylandConnection& connection, std::unique_ptr<ShortcutTranslator> shortcuts) {
+    if (!connection.globals().virtualKeyboards)
+        return std::unexpected(QStringLiteral("The Wayland compositor has no virtual keyboards."));
     const auto keymap = usKeymap();
     const int memory = keymap.isEmpty() ? -1 : inMemory(keymap);
     if (memory < 0)

@@ -3,25 +3,16 @@
 #include <algorithm>
 
 #include "desktop/applications/application_identifiers.h"
-#include "desktop/applications/terminal_shortcuts.h"
 #include "desktop/linux/process/process_info.h"
 #include "desktop/linux/process/process_launcher.h"
+#include "desktop/wayland/keys/native_shortcuts.h"
 
 namespace tavrelon::desktop {
 
 using platform::FrontmostWindow;
 using platform::RunningApplication;
-using platform::WindowKind;
 
 namespace {
-
-WindowKind kindOf(const SwayWindow& window) {
-    const auto shortcuts = terminalShortcutsOf(window.name(), window.windowInstance);
-    // Nothing puts the answer where such a terminal takes it from.
-    if (shortcuts && shortcuts->paste == TerminalShortcuts::Paste::OfPrimary)
-        return WindowKind::WithoutPaste;
-    return windowKindOf(window.name(), window.windowInstance);
-}
 
 std::optional<QString> notEmpty(const QString& text) {
     return text.isEmpty() ? std::nullopt : std::optional(text);
@@ -88,8 +79,9 @@ std::optional<FrontmostWindow> SwayWorkspace::frontmostWindow() {
     const auto window = focusedWindow();
     if (!window)
         return std::nullopt;
-    return FrontmostWindow{
-        .identifier = window->identifier, .processIdentifier = window->processIdentifier, .kind = kindOf(*window)};
+    return FrontmostWindow{.identifier = window->identifier,
+                           .processIdentifier = window->processIdentifier,
+                           .kind = nativeWindowKindOf(window->name(), window->windowInstance)};
 }
 
 std::optional<QString> SwayWorkspace::frontmostWindowTitle() {

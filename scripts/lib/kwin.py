@@ -1,0 +1,49 @@
+"""What KWin tells: the window in front, by a script of ours within it, and who holds which shortcut."""
+
+import json
+import os
+import re
+import subprocess
+from pathlib import Path
+
+from waiting import Fault, wait_for
+
+SAYS = re.compile(r'^js: front-title (".*")$', re.MULTILINE)
+SCRIPT = """
+function tell(w) { print("front-title " + JSON.stringify(w ? w.caption : "")); }
+workspace.clientActivated.connect(w => {
+    tell(w);
+    if (w) w.captionChanged.connect(() => { if (workspace.activeClient === w) tell(w); });
+});
+tell(workspace.activeClient);
+"""
+
+
+def is_session():
+    return os.environ.get("XDG_CURRENT_DESKTOP") == "KDE"
+
+
+def call(service, path, method, *arguments):
+    done = subprocess.run(["dbus-send", "--session", "--print-reply=literal", f"--dest={service}", path, method, *arguments],
+                          stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=20)
+    if done.returncode != 0:
+        raise Fault(f"{method}: {done.stderr.strip()}")
+    return done.stdout
+
+
+def front_title():
+    runtime = Path(os.environ["XDG_RUNTIME_DIR"])
+    said = SAYS.findall((runtime / "kwin.log").read_text(encoding="utf-8", errors="replace"))
+    if said:
+        return json.loads(said[-1])
+    file = runtime / "front-title.js"
+    if not file.exists():
+        file.write_text(SCRIPT)
+        number = call("org.kde.KWin", "/Scripting", "org.kde.kwin.Scripting.loadScript", f"string:{file}").split()[-1]
+        call("org.kde.KWin", f"/{number}", "org.kde.kwin.Script.run")
+    return ""
+
+
+def shortcuts(component="tavrelon"):
+    """The actions that a component has registered."""
+    return call("org.kde.kglobalaccel", f"/component/{component}", "org.kde.kglobalaccel.Component.shortcutNames")
