@@ -44,6 +44,16 @@ def front_title():
     return ""
 
 
-def shortcuts(component="tavrelon"):
-    """The actions that a component has registered."""
-    return call("org.kde.kglobalaccel", f"/component/{component}", "org.kde.kglobalaccel.Component.shortcutNames")
+def shortcuts():
+    """The actions that the program has registered; without any KWin does not know it."""
+    try:
+        return call("org.kde.kglobalaccel", "/component/tavrelon", "org.kde.kglobalaccel.Component.shortcutNames")
+    except Fault:
+        return ""
+
+
+def take_shortcut(key):
+    """Another program takes a key, a number of Qt's."""
+    action = "array:string:other,action,Other,Action"
+    for method, *more in (["doRegister"], ["setShortcut", f"array:int32:{key}", "uint32:6"]):
+        call("org.kde.kglobalaccel", "/kglobalaccel", f"org.kde.KGlobalAccel.{method}", action, *more)

@@ -2,11 +2,10 @@
 
 import kwin
 import pytest
-from conftest import HOTKEY, ends_well, wait_for_history
-from editors import let_keys_arrive
+from conftest import ends_well, wait_for_history
 from session import clipboard, set_clipboard
-from waiting import wait_for
 
+SHIFT_ALT_SUPER_G, ESCAPE = 0x1A000047, "hotkey-53-0-0"
 BY_PASTE = "chromium-accessible"  # can be read by accessibility, but not written
 
 
@@ -30,3 +29,18 @@ def test_a_request_and_a_selection_are_replaced(desk, kind):
     assert editor.saved("前文 before 你好 answer AFTER") == "前文 before 你好 answer AFTER"
     assert ends_well(tavrelon)
     assert "hotkey-" not in kwin.shortcuts()
+
+
+def test_what_is_taken_stays_so_and_what_a_crash_leaves_is_let_go(desk):
+    kwin.take_shortcut(SHIFT_ALT_SUPER_G)
+    desk.open("mousepad")
+    killed = desk.start()
+    killed.wait_for_line(r"\[Hotkey\] Super\+Shift\+Alt\+G is another program's")
+    desk.begin(killed)
+    assert ESCAPE in kwin.shortcuts()
+    killed.process.kill()
+    killed.process.wait(10)
+    again = desk.start()
+    assert ESCAPE not in kwin.shortcuts()
+    desk.begin(again)
+    assert ends_well(again)
