@@ -1,9 +1,9 @@
 #include "desktop/session/windowing_system.h"
 
+#include "desktop/kwin/connection_in_sight.h"
 #include "desktop/kwin/keys/kwin_hotkeys.h"
 #include "desktop/kwin/keys/kwin_key_poster.h"
 #include "desktop/kwin/windows/kwin_workspace.h"
-#include "desktop/linux/process/private_memory.h"
 #include "desktop/session/session_kind.h"
 #include "desktop/wayland/clipboard/wayland_pasteboard.h"
 #include "desktop/wayland/keys/native_shortcuts.h"
@@ -108,15 +108,9 @@ WindowingSystem openSway(async::MainLoop& loop, platform::Log& log) {
                            [] {}};
 }
 
-/// KWin shows its ways to post keys to programs whose path a desktop file names; it looks when they connect.
-std::expected<std::unique_ptr<WaylandConnection>, QString> openInSight() {
-    const ProgramInSight inSight;
-    return WaylandConnection::open();
-}
-
 /// What is native there by Wayland, and by what KWin offers on the session bus.
 WindowingSystem openPlasma(async::MainLoop& loop, platform::Log& log) {
-    std::shared_ptr<WaylandConnection> connection = opened(openInSight());
+    std::shared_ptr<WaylandConnection> connection = opened(connectInSight());
     auto bus = opened(KWinBus::open());
     const auto posts = std::make_shared<OwnPosts>();
     auto workspace = opened(KWinWorkspace::create(bus));

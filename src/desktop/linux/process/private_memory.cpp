@@ -16,14 +16,4 @@ void keepMemoryPrivate() {
         ::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
 }
 
-ProgramInSight::ProgramInSight() : wasHidden_(::prctl(PR_GET_DUMPABLE, 0, 0, 0, 0) == 0) {
-    if (wasHidden_)
-        ::prctl(PR_SET_DUMPABLE, 1, 0, 0, 0);
-}
-
-ProgramInSight::~ProgramInSight() {
-    if (wasHidden_)
-        ::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
-}
-
 }  // namespace tavrelon::desktop

@@ -11,18 +11,4 @@ namespace tavrelon::desktop {
 /// program in its place.
 void keepMemoryPrivate();
 
-/// While it lives, other processes of the user can see which program this is, and look into its memory: some grant
-/// rights by the program's path, which one that keeps to itself hides too. For a moment at the start, before anything
-/// is known that must stay here.
-class ProgramInSight {
- public:
-    ProgramInSight();
-    ProgramInSight(const ProgramInSight&) = delete;
-    ProgramInSight& operator=(const ProgramInSight&) = delete;
-    ~ProgramInSight();
-
- private:
-    bool wasHidden_;
-};
-
 }  // namespace tavrelon::desktop

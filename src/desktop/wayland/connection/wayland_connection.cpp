@@ -53,8 +53,8 @@ class Settled {
 
 }  // namespace
 
-std::expected<std::unique_ptr<WaylandConnection>, QString> WaylandConnection::open() {
-    auto* display = wl_display_connect(nullptr);
+std::expected<std::unique_ptr<WaylandConnection>, QString> WaylandConnection::open(std::optional<int> socket) {
+    auto* display = socket ? wl_display_connect_to_fd(*socket) : wl_display_connect(nullptr);
     if (!display)
         return std::unexpected(QStringLiteral("The Wayland compositor cannot be reached."));
     std::unique_ptr<WaylandConnection> connection(new WaylandConnection(display));

@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "desktop/wayland/protocol/data_control.h"
@@ -39,8 +40,9 @@ class WaylandConnection {
         fake_input::Device* fakeInput = nullptr;
     };
 
-    /// Connects to the compositor that the environment names. The error says what is missing.
-    static std::expected<std::unique_ptr<WaylandConnection>, QString> open();
+    /// Connects to the compositor that the environment names, or takes over a socket that is connected with it. The
+    /// error says what is missing.
+    static std::expected<std::unique_ptr<WaylandConnection>, QString> open(std::optional<int> socket = std::nullopt);
     WaylandConnection(const WaylandConnection&) = delete;
     WaylandConnection& operator=(const WaylandConnection&) = delete;
     /// Ends the thread. What still refers to the connection must be gone.
