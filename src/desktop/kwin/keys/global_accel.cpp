@@ -24,6 +24,7 @@ static const QDBusArgument& operator>>(const QDBusArgument& argument, GlobalKeyS
     argument.beginStructure();
     argument >> sequence.keys;
     argument.endStructure();
+    // NOLINTNEXTLINE(bugprone-return-const-ref-from-parameter): the library asks for this form.
     return argument;
 }
 

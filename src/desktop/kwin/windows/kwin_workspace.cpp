@@ -41,7 +41,7 @@ void KWinWorkspace::activated(const QString& told) {
     try {
         window = windowIn(told);
     } catch (const text::JsonError&) {
-        // A window that is told in another way than is known here is none that could be served.
+        window.reset();  // told in another way than is known here: none that could be served
     }
     if (window && !numbers_.contains(window->identifier))
         numbers_[window->identifier] = ++lastNumber_;
