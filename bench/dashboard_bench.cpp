@@ -155,13 +155,14 @@ class DashboardBench {
     desktop::QtMainLoop loop_;
     desktop::StandardOutputLog log_;
     desktop::QtWindows windows_{loop_, log_};
-    std::vector<ui::DashboardPage> pages_{ui::generalSettingsPage(appState_),
+    std::vector<ui::DashboardPage> pages_{ui::generalSettingsPage(appState_, desktop_.platform.httpSession),
                                           ui::hotkeysPage(appState_, keys_, desktop_.keyboard.hotkeys, desktop_.speech),
                                           ui::clonePage(appState_, desktop_.platform, picker_),
                                           ui::providersPage(appState_, desktop_.platform),
                                           ui::historyPage(appState_),
                                           ui::privacyPage(appState_, permissions())};
-    ui::DashboardWindowController dashboard_{windows_, appState_.storageManager(), pages_, [] {}};
+    ui::DashboardWindowController dashboard_{
+        windows_, appState_.storageManager(), pages_, {[] {}, [this] { return appState_.readiness(); }}};
     QQuickWindow* window_ = nullptr;
     std::vector<Result> results_;
 

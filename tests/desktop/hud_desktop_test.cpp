@@ -74,11 +74,10 @@ TEST_F(HUDDesktopTest, NoOverlayTakesFocusOrClicks) {
 TEST_F(HUDDesktopTest, TheOverlayStandsByTheCaretAndGoesWithTheState) {
     InputDesk desk;
     platform::UserInterface userInterface{desk.application, panels, screens, desk.statusItem};
-    const InputHUDWindowController controller({desk.loop, userInterface, [] { return QRectF(300, 400, 2, 18); },
-                                               [] { return std::nullopt; },
-                                               [](const QString&, const auto&) {}, [] { return QString(); },
-                                               [] { return HUDLanguage::English; }},
-                                              desk.machine);
+    const InputHUDWindowController controller(
+        {desk.loop, userInterface, [] { return QRectF(300, 400, 2, 18); }, [] { return std::nullopt; },
+         [](const QString&, const auto&) {}, [] { return QString(); }, [] { return HUDLanguage::English; }},
+        desk.machine);
     desk.toggle();
     ASSERT_TRUE(runQtUntil([&] { return shownView() && !isWhite({340, 360}); }));
     // 10 to the right of the caret and 28 above its lower edge

@@ -34,6 +34,23 @@ class NoKeyObserver : public platform::KeyObserver {
     void stop() override {}
 };
 
+class NoScreenCapture : public platform::ScreenCapture {
+ public:
+    using Content = std::expected<platform::ShareableContent, platform::CaptureError>;
+    using Picture = std::expected<platform::Image, platform::CaptureError>;
+
+    bool preflightAccess() override { return false; }
+    async::Task<Content> shareableContent() override { co_return std::unexpected(reason()); }
+    async::Task<Picture> captureWindow(platform::ShareableWindow) override { co_return std::unexpected(reason()); }
+    async::Task<Picture> captureDisplay(platform::ShareableDisplay) override { co_return std::unexpected(reason()); }
+    std::shared_ptr<void> expectCapture() override { return nullptr; }
+
+ private:
+    static platform::CaptureError reason() {
+        return {QStringLiteral("Pictures of the screen are not taken in this session yet.")};
+    }
+};
+
 template <typename T>
 T opened(std::expected<T, QString> part) {
     if (!part)

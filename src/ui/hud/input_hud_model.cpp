@@ -45,7 +45,9 @@ void InputHUDModel::setRecogniserLoading(bool isLoading) {
 }
 
 QString InputHUDModel::heard() const {
-    return transcript_.isEmpty() && isRecogniserLoading_ ? QStringLiteral("Loading...") : transcript_;
+    if (!transcript_.isEmpty() || !isRecogniserLoading_)
+        return transcript_;
+    return isEnglish() ? QStringLiteral("Loading...") : QStringLiteral("正在加载…");
 }
 
 }  // namespace tavrelon::ui
