@@ -22,6 +22,15 @@ NAMES = {
     "libreoffice": "libreoffice writer",
     "falkon": "falkon (QtWebEngine)",
 }
+# What tests of their own see, by the name of the file that they leave when they have seen it.
+PARAGRAPHS = "a request in one of several paragraphs is replaced there, and a selection over several is read and replaced"
+SPECIAL = {
+    "rich-chromium-rich": f"rich text in chromium, with its accessibility switch: {PARAGRAPHS}",
+    "rich-firefox-rich": f"rich text in firefox-esr: {PARAGRAPHS}",
+    "rich-libreoffice": f"libreoffice writer: {PARAGRAPHS}",
+    "special-emacs": "emacs: a request is replaced, by its own keys",
+    "special-gvim": "gvim: no key pastes in all its modes, so the request stays and the answer is left on the clipboard",
+}
 INTRODUCTION = """# Applications
 
 What was seen when Tavrelon worked in each application on a private desktop under openbox. `scripts/applications` makes
@@ -66,6 +75,10 @@ def with_notes(rows):
     return table, reasons
 
 
+def special_of(folder):
+    return [f"- {what}" for name, what in SPECIAL.items() if (folder / name).exists()]
+
+
 def requests_of(folder):
     """For each application how many random requests came out right, and of how many, in its longest run."""
     counts = {}
@@ -99,7 +112,7 @@ def as_text(folder):
     widths = [max(len(line[i]) for line in [COLUMNS, *table]) for i in range(len(COLUMNS))]
     lines = ["  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() for line in [COLUMNS, *table]]
     lines += [f"({number}) it {reason}" for number, reason in enumerate(reasons, 1)]
-    return "\n".join([*lines, request_line(folder)]).rstrip()
+    return "\n".join([*lines, *special_of(folder), request_line(folder)]).rstrip()
 
 
 def as_document(folder, former):
@@ -109,7 +122,8 @@ def as_document(folder, former):
     requests = request_line(folder)
     if not requests and (found := re.search(r"^\d+ random requests.*$", former, re.MULTILINE)):
         requests = found.group()  # of an earlier run
-    return INTRODUCTION + "\n".join([*lines, "", "The reasons for each no:", "", *notes]) + "\n" + (
+    special = ["", "Seen besides:", "", *special_of(folder)] if special_of(folder) else []
+    return INTRODUCTION + "\n".join([*lines, "", "The reasons for each no:", "", *notes, *special]) + "\n" + (
         f"\n{requests}\n" if requests else "")
 
 

@@ -97,6 +97,14 @@ def ends_well(tavrelon):
     return True
 
 
+def leave_sign(name):
+    """Tells where the table of applications is made that this was seen."""
+    folder = os.environ.get("TAVRELON_TABLE_FOLDER")
+    if folder:
+        Path(folder).mkdir(parents=True, exist_ok=True)
+        (Path(folder) / name).touch()
+
+
 @pytest.fixture
 def desk(tmp_path):
     made = Desk(tmp_path)

@@ -6,7 +6,7 @@ import time
 
 import pytest
 import screen
-from conftest import history, wait_for_history
+from conftest import history, leave_sign, wait_for_history
 from editors import CHROMIUM, KINDS, let_keys_arrive
 from programs import Program
 from session import clipboard, front_title, set_clipboard
@@ -179,6 +179,7 @@ def test_an_editor_with_chords_of_its_own_gets_the_answer_by_them(desk):
     desk.request(tavrelon, editor, "question")
     wait_for_history(tavrelon, 1)
     assert editor.saved("Asked: one\ntwo").rstrip("\n") == "Asked: one\ntwo"
+    leave_sign("special-emacs")
 
 
 @pytest.mark.skipif(not shutil.which("gvim"), reason="not installed")
@@ -189,6 +190,7 @@ def test_where_no_key_is_known_that_pastes_the_request_stays_and_the_answer_is_o
     guarded.wait_for_line("Answer is on the clipboard")
     assert clipboard() == "AN ANSWER"
     assert editor.saved("what is 42?") == "what is 42?"
+    leave_sign("special-gvim")
 
 
 @pytest.mark.parametrize("kind", ["chromium", "xterm"])  # the one fetches the clipboard, the other the primary selection

@@ -3,7 +3,7 @@
 import os
 import time
 
-from conftest import history, wait_for_history
+from conftest import history, leave_sign, wait_for_history
 from editors import let_keys_arrive
 
 FIRST, SECOND, THIRD = "First paragraph.", "Second one:", "Third, which stays."
@@ -48,3 +48,4 @@ def test_a_selection_over_several_paragraphs_is_read_and_replaced_whole(desk):
     wait_for_history(tavrelon, 1)
     assert history(tavrelon)[0]["inputText"].split() == f"{FIRST[6:]} {SECOND} {THIRD}".split()
     assert editor.saved("First ANSWER").replace("\xa0", " ") == "First ANSWER"
+    leave_sign("rich-" + os.environ["TAVRELON_TEST_EDITOR"])
