@@ -139,6 +139,7 @@ Item {
             anchors { left: sidebar.right; right: parent.right }
 
             Text {
+                visible: !page.item?.title  // which says it itself
                 anchors { left: parent.left; leftMargin: Look.margin; verticalCenter: parent.verticalCenter }
                 text: view.model.tabs[view.model.selection]?.name ?? ""
                 color: Look.primary
