@@ -123,9 +123,9 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
 }
 
 /// Ollama looks at pictures alone when it is switched on. Else all frames go to the one model that takes so many, and
-/// the last one to those that take one.
+/// the last one to those that take one. What is told is why the first that was asked failed.
 async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames) {
-    std::exception_ptr withAllFrames;
+    std::exception_ptr reason;
     if (pollinationsService_.ollamaEnabled)
         co_return co_await pollinationsService_.generateWithOllama(prompt.system, prompt.user, evenlySpaced(frames));
     if (pollinationsService_.pollinationsCustomEnabled) {
@@ -138,19 +138,23 @@ async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const 
         } catch (const std::exception&) {
             if (pollinationsService_.asksGatewayOnly())
                 throw;
+            reason = std::current_exception();
         }
         prompt.image.reset();
     }
-    try {
-        co_return co_await pollinationsService_.generateWithNvidia(PollinationsModel::nvidiaNemotron, prompt, frames,
-                                                                   Thinking::ForcedOff);
-    } catch (const async::CancellationError&) {
-        throw;
-    } catch (const std::exception&) {
-        withAllFrames = std::current_exception();
+    if (pollinationsService_.hasKeyFor(PollinationsModel::nvidiaNemotron)) {
+        try {
+            co_return co_await pollinationsService_.generateWithNvidia(PollinationsModel::nvidiaNemotron, prompt,
+                                                                       frames, Thinking::ForcedOff);
+        } catch (const async::CancellationError&) {
+            throw;
+        } catch (const std::exception&) {
+            if (!reason)
+                reason = std::current_exception();
+        }
     }
-    co_return co_await pollinationsService_.generateVideoFallback(withAllFrames, frames.back(), prompt.system,
-                                                                  prompt.user, prompt.maxTokens, prompt.temperature);
+    co_return co_await pollinationsService_.generateVideoFallback(reason, frames.back(), prompt.system, prompt.user,
+                                                                  prompt.maxTokens, prompt.temperature);
 }
 
 async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situation& situation,
@@ -202,8 +206,10 @@ async::Task<GenerationResult> TavrelonAIService::generateImageResult(const Situa
     co_return GenerationResult{.imageData = std::move(image), .decisionObject = std::move(decision)};
 }
 
-/// Pollinations first, GLM for whatever it did not give.
+/// Pollinations first, GLM for whatever it did not give, where there is a key for it. What is told is why the first
+/// failed.
 async::Task<QByteArray> TavrelonAIService::generateImage(QString prompt) {
+    std::exception_ptr reason;
     try {
         co_return co_await pollinationsService_.generateImageWithPollinations(prompt);
     } catch (const async::CancellationError&) {
@@ -212,10 +218,11 @@ async::Task<QByteArray> TavrelonAIService::generateImage(QString prompt) {
         throw;
     } catch (const std::exception& error) {
         const auto* known = dynamic_cast<const PollinationsError*>(&error);
-        if (pollinationsService_.asksGatewayOnly() ||
+        if (pollinationsService_.asksGatewayOnly() || !pollinationsService_.glmApiKey ||
             (known && known->code() == PollinationsError::Code::requestTimedOut))
             throw;
         log_.line("[Pollinations] Image generation failed with Pollinations: "_L1 + text::localizedDescription(error));
+        reason = std::current_exception();
     }
     try {
         auto image = co_await pollinationsService_.generateImageWithGLM(prompt, 1024, 1024, u"hd"_s);
@@ -225,8 +232,8 @@ async::Task<QByteArray> TavrelonAIService::generateImage(QString prompt) {
         throw;
     } catch (const std::exception& error) {
         log_.line("[Pollinations] GLM image generation failed: "_L1 + text::localizedDescription(error));
-        throw;
     }
+    std::rethrow_exception(reason);
 }
 
 }  // namespace tavrelon::generation

@@ -97,8 +97,8 @@ class PollinationsService {
     /// One call by the protocol that the model speaks, as every walk makes it.
     async::Task<QString> generateWithModel(PollinationsModel model, ChatPrompt prompt, JsonMode jsonMode);
 
-    /// One frame of a video for the models that take a single image; `previousError` is the failure of the call with
-    /// all frames, and is thrown again when these fail too.
+    /// One frame of a video for the models that take a single image. `previousError` is what failed before, if anything
+    /// was asked, and is thrown again when these fail too; else the first of their own failures is.
     async::Task<QString> generateVideoFallback(std::exception_ptr previousError, QByteArray frame, QString systemPrompt,
                                                QString userPrompt, qint64 maxTokens, float temperature);
 

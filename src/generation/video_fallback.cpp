@@ -22,9 +22,11 @@ async::Task<QString> PollinationsService::generateVideoFallback(std::exception_p
                 return std::optional(reply);
             },
         .failed =
-            [this](PollinationsModel model, const std::exception_ptr& error) {
+            [this, &previousError](PollinationsModel model, const std::exception_ptr& error) {
                 log_.line("[Pollinations] Video fallback failed with "_L1 + displayName(model) + ": "_L1 +
                           describe(error));
+                if (!previousError)
+                    previousError = error;
             },
     };
     if (auto text =

@@ -126,6 +126,14 @@ TEST_F(AIServiceTest, FailuresAreToldToTheUser) {
     for (int i = 0; i < 3; ++i)
         http.answer(429, "slow down");
     EXPECT_EQ(askError({.input = u"hello"_s}), u"Generation failed: API error (429): slow down"_s);
+    for (const auto& key : {service.glmApiKey, std::optional<QString>()}) {
+        service.glmApiKey = key;
+        http.answer(429, "busy");
+        if (key)
+            http.answer(401, "no such key");
+        EXPECT_EQ(askError({.input = u"draw a cat"_s}),
+                  u"Generation failed: Image generation failed with status 429"_s);
+    }
     service.textModels = {PollinationsModel::openai};
     http.neverAnswer();
     EXPECT_EQ(askError({.input = u"hello"_s}), u"Generation failed: Request timed out"_s);

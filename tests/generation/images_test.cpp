@@ -182,7 +182,7 @@ TEST_F(VideoFallbackTest, OneFrameGoesToTheOtherVisionModels) {
     http.answer(429, "busy");
     EXPECT_EQ(describeFrame(previous), u"! API error (500): frames"_s) << "the first failure is the one told";
     http.answer(429, "busy");
-    EXPECT_EQ(describeFrame(nullptr), u"! All models failed to process request"_s);
+    EXPECT_EQ(describeFrame(nullptr), u"! API error (429): busy"_s);
     service.visionModels = {PollinationsModel::nvidiaNemotron, PollinationsModel::glmVisionFlash};
     EXPECT_EQ(describeFrame(previous), u"! API error (500): frames"_s);
     EXPECT_EQ(http.requests().size(), 3U) << "no model was left to ask";
