@@ -42,7 +42,7 @@ std::expected<CommandLine, QString> commandLineFrom(const QStringList& arguments
 QString helpText() {
     return QStringLiteral(
         "Usage: tavrelon [--background | --trigger NAME | --check [--json]]\n"
-        "Answers what you type, in every text field of an X11 desktop.\n"
+        "Answers what you type, in every text field of the desktop.\n"
         "\n"
         "  --background   start with the tray icon alone, without the dashboard\n"
         "  --trigger NAME does in the running program what a hotkey does: text, prompt, voice, dictation,\n"
