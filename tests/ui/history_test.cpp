@@ -40,7 +40,7 @@ TEST_F(HistoryTest, GroupsByApplicationWithTheNewestFirst) {
     add({.appBundleID = u"org.a"_s, .inputText = u"长"_s.repeated(50) + u"!"_s});
     EXPECT_EQ(groups(), (QStringList{u"org.a"_s, u"Notes"_s, u"org.b"_s, u"unknown"_s}));
     EXPECT_EQ(shown(*page.groups(), "displayName"), (QStringList{u"Mail"_s, u"Notes"_s, u"Mail"_s, u"unknown"_s}));
-    EXPECT_EQ(shown(*page.groups(), "count")[0], u"2 条记录"_s);
+    EXPECT_EQ(shown(*page.groups(), "count")[0], u"2 entries"_s);
     EXPECT_EQ(shown(*page.groups(), "preview")[0], u"长"_s.repeated(50) + u"..."_s);
 
     EXPECT_FALSE(page.hasConversation());
@@ -61,7 +61,10 @@ TEST_F(HistoryTest, SearchesAllTextsAndHidesTheRest) {
         return groups();
     };
     EXPECT_EQ(found(u"CAFE\u0301"_s), QStringList{u"Mail"_s}) << "composed or not is the same letter";
-    EXPECT_EQ(page.conversationCount(), u"1 条记录"_s);
+    EXPECT_EQ(page.conversationCount(), u"1 entry"_s);
+    storage.changeSettings([](auto& settings) { settings.appLanguage = u"zh"_s; });
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(page.conversationCount(), u"1 条记录"_s) << "in the language of the interface";
     EXPECT_EQ(found(u"strasse"_s), QStringList{u"Mail"_s});
     EXPECT_EQ(found(u"translate"_s), QStringList{u"Mail"_s});
     EXPECT_EQ(found(u"بالعالم"_s), QStringList{u"Mail"_s});

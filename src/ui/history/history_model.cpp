@@ -17,8 +17,16 @@ HistoryModel::HistoryModel(persistence::StorageManager& storage, persistence::Hi
       subscription_(history.onChange([this] {
           search_.forget();
           refresh();
+      })),
+      settingsSubscription_(storage.onChange([this] {
+          if (shownLanguage_ != language())
+              refresh();
       })) {
     refresh();
+}
+
+HistoryLanguage HistoryModel::language() const {
+    return isEnglish() ? HistoryLanguage::English : HistoryLanguage::Chinese;
 }
 
 void HistoryModel::setSearchText(const QString& typed) {
@@ -48,10 +56,11 @@ void HistoryModel::clear() {
 }
 
 void HistoryModel::refresh() {
+    shownLanguage_ = language();
     const auto groups = groupedByApplication(search_.matching(history_.entries(), searchText_, filterIntent_));
     std::vector<HistoryAppRow> rows;
     for (const auto& group : groups)
-        rows.push_back(appRow(group, locale_));
+        rows.push_back(appRow(group, locale_, language()));
     groups_.replace(std::move(rows));
 
     const auto selected = std::ranges::find(groups, selectedAppID_, &AppHistoryGroup::id);
@@ -61,9 +70,9 @@ void HistoryModel::refresh() {
         conversationCount_.clear();
     } else {
         conversation_.replace(
-            conversationRows(*selected, locale_, [this](const QString& path) { return findImage(path); }));
+            conversationRows(*selected, locale_, language(), [this](const QString& path) { return findImage(path); }));
         conversationName_ = selected->displayName;
-        conversationCount_ = entryCountText(selected->entries.size());
+        conversationCount_ = entryCountText(selected->entries.size(), language());
     }
     Q_EMIT changed();
 }

@@ -48,6 +48,7 @@ class HistoryModel : public PageModel {
 
  private:
     void refresh();
+    HistoryLanguage language() const;
     std::optional<HistoryImage> findImage(const QString& outputImagePath) const;
 
     persistence::HistoryManager& history_;
@@ -61,6 +62,8 @@ class HistoryModel : public PageModel {
     RowList<HistoryAppRow> groups_;
     RowList<HistoryPieceRow> conversation_;
     persistence::ChangeSubscription subscription_;
+    persistence::ChangeSubscription settingsSubscription_;
+    HistoryLanguage shownLanguage_ = HistoryLanguage::Chinese;
 };
 
 }  // namespace tavrelon::ui

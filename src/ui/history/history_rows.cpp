@@ -35,14 +35,15 @@ QString preview(const QString& input) {
     return beginning.size() < input.size() ? beginning + "..."_L1 : beginning;
 }
 
-std::vector<HistoryBadge> badgesOf(const HistoryEntry& entry) {
+std::vector<HistoryBadge> badgesOf(const HistoryEntry& entry, HistoryLanguage language) {
     std::vector<HistoryBadge> badges;
     if (entry.wasReverted)
-        badges.push_back({history_texts::reverted.toString(), u"arrow.uturn.backward"_s, u"orange"_s});
+        badges.push_back({history_texts::reverted.in(language), u"arrow.uturn.backward"_s, u"orange"_s});
     if (entry.wasEdited)
-        badges.push_back({history_texts::edited.toString(), u"pencil"_s, u"blue"_s});
+        badges.push_back({history_texts::edited.in(language), u"pencil"_s, u"blue"_s});
     if (entry.retryCount > 0)
-        badges.push_back({history_texts::retried.toString().arg(entry.retryCount), u"arrow.clockwise"_s, u"purple"_s});
+        badges.push_back(
+            {history_texts::retried.in(language).arg(entry.retryCount), u"arrow.clockwise"_s, u"purple"_s});
     return badges;
 }
 
@@ -65,27 +66,28 @@ QString roleName(HistoryMessageRole role) {
     return {};
 }
 
-QStringView labelOf(HistoryMessageRole role) {
+QString labelOf(HistoryMessageRole role, HistoryLanguage language) {
     switch (role) {
         case HistoryMessageRole::User:
-            return history_texts::userLabel;
+            return history_texts::userLabel.in(language);
         case HistoryMessageRole::Assistant:
-            return history_texts::assistantLabel;
+            return history_texts::assistantLabel.in(language);
         case HistoryMessageRole::Edited:
-            return history_texts::editedLabel;
+            return history_texts::editedLabel.in(language);
     }
     return {};
 }
 
 /// Appends the bubble of one message, piece by piece.
 void addBubble(std::vector<HistoryPieceRow>& rows, const HistoryEntry& entry, HistoryMessageRole role,
-               const QString& messageText, std::optional<HistoryImage> image) {
+               const QString& messageText, HistoryLanguage language, std::optional<HistoryImage> image) {
     const auto first = rows.size();
     HistoryPieceRow piece{.kind = Kind::Bubble,
                           .entry = entry.id,
                           .time = {},
                           .badges = {},
                           .role = role,
+                          .label = labelOf(role, language),
                           .isFirst = false,
                           .isLast = false,
                           .text = {},
@@ -151,7 +153,7 @@ QVariant HistoryPieceRow::value(int wanted) const {
         case MessageRole:
             return roleName(role);
         case Label:
-            return labelOf(role).toString();
+            return label;
         case IsFirst:
             return isFirst;
         case IsLast:
@@ -167,8 +169,8 @@ QVariant HistoryPieceRow::value(int wanted) const {
     }
 }
 
-QString entryCountText(std::size_t count) {
-    return history_texts::count.toString().arg(count);
+QString entryCountText(std::size_t count, HistoryLanguage language) {
+    return count == 1 ? history_texts::oneEntry.in(language) : history_texts::entries.in(language).arg(count);
 }
 
 QString shortTimeText(std::chrono::system_clock::time_point time, const QLocale& locale) {
@@ -176,26 +178,26 @@ QString shortTimeText(std::chrono::system_clock::time_point time, const QLocale&
     return locale.toString(QDateTime::fromMSecsSinceEpoch(sinceEpoch.count()), QLocale::ShortFormat);
 }
 
-HistoryAppRow appRow(const AppHistoryGroup& group, const QLocale& locale) {
-    return {group.id, group.displayName, entryCountText(group.entries.size()),
+HistoryAppRow appRow(const AppHistoryGroup& group, const QLocale& locale, HistoryLanguage language) {
+    return {group.id, group.displayName, entryCountText(group.entries.size(), language),
             shortTimeText(group.latest().timestamp, locale), preview(group.latest().inputText)};
 }
 
 std::vector<HistoryPieceRow> conversationRows(const AppHistoryGroup& group, const QLocale& locale,
-                                              const HistoryImageFinder& findImage) {
+                                              HistoryLanguage language, const HistoryImageFinder& findImage) {
     std::vector<HistoryPieceRow> rows;
     for (const auto& entry : group.entries) {
         HistoryPieceRow head;
         head.entry = entry.id;
         head.time = shortTimeText(entry.timestamp, locale);
-        head.badges = badgesOf(entry);
+        head.badges = badgesOf(entry, language);
         rows.push_back(std::move(head));
-        addBubble(rows, entry, HistoryMessageRole::User, entry.inputText, std::nullopt);
+        addBubble(rows, entry, HistoryMessageRole::User, entry.inputText, language, std::nullopt);
         const auto& path = entry.outputImagePath;
-        addBubble(rows, entry, HistoryMessageRole::Assistant, entry.outputText,
+        addBubble(rows, entry, HistoryMessageRole::Assistant, entry.outputText, language,
                   path && !path->isEmpty() ? findImage(*path) : std::nullopt);
         if (entry.editedText && !entry.editedText->isEmpty())
-            addBubble(rows, entry, HistoryMessageRole::Edited, *entry.editedText, std::nullopt);
+            addBubble(rows, entry, HistoryMessageRole::Edited, *entry.editedText, language, std::nullopt);
     }
     return rows;
 }

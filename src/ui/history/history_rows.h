@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "ui/history/history_groups.h"
+#include "ui/history/history_texts.h"
 
 namespace tavrelon::ui {
 
@@ -53,6 +54,7 @@ struct HistoryPieceRow {
     QString time;                      ///< of a head
     std::vector<HistoryBadge> badges;  ///< of a head
     HistoryMessageRole role = HistoryMessageRole::User;
+    QString label = {};   ///< who says it
     bool isFirst = true;  ///< the piece that has the label above it and the upper corners
     bool isLast = true;
     QString text;
@@ -67,12 +69,12 @@ struct HistoryPieceRow {
 /// Gives the picture of a path as an entry names it; nothing where it cannot be read.
 using HistoryImageFinder = std::function<std::optional<HistoryImage>(const QString& outputImagePath)>;
 
-QString entryCountText(std::size_t count);
+QString entryCountText(std::size_t count, HistoryLanguage language);
 QString shortTimeText(std::chrono::system_clock::time_point time, const QLocale& locale);
-HistoryAppRow appRow(const AppHistoryGroup& group, const QLocale& locale);
+HistoryAppRow appRow(const AppHistoryGroup& group, const QLocale& locale, HistoryLanguage language);
 
 /// The conversation of a group, from top to bottom.
 std::vector<HistoryPieceRow> conversationRows(const AppHistoryGroup& group, const QLocale& locale,
-                                              const HistoryImageFinder& findImage);
+                                              HistoryLanguage language, const HistoryImageFinder& findImage);
 
 }  // namespace tavrelon::ui

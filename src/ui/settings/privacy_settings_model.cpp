@@ -10,9 +10,9 @@ using platform::Permissions;
 namespace {
 
 constexpr std::array<PageText, 8> pageTexts{{
-    {u"title", u"Permissions", u"Permissions"},
-    {u"granted", u"Granted", u"Granted"},
-    {u"allow", u"Allow", u"Allow"},
+    {u"title", u"Permissions", u"权限"},
+    {u"granted", u"Granted", u"已授权"},
+    {u"allow", u"Allow", u"允许"},
     {u"services", u"Allowed Services", u"已允许的服务"},
     {u"servicesDetail", u"You said yes to these; your requests go there without a question.",
      u"您已同意将请求发送到以下服务，不再询问。"},
@@ -22,16 +22,19 @@ constexpr std::array<PageText, 8> pageTexts{{
 }};
 
 struct PermissionCardText {
-    QStringView title;
-    QStringView description;
-    QStringView icon;
+    PageText title;        ///< `name` is the icon's
+    PageText description;  ///< without a name
     Permission Permissions::* permission;
 };
 
 constexpr std::array<PermissionCardText, 3> cardTexts{{
-    {u"Accessibility", u"Required for hotkeys", u"figure.arms.open", &Permissions::accessibility},
-    {u"Screen Recording", u"Required for context", u"display", &Permissions::screenRecording},
-    {u"Microphone", u"Required for voice", u"mic.fill", &Permissions::microphone},
+    {{u"figure.arms.open", u"Accessibility", u"辅助功能"},
+     {u"", u"Required for hotkeys", u"快捷键需要"},
+     &Permissions::accessibility},
+    {{u"display", u"Screen Recording", u"屏幕录制"},
+     {u"", u"Required for context", u"了解上下文需要"},
+     &Permissions::screenRecording},
+    {{u"mic.fill", u"Microphone", u"麦克风"}, {u"", u"Required for voice", u"语音需要"}, &Permissions::microphone},
 }};
 
 /// As people write it: without the port that goes without saying.
@@ -51,9 +54,10 @@ QVariantList PrivacySettingsModel::cards() const {
     for (const auto& card : cardTexts) {
         const auto status = (permissions_.*card.permission).status();
         list << QVariantMap{
-            {QStringLiteral("title"), card.title.toString()},
-            {QStringLiteral("description"), card.description.toString()},
-            {QStringLiteral("icon"), card.icon.toString()},
+            {QStringLiteral("title"), (isEnglish() ? card.title.english : card.title.chinese).toString()},
+            {QStringLiteral("description"),
+             (isEnglish() ? card.description.english : card.description.chinese).toString()},
+            {QStringLiteral("icon"), card.title.name.toString()},
             {QStringLiteral("isGranted"), status == platform::AuthorizationStatus::Authorized},
         };
     }
