@@ -9,7 +9,7 @@ from waiting import Fault, wait_for
 # The pages, each with something that is on it, in the two languages.
 PAGES = [("Settings", "Vision Preference", "设置", "视觉偏好"), ("Hotkeys", "Restore Defaults", "快捷键", "恢复默认"),
          ("Clone", "Learn from Link", "克隆", "从链接学习"), ("Providers", "Ollama", "服务提供商", "Ollama"),
-         ("History", "清除所有历史记录", "历史记录", "清除所有历史记录"), ("Permissions", "Microphone", "权限", "Microphone")]
+         ("History", "Clear All History", "历史记录", "清除所有历史记录"), ("Permissions", "Microphone", "权限", "麦克风")]
 HOTKEYS = ["Control+Super+y", "Shift+Super+u", "Alt+Super+i", "F8"]
 SWITCHES = [("Think", "enableNvidiaThink"), ("Local Memory", "enableLocalLearning"), ("Share Improvements", "shareImprovements")]
 
@@ -96,13 +96,13 @@ def change_settings_meanwhile(desk, dice, field):
 def clear_history(desk, dice, field):
     text_request(desk, dice, field)
     desk.dashboard.open()
-    desk.dashboard.show("History", "清除所有历史记录")
-    desk.dashboard.windows.click("清除所有历史记录")
+    desk.dashboard.show("History", "Clear All History")
+    desk.dashboard.windows.click("Clear All History")
     wait_for("an empty history", lambda: json.loads(desk.tavrelon.history.read_text(encoding="utf-8")) == [])
     left = list((desk.tavrelon.history.parent / "history-images").iterdir())
     if left:
         raise Fault(f"pictures outlive the history: {left}")
-    desk.dashboard.windows.wait_for("暂无历史记录")
+    desk.dashboard.windows.wait_for("No history")
     desk.dashboard.close()
 
 
