@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <QPainter>
 #include <QQuickItem>
+#include <cmath>
 
 #include "desktop/hud_session.h"
 #include "support/input_desk.h"
 #include "support/qt_gtest.h"
+#include "ui/floating/floating_input_model.h"
 #include "ui/hud/hotkey_status_hud_model.h"
 #include "ui/hud/input_hud_window_controller.h"
 
@@ -16,6 +19,37 @@ using input::InputTrigger;
 using Case = InputState::Case;
 using tavrelon::testing::InputDesk;
 using tavrelon::testing::runQtUntil;
+
+namespace {
+
+QList<QQuickItem*> textsIn(QQuickItem& item) {
+    QList<QQuickItem*> texts;
+    for (auto* child : item.childItems())
+        texts += child->inherits("QQuickText") && child->isVisible() ? QList{child} : textsIn(*child);
+    return texts;
+}
+
+double luminance(const QColor& color) {
+    const auto linear = [](double part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double leastContrastOn(const QImage& glass, QColor page, const QColor& ink) {
+    QImage seen(glass.size(), QImage::Format_RGB32);
+    seen.fill(page);
+    QPainter(&seen).drawImage(seen.rect(), glass);
+    double least = 21;
+    for (int y = 0; y < seen.height(); ++y)
+        for (int x = 0; x < seen.width(); ++x) {
+            const auto [dark, light] = std::minmax({luminance(ink), luminance(seen.pixelColor(x, y))});
+            least = std::min(least, (light + 0.05) / (dark + 0.05));
+        }
+    return least;
+}
+
+}  // namespace
 
 class HUDDesktopTest : public ::testing::Test, public tavrelon::testing::PanelSession {
  public:
@@ -133,6 +167,37 @@ TEST_F(HUDDesktopTest, EveryFaceIsDrawnInItsColourWithinItsShape) {
         panel->orderOut();
     }
     EXPECT_EQ(log.lines(), QStringList());
+}
+
+TEST_F(HUDDesktopTest, EveryTextIsReadOnAWhiteAndOnABlackPage) {
+    desktop::QtPanels glass{loop, log, {[] { return true; }, [this](quint64 window) { x11->focus(window); }}};
+    const auto leastContrast = [&](platform::PanelKind kind, const QString& name, QSizeF size, QObject& shown) {
+        const auto panel = glass.create({kind, size, name, &shown});
+        panel->orderFront();
+        EXPECT_TRUE(runQtUntil([this] { return shownView() != nullptr; }));
+        pass(100ms);
+        double least = 21;
+        for (auto* text : textsIn(*shownView()->rootObject())) {
+            const QColor ink = text->property("color").value<QColor>();
+            const auto area = text->mapRectToScene(text->boundingRect()).toAlignedRect();
+            text->setOpacity(0);  // an invisible one would make its neighbours move up
+            const auto behind = shownView()->grabWindow().copy(area);
+            EXPECT_TRUE(behind.hasAlphaChannel()) << "the page is not seen through it";
+            for (const auto page : {Qt::white, Qt::black})
+                least = std::min(least, leastContrastOn(behind, page, ink));
+        }
+        EXPECT_LT(least, 21) << "no text";
+        return least;
+    };
+    const auto overlay = QStringLiteral("hud/InputHUDView");
+    for (const auto trigger : {InputTrigger::text, InputTrigger::autoReply, InputTrigger::video}) {
+        model.show(Case::processing, trigger);
+        EXPECT_GE(leastContrast(platform::PanelKind::Overlay, overlay, {220, 70}, model), 4.5);
+    }
+    FloatingInputModel prompt;
+    EXPECT_GE(
+        leastContrast(platform::PanelKind::Overlay, QStringLiteral("floating/FloatingInputView"), {420, 74}, prompt),
+        4.5);
 }
 
 TEST_F(HUDDesktopTest, AHiddenOverlayDrawsNothing) {
