@@ -28,6 +28,13 @@ platform::Permissions permissions(desktop::SessionAdapters& session) {
              }}};
 }
 
+/// Opens the page for donations; null where none is configured.
+std::function<void()> donationLink(platform::Workspace& workspace) {
+    if (ui::donationPage().isEmpty())
+        return {};
+    return [&workspace] { workspace.openUrl(ui::donationPage()); };
+}
+
 }  // namespace
 
 Dashboard::Dashboard(app::AppState& appState, desktop::SessionAdapters& session)
@@ -39,7 +46,6 @@ Dashboard::Dashboard(app::AppState& appState, desktop::SessionAdapters& session)
               ui::hotkeysPage(appState, keys, session.platform.hotkeys, session.platform.speech),
               ui::clonePage(appState, session.platform, filePicker), ui::providersPage(appState, session.platform),
               ui::historyPage(appState), ui::privacyPage(appState, permissions(session))},
-             {[&session] { session.platform.workspace.openUrl(ui::donationPage()); },
-              [&appState] { return appState.readiness(); }}) {}
+             {donationLink(session.platform.workspace), [&appState] { return appState.readiness(); }}) {}
 
 }  // namespace tavrelon::program

@@ -119,7 +119,7 @@ def test_a_number_is_taken_when_its_field_is_left_and_nonsense_is_not(desk, show
 def test_tab_walks_through_named_controls_and_space_presses_them(desk, shown):
     tavrelon, dashboard = shown
     windows, walked = dashboard.windows, []
-    wanted = ["Settings", "Hotkeys", "Permissions", "Help", "Donate", "中文", "Try it here", "Speed", "Quality", "Think",
+    wanted = ["Settings", "Hotkeys", "Permissions", "Help", "中文", "Try it here", "Speed", "Quality", "Think",
               "Local Memory", "Share Improvements", "Image Prompt Enhancement"]
     while wanted[-1] not in walked and len(walked) < 30:
         desk.keyboard.press("Tab")

@@ -101,6 +101,7 @@ Item {
                 }
                 PressArea {
                     id: donate
+                    visible: view.model.canDonate
                     width: 64
                     height: 46
                     corner: 12

@@ -10,7 +10,7 @@ namespace tavrelon::ui {
 
 /// What the shell asks and does outside of the window.
 struct DashboardSurroundings {
-    std::function<void()> openDonationPage;  ///< in the browser
+    std::function<void()> openDonationPage;  ///< in the browser; null where there is none
     std::function<app::Readiness()> readiness;
 };
 
@@ -24,6 +24,7 @@ class DashboardModel : public PageModel {
     Q_PROPERTY(QObject* pageModel READ pageModel NOTIFY selectionChanged)
     Q_PROPERTY(QString state READ state NOTIFY changed)
     Q_PROPERTY(bool isActive READ isActive NOTIFY changed)
+    Q_PROPERTY(bool canDonate READ canDonate CONSTANT)
     Q_PROPERTY(bool showingHelp MEMBER showingHelp_ NOTIFY showingHelpChanged)
     Q_PROPERTY(QVariantList helpSections READ helpSections NOTIFY changed)
 
@@ -54,7 +55,11 @@ class DashboardModel : public PageModel {
     Q_INVOKABLE QVariantList nearStars() const;
 
     Q_INVOKABLE void switchLanguage();
-    Q_INVOKABLE void donate() { surroundings_.openDonationPage(); }
+    bool canDonate() const { return static_cast<bool>(surroundings_.openDonationPage); }
+    Q_INVOKABLE void donate() {
+        if (canDonate())
+            surroundings_.openDonationPage();
+    }
 
     Q_SIGNAL void selectionChanged();
     Q_SIGNAL void showingHelpChanged();

@@ -4,7 +4,7 @@
 
 namespace tavrelon::ui {
 
-/// Where "Donate" leads, as configured at build time.
+/// Where "Donate" leads, as configured at build time; empty where no page is.
 QUrl donationPage();
 
 }  // namespace tavrelon::ui
