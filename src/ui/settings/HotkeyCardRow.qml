@@ -25,7 +25,7 @@ Item {
                 verticalCenter: parent.verticalCenter
             }
             spacing: 2
-            opacity: card.row.isEnabled && card.hotkeys.hotkeysEnabled ? 1 : 0.55
+            opacity: card.row.isLive ? 1 : 0.55
 
             Text {
                 width: parent.width

@@ -18,6 +18,9 @@ struct HotkeyRow {
 
     bool isStored = true;  ///< else the key is always the same one
 
+    /// The key of the master switch works while that is off.
+    bool isAlwaysLive() const { return key == &keys::HotkeySet::toggleAllHotkeysHotkey; }
+
     /// Only voice hotkeys may consist of modifiers alone.
     bool allowModifiersOnly() const { return silenceTimeout != nullptr; }
     keys::ZeroKey zeroKey() const { return allowModifiersOnly() ? keys::ZeroKey::None : keys::ZeroKey::A; }
@@ -93,7 +96,7 @@ inline constexpr std::array<PageText, 16> hotkeysPageTexts{{
     {u"timeoutTip", u"Auto stop after Xs of silence", u"静默 X 秒后自动结束"},
     {u"speech", u"Speech language", u"语音语言"},
     {u"speechHint", u"Of the recognisers that are installed", u"已安装的语音识别模型"},
-    {u"recording", u"Press keys...", u"Press keys..."},
+    {u"recording", u"Press keys...", u"请按下按键..."},
     {u"refused", u"A cannot be the key of this hotkey", u"此快捷键不能使用 A 键"},
     {u"clash", u"Same keys as: %1", u"按键相同：%1"},
     {u"held", u"Another program holds these keys", u"此组合键已被其他程序占用"},

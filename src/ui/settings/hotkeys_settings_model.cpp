@@ -72,6 +72,7 @@ QVariantMap HotkeysSettingsModel::shown(int index) const {
         {QStringLiteral("title"), textOf(row.title, isEnglish())},
         {QStringLiteral("subtitle"), isRefused ? text(u"refused") : textOf(row.subtitle, isEnglish())},
         {QStringLiteral("isEnabled"), settings().*row.isEnabled},
+        {QStringLiteral("isLive"), settings().*row.isEnabled && (settings().hotkeysEnabled || row.isAlwaysLive())},
         {QStringLiteral("key"), named(keys::displayName)},
         {QStringLiteral("keyName"), named(keys::plainName)},
         {QStringLiteral("canRecord"), row.isStored},

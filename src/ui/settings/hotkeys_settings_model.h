@@ -44,9 +44,9 @@ class HotkeysSettingsModel : public PageModel {
 
     int rowCount() const;
 
-    /// Each a record of `title`, `subtitle`, `isEnabled`, `key` (the key cap's text), `keyName` (the same in words),
-    /// `canRecord`, `isRecording`, `warning` (empty where all is well), and `timeout`: the silence in seconds as text,
-    /// empty for rows without one.
+    /// Each a record of `title`, `subtitle`, `isEnabled`, `isLive` (its press counts now), `key` (the key cap's text),
+    /// `keyName` (the same in words), `canRecord`, `isRecording`, `warning` (empty where all is well), and `timeout`:
+    /// the silence in seconds as text, empty for rows without one.
     QVariantList rows() const;
 
     /// The installed recognisers as records of `value`, a locale, and `label`, the language's own name for itself.
