@@ -22,6 +22,8 @@ class KeyboardState(ctypes.Structure):
 class Keyboard:
     places = PLACES
 
+    after_modifier = BETWEEN_KEYS  # no finger is faster
+
     def __init__(self):
         self.x11, self.xtst = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
         self.x11.XOpenDisplay.restype = ctypes.c_void_p
@@ -47,7 +49,7 @@ class Keyboard:
         *modifiers, last = chord.split("+")
         for key in modifiers:
             self._key(key, 1)
-            time.sleep(BETWEEN_KEYS)  # no finger is faster, and pages of Qt's web engine take a faster chord twice
+            time.sleep(self.after_modifier)
         self._key(last, 1)
         for key in (last, *reversed(modifiers)):
             self._key(key, 0)
