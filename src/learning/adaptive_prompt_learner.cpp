@@ -75,8 +75,9 @@ void AdaptivePromptLearner::forget() {
     storageManager_.changeSettings(
         [](persistence::AppSettings& settings) { forgetTaught(settings, persistence::Taught::AdaptivePrompt); });
     storageManager_.saveSettings();
-    queue_->post([this] {
+    queue_->post([this, forgettings = forgettings_.load()] {
         state_ = {};
+        forgettingsOfState_ = forgettings;
         save();
     });
 }
@@ -108,13 +109,14 @@ void AdaptivePromptLearner::evaluateUpdate() {
     isUpdating_ = true;
     const auto first = state_.pendingInputs.begin();
     std::vector<QString> samples(first, first + learningInterval_);
-    mainLoop_.post(lifetime_.guard(
-        [this, samples = std::move(samples)]() mutable { updates_.spawn(update(std::move(samples))); }));
+    mainLoop_.post(lifetime_.guard([this, samples = std::move(samples), forgettings = forgettingsOfState_]() mutable {
+        updates_.spawn(update(std::move(samples), forgettings));
+    }));
 }
 
-async::Task<void> AdaptivePromptLearner::update(std::vector<QString> samples) {
-    const int forgettings = forgettings_;
-    const bool isAllowed = mayUpdate();
+async::Task<void> AdaptivePromptLearner::update(std::vector<QString> samples, int forgettings) {
+    // What was forgotten on the way here is not sent.
+    const bool isAllowed = forgettings == forgettings_ && mayUpdate();
     const auto lesson = isAllowed ? co_await learnedPrompt(std::move(samples)) : std::nullopt;
     queue_->post([this, lesson, isAllowed, forgettings] {
         isUpdating_ = false;

@@ -66,7 +66,7 @@ class AdaptivePromptLearner : public InputRecorder {
     void save();
 
     // On the main thread.
-    async::Task<void> update(std::vector<QString> samples);
+    async::Task<void> update(std::vector<QString> samples, int forgettings);
     bool mayUpdate() const;
     async::Task<std::optional<Lesson>> learnedPrompt(std::vector<QString> samples);
     void storePrompt(const Lesson& lesson, int forgettings);
@@ -84,7 +84,8 @@ class AdaptivePromptLearner : public InputRecorder {
     bool isUpdating_ = false;
     async::Instant nextUpdate_{};          ///< none begins before
     async::Instant::duration patience_{};  ///< that the last failure has cost
-    std::atomic<int> forgettings_ = 0;
+    std::atomic<int> forgettings_ = 0;     ///< asked for, on the main thread
+    int forgettingsOfState_ = 0;           ///< those that the samples have gone through, on the queue
 
     // The settings belong to the main thread, but the queue asks whether learning is on at the moment of its work. This
     // copy follows every change of them.

@@ -124,7 +124,13 @@ TEST_F(AdaptivePromptLearnerTest, WhatIsForgottenIsGoneAndAnUpdateUnderWayTeache
     http.answer(200, chatReply(u"Be terse."_s));
     record(u"later"_s, 2, 3);
     EXPECT_EQ(prompt(), u"Be terse."_s);
+    const auto asked = http.requests().size();
+    for (int number = 1; number <= 3; ++number)
+        learner->recordInput(u"on the way "_s + QString::number(number));
+    learner->forget();  // before the queue, and with it the model, comes to them
     learner->forget();
+    loop.runUntilIdle();
+    EXPECT_EQ(http.requests().size(), asked);
     EXPECT_EQ(prompt(), QString());
     EXPECT_FALSE(store.data(persistence::defaults_keys::settings)->contains("Be terse."));
     start();
