@@ -25,11 +25,13 @@ void AutoReplyFlow::startAutoReply() {
 }
 
 async::Task<void> AutoReplyFlow::processAutoReply(QUuid id) {
-    if (!machine_.isCurrentTask(id) || !machine_.ensureNoPasswordField())
+    machine_.requireCurrent(id);
+    if (!machine_.ensureNoPasswordField())
         co_return;
     const auto context = co_await services_.contextCapturer.captureContext(QString(), capture::ScreenshotWish::Include);
-    if (machine_.isCurrentTask(id))
-        co_await reply(id, context);
+    machine_.requireCurrent(id);
+    co_await reply(id, context);
+    co_await machine_.complete(id, 2s);
 }
 
 async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedContext& context) {
@@ -39,28 +41,21 @@ async::Task<void> AutoReplyFlow::reply(const QUuid& id, const capture::CapturedC
     std::optional<QString> userStyle;
     if (settings.enableLocalLearning)
         userStyle = services_.historyManager.userStyleProfile(std::max<qint64>(settings.maxHistoryEntries, 0));
-    const auto retried = co_await generateWithRetry(
+    const auto answered = co_await generateWithRetry(
         machine_, services_.platform.mainLoop, id, services_.generator.deadline(),
         [this, &context, prompt, userStyle] { return generateOnce(prompt, context, userStyle); });
-    if (!machine_.isCurrentTask(id))
+    machine_.requireCurrent(id);
+    const auto& text = answered.result.text;
+    const StoredWrite writing(
+        services_, historyEntryOf(context, answered,
+                                  {selection, text.value_or(QStringLiteral("[Auto Reply]")), QStringLiteral("reply")},
+                                  services_.platform.mainLoop.wallTime()));
+    if (!text)
         co_return;
-    std::optional<StoredWrite> writing(
-        std::in_place, services_.platform,
-        [this, entry = historyEntryOf(context, retried.result,
-                                      {selection, retried.result.text.value_or(QStringLiteral("[Auto Reply]")),
-                                       QStringLiteral("reply"), retried.retryCount},
-                                      services_.platform.mainLoop.wallTime())] {
-            services_.historyManager.addEntry(entry);
-        });
-    if (retried.result.text) {
-        co_await async::pause(services_.platform.mainLoop, 50ms);
-        const auto placement = co_await services_.outputWriter.pasteText(*retried.result.text);
-        if (!machine_.isCurrentTask(id))
-            co_return;
-        output::ensureWritten(placement);
-    }
-    writing.reset();
-    co_await machine_.complete(id, 2s);
+    co_await async::pause(services_.platform.mainLoop, 50ms);
+    const auto placement = co_await services_.outputWriter.pasteText(*text);
+    machine_.requireCurrent(id);
+    output::ensureWritten(placement);
 }
 
 async::Task<generation::GenerationResult> AutoReplyFlow::generateOnce(QString prompt,

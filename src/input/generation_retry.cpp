@@ -28,8 +28,7 @@ async::Task<std::optional<generation::GenerationResult>> attempt(const Generatio
 async::Task<RetriedResult> tryInTurn(InputStateMachine& machine, async::MainLoop& loop, InputStateMachine::TaskID id,
                                      GenerationOperation operation) {
     for (int i = 0; i < generationAttempts; ++i) {
-        if (!machine.isCurrentTask(id))
-            throw async::CancellationError();
+        machine.requireCurrent(id);
         if (auto result = co_await attempt(operation, i == generationAttempts - 1))
             co_return RetriedResult{*std::move(result), i};
         co_await async::ignoringCancellation(async::pause(loop, generationRetryDelay * (i + 1)));

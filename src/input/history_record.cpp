@@ -6,10 +6,9 @@
 
 namespace tavrelon::input {
 
-persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context,
-                                         const generation::GenerationResult& result, AnswerRecord record,
-                                         std::chrono::system_clock::time_point now) {
-    const auto& decision = result.decisionObject;
+persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context, const RetriedResult& answered,
+                                         AnswerRecord record, std::chrono::system_clock::time_point now) {
+    const auto& decision = answered.result.decisionObject;
     persistence::HistoryEntry entry;
     entry.id = QUuid::createUuid();
     entry.timestamp = now;
@@ -21,7 +20,7 @@ persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context
     entry.windowTitle = context.windowTitle;
     entry.inputText = text::withoutControls(record.inputText);
     entry.outputText = text::writableAnswer(record.outputText);
-    entry.retryCount = record.retryCount;
+    entry.retryCount = answered.retryCount;
     return entry;
 }
 
@@ -29,6 +28,11 @@ StoredWrite::StoredWrite(platform::Platform& platform, Store store) : log_(platf
     log_.line(QStringLiteral("[StateMachine] Writing"));
     platform.mainLoop.post(lifetime_.guard([this] { storeOnce(); }));
 }
+
+StoredWrite::StoredWrite(const InputServices& services, persistence::HistoryEntry entry)
+    : StoredWrite(services.platform, [&history = services.historyManager, stored = std::move(entry)]() mutable {
+          history.addEntry(std::move(stored));
+      }) {}
 
 StoredWrite::~StoredWrite() {
     storeOnce();

@@ -13,12 +13,10 @@ struct AnswerRecord {
     QString inputText;
     QString outputText;
     std::optional<QString> intent;  ///< where no decision names one
-    qint64 retryCount = 0;
 };
 
-persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context,
-                                         const generation::GenerationResult& result, AnswerRecord record,
-                                         std::chrono::system_clock::time_point now);
+persistence::HistoryEntry historyEntryOf(const capture::CapturedContext& context, const RetriedResult& answered,
+                                         AnswerRecord record, std::chrono::system_clock::time_point now);
 
 /// Stores an answer beside its write: in the first wait of that, which a storage device takes a part of, or when it
 /// ends, however it ends. A write that fails so loses neither the request nor the answer. The log tells from the begin
@@ -29,6 +27,9 @@ class StoredWrite {
 
     /// What `store` refers to outlives this object.
     StoredWrite(platform::Platform& platform, Store store);
+
+    /// Stores `entry` in the history.
+    StoredWrite(const InputServices& services, persistence::HistoryEntry entry);
     StoredWrite(const StoredWrite&) = delete;
     StoredWrite& operator=(const StoredWrite&) = delete;
     ~StoredWrite();

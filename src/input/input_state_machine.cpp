@@ -232,8 +232,9 @@ void InputStateMachine::finishProcessingTask(const TaskID& id) {
     processingTask_.reset();
 }
 
-bool InputStateMachine::isCurrentTask(const TaskID& id) const {
-    return ownsInput(id) && processingTask_ && !processingTask_->isCancelled();
+void InputStateMachine::requireCurrent(const TaskID& id) const {
+    if (!ownsInput(id) || !processingTask_ || processingTask_->isCancelled())
+        throw async::CancellationError();
 }
 
 void InputStateMachine::resetIfOwned(const TaskID& id) {

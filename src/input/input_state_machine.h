@@ -83,8 +83,9 @@ class InputStateMachine {
     /// else as a failure whose line in the log begins with `failureLog`.
     void beginProcessingTask(QString failureLog, std::function<async::Task<void>(TaskID)> operation);
 
-    /// Whether `id` is the running task and was not asked to stop.
-    bool isCurrentTask(const TaskID& id) const;
+    /// Throws `CancellationError`, which ends the task quietly, unless `id` is the running task and was not asked to
+    /// stop. For after every wait.
+    void requireCurrent(const TaskID& id) const;
 
     /// Whether `id` is the running task, asked to stop or not.
     bool ownsInput(const TaskID& id) const { return processingTaskID_ == id; }

@@ -1,14 +1,25 @@
-// The second half of the text request pipeline: the model's answer takes the request's place.
+#include "input/request_answer.h"
+
 #include "input/history_record.h"
 #include "input/request_settings.h"
-#include "input/request_text.h"
-#include "input/text_request_pipeline.h"
 
 namespace tavrelon::input {
 
 using Method = scenes::ReplacementStrategy::Method;
 
-async::Task<RetriedResult> TextRequestPipeline::askModel(TextRequest& request) {
+async::Task<void> RequestAnswer::answer(TextRequest& request) {
+    request.context.inputBuffer = request.finalText;
+    const auto answered = co_await askModel(request);
+    machine_.requireCurrent(request.id);
+    co_await leaveComposition(request);
+    machine_.requireCurrent(request.id);
+    const auto placement = co_await write(request, answered);
+    machine_.requireCurrent(request.id);
+    output::ensureWritten(placement);
+    co_await machine_.complete(request.id, std::chrono::seconds(2));
+}
+
+async::Task<RetriedResult> RequestAnswer::askModel(TextRequest& request) {
     const auto& settings = services_.storageManager.settings();
     auto userVoice = adaptivePromptForRequest(settings);
     std::optional<QString> userStyle;
@@ -19,9 +30,9 @@ async::Task<RetriedResult> TextRequestPipeline::askModel(TextRequest& request) {
         [this, &request, userStyle, userVoice] { return generateOnce(request, userStyle, userVoice); });
 }
 
-async::Task<generation::GenerationResult> TextRequestPipeline::generateOnce(const TextRequest& request,
-                                                                            std::optional<QString> userStyle,
-                                                                            std::optional<QString> userVoice) {
+async::Task<generation::GenerationResult> RequestAnswer::generateOnce(const TextRequest& request,
+                                                                      std::optional<QString> userStyle,
+                                                                      std::optional<QString> userVoice) {
     const auto& settings = services_.storageManager.settings();
     if (userVoice && !adaptivePromptForRequest(settings))
         userVoice.reset();  // the provider was changed between two attempts
@@ -33,21 +44,14 @@ async::Task<generation::GenerationResult> TextRequestPipeline::generateOnce(cons
          .mayDraw = settings.picturesByRequest});
 }
 
-std::optional<qint64> TextRequestPipeline::effectiveDeleteCount(const TextRequest& request) const {
-    const auto trigger = machine_.activeTrigger();
-    const bool neverReachedTheField =
-        trigger == InputTrigger::floatingInput ||
-        (trigger == InputTrigger::voice && request.transcriptInserted == TranscriptInserted::No);
-    return neverReachedTheField ? 0 : request.finalDeleteCount;
-}
-
-async::Task<void> TextRequestPipeline::leaveComposition(TextRequest& request) {
+async::Task<void> RequestAnswer::leaveComposition(TextRequest& request) {
     // A half-composed word would take the Backspaces for itself. It stands in the fields of some programs and not in
     // those of others, so what is to be removed is counted once it is gone; where that cannot be read it stays.
-    if (machine_.activeTrigger() != InputTrigger::text || !request.imeActive || !request.initial)
+    if (!request.isTyped() || !request.imeActive || !request.initial)
         co_return;
-    if (!co_await services_.outputWriter.cancelComposition() || !machine_.isCurrentTask(request.id))
+    if (!co_await services_.outputWriter.cancelComposition())
         co_return;
+    machine_.requireCurrent(request.id);
     const auto latest = services_.contextCapturer.fetchFocusedTextSnapshot();
     if (!latest)
         co_return;
@@ -56,28 +60,24 @@ async::Task<void> TextRequestPipeline::leaveComposition(TextRequest& request) {
     request.standing = left ? output::StandingText{left->text, left->place} : output::StandingText();
 }
 
-async::Task<output::Placement> TextRequestPipeline::write(const TextRequest& request,
-                                                          const generation::GenerationResult& result,
-                                                          qint64 retryCount) {
-    const auto id = QUuid::createUuid();
-    const auto strategy =
-        makeReplacementStrategy(request.requestText, request.context.selection, effectiveDeleteCount(request));
+async::Task<output::Placement> RequestAnswer::write(const TextRequest& request, const RetriedResult& answered) {
+    const auto& result = answered.result;
+    const auto strategy = makeReplacementStrategy(request.requestText, request.context.selection,
+                                                  request.isOutsideField() ? 0 : request.finalDeleteCount);
     std::optional<platform::PasteboardItem> picture;
     if (result.imageData) {
         picture = co_await services_.platform.imageCodec.pasteboardItem(*result.imageData);
         if (!picture)  // told before a key is pressed: what was typed stays
             throw output::OutputWriterError(output::OutputWriterError::Code::invalidImageData);
-        if (!machine_.isCurrentTask(request.id))
-            throw async::CancellationError();
+        machine_.requireCurrent(request.id);
     }
     const auto shown = picture ? output::pictureCopied.toString() : QStringLiteral("[Image Generated]");
-    auto entry = historyEntryOf(request.context, result,
-                                {request.finalText, result.text && !picture ? *result.text : shown, {}, retryCount},
+    auto entry = historyEntryOf(request.context, answered,
+                                {request.finalText, result.text && !picture ? *result.text : shown, {}},
                                 services_.platform.mainLoop.wallTime());
-    entry.id = id;
-    const StoredWrite writing(services_.platform, [this, &request, &entry, &picture, id] {
+    const StoredWrite writing(services_.platform, [this, &request, &entry, &picture] {
         if (picture)
-            entry.outputImagePath = services_.historyManager.saveImage(picture->dataByType.front().second, id);
+            entry.outputImagePath = services_.historyManager.saveImage(picture->dataByType.front().second, entry.id);
         record(request, entry);
     });
     if (picture)
@@ -88,9 +88,8 @@ async::Task<output::Placement> TextRequestPipeline::write(const TextRequest& req
                                                         text::characterCount(request.requestText), request.standing);
 }
 
-async::Task<output::Placement> TextRequestPipeline::writeImage(const TextRequest& request,
-                                                               platform::PasteboardItem picture,
-                                                               const scenes::ReplacementStrategy& strategy) {
+async::Task<output::Placement> RequestAnswer::writeImage(const TextRequest& request, platform::PasteboardItem picture,
+                                                         const scenes::ReplacementStrategy& strategy) {
     auto& writer = services_.outputWriter;
     const auto typedCount = text::characterCount(request.requestText);
     auto paste = output::AutoPaste::Yes;
@@ -108,6 +107,12 @@ async::Task<output::Placement> TextRequestPipeline::writeImage(const TextRequest
     }
     const auto outcome = co_await writer.writeImage(std::move(picture), std::nullopt, paste);
     co_return paste == output::AutoPaste::No ? output::Placement::OnClipboard : outcome.placement;
+}
+
+void RequestAnswer::record(const TextRequest& request, persistence::HistoryEntry entry) {
+    services_.historyManager.addEntry(std::move(entry));
+    if (services_.adaptivePromptLearner && shouldRecordInput(request.finalText, request.imeActive))
+        services_.adaptivePromptLearner->recordInput(request.finalText);
 }
 
 }  // namespace tavrelon::input

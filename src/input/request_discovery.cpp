@@ -1,7 +1,7 @@
-// The first half of the text request pipeline: what did the user ask for?
+#include "input/request_discovery.h"
+
 #include "async/waits.h"
 #include "input/text_difference.h"
-#include "input/text_request_pipeline.h"
 
 namespace tavrelon::input {
 
@@ -20,49 +20,42 @@ bool isMissing(const std::optional<QString>& text) {
 
 }  // namespace
 
-async::Task<TextRequestPipeline::Next> TextRequestPipeline::findText(TextRequest& request) {
-    if (!co_await readInput(request))
-        co_return Next::End;
+async::Task<void> RequestDiscovery::findText(TextRequest& request) {
+    co_await readInput(request);
     request.context =
         co_await services_.contextCapturer.captureContext(request.requestText, capture::ScreenshotWish::Include);
-    if (!machine_.isCurrentTask(request.id))
-        co_return Next::End;
+    machine_.requireCurrent(request.id);
     machine_.expectedScreenshot.reset();
     believeSelection(request);
     testForComposition(request);
-    co_return co_await settleText(request);
+    co_await settleText(request);
 }
 
-async::Task<bool> TextRequestPipeline::readInput(TextRequest& request) {
+async::Task<void> RequestDiscovery::readInput(TextRequest& request) {
     if (!request.current)
         request.current = services_.contextCapturer.fetchFocusedTextSnapshot();
-    const bool typed = machine_.activeTrigger() == InputTrigger::text;
-    if (typed && request.current && !machine_.wereKeysTold())
+    if (request.isTyped() && request.current && !machine_.wereKeysTold())
         co_await awaitField(request);
     if (!request.current)
         request.current = request.initial;
-    if (!machine_.isCurrentTask(request.id))
-        co_return false;
+    machine_.requireCurrent(request.id);
     machine_.initialTextSnapshot.reset();
     request.imeActive = services_.platform.inputSource.isInputMethodActive();
     // The one case in which Copy is pressed in the user's application: nothing could be read, and the keys alone are
     // not enough.
-    if (typed && !request.current && (text::isBlank(request.inputBuffer) || request.imeActive))
+    if (request.isTyped() && !request.current && (text::isBlank(request.inputBuffer) || request.imeActive))
         // To its end even when the request is cancelled: a copy under way would replace what is to be put back.
         request.clipboardSelection = co_await async::shielded(services_.contextCapturer.selectionViaClipboard(
-            wholeField() == WholeField::Allowed ? capture::SelectAll::Allowed : capture::SelectAll::Forbidden));
-    if (!machine_.isCurrentTask(request.id))
-        co_return false;
+            wholeField(request) == WholeField::Allowed ? capture::SelectAll::Allowed : capture::SelectAll::Forbidden));
+    machine_.requireCurrent(request.id);
     request.requestText = chooseRequestText(request);
-    co_return true;
 }
 
 /// A reading that comes early would lose the end of what was typed, or all of it.
-async::Task<void> TextRequestPipeline::awaitField(TextRequest& request) {
+async::Task<void> RequestDiscovery::awaitField(TextRequest& request) {
     for (int reading = 1; reading < mostReadings; ++reading) {
         co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, fieldRhythm));
-        if (!machine_.isCurrentTask(request.id))
-            co_return;
+        machine_.requireCurrent(request.id);
         auto next = services_.contextCapturer.fetchFocusedTextSnapshot();
         if (!next)
             co_return;
@@ -73,32 +66,29 @@ async::Task<void> TextRequestPipeline::awaitField(TextRequest& request) {
     }
 }
 
-/// Not where something may have been typed that nobody saw: all that stood there would be gone with it.
-WholeField TextRequestPipeline::wholeField() const {
-    const bool typed = machine_.activeTrigger() == InputTrigger::text;
-    return typed && !machine_.wereKeysTold() ? WholeField::Forbidden : WholeField::Allowed;
+WholeField RequestDiscovery::wholeField(const TextRequest& request) const {
+    return request.isTyped() && !machine_.wereKeysTold() ? WholeField::Forbidden : WholeField::Allowed;
 }
 
-QString TextRequestPipeline::chooseRequestText(const TextRequest& request) {
-    const bool typed = machine_.activeTrigger() == InputTrigger::text;
-    if (typed && !request.current) {
+QString RequestDiscovery::chooseRequestText(const TextRequest& request) const {
+    if (request.isTyped() && !request.current) {
         if (request.clipboardSelection)
             return *request.clipboardSelection;
         if (!text::isBlank(request.inputBuffer))
-            log(QStringLiteral("[StateMachine] Using keystroke buffer fallback"));
+            services_.platform.log.line(QStringLiteral("[StateMachine] Using keystroke buffer fallback"));
         return request.inputBuffer;
     }
-    if (!typed && request.transcriptInserted == TranscriptInserted::No)
+    if (request.isOutsideField())
         return request.inputBuffer;
     // A reading that failed or came too early shows no difference. Taking the whole field for the request would then
     // delete all before the caret, although the keys or the transcript tell what was asked.
     const bool foundInField = deriveRequestText(request.current, std::nullopt, request.initial).has_value();
     if (!foundInField && !text::isBlank(request.inputBuffer))
         return request.inputBuffer;
-    return deriveInputText(request.initial, request.current, wholeField()).value_or(request.inputBuffer);
+    return deriveInputText(request.initial, request.current, wholeField(request)).value_or(request.inputBuffer);
 }
 
-void TextRequestPipeline::believeSelection(TextRequest& request) {
+void RequestDiscovery::believeSelection(TextRequest& request) {
     auto& selection = request.context.selection;
     if (isMissing(selection))
         if (auto selected = selectedTextOf(request.current))
@@ -110,7 +100,7 @@ void TextRequestPipeline::believeSelection(TextRequest& request) {
         request.normalizedSelection = text::trimmed(*selection);
 }
 
-void TextRequestPipeline::testForComposition(TextRequest& request) {
+void RequestDiscovery::testForComposition(TextRequest& request) {
     // An input method that has not committed leaves ASCII letters in the field, which would be nonsense to the model.
     if (text::isBlank(request.requestText) || !text::isASCIIOnly(text::trimmed(request.requestText)))
         return;
@@ -122,32 +112,15 @@ void TextRequestPipeline::testForComposition(TextRequest& request) {
     request.imeMayBeComposing = request.imeActive || (window && !text::isASCIIOnly(*window));
 }
 
-async::Task<TextRequestPipeline::Next> TextRequestPipeline::settleText(TextRequest& request) {
-    const bool isSpoken = machine_.activeTrigger() == InputTrigger::voice;
-    if (machine_.activeTrigger() == InputTrigger::floatingInput ||
-        (isSpoken && request.transcriptInserted == TranscriptInserted::No)) {
-        request.settle({request.requestText, std::nullopt});
-        co_return Next::Stage;
-    }
-    auto candidate = deriveRequestText(request.current, request.normalizedSelection, request.initial);
-    if (request.imeMayBeComposing && (!candidate || text::isASCIIOnly(candidate->text))) {
-        switch (co_await settlingLoop_.run(request, std::move(candidate))) {
-            case Settling::Settled:
-                co_return Next::Stage;
-            case Settling::Empty:
-                co_return Next::EmptyInput;
-            case Settling::Overtaken:
-                co_return Next::End;
-        }
-    }
-    if (candidate) {
-        request.settle(std::move(*candidate));
-        co_return Next::Stage;
-    }
-    if (text::isBlank(request.requestText))
-        co_return Next::EmptyInput;
-    request.settle({request.requestText, std::nullopt});
-    co_return Next::Stage;
+async::Task<void> RequestDiscovery::settleText(TextRequest& request) {
+    auto candidate = request.isOutsideField()
+                         ? std::nullopt
+                         : deriveRequestText(request.current, request.normalizedSelection, request.initial);
+    const bool mayBeComposing = request.imeMayBeComposing && !request.isOutsideField();
+    if (mayBeComposing && (!candidate || text::isASCIIOnly(candidate->text)))
+        co_await settlingLoop_.run(request, std::move(candidate));
+    else
+        request.settle(std::move(candidate).value_or(RequestText{request.requestText, std::nullopt}));
 }
 
 }  // namespace tavrelon::input

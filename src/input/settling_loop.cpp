@@ -23,34 +23,21 @@ bool isRawLetters(const QString& text) {
 
 }  // namespace
 
-async::Task<Settling> SettlingLoop::run(TextRequest& request, std::optional<RequestText> candidate) {
+async::Task<void> SettlingLoop::run(TextRequest& request, std::optional<RequestText> candidate) {
     for (const auto wait : passes) {
-        const auto outcome = co_await pass(request, candidate, wait);
-        if (outcome == Pass::Overtaken)
-            co_return Settling::Overtaken;
-        if (outcome == Pass::Committed)
+        co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, wait));
+        machine_.requireCurrent(request.id);
+        auto found = co_await readAgain(request);
+        machine_.requireCurrent(request.id);
+        if (!found || text::isBlank(found->text))
+            continue;
+        const bool isCommitted = !isRawLetters(found->text);
+        if (isCommitted || !candidate)
+            candidate = std::move(found);
+        if (isCommitted)
             break;
     }
-    co_return choose(request, std::move(candidate));
-}
-
-async::Task<SettlingLoop::Pass> SettlingLoop::pass(TextRequest& request, std::optional<RequestText>& candidate,
-                                                   std::chrono::milliseconds wait) {
-    co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, wait));
-    if (!machine_.isCurrentTask(request.id))
-        co_return Pass::Overtaken;
-    auto found = co_await readAgain(request);
-    if (!machine_.isCurrentTask(request.id))
-        co_return Pass::Overtaken;
-    if (!found || text::isBlank(found->text))
-        co_return Pass::Again;
-    if (isRawLetters(found->text)) {
-        if (!candidate)
-            candidate = std::move(found);
-        co_return Pass::Again;
-    }
-    candidate = std::move(found);
-    co_return Pass::Committed;
+    choose(request, std::move(candidate));
 }
 
 async::Task<std::optional<RequestText>> SettlingLoop::readAgain(TextRequest& request) {
@@ -70,25 +57,22 @@ async::Task<std::optional<RequestText>> SettlingLoop::readAgain(TextRequest& req
     co_return deriveRequestText(latest, fresh ? fresh : request.normalizedSelection, request.initial);
 }
 
-Settling SettlingLoop::choose(TextRequest& request, std::optional<RequestText> candidate) {
-    const auto settle = [&request](RequestText found) {
-        request.settle(std::move(found));
-        return Settling::Settled;
-    };
-    if (candidate && (candidate->isClean || !text::isASCIIOnly(candidate->text)))
-        return settle(*std::move(candidate));
+void SettlingLoop::choose(TextRequest& request, std::optional<RequestText> candidate) {
+    if (candidate && (candidate->isClean || !text::isASCIIOnly(candidate->text))) {
+        request.settle(*std::move(candidate));
+        return;
+    }
     // What an input method made of the keys was not seen in the field, so nothing of it can be removed there.
     const auto unseen = request.imeActive ? std::optional<qint64>(0) : std::nullopt;
-    if (request.current && request.imeActive) {
-        auto window = caretWindow(request.current->value, request.current->selectedRange, lastResortRadius);
-        if (window && !isRawLetters(*window))
-            return settle({*std::move(window), unseen});
-    }
-    if (candidate)
-        return settle(*std::move(candidate));
-    if (!text::isBlank(request.requestText))
-        return settle({request.requestText, unseen});
-    return Settling::Empty;
+    std::optional<QString> window;
+    if (request.current && request.imeActive)
+        window = caretWindow(request.current->value, request.current->selectedRange, lastResortRadius);
+    if (window && !isRawLetters(*window))
+        request.settle({*std::move(window), unseen});
+    else if (candidate)
+        request.settle(*std::move(candidate));
+    else if (!text::isBlank(request.requestText))
+        request.settle({request.requestText, unseen});
 }
 
 }  // namespace tavrelon::input

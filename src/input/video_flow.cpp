@@ -33,22 +33,17 @@ void VideoFlow::stopVideoInput() {
 }
 
 async::Task<void> VideoFlow::process(QUuid id) {
-    auto frames = co_await services_.videoRecorder.stopCapture();
-    co_await processVideoInput(QString(), std::move(frames), id);
-}
-
-async::Task<void> VideoFlow::processVideoInput(QString text, std::vector<QByteArray> frames, QUuid id) {
-    if (!machine_.isCurrentTask(id) || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
+    const auto frames = co_await services_.videoRecorder.stopCapture();
+    machine_.requireCurrent(id);
+    if (!machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         co_return;
     const auto initial = machine_.initialTextSnapshot;
     const auto current = services_.contextCapturer.fetchFocusedTextSnapshot();
     machine_.initialTextSnapshot.reset();
     // Not the whole field when nothing was typed: what stood there before would be deleted for the description.
     const auto typed = deriveRequestText(current, std::nullopt, initial);
-    if (typed)
-        co_await describe(*typed, frames, id);
-    else
-        co_await describe({std::move(text), 0}, frames, id);
+    co_await describe(typed.value_or(RequestText{QString(), 0}), frames, id);
+    co_await machine_.complete(id, 2s);
 }
 
 async::Task<void> VideoFlow::describe(const RequestText& request, const std::vector<QByteArray>& frames,
@@ -57,9 +52,8 @@ async::Task<void> VideoFlow::describe(const RequestText& request, const std::vec
     if (frames.empty())
         throw ProcessingError::generationFailed(QStringLiteral("No video frames captured"));
     auto context = co_await services_.contextCapturer.captureContext(prompt, capture::ScreenshotWish::LeaveOut);
-    if (!machine_.isCurrentTask(id))
-        co_return;
-    const auto retried = co_await generateWithRetry(
+    machine_.requireCurrent(id);
+    const auto answered = co_await generateWithRetry(
         machine_, services_.platform.mainLoop, id, services_.generator.deadline(), [&, this] {
             const auto& settings = services_.storageManager.settings();
             return services_.generator.generateVideoResult(
@@ -68,28 +62,21 @@ async::Task<void> VideoFlow::describe(const RequestText& request, const std::vec
                  .voice = voiceForRequest(settings, std::nullopt, adaptivePromptForRequest(settings))},
                 frames);
         });
-    if (!machine_.isCurrentTask(id))
+    machine_.requireCurrent(id);
+    const auto& text = answered.result.text;
+    const StoredWrite writing(
+        services_, historyEntryOf(context, answered,
+                                  {prompt, text.value_or(QStringLiteral("[Video Result]")), QStringLiteral("video")},
+                                  services_.platform.mainLoop.wallTime()));
+    if (!text)
         co_return;
-    std::optional<StoredWrite> writing(
-        std::in_place, services_.platform,
-        [this, entry = historyEntryOf(context, retried.result,
-                                      {prompt, retried.result.text.value_or(QStringLiteral("[Video Result]")),
-                                       QStringLiteral("video"), retried.retryCount},
-                                      services_.platform.mainLoop.wallTime())] {
-            services_.historyManager.addEntry(entry);
-        });
-    if (retried.result.text) {
-        // What was selected and not typed is pasted over.
-        const auto typed = request.deleteCount.value_or(0);
-        const auto strategy = makeReplacementStrategy(request.text, context.selection, typed);
-        const auto placement = co_await services_.outputWriter.writeText(
-            *retried.result.text, strategy.method, strategy.deleteCharCount, typed, {request.text, request.place});
-        if (!machine_.isCurrentTask(id))
-            co_return;
-        output::ensureWritten(placement);
-    }
-    writing.reset();
-    co_await machine_.complete(id, 2s);
+    // What was selected and not typed is pasted over.
+    const auto typed = request.deleteCount.value_or(0);
+    const auto strategy = makeReplacementStrategy(request.text, context.selection, typed);
+    const auto placement = co_await services_.outputWriter.writeText(*text, strategy.method, strategy.deleteCharCount,
+                                                                     typed, {request.text, request.place});
+    machine_.requireCurrent(id);
+    output::ensureWritten(placement);
 }
 
 }  // namespace tavrelon::input

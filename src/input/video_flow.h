@@ -17,7 +17,6 @@ class VideoFlow {
 
  private:
     async::Task<void> process(QUuid id);
-    async::Task<void> processVideoInput(QString text, std::vector<QByteArray> frames, QUuid id);
     async::Task<void> describe(const RequestText& request, const std::vector<QByteArray>& frames, const QUuid& id);
 
     InputStateMachine& machine_;

@@ -1,14 +1,15 @@
-// Recording: how the two spoken inputs start and end.
 #include "input/voice_flow.h"
 
 #include "input/text_request_pipeline.h"
 
 namespace tavrelon::input {
 
+using namespace std::chrono_literals;
 using Case = InputState::Case;
 
 void VoiceFlow::setSpeechRecognizer(media::SpeechRecognizer& recognizer) {
     speechRecognizer_ = &recognizer;
+    transcript_.setSpeechRecognizer(recognizer);
     transcriptSubscription_ = recognizer.bindableCurrentTranscript().addNotifier([this] {
         machine_.schedule([this, transcript = speechRecognizer_->bindableCurrentTranscript().value()] {
             if (machine_.currentState() != Case::listeningVoice)
@@ -124,6 +125,38 @@ std::chrono::duration<double> VoiceFlow::silenceTimeout(std::optional<InputTrigg
 void VoiceFlow::handleVoiceSilenceTimeout() {
     if (const auto trigger = machine_.activeTrigger())
         stop(*trigger);
+}
+
+async::Task<void> VoiceFlow::processVoiceInput(QUuid id) {
+    const auto transcript = co_await transcript_.wait(id);
+    if (transcript.isEmpty()) {
+        log(QStringLiteral("[StateMachine] No voice transcript to process"));
+        machine_.resetIfOwned(id);
+        co_return;
+    }
+    std::optional<capture::AccessibilityTextSnapshot> snapshot;
+    auto inserted = TranscriptInserted::No;
+    const auto selection = co_await services_.contextCapturer.selectedText();
+    machine_.requireCurrent(id);
+    // What is selected is what the request is about; it stays until the answer takes its place.
+    if (!(selection && !text::isBlank(*selection)) && co_await transcript_.tryInsert(transcript, id)) {
+        machine_.requireCurrent(id);
+        snapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
+        inserted = TranscriptInserted::Yes;
+    }
+    co_await machine_.textRequests().processTextRequest(transcript, std::move(snapshot), id, inserted);
+}
+
+async::Task<void> VoiceFlow::processVoiceDictation(QUuid id) {
+    const auto transcript = co_await transcript_.wait(id);
+    if (transcript.isEmpty()) {
+        log(QStringLiteral("[StateMachine] No dictation transcript to insert"));
+        machine_.resetIfOwned(id);
+        co_return;
+    }
+    co_await transcript_.insert(transcript, id);
+    machine_.requireCurrent(id);
+    co_await machine_.complete(id, 1s);
 }
 
 }  // namespace tavrelon::input

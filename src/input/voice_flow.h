@@ -3,7 +3,7 @@
 #include <QPropertyNotifier>
 #include <optional>
 
-#include "input/input_state_machine.h"
+#include "input/voice_transcript.h"
 
 namespace tavrelon::input {
 
@@ -12,7 +12,8 @@ namespace tavrelon::input {
 /// recogniser hears. Main thread.
 class VoiceFlow {
  public:
-    VoiceFlow(InputStateMachine& machine, const InputServices& services) : machine_(machine), services_(services) {}
+    VoiceFlow(InputStateMachine& machine, const InputServices& services)
+        : machine_(machine), services_(services), transcript_(machine, services) {}
 
     void setSpeechRecognizer(media::SpeechRecognizer& recognizer);
     void handleVoiceHotkey() { toggle(InputTrigger::voice); }
@@ -35,17 +36,13 @@ class VoiceFlow {
     std::chrono::duration<double> silenceTimeout(std::optional<InputTrigger> trigger) const;
     void handleVoiceSilenceTimeout();
 
-    async::Task<QString> currentVoiceTranscript();
-    async::Task<QString> waitForVoiceTranscript(QUuid id);
-    async::Task<void> insertTranscript(QString text, QUuid id);
-    async::Task<bool> tryInsertTranscript(QString text, QUuid id);
     async::Task<void> processVoiceInput(QUuid id);
     async::Task<void> processVoiceDictation(QUuid id);
-    async::Task<void> insertVoiceDictation(QString transcript, QUuid id);
     void log(const QString& line) { services_.platform.log.line(line); }
 
     InputStateMachine& machine_;
     InputServices services_;
+    VoiceTranscript transcript_;
     media::SpeechRecognizer* speechRecognizer_ = nullptr;
     QPropertyNotifier transcriptSubscription_;
     QPropertyNotifier recogniserSubscription_;
