@@ -42,7 +42,7 @@ void recordSample(benchmark::State& state) {
     NoNetwork network;
     persistence::StorageManager storage(store, files, log, loop, folder.path());
     const persistence::HistoryManager history(files, log, folder.path(), 20);
-    generation::PollinationsService models(loop, network, log, {}, {});
+    generation::PollinationsService models(loop, network, log, {});
     learning::AdaptivePromptLearner learner(loop, files, log, queues, storage, models, history, 1'000'000);
     const auto text = QStringLiteral("please answer this mail and keep it short, the meeting is on wednesday");
     for (auto _ : state)

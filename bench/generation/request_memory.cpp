@@ -112,7 +112,7 @@ int measure() {
     auto endpoints = generation::ServiceEndpoints::builtIn();
     endpoints.nvidiaChatCompletionsURL = QStringLiteral("http://127.0.0.1:%1/v1").arg(port);
     endpoints.builtInNvidiaApiKey = QStringLiteral("key");
-    generation::PollinationsService gateway(loop, session, log, endpoints, {});
+    generation::PollinationsService gateway(loop, session, log, endpoints);
 
     std::vector<QByteArray> frames;
     for (int frame = 0; frame < 24; ++frame)

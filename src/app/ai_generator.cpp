@@ -8,7 +8,8 @@ namespace tavrelon::app {
 using generation::RequestContents;
 
 std::chrono::seconds AIGenerator::deadline() const {
-    return models_.asksLocalServer() ? generation::PollinationsService::localDeadline : Generator::deadline();
+    return models_.configuration.asksLocalServer() ? generation::PollinationsService::localDeadline
+                                                   : Generator::deadline();
 }
 
 async::Task<generation::GenerationResult> AIGenerator::generate(generation::GenerationRequest request) {
@@ -28,7 +29,7 @@ async::Task<generation::GenerationResult> AIGenerator::generateVideoResult(gener
 
 async::Task<void> AIGenerator::obtainConsent(QString input, RequestContents contents) {
     if (!text::isBlank(input))  // else the service refuses it and nothing goes anywhere
-        co_await consent_.obtain(generation::destinations(models_, contents), contents);
+        co_await consent_.obtain(generation::destinations(models_.configuration, contents), contents);
 }
 
 }  // namespace tavrelon::app

@@ -47,11 +47,11 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       speechRecognizer_(platform),
       videoRecorder_(platform, contextCapturer_, frameInterval, maxFrames),
       hotkeyStatusHUDController_(platform.mainLoop, userInterface, [this] { return overlayLanguage(); }),
-      pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints, builtInKeys(endpoints)),
+      pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints),
       consent_(platform.mainLoop, platform.defaultsStore) {
     enforceProviderExclusivity(storageManager_);
     adoptWhatWasTaught(storageManager_);
-    applyProviderSettings(storageManager_.settings(), platform.defaultsStore, pollinationsService_);
+    serviceSubscription_ = followSettings(storageManager_, pollinationsService_);
     cloneService_ =
         std::make_unique<learning::CloneService>(platform.httpSession, platform.documentReader, pollinationsService_,
                                                  storageManager_.settings().cloneApiBaseURL, endpoints.cloneApiBaseURL);
@@ -99,9 +99,10 @@ void AppState::noteFirstAnswer() {
 
 Readiness AppState::readiness() const {
     const auto& settings = storageManager_.settings();
+    const auto& services = pollinationsService_.configuration;
     const bool hasModel = settings.enableCustomPollinations || settings.enableOllamaVision ||
-                          pollinationsService_.effectivePollinationsApiKey() ||
-                          pollinationsService_.effectiveNvidiaApiKey() || pollinationsService_.glmApiKey;
+                          services.effectivePollinationsApiKey() || services.effectiveNvidiaApiKey() ||
+                          services.glmApiKey();
     if (!hotkeyManager_.isListening())
         return Readiness::noKeyboardAccess;
     if (!settings.hotkeysEnabled)
@@ -138,7 +139,7 @@ void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSette
 }
 
 QString AppState::serviceName() const {
-    const auto asked = generation::destinations(pollinationsService_, generation::RequestContents::Text);
+    const auto asked = generation::destinations(pollinationsService_.configuration, generation::RequestContents::Text);
     return asked.empty() ? QString() : asked.front().host();
 }
 
@@ -174,7 +175,7 @@ void AppState::setCallbacks() {
     consent_.show = lifetime_.guard([this](const auto& question) { askForConsent(question); });
     adaptivePromptLearner_->askOnlyIf([this] {
         constexpr auto texts = generation::RequestContents::Text;
-        return consent_.isAllowed(generation::destinations(pollinationsService_, texts), texts);
+        return consent_.isAllowed(generation::destinations(pollinationsService_.configuration, texts), texts);
     });
     hotkeyManager_.onVoiceHotkeyPressed = nextTurn([this] { inputStateMachine_->handleVoiceHotkey(); });
     adaptivePromptLearner_->scheduleEvaluation();

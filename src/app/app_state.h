@@ -94,6 +94,7 @@ class AppState {
     std::shared_ptr<input::InputStateMachine> inputStateMachine_;
     std::unique_ptr<ui::InputHUDWindowController> inputHUDController_;
     std::unique_ptr<ui::FloatingInputWindowController> floatingInputController_;
+    persistence::ChangeSubscription serviceSubscription_;
     persistence::ChangeSubscription settingsSubscription_;
     persistence::ChangeSubscription historySubscription_;
     async::Lifetime lifetime_;

@@ -1,6 +1,5 @@
 #include "app/provider_settings.h"
 
-#include "persistence/bound_key.h"
 #include "persistence/taught.h"
 #include "text/characters.h"
 
@@ -8,26 +7,9 @@ namespace tavrelon::app {
 
 using generation::OllamaMode;
 using generation::PollinationsService;
+using generation::ServiceConfiguration;
 using generation::VisionModelPreference;
 using persistence::AppSettings;
-
-namespace {
-
-std::optional<QString> storedKey(const platform::DefaultsStore& userDefaults, QLatin1StringView entry) {
-    const auto key = userDefaults.string(entry);
-    return key ? text::trimmedOrAbsent(*key) : std::nullopt;
-}
-
-std::optional<QString> storedKeyFor(const QString& address, platform::DefaultsStore& userDefaults,
-                                    QLatin1StringView entry) {
-    return persistence::boundKey(userDefaults, entry, address).keyFor(address);
-}
-
-}  // namespace
-
-generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoints) {
-    return {endpoints.builtInPollinationsKey, endpoints.builtInGLMKey, std::nullopt};
-}
 
 void enforceProviderExclusivity(persistence::StorageManager& storage) {
     const auto& settings = storage.settings();
@@ -51,40 +33,47 @@ void adoptWhatWasTaught(persistence::StorageManager& storage) {
         storage.saveSettings();
 }
 
-void applyProviderSettings(const AppSettings& settings, platform::DefaultsStore& userDefaults,
-                           PollinationsService& service) {
-    namespace entries = persistence::defaults_keys;
-    service.pollinationsCustomEnabled = settings.enableCustomPollinations;
-    service.fallBackToOtherServices = settings.fallBackToOtherServices;
-    service.pollinationsBaseURLOverride = PollinationsService::normalizedBaseURL(settings.pollinationsBaseURL);
-    service.pollinationsImageModelOverride = PollinationsService::normalizedModelName(settings.pollinationsImageModel);
-    service.pollinationsVisionModelOverride =
-        PollinationsService::normalizedModelName(settings.pollinationsVisionModel);
-    service.pollinationsApiKey =
-        storedKeyFor(service.pollinationsBaseURLOverride.value_or(service.endpoints().pollinationsBaseURL),
-                     userDefaults, entries::pollinationsApiKey);
+ServiceConfiguration serviceConfiguration(generation::ServiceEndpoints endpoints, const AppSettings& settings,
+                                          const persistence::ServiceKeys& keys) {
+    ServiceConfiguration made{.endpoints = std::move(endpoints)};
+    made.pollinationsCustomEnabled = settings.enableCustomPollinations;
+    made.fallBackToOtherServices = settings.fallBackToOtherServices;
+    made.pollinationsBaseURLOverride = ServiceConfiguration::normalizedBaseURL(settings.pollinationsBaseURL);
+    made.pollinationsImageModelOverride = ServiceConfiguration::normalizedModelName(settings.pollinationsImageModel);
+    made.pollinationsVisionModelOverride = ServiceConfiguration::normalizedModelName(settings.pollinationsVisionModel);
+    made.pollinationsApiKey =
+        keys.pollinations.keyFor(made.pollinationsBaseURLOverride.value_or(made.endpoints.pollinationsBaseURL));
 
-    service.ollamaEnabled = settings.enableOllamaVision;
-    service.ollamaMode =
+    made.ollamaEnabled = settings.enableOllamaVision;
+    made.ollamaMode =
         text::trimmed(settings.ollamaMode) == QLatin1StringView("local") ? OllamaMode::local : OllamaMode::cloud;
-    service.ollamaCloudModel = text::trimmedOrAbsent(settings.ollamaCloudModel);
-    service.ollamaCloudApiKey = storedKey(userDefaults, entries::ollamaCloudApiKey);
-    service.ollamaLocalModel = text::trimmedOrAbsent(settings.ollamaLocalModel);
-    service.ollamaLocalEndpoint = text::trimmedOrAbsent(settings.ollamaLocalEndpoint);
-    service.ollamaLocalApiKey =
-        storedKeyFor(service.ollamaLocalEndpoint.value_or(service.endpoints().ollamaLocalChatURL), userDefaults,
-                     entries::ollamaLocalApiKey);
+    made.ollamaCloudModel = text::trimmedOrAbsent(settings.ollamaCloudModel);
+    made.ollamaCloudApiKey = text::trimmedOrAbsent(keys.ollamaCloud);
+    made.ollamaLocalModel = text::trimmedOrAbsent(settings.ollamaLocalModel);
+    made.ollamaLocalEndpoint = text::trimmedOrAbsent(settings.ollamaLocalEndpoint);
+    made.ollamaLocalApiKey =
+        keys.ollamaLocal.keyFor(made.ollamaLocalEndpoint.value_or(made.endpoints.ollamaLocalChatURL));
 
-    service.nvidiaEnabled = settings.enableNvidiaLocal;
-    service.nvidiaApiKey = settings.enableNvidiaLocal ? storedKey(userDefaults, entries::nvidiaApiKey) : std::nullopt;
-    service.nvidiaThinkEnabled = settings.enableNvidiaThink;
-    service.setVisionModelPreference(settings.visionModelPreference == QLatin1StringView("quality")
-                                         ? VisionModelPreference::quality
-                                         : VisionModelPreference::speed);
+    made.nvidiaEnabled = settings.enableNvidiaLocal;
+    made.nvidiaApiKey = settings.enableNvidiaLocal ? text::trimmedOrAbsent(keys.nvidia) : std::nullopt;
+    made.nvidiaThinkEnabled = settings.enableNvidiaThink;
+    made.visionModels = ServiceConfiguration::modelsFor(settings.visionModelPreference == QLatin1StringView("quality")
+                                                            ? VisionModelPreference::quality
+                                                            : VisionModelPreference::speed);
+    return made;
 }
 
-void useServer(persistence::StorageManager& storage, PollinationsService& service, const QString& baseURL,
-               const generation::ServedModel& model) {
+persistence::ChangeSubscription followSettings(const persistence::StorageManager& storage,
+                                               PollinationsService& service) {
+    const auto apply = [&storage, &service] {
+        service.configuration =
+            serviceConfiguration(service.configuration.endpoints, storage.settings(), storage.keys());
+    };
+    apply();
+    return storage.onChange(apply);
+}
+
+void useServer(persistence::StorageManager& storage, const QString& baseURL, const generation::ServedModel& model) {
     storage.changeSettings([&](AppSettings& changed) {
         changed.pollinationsBaseURL = baseURL;
         changed.pollinationsVisionModel = model.name;
@@ -93,7 +82,6 @@ void useServer(persistence::StorageManager& storage, PollinationsService& servic
         changed.enableOllamaVision = changed.enableNvidiaLocal = false;
     });
     storage.saveSettings();
-    applyProviderSettings(storage.settings(), storage.userDefaults(), service);
 }
 
 }  // namespace tavrelon::app

@@ -3,7 +3,6 @@
 #include "generation/pollinations_service.h"
 #include "generation/server_probe.h"
 #include "persistence/storage_manager.h"
-#include "platform/defaults_store.h"
 
 namespace tavrelon::app {
 
@@ -14,16 +13,17 @@ void enforceProviderExclusivity(persistence::StorageManager& storage);
 /// Notes which provider may have what was taught before providers were noted. Saves the settings if that changed them.
 void adoptWhatWasTaught(persistence::StorageManager& storage);
 
-/// The keys that the distributor built in.
-generation::ProviderKeys builtInKeys(const generation::ServiceEndpoints& endpoints);
+/// What the stored settings and keys make of the services at these places; a key only where the address is the one it
+/// belongs to.
+generation::ServiceConfiguration serviceConfiguration(generation::ServiceEndpoints endpoints,
+                                                      const persistence::AppSettings& settings,
+                                                      const persistence::ServiceKeys& keys);
 
-/// Pushes the stored provider settings and keys into the service; a key only where the address is the one it belongs
-/// to.
-void applyProviderSettings(const persistence::AppSettings& settings, platform::DefaultsStore& userDefaults,
-                           generation::PollinationsService& service);
+/// Has the service follow the settings and keys, now and for as long as the result lives. Both outlive it.
+[[nodiscard]] persistence::ChangeSubscription followSettings(const persistence::StorageManager& storage,
+                                                             generation::PollinationsService& service);
 
-/// Has a server on this machine or elsewhere answer from now on, by this model: stored, and in force at once.
-void useServer(persistence::StorageManager& storage, generation::PollinationsService& service, const QString& baseURL,
-               const generation::ServedModel& model);
+/// Has a server on this machine or elsewhere answer from now on, by this model.
+void useServer(persistence::StorageManager& storage, const QString& baseURL, const generation::ServedModel& model);
 
 }  // namespace tavrelon::app

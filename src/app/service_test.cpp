@@ -1,6 +1,6 @@
 #include "app/service_test.h"
 
-#include "text/localized_error.h"
+#include "generation/text_chain.h"
 
 namespace tavrelon::app {
 
@@ -12,14 +12,13 @@ constexpr qint64 answerTokens = 256;  // a model that thinks first needs more th
 
 async::Task<ServiceTest> testService(generation::PollinationsService& models, async::MainLoop& loop) {
     const auto start = loop.now();
-    const auto limit = models.asksLocalServer() ? generation::PollinationsService::localDeadline
-                                                : generation::PollinationsService::raceDeadline;
     ServiceTest test{std::unexpected(QString()), {}, {}};
     try {
         auto answer = co_await models.raceWithDeadline(
-            limit,
-            models.answerText(QStringLiteral("You are a helpful assistant."),
-                              QStringLiteral("Answer with the single word: ready"), std::nullopt, answerTokens, 0.0F));
+            models.deadline(),
+            generation::answerText(models, {.system = QStringLiteral("You are a helpful assistant."),
+                                            .user = QStringLiteral("Answer with the single word: ready"),
+                                            .maxTokens = answerTokens}));
         const auto words = answer.text.simplified();
         if (words.isEmpty())
             test.answer = std::unexpected(QStringLiteral("The model gave an empty answer."));

@@ -2,7 +2,9 @@
 
 #include "generation/image_intent.h"
 #include "generation/image_prompt_cleaning.h"
+#include "generation/image_prompt_enhancement.h"
 #include "generation/image_tool_call.h"
+#include "generation/text_chain.h"
 #include "text/characters.h"
 
 namespace tavrelon::generation {
@@ -125,24 +127,24 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
 /// Ollama looks at pictures alone when it is switched on. Else all frames go to the one model that takes so many, and
 /// the last one to those that take one. What is told is why the first that was asked failed.
 async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames) {
+    const auto& configuration = pollinationsService_.configuration;
     std::exception_ptr reason;
-    if (pollinationsService_.ollamaEnabled)
+    if (configuration.ollamaEnabled)
         co_return co_await pollinationsService_.generateWithOllama(prompt.system, prompt.user, evenlySpaced(frames));
-    if (pollinationsService_.pollinationsCustomEnabled) {
-        prompt.image = frames.back();
+    auto oneFrame = prompt;
+    oneFrame.image = frames.back();
+    if (configuration.pollinationsCustomEnabled) {
         try {
-            co_return co_await pollinationsService_.generateText(prompt.system, prompt.user, prompt.image,
-                                                                 prompt.maxTokens, prompt.temperature);
+            co_return co_await generateText(pollinationsService_, oneFrame);
         } catch (const async::CancellationError&) {
             throw;
         } catch (const std::exception&) {
-            if (pollinationsService_.asksGatewayOnly())
+            if (configuration.asksGatewayOnly())
                 throw;
             reason = std::current_exception();
         }
-        prompt.image.reset();
     }
-    if (pollinationsService_.hasKeyFor(PollinationsModel::nvidiaNemotron)) {
+    if (configuration.hasKeyFor(PollinationsModel::nvidiaNemotron)) {
         try {
             co_return co_await pollinationsService_.generateWithNvidia(PollinationsModel::nvidiaNemotron, prompt,
                                                                        frames, Thinking::ForcedOff);
@@ -153,8 +155,7 @@ async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const 
                 reason = std::current_exception();
         }
     }
-    co_return co_await pollinationsService_.generateVideoFallback(reason, frames.back(), prompt.system, prompt.user,
-                                                                  prompt.maxTokens, prompt.temperature);
+    co_return co_await generateVideoFallback(pollinationsService_, reason, std::move(oneFrame));
 }
 
 async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situation& situation,
@@ -162,9 +163,12 @@ async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situat
     log_.line(u"[AIService] Detected text/vision intent"_s);
     QString reply;
     try {
-        reply = co_await pollinationsService_.generateText(composeSystemPrompt(situation.candidate, request.voice),
-                                                           composeUserMessage(situation.context, situation.input),
-                                                           situation.screenshot(), maxTokens, temperature);
+        reply = co_await generateText(pollinationsService_,
+                                      {.system = composeSystemPrompt(situation.candidate, request.voice),
+                                       .user = composeUserMessage(situation.context, situation.input),
+                                       .image = situation.screenshot(),
+                                       .maxTokens = maxTokens,
+                                       .temperature = temperature});
     } catch (const async::CancellationError&) {
         throw;
     } catch (const std::exception& error) {
@@ -184,7 +188,7 @@ async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situat
 async::Task<QString> TavrelonAIService::imagePrompt(QString input, bool enhance) {
     if (!enhance)
         co_return text::trimmedOrAbsent(cleanImagePrompt(input)).value_or(input);
-    const auto enhanced = co_await pollinationsService_.enhanceImagePrompt(input, PromptSafety::Demanded);
+    const auto enhanced = co_await enhanceImagePrompt(pollinationsService_, input, PromptSafety::Demanded);
     co_return sanitizeImagePrompt(text::trimmedOrAbsent(enhanced).value_or(input));
 }
 
@@ -218,7 +222,8 @@ async::Task<QByteArray> TavrelonAIService::generateImage(QString prompt) {
         throw;
     } catch (const std::exception& error) {
         const auto* known = dynamic_cast<const PollinationsError*>(&error);
-        if (pollinationsService_.asksGatewayOnly() || !pollinationsService_.glmApiKey ||
+        const auto& configuration = pollinationsService_.configuration;
+        if (configuration.asksGatewayOnly() || !configuration.glmApiKey() ||
             (known && known->code() == PollinationsError::Code::requestTimedOut))
             throw;
         log_.line("[Pollinations] Image generation failed with Pollinations: "_L1 + text::localizedDescription(error));

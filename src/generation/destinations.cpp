@@ -11,13 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QUrl ollamaAddress(const PollinationsService& service) {
-    const auto& endpoints = service.endpoints();
-    return QUrl(service.ollamaMode == OllamaMode::cloud
-                    ? endpoints.ollamaCloudChatURL
-                    : service.ollamaLocalEndpoint.value_or(endpoints.ollamaLocalChatURL));
-}
-
 /// The first bits of numbers that no router hands on to the world.
 struct Network {
     std::uint32_t number;
@@ -57,17 +50,17 @@ bool isLocalName(const QString& name) {
 
 }  // namespace
 
-std::vector<QUrl> destinations(const PollinationsService& service, RequestContents contents) {
-    if (service.ollamaEnabled && contents != RequestContents::Text)
-        return {ollamaAddress(service)};
-    if (service.asksGatewayOnly())
-        return {QUrl(service.pollinationsBaseURL())};
+std::vector<QUrl> destinations(const ServiceConfiguration& configuration, RequestContents contents) {
+    if (configuration.ollamaEnabled && contents != RequestContents::Text)
+        return {QUrl(configuration.ollamaChatURL())};
+    if (configuration.asksGatewayOnly())
+        return {QUrl(configuration.pollinationsBaseURL())};
     std::vector<QUrl> list;
-    if (service.effectiveNvidiaApiKey())
-        list.emplace_back(service.endpoints().nvidiaChatCompletionsURL);
-    list.emplace_back(service.pollinationsBaseURL());
-    if (service.glmApiKey)
-        list.emplace_back(service.endpoints().glmBaseURL);
+    if (configuration.effectiveNvidiaApiKey())
+        list.emplace_back(configuration.endpoints.nvidiaChatCompletionsURL);
+    list.emplace_back(configuration.pollinationsBaseURL());
+    if (configuration.glmApiKey())
+        list.emplace_back(configuration.endpoints.glmBaseURL);
     return list;
 }
 

@@ -1,11 +1,11 @@
+#include "generation/image_prompt_enhancement.h"
+
 #include "generation/image_prompt_texts.h"
 #include "generation/model_walk.h"
 #include "generation/prompt_template.h"
 #include "text/characters.h"
 #include "text/tolerant_json.h"
 
-/// How the gateway lets a model turn a request into an image prompt. No failure leaves these operations: the request
-/// itself is always a prompt.
 namespace tavrelon::generation {
 
 using namespace Qt::StringLiterals;
@@ -37,63 +37,64 @@ std::optional<TemplateReply> templateFrom(const QString& reply) {
 
 }  // namespace
 
-std::vector<PollinationsModel> PollinationsService::promptEnhancementModels() const {
-    auto models = textModels;
-    std::erase_if(models, [](PollinationsModel model) { return chatProtocol(model) == ChatProtocol::GLM; });
-    return allowGLMFallbackForPromptEnhancement || models.empty() ? textModels : models;
-}
-
-async::Task<QString> PollinationsService::enhanceImagePrompt(QString text, PromptSafety safety) {
+async::Task<QString> enhanceImagePrompt(PollinationsService& service, QString text, PromptSafety safety) {
     const auto trimmed = text::trimmed(text);
     if (trimmed.isEmpty())
         co_return text;
-    if (const auto written = co_await generatePromptTemplate(trimmed, safety)) {
+    if (const auto written = co_await generatePromptTemplate(service, trimmed, safety)) {
         const auto object = text::parseJSONObject(*written);
         const auto phrases = object && isStructuredTemplate(*object) ? flattenPromptTemplate(*object) : std::nullopt;
         co_return phrases.value_or(*written);
     }
-    const auto optimized = co_await optimizeImagePrompt(trimmed, safety);
+    const auto optimized = co_await optimizeImagePrompt(service, trimmed, safety);
     co_return optimized.value_or(trimmed);
 }
 
-async::Task<std::optional<QString>> PollinationsService::generatePromptTemplate(QString text, PromptSafety safety) {
+async::Task<std::optional<QString>> generatePromptTemplate(PollinationsService& service, QString text,
+                                                           PromptSafety safety) {
     auto prompt = question(texts::templatePrompt, texts::templateSafetyRule, safety, text);
     prompt.maxTokens = 800;
     prompt.temperature = 0.6F;
     WalkSteps steps{
-        .accept = [this](PollinationsModel model, const QString& reply) -> std::optional<QString> {
+        .accept = [&service](PollinationsModel model, const QString& reply) -> std::optional<QString> {
             const auto found = templateFrom(reply);
-            log_.line(tag + "Prompt template "_L1 +
-                      (found ? found->remark : "returned empty or invalid JSON with "_L1) + displayName(model));
+            service.log().line(tag + "Prompt template "_L1 +
+                               (found ? found->remark : "returned empty or invalid JSON with "_L1) +
+                               displayName(model));
             return found ? std::optional(found->text) : std::nullopt;
         },
         .failed =
-            [this](PollinationsModel model, const std::exception_ptr& error) {
-                log_.line(tag + "Prompt template generation failed with "_L1 + displayName(model) + ": "_L1 +
-                          describe(error));
+            [&service](PollinationsModel model, const std::exception_ptr& error) {
+                service.log().line(tag + "Prompt template generation failed with "_L1 + displayName(model) + ": "_L1 +
+                                   describe(error));
             },
     };
-    return walkModels(*this, promptEnhancementModels(), std::move(prompt), JsonMode::On, std::move(steps));
+    return walkModels(service, service.configuration.promptEnhancementModels(), std::move(prompt), JsonMode::On,
+                      std::move(steps));
 }
 
-async::Task<std::optional<QString>> PollinationsService::optimizeImagePrompt(QString text, PromptSafety safety) {
+async::Task<std::optional<QString>> optimizeImagePrompt(PollinationsService& service, QString text,
+                                                        PromptSafety safety) {
     auto prompt = question(texts::optimizePrompt, texts::optimizeSafetyRule, safety, text);
     prompt.maxTokens = 200;
     prompt.temperature = 0.7F;
     WalkSteps steps{
         .accept =
-            [this](PollinationsModel model, const QString& reply) {
+            [&service](PollinationsModel model, const QString& reply) {
                 auto kept = text::trimmedOrAbsent(reply);
-                log_.line(tag + (kept ? "Prompt optimized with "_L1 : "Prompt optimization returned empty with "_L1) +
-                          displayName(model));
+                service.log().line(
+                    tag + (kept ? "Prompt optimized with "_L1 : "Prompt optimization returned empty with "_L1) +
+                    displayName(model));
                 return kept;
             },
         .failed =
-            [this](PollinationsModel model, const std::exception_ptr& error) {
-                log_.line(tag + "Prompt optimization failed with "_L1 + displayName(model) + ": "_L1 + describe(error));
+            [&service](PollinationsModel model, const std::exception_ptr& error) {
+                service.log().line(tag + "Prompt optimization failed with "_L1 + displayName(model) + ": "_L1 +
+                                   describe(error));
             },
     };
-    return walkModels(*this, promptEnhancementModels(), std::move(prompt), JsonMode::Off, std::move(steps));
+    return walkModels(service, service.configuration.promptEnhancementModels(), std::move(prompt), JsonMode::Off,
+                      std::move(steps));
 }
 
 }  // namespace tavrelon::generation

@@ -1,63 +1,30 @@
 #include "generation/pollinations_service.h"
 
-#include "generation/destinations.h"
+#include "generation/chat_glm.h"
+#include "generation/chat_nvidia.h"
+#include "generation/chat_ollama.h"
+#include "generation/chat_pollinations.h"
+#include "generation/chat_wire.h"
+#include "generation/error_text.h"
+#include "generation/image_wire.h"
 #include "platform/web_origin.h"
-
-#include "text/characters.h"
 
 namespace tavrelon::generation {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const std::vector defaultModels{PollinationsModel::nvidiaNemotron, PollinationsModel::openai,
-                                PollinationsModel::glmVisionFlash};
-
-std::optional<QString> cleanKey(const std::optional<QString>& key) {
-    return key ? text::trimmedOrAbsent(*key) : std::nullopt;
+platform::HttpRequest imageGet(const QUrl& url, std::chrono::seconds timeout) {
+    return {.url = url, .headers = {{"User-Agent", "Tavrelon/1.0"}}, .requestTimeout = timeout};
 }
 
 }  // namespace
 
-PollinationsService::PollinationsService(async::MainLoop& mainLoop, platform::HttpSession& session, platform::Log& log,
-                                         ServiceEndpoints endpoints, const ProviderKeys& keys)
-    : glmApiKey(cleanKey(keys.glmApiKey)),
-      nvidiaApiKey(cleanKey(keys.nvidiaApiKey)),
-      nvidiaEnabled(nvidiaApiKey.has_value()),
-      textModels(defaultModels),
-      visionModels(defaultModels),
-      mainLoop_(mainLoop),
-      session_(session),
-      log_(log),
-      endpoints_(std::move(endpoints)),
-      defaultPollinationsApiKey_(cleanKey(keys.defaultPollinationsApiKey)) {}
-
-void PollinationsService::setVisionModelPreference(VisionModelPreference preference) {
-    visionModelPreference_ = preference;
-    rebuildVisionModels();
-}
-
-void PollinationsService::rebuildVisionModels() {
-    visionModels = defaultModels;
-    if (visionModelPreference_ != VisionModelPreference::quality)
-        return;
-    std::erase(visionModels, PollinationsModel::nvidiaNemotron);
-    visionModels.push_back(PollinationsModel::nvidiaNemotron);
-}
-
-std::vector<PollinationsModel> PollinationsService::availableModels(const std::vector<PollinationsModel>& list,
-                                                                    const std::optional<QByteArray>& image) {
-    auto kept = list;
-    if (image)
-        std::erase_if(kept, [](PollinationsModel model) {
-            return model != PollinationsModel::openai && model != PollinationsModel::gemini &&
-                   model != PollinationsModel::nvidiaNemotron && model != PollinationsModel::glmVision;
-        });
-    return kept;
-}
-
 async::Task<platform::HttpResponse> PollinationsService::exchange(platform::HttpRequest request) {
-    if (asksGatewayOnly() && !platform::isWithinServer(request.url, QUrl(pollinationsBaseURL())))
-        throw PollinationsError::configurationMissing(QStringLiteral("Requests stay with your own server"));
+    if (configuration.asksGatewayOnly() &&
+        !platform::isWithinServer(request.url, QUrl(configuration.pollinationsBaseURL())))
+        throw PollinationsError::configurationMissing(u"Requests stay with your own server"_s);
     auto answer = co_await session_.send(std::move(request));
     if (answer)
         co_return std::move(*answer);
@@ -66,58 +33,133 @@ async::Task<platform::HttpResponse> PollinationsService::exchange(platform::Http
     throw TransportError(answer.error());
 }
 
-std::optional<QString> PollinationsService::normalizedBaseURL(const QString& typed) {
-    auto url = text::trimmedOrAbsent(typed);
-    while (url && url->endsWith(u'/'))
-        url->chop(1);
-    return url;
+async::Task<QString> PollinationsService::ask(platform::HttpRequest request, std::optional<std::chrono::seconds> limit,
+                                              Read read) {
+    const auto sent = request.body;
+    auto exchanged = exchange(std::move(request));
+    const auto response =
+        limit ? co_await raceWithDeadline(*limit, std::move(exchanged)) : co_await std::move(exchanged);
+    co_return chat_wire::withoutThoughts(error_text::readAnswer(sent, response, read));
 }
 
-std::optional<QString> PollinationsService::normalizedModelName(const QString& typed) {
-    auto name = text::trimmedOrAbsent(typed);
-    if (name == QStringLiteral("openai.pollinations"))
-        return QStringLiteral("openai");
-    return name;
+async::Task<QString> PollinationsService::generateWithPollinations(QString model, ImageCapability imageCapable,
+                                                                   ChatPrompt prompt, JsonMode jsonMode) {
+    auto request = chat_pollinations::buildRequest({.baseURL = configuration.pollinationsBaseURL(),
+                                                    .key = configuration.effectivePollinationsApiKey(),
+                                                    .model = std::move(model),
+                                                    .imageCapable = imageCapable,
+                                                    .prompt = std::move(prompt),
+                                                    .jsonMode = jsonMode});
+    if (configuration.asksLocalServer())
+        request.requestTimeout = request.resourceTimeout = localDeadline;
+    co_return co_await ask(std::move(request), deadline(), chat_pollinations::readResponse);
 }
 
-bool PollinationsService::hasKeyFor(PollinationsModel model) const {
-    if (asksGatewayOnly())
-        return true;  // it is the gateway that is asked, whatever the model is called
+async::Task<QString> PollinationsService::generateWithGLM(PollinationsModel model, ChatPrompt prompt,
+                                                          JsonMode jsonMode) {
+    co_return co_await ask(chat_glm::buildRequest({.baseURL = configuration.endpoints.glmBaseURL,
+                                                   .key = configuration.glmApiKey(),
+                                                   .model = model,
+                                                   .prompt = std::move(prompt),
+                                                   .jsonMode = jsonMode}),
+                           raceDeadline, chat_glm::readResponse);
+}
+
+async::Task<QString> PollinationsService::generateWithNvidia(PollinationsModel model, ChatPrompt prompt,
+                                                             std::optional<std::vector<QByteArray>> images,
+                                                             Thinking thinking) {
+    co_return co_await ask(chat_nvidia::buildRequest({.url = configuration.endpoints.nvidiaChatCompletionsURL,
+                                                      .key = configuration.effectiveNvidiaApiKey(),
+                                                      .model = model,
+                                                      .prompt = std::move(prompt),
+                                                      .images = std::move(images),
+                                                      .thinking = thinking,
+                                                      .thinkEnabled = configuration.nvidiaThinkEnabled}),
+                           std::nullopt, chat_nvidia::readResponse);
+}
+
+async::Task<QString> PollinationsService::generateWithOllama(QString systemPrompt, QString userPrompt,
+                                                             std::vector<QByteArray> images) {
+    const bool cloud = configuration.ollamaMode == OllamaMode::cloud;
+    auto request =
+        chat_ollama::buildRequest({.mode = configuration.ollamaMode,
+                                   .url = configuration.ollamaChatURL(),
+                                   .model = cloud ? configuration.ollamaCloudModel : configuration.ollamaLocalModel,
+                                   .key = cloud ? configuration.ollamaCloudApiKey : configuration.ollamaLocalApiKey,
+                                   .systemPrompt = std::move(systemPrompt),
+                                   .userPrompt = std::move(userPrompt),
+                                   .images = std::move(images)});
+    if (configuration.asksLocalServer())
+        request.requestTimeout = request.resourceTimeout = localDeadline;
+    co_return co_await ask(std::move(request), std::nullopt, chat_ollama::readResponse);
+}
+
+async::Task<QString> PollinationsService::generateWithGateway(ChatPrompt prompt, JsonMode jsonMode) {
+    const auto& model = configuration.pollinationsVisionModelOverride;
+    if (!model || model->isEmpty())
+        throw PollinationsError::configurationMissing(u"The model of your own server is missing"_s);
+    const auto capable = prompt.image ? ImageCapability::Yes : ImageCapability::No;
+    co_return co_await generateWithPollinations(*model, capable, std::move(prompt), jsonMode);
+}
+
+async::Task<QString> PollinationsService::generateWithModel(PollinationsModel model, ChatPrompt prompt,
+                                                            JsonMode jsonMode) {
+    if (configuration.asksGatewayOnly())
+        co_return co_await generateWithGateway(std::move(prompt), jsonMode);
     switch (chatProtocol(model)) {
         case ChatProtocol::GLM:
-            return glmApiKey.has_value();
+            co_return co_await generateWithGLM(model, std::move(prompt), jsonMode);
         case ChatProtocol::Nvidia:
-            return effectiveNvidiaApiKey().has_value();
+            co_return co_await generateWithNvidia(model, std::move(prompt), std::nullopt, Thinking::AsConfigured);
         case ChatProtocol::Pollinations:
             break;
     }
-    return true;
+    const bool capable = model == PollinationsModel::openai || model == PollinationsModel::gemini;
+    co_return co_await generateWithPollinations(identifier(model), capable ? ImageCapability::Yes : ImageCapability::No,
+                                                std::move(prompt), jsonMode);
 }
 
-bool PollinationsService::asksLocalServer() const {
-    if (ollamaEnabled)
-        return ollamaMode == OllamaMode::local &&
-               !isPublic(QUrl(ollamaLocalEndpoint.value_or(endpoints_.ollamaLocalChatURL)));
-    return pollinationsCustomEnabled && !isPublic(QUrl(pollinationsBaseURL()));
+async::Task<QStringList> PollinationsService::fetchOllamaCloudModels() {
+    const auto url = chat_wire::formUrl(configuration.endpoints.ollamaCloudTagsURL);
+    if (!url)
+        throw PollinationsError::invalidURL();
+    platform::HttpRequest request{.url = *url, .requestTimeout = chat_wire::requestTimeout};
+    co_return error_text::readAnswer({}, co_await exchange(std::move(request)), chat_ollama::readModelList);
 }
 
-bool PollinationsService::asksGatewayOnly() const {
-    return pollinationsCustomEnabled && !fallBackToOtherServices.value_or(isPublic(QUrl(pollinationsBaseURL())));
+async::Task<QByteArray> PollinationsService::generateImageWithPollinations(QString prompt) {
+    const auto url =
+        image_wire::pollinationsUrl(configuration.pollinationsBaseURL(), prompt, configuration.imageModelName());
+    // The path is the prompt, and no line tells what the user wrote.
+    log_.line("[Pollinations] Generating image at "_L1 + url.host());
+    auto request = imageGet(url, std::chrono::seconds(120));
+    chat_wire::authorize(request, configuration.effectivePollinationsApiKey());
+    auto image = image_wire::readPollinationsImage(co_await exchange(std::move(request)));
+    log_.line(u"[Pollinations] Image generated successfully: %1 bytes"_s.arg(image.size()));
+    co_return image;
 }
 
-QString PollinationsService::pollinationsBaseURL() const {
-    if (pollinationsCustomEnabled && pollinationsBaseURLOverride)
-        return *pollinationsBaseURLOverride;
-    return endpoints_.pollinationsBaseURL;
+async::Task<QByteArray> PollinationsService::generateImageWithGLM(QString prompt, int width, int height,
+                                                                  QString quality) {
+    auto request = image_wire::buildGLMRequest({.baseURL = configuration.endpoints.glmBaseURL,
+                                                .key = configuration.glmApiKey(),
+                                                .model = glmImageModel,
+                                                .prompt = std::move(prompt),
+                                                .width = width,
+                                                .height = height,
+                                                .quality = std::move(quality)});
+    const auto sent = request.body;
+    auto found = error_text::readAnswer(sent, co_await exchange(std::move(request)), image_wire::readGLMAnswer);
+    if (auto* image = std::get_if<QByteArray>(&found))
+        co_return std::move(*image);
+    co_return co_await downloadImage(std::get<QUrl>(found));
 }
 
-std::optional<QString> PollinationsService::effectivePollinationsApiKey() const {
-    return pollinationsCustomEnabled ? pollinationsApiKey : defaultPollinationsApiKey_;
-}
-
-std::optional<QString> PollinationsService::effectiveNvidiaApiKey() const {
-    const bool own = nvidiaEnabled && nvidiaApiKey && !nvidiaApiKey->isEmpty();
-    return text::trimmedOrAbsent(own ? *nvidiaApiKey : endpoints_.builtInNvidiaApiKey);
+async::Task<QByteArray> PollinationsService::downloadImage(QUrl url) {
+    auto request = imageGet(url, chat_wire::requestTimeout);
+    chat_wire::authorize(request, configuration.keyFor(url));
+    const auto response = co_await raceWithDeadline(raceDeadline, exchange(std::move(request)));
+    co_return image_wire::readDownload(response);
 }
 
 }  // namespace tavrelon::generation

@@ -1,8 +1,7 @@
-#include <QUrl>
+#include "generation/text_chain.h"
 
 #include "generation/model_walk.h"
 
-/// The chain that serves a text or vision request, from the user's own model down to the last of the list.
 namespace tavrelon::generation {
 
 using namespace Qt::StringLiterals;
@@ -10,6 +9,17 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto tag = "[Pollinations] "_L1;
+
+/// The models of `list` that can be asked, in order: with an image only those that take one.
+std::vector<PollinationsModel> availableModels(std::vector<PollinationsModel> list,
+                                               const std::optional<QByteArray>& image) {
+    if (image)
+        std::erase_if(list, [](PollinationsModel model) {
+            return model != PollinationsModel::openai && model != PollinationsModel::gemini &&
+                   model != PollinationsModel::nvidiaNemotron && model != PollinationsModel::glmVision;
+        });
+    return list;
+}
 
 /// The line that tells why the first walk leaves a model.
 QString failureLine(PollinationsModel model, const std::exception_ptr& error, bool imageSent) {
@@ -30,133 +40,137 @@ QString failureLine(PollinationsModel model, const std::exception_ptr& error, bo
     }
 }
 
-/// What the user is told is why the service of their choice failed, or else the first that was asked.
-void keepFirst(std::exception_ptr& kept, std::exception_ptr error) {
-    if (!kept)
-        kept = std::move(error);
-}
+/// Who answered in the end, and what the user is told where nobody does: why the service of their choice failed, or
+/// else the first that was asked.
+class TextChain {
+ public:
+    explicit TextChain(PollinationsService& service, std::exception_ptr reason = nullptr)
+        : service_(service), reason_(std::move(reason)) {}
 
-QString sourceAt(const QString& model, const QString& address) {
-    const auto host = QUrl(address).host();
-    return host.isEmpty() ? model : model + u" ("_s + host + u')';
+    const QString& source() const { return source_; }
+
+    /// The text of the user's own model; absent where there is none or it fails.
+    async::Task<std::optional<QString>> askGateway(ChatPrompt prompt) {
+        const auto& configuration = service_.configuration;
+        const auto model = configuration.pollinationsVisionModelOverride.value_or(QString());
+        if (!configuration.pollinationsCustomEnabled || model.isEmpty())
+            co_return std::nullopt;
+        try {
+            auto text = co_await service_.generateWithGateway(std::move(prompt), JsonMode::Off);
+            service_.log().line(tag + "Text generated with custom model "_L1 + model);
+            source_ = configuration.gatewaySourceName();
+            co_return text;
+        } catch (const async::CancellationError&) {
+            throw;
+        } catch (const KeyRefused&) {
+            throw;
+        } catch (const std::exception& error) {
+            service_.log().line(tag + "Custom Pollinations model failed: "_L1 + text::localizedDescription(error));
+            keep(std::current_exception());
+        }
+        co_return std::nullopt;
+    }
+
+    using FailureLine = std::function<QString(PollinationsModel, const std::exception_ptr&)>;
+
+    /// Asks one model after another. The log tells who answered between `done` and `remark`.
+    async::Task<std::optional<QString>> walk(std::vector<PollinationsModel> models, ChatPrompt prompt,
+                                             QLatin1StringView done, QLatin1StringView remark, FailureLine failure) {
+        WalkSteps steps{
+            .accept =
+                [this, done, remark](PollinationsModel model, const QString& reply) {
+                    source_ = service_.configuration.sourceName(model);
+                    service_.log().line(tag + done + displayName(model) + remark);
+                    return std::optional(reply);
+                },
+            .failed =
+                [this, failure = std::move(failure)](PollinationsModel model, std::exception_ptr error) {
+                    service_.log().line(failure(model, error));
+                    keep(std::move(error));
+                },
+        };
+        return walkModels(service_, std::move(models), std::move(prompt), JsonMode::Off, std::move(steps));
+    }
+
+    [[noreturn]] void fail() const {
+        if (reason_)
+            std::rethrow_exception(reason_);
+        throw PollinationsError::allModelsFailed();
+    }
+
+ private:
+    void keep(std::exception_ptr error) {
+        if (!reason_)
+            reason_ = std::move(error);
+    }
+
+    PollinationsService& service_;
+    QString source_;
+    std::exception_ptr reason_;
+};
+
+/// The gateway is asked with the image, and once more without it where nobody else may be.
+async::Task<QString> textBy(PollinationsService& service, TextChain& chain, ChatPrompt prompt) {
+    const bool imageSent = prompt.image.has_value();
+    auto withoutImage = prompt;
+    withoutImage.image.reset();
+    if (auto text = co_await chain.askGateway(prompt))
+        co_return *std::move(text);
+    if (service.configuration.asksGatewayOnly()) {
+        auto text = imageSent ? co_await chain.askGateway(std::move(withoutImage)) : std::nullopt;
+        if (!text)
+            chain.fail();
+        co_return *std::move(text);
+    }
+    const auto& configuration = service.configuration;
+    auto models = availableModels(imageSent ? configuration.visionModels : configuration.textModels, prompt.image);
+    if (auto text = co_await chain.walk(
+            std::move(models), std::move(prompt), "Text generated with "_L1, {},
+            [imageSent](auto model, const auto& error) -> QString { return failureLine(model, error, imageSent); }))
+        co_return *std::move(text);
+    if (!imageSent)
+        chain.fail();
+    service.log().line(tag + "All vision models failed. Retrying without image."_L1);
+    auto text = co_await chain.walk(configuration.textModels, std::move(withoutImage), "Text generated with "_L1,
+                                    " (no image)"_L1, [](auto model, const auto& error) -> QString {
+                                        return tag + "Text generation failed with "_L1 + displayName(model) +
+                                               " (no image): "_L1 + describe(error);
+                                    });
+    if (!text)
+        chain.fail();
+    co_return *std::move(text);
 }
 
 }  // namespace
 
-async::Task<QString> PollinationsService::generateText(QString systemPrompt, QString userPrompt,
-                                                       std::optional<QByteArray> image, qint64 maxTokens,
-                                                       float temperature) {
-    auto answer =
-        co_await answerText(std::move(systemPrompt), std::move(userPrompt), std::move(image), maxTokens, temperature);
+async::Task<ModelAnswer> answerText(PollinationsService& service, ChatPrompt prompt) {
+    if (service.configuration.ollamaEnabled && prompt.image)
+        co_return ModelAnswer{co_await service.generateWithOllama(std::move(prompt.system), std::move(prompt.user),
+                                                                  {*std::move(prompt.image)}),
+                              u"Ollama"_s};
+    TextChain chain(service);
+    auto text = co_await textBy(service, chain, std::move(prompt));
+    co_return ModelAnswer{std::move(text), chain.source()};
+}
+
+async::Task<QString> generateText(PollinationsService& service, ChatPrompt prompt) {
+    auto answer = co_await answerText(service, std::move(prompt));
     co_return std::move(answer.text);
 }
 
-async::Task<ModelAnswer> PollinationsService::answerText(QString systemPrompt, QString userPrompt,
-                                                         std::optional<QByteArray> image, qint64 maxTokens,
-                                                         float temperature) {
-    if (ollamaEnabled && image)
-        co_return ModelAnswer{
-            co_await generateWithOllama(std::move(systemPrompt), std::move(userPrompt), {*std::move(image)}),
-            u"Ollama"_s};
-
-    const ChatPrompt prompt{std::move(systemPrompt), std::move(userPrompt), std::move(image), maxTokens, temperature};
-    QString source;
-    std::exception_ptr reason;
-    if (auto text = co_await customModelText(prompt, source, reason))
-        co_return ModelAnswer{*text, source};
-    if (asksGatewayOnly() && prompt.image) {
-        auto withoutImage = prompt;
-        withoutImage.image.reset();
-        if (auto text = co_await customModelText(std::move(withoutImage), source, reason))
-            co_return ModelAnswer{*text, source};
-    }
-    if (asksGatewayOnly())
-        reason ? std::rethrow_exception(reason) : throw PollinationsError::allModelsFailed();
-    if (auto text = co_await firstWalk(prompt, source, reason))
-        co_return ModelAnswer{*text, source};
-    if (prompt.image) {
-        log_.line(tag + "All vision models failed. Retrying without image."_L1);
-        if (auto text = co_await walkWithoutImage(prompt, source, reason))
-            co_return ModelAnswer{*text, source};
-    }
-    if (reason)
-        std::rethrow_exception(reason);
-    throw PollinationsError::allModelsFailed();
-}
-
-QString PollinationsService::sourceName(PollinationsModel model) const {
-    if (asksGatewayOnly() && pollinationsVisionModelOverride)
-        return sourceAt(*pollinationsVisionModelOverride, pollinationsBaseURL());
-    switch (chatProtocol(model)) {
-        case ChatProtocol::Nvidia:
-            return sourceAt(displayName(model), endpoints_.nvidiaChatCompletionsURL);
-        case ChatProtocol::GLM:
-            return sourceAt(displayName(model), endpoints_.glmBaseURL);
-        case ChatProtocol::Pollinations:
-            break;
-    }
-    return sourceAt(displayName(model), pollinationsBaseURL());
-}
-
-async::Task<std::optional<QString>> PollinationsService::customModelText(ChatPrompt prompt, QString& source,
-                                                                         std::exception_ptr& reason) {
-    if (!pollinationsCustomEnabled || !pollinationsVisionModelOverride || pollinationsVisionModelOverride->isEmpty())
-        co_return std::nullopt;
-    const auto model = *pollinationsVisionModelOverride;
-    try {
-        auto text = co_await generateWithGateway(std::move(prompt), JsonMode::Off);
-        log_.line(tag + "Text generated with custom model "_L1 + model);
-        source = sourceAt(model, pollinationsBaseURL());
-        co_return text;
-    } catch (const async::CancellationError&) {
-        throw;
-    } catch (const KeyRefused&) {
-        throw;
-    } catch (const std::exception& error) {
-        log_.line(tag + "Custom Pollinations model failed: "_L1 + text::localizedDescription(error));
-        keepFirst(reason, std::current_exception());
-    }
-    co_return std::nullopt;
-}
-
-async::Task<std::optional<QString>> PollinationsService::firstWalk(ChatPrompt prompt, QString& source,
-                                                                   std::exception_ptr& reason) {
-    auto models = availableModels(prompt.image ? visionModels : textModels, prompt.image);
-    const bool imageSent = prompt.image.has_value();
-    WalkSteps steps{
-        .accept =
-            [this, &source](PollinationsModel model, const QString& reply) {
-                source = sourceName(model);
-                log_.line(tag + "Text generated with "_L1 + displayName(model));
-                return std::optional(reply);
-            },
-        .failed =
-            [this, &reason, imageSent](PollinationsModel model, std::exception_ptr error) {
-                log_.line(failureLine(model, error, imageSent));
-                keepFirst(reason, std::move(error));
-            },
-    };
-    return walkModels(*this, std::move(models), std::move(prompt), JsonMode::Off, std::move(steps));
-}
-
-async::Task<std::optional<QString>> PollinationsService::walkWithoutImage(ChatPrompt prompt, QString& source,
-                                                                          std::exception_ptr& reason) {
-    prompt.image.reset();
-    WalkSteps steps{
-        .accept =
-            [this, &source](PollinationsModel model, const QString& reply) {
-                source = sourceName(model);
-                log_.line(tag + "Text generated with "_L1 + displayName(model) + " (no image)"_L1);
-                return std::optional(reply);
-            },
-        .failed =
-            [this, &reason](PollinationsModel model, std::exception_ptr error) {
-                log_.line(tag + "Text generation failed with "_L1 + displayName(model) + " (no image): "_L1 +
-                          describe(error));
-                keepFirst(reason, std::move(error));
-            },
-    };
-    return walkModels(*this, textModels, std::move(prompt), JsonMode::Off, std::move(steps));
+async::Task<QString> generateVideoFallback(PollinationsService& service, std::exception_ptr previousError,
+                                           ChatPrompt prompt) {
+    auto models = availableModels(service.configuration.visionModels, prompt.image);
+    std::erase(models, PollinationsModel::nvidiaNemotron);
+    TextChain chain(service, std::move(previousError));
+    auto text = co_await chain.walk(std::move(models), std::move(prompt), "Video fallback text generated with "_L1, {},
+                                    [](auto model, const auto& error) -> QString {
+                                        return tag + "Video fallback failed with "_L1 + displayName(model) + ": "_L1 +
+                                               describe(error);
+                                    });
+    if (!text)
+        chain.fail();
+    co_return *std::move(text);
 }
 
 }  // namespace tavrelon::generation

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "generation/text_chain.h"
 #include "learning/adaptive_prompt.h"
 #include "persistence/taught.h"
 
@@ -133,8 +134,11 @@ async::Task<std::optional<AdaptivePromptLearner::Lesson>> AdaptivePromptLearner:
     std::vector<QString> samples) {
     const auto provider = persistence::providerOf(storageManager_.settings());
     try {
-        const auto answer = co_await pollinationsService_.answerText(
-            adaptive_prompt::systemPrompt(), adaptive_prompt::userPrompt(samples), {}, maxTokens, temperature);
+        const auto answer =
+            co_await generation::answerText(pollinationsService_, {.system = adaptive_prompt::systemPrompt(),
+                                                                   .user = adaptive_prompt::userPrompt(samples),
+                                                                   .maxTokens = maxTokens,
+                                                                   .temperature = temperature});
         if (const auto prompt = adaptive_prompt::cleanedPrompt(answer.text))
             co_return Lesson{*prompt, answer.source, provider};
     } catch (const std::exception& error) {

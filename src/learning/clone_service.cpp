@@ -122,14 +122,15 @@ async::Task<CloneProfile> CloneService::learnProfile(QString samples) {
         .accept =
             [this, &profile](generation::PollinationsModel model, const QString& reply) {
                 profile = parseCloneProfile(reply);
-                profile.source = pollinationsService_.sourceName(model);
+                profile.source = pollinationsService_.configuration.sourceName(model);
                 return std::optional(reply);
             },
         .failed = [&lastError](generation::PollinationsModel,
                                std::exception_ptr error) { lastError = std::move(error); },
     };
-    const auto reply = co_await generation::walkModels(pollinationsService_, pollinationsService_.textModels,
-                                                       std::move(prompt), generation::JsonMode::On, std::move(steps));
+    const auto reply =
+        co_await generation::walkModels(pollinationsService_, pollinationsService_.configuration.textModels,
+                                        std::move(prompt), generation::JsonMode::On, std::move(steps));
     if (reply)
         co_return profile;
     if (lastError)

@@ -30,6 +30,7 @@ StorageManager::StorageManager(platform::DefaultsStore& userDefaults, platform::
     // Without the folder the program still works; it only remembers nothing.
     static_cast<void>(fileSystem_.createDirectory(applicationSupport_));
     settings_ = storedSettings();
+    keys_ = storedServiceKeys(userDefaults_, settings_);
     scenes_ = storedScenes();
 }
 

@@ -5,8 +5,8 @@
 
 #include "async/lifetime.h"
 #include "async/main_loop.h"
-#include "persistence/app_settings.h"
 #include "persistence/change_notice.h"
+#include "persistence/service_keys.h"
 #include "platform/defaults_store.h"
 #include "platform/file_system.h"
 #include "platform/log.h"
@@ -14,17 +14,13 @@
 
 namespace tavrelon::persistence {
 
-/// The names of the entries in the defaults store.
+/// The name of the entry in the defaults store that holds the settings.
 namespace defaults_keys {
 inline constexpr QLatin1StringView settings("tavrelon.settings");
-inline constexpr QLatin1StringView pollinationsApiKey("tavrelon.pollinationsApiKey");
-inline constexpr QLatin1StringView ollamaCloudApiKey("tavrelon.ollamaCloudApiKey");
-inline constexpr QLatin1StringView ollamaLocalApiKey("tavrelon.ollamaLocalApiKey");
-inline constexpr QLatin1StringView nvidiaApiKey("tavrelon.nvidiaApiKey");
 }  // namespace defaults_keys
 
-/// Keeps the settings and the scenes. Both are read once, at creation. Main thread: a service with a queue of its own
-/// takes a copy of what it needs before it goes there.
+/// Keeps the settings, the keys and the scenes. All are read once, at creation. Main thread: a service with a queue of
+/// its own takes a copy of what it needs before it goes there.
 class StorageManager {
  public:
     /// `applicationSupport` is this program's own folder; it is made if it is missing. A settings entry that is no
@@ -47,6 +43,18 @@ class StorageManager {
     /// Stores the whole record. A failure is silent and leaves the stored document as it was.
     void saveSettings();
 
+    const ServiceKeys& keys() const { return keys_; }
+
+    /// Lets `change` write into the keys and stores them; the subscribers hear of it in a later turn. A store that
+    /// refuses a key loses it at the end of the program.
+    template <typename Change>
+    void changeKeys(Change change) {
+        const auto before = keys_;
+        change(keys_);
+        notifySettingsChanged();
+        storeServiceKeys(userDefaults_, before, keys_);
+    }
+
     /// Announces one change in a later turn, unless this object is gone by then.
     void notifySettingsChanged();
 
@@ -62,9 +70,6 @@ class StorageManager {
     /// The keys of settings whose stored values were not of their kind, so that their defaults serve.
     const QStringList& faultySettings() const { return faultySettings_; }
 
-    /// Holds the keys of the model services, each as a text of its own; a missing one reads as empty.
-    platform::DefaultsStore& userDefaults() const { return userDefaults_; }
-
     const QString& applicationSupport() const { return applicationSupport_; }
 
  private:
@@ -78,6 +83,7 @@ class StorageManager {
     QString applicationSupport_;
     QStringList faultySettings_;
     AppSettings settings_;
+    ServiceKeys keys_;
     std::vector<scenes::SceneConfig> scenes_;
     ChangeNotice notice_;
     async::Lifetime lifetime_;

@@ -178,8 +178,9 @@ struct Inquiry {
 
 async::Task<Finding> model(Inquiry by) {
     const auto endpoints = generation::ServiceEndpoints::builtIn();
-    generation::PollinationsService models(by.loop, by.http, by.log, endpoints, app::builtInKeys(endpoints));
-    app::applyProviderSettings(by.settings, by.store, models);
+    generation::PollinationsService models(by.loop, by.http, by.log, endpoints);
+    models.configuration =
+        app::serviceConfiguration(endpoints, by.settings, persistence::storedServiceKeys(by.store, by.settings));
     const auto test = co_await app::testService(models, by.loop);
     const auto seconds = QString::number(static_cast<double>(test.taken.count()) / 1000, 'f', 1);
     if (!test.answer)

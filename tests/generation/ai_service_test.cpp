@@ -62,9 +62,9 @@ TEST_F(AIServiceTest, ThoughtsAreNoAnswerAndNothingIsDrawnWhereThatIsNotWanted) 
 }
 
 TEST_F(AIServiceTest, AVideoGoesToOllamaAloneWhereThatIsOn) {
-    service.ollamaEnabled = true;
-    service.ollamaMode = OllamaMode::local;
-    service.ollamaLocalModel = u"llava"_s;
+    service.configuration.ollamaEnabled = true;
+    service.configuration.ollamaMode = OllamaMode::local;
+    service.configuration.ollamaLocalModel = u"llava"_s;
     std::vector<QByteArray> frames;
     for (int number = 0; number < 24; ++number)
         frames.push_back(QByteArray::number(number));
@@ -126,15 +126,15 @@ TEST_F(AIServiceTest, FailuresAreToldToTheUser) {
     for (int i = 0; i < 3; ++i)
         http.answer(429, "slow down");
     EXPECT_EQ(askError({.input = u"hello"_s}), u"Generation failed: API error (429): slow down"_s);
-    for (const auto& key : {service.glmApiKey, std::optional<QString>()}) {
-        service.glmApiKey = key;
+    for (const auto& key : {u"glm.key"_s, QString()}) {
+        service.configuration.endpoints.builtInGLMKey = key;
         http.answer(429, "busy");
-        if (key)
+        if (!key.isEmpty())
             http.answer(401, "no such key");
         EXPECT_EQ(askError({.input = u"draw a cat"_s}),
                   u"Generation failed: Image generation failed with status 429"_s);
     }
-    service.textModels = {PollinationsModel::openai};
+    service.configuration.textModels = {PollinationsModel::openai};
     http.neverAnswer();
     EXPECT_EQ(askError({.input = u"hello"_s}), u"Generation failed: Request timed out"_s);
 }

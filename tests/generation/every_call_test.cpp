@@ -24,22 +24,22 @@ struct Way {
 
 template <PollinationsModel model>
 void useModel(PollinationsService& service) {
-    service.textModels = {model};
+    service.configuration.textModels = {model};
 }
 
 template <OllamaMode mode>
 void useOllama(PollinationsService& service) {
-    service.ollamaEnabled = true;
-    service.ollamaMode = mode;
-    service.ollamaCloudModel = service.ollamaLocalModel = u"llava"_s;
-    service.ollamaCloudApiKey = u"key"_s;
+    service.configuration.ollamaEnabled = true;
+    service.configuration.ollamaMode = mode;
+    service.configuration.ollamaCloudModel = service.configuration.ollamaLocalModel = u"llava"_s;
+    service.configuration.ollamaCloudApiKey = u"key"_s;
 }
 
 void useOwnGateway(PollinationsService& service) {
-    service.textModels = {};
-    service.pollinationsCustomEnabled = true;
-    service.pollinationsBaseURLOverride = u"https://mine.test"_s;
-    service.pollinationsVisionModelOverride = u"own"_s;
+    service.configuration.textModels = {};
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsBaseURLOverride = u"https://mine.test"_s;
+    service.configuration.pollinationsVisionModelOverride = u"own"_s;
 }
 
 const auto refused = u"API error (500): why"_s;

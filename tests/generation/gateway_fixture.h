@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "generation/pollinations_service.h"
+#include "generation/text_chain.h"
 #include "support/fake_http_session.h"
 #include "support/qt_gtest.h"
 #include "support/recording_log.h"
@@ -14,12 +14,12 @@ namespace tavrelon::testing {
 /// A gateway with keys for every service, before a scripted network.
 class GatewayFixture : public ::testing::Test {
  public:
-    GatewayFixture() { service.fallBackToOtherServices = true; }
+    GatewayFixture() { service.configuration.fallBackToOtherServices = true; }
 
     VirtualMainLoop loop;
     FakeHttpSession http{loop};
     RecordingLog log;
-    generation::PollinationsService service{loop, http, log, endpoints(), keys()};
+    generation::PollinationsService service{loop, http, log, endpoints()};
 
     static generation::ServiceEndpoints endpoints() {
         return {.pollinationsBaseURL = QStringLiteral("https://pollinations.test"),
@@ -29,14 +29,9 @@ class GatewayFixture : public ::testing::Test {
                 .ollamaCloudChatURL = QStringLiteral("https://ollama.test/api/chat"),
                 .ollamaLocalChatURL = QStringLiteral("http://localhost:11434/api/chat"),
                 .cloneApiBaseURL = {},
-                .builtInPollinationsKey = {},
-                .builtInGLMKey = {},
+                .builtInPollinationsKey = QStringLiteral(" sk_default\n"),
+                .builtInGLMKey = QStringLiteral("glm.key"),
                 .builtInNvidiaApiKey = QStringLiteral(" nvapi-built-in ")};
-    }
-    static generation::ProviderKeys keys() {
-        return {.defaultPollinationsApiKey = QStringLiteral(" sk_default\n"),
-                .glmApiKey = QStringLiteral("glm.key"),
-                .nvidiaApiKey = {}};
     }
 
     static QByteArray chatReply(const QString& content) {
@@ -62,7 +57,11 @@ class GatewayFixture : public ::testing::Test {
     }
 
     QString generate(const std::optional<QByteArray>& image = {}) {
-        return runTask(loop, service.generateText(QStringLiteral("S"), QStringLiteral("U"), image, 2000, 0.7F));
+        return runTask(loop, generateText(service, {.system = QStringLiteral("S"),
+                                                    .user = QStringLiteral("U"),
+                                                    .image = image,
+                                                    .maxTokens = 2000,
+                                                    .temperature = 0.7F}));
     }
     /// The description of the error that generating throws.
     QString generateError(const std::optional<QByteArray>& image = {}) {

@@ -1,6 +1,7 @@
 #include "generation/gateway_fixture.h"
 #include "generation/image_intent.h"
 #include "generation/image_prompt_cleaning.h"
+#include "generation/image_prompt_enhancement.h"
 #include "generation/prompt_template.h"
 
 namespace tavrelon::generation {
@@ -54,7 +55,7 @@ TEST(PromptTemplateTest, FlattensToPhrases) {
 class PromptEnhancementTest : public tavrelon::testing::GatewayFixture {
  public:
     QString enhance(const QString& text, PromptSafety safety = PromptSafety::Demanded) {
-        return runTask(loop, service.enhanceImagePrompt(text, safety));
+        return runTask(loop, enhanceImagePrompt(service, text, safety));
     }
 };
 

@@ -135,10 +135,10 @@ TEST_F(ImagesTest, ADownloadTakesAKeyOnlyToItsOwnService) {
           "https://test/a", "https://glm.test@evil.example/a", "https://bigmodel.evil.example/a",
           "https://pollinations.evil.example/a", "https://cdn.test/glm.test/pollinations.test"})
         EXPECT_EQ(download(QString::fromLatin1(other)), "") << other;
-    service.pollinationsCustomEnabled = true;
-    service.pollinationsBaseURLOverride = u"https://Mine.test/base"_s;
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsBaseURLOverride = u"https://Mine.test/base"_s;
     EXPECT_EQ(download(u"https://mine.test/a"_s), "") << "custom mode without a key of the user's";
-    service.pollinationsApiKey = u"own"_s;
+    service.configuration.pollinationsApiKey = u"own"_s;
     EXPECT_EQ(download(u"https://mine.test/a"_s), "Bearer own");
 
     http.answer(200, "PNG", "");
@@ -148,12 +148,12 @@ TEST_F(ImagesTest, ADownloadTakesAKeyOnlyToItsOwnService) {
 }
 
 TEST_F(ImagesTest, CustomModeDrawsWithTheUsersModelAndGateway) {
-    service.pollinationsImageModelOverride = u"mine"_s;
+    service.configuration.pollinationsImageModelOverride = u"mine"_s;
     http.answer(200, "PNG", "image/png");
     ask(u"draw a cat"_s);
     EXPECT_TRUE(http.requests()[0].url.query().startsWith(u"model=zimage&"_s)) << "not while custom mode is off";
-    service.pollinationsCustomEnabled = true;
-    service.pollinationsBaseURLOverride = u"https://mine.test"_s;
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsBaseURLOverride = u"https://mine.test"_s;
     http.answer(200, "PNG", "image/png");
     ask(u"draw a cat"_s);
     EXPECT_EQ(http.requests()[1].url.host(), u"mine.test"_s);
@@ -165,7 +165,11 @@ class VideoFallbackTest : public tavrelon::testing::GatewayFixture {
  public:
     QString describeFrame(const std::exception_ptr& previous) {
         try {
-            return runTask(loop, service.generateVideoFallback(previous, "\xff\xd8", u"S"_s, u"U"_s, 2000, 0.7F));
+            return runTask(
+                loop,
+                generateVideoFallback(
+                    service, previous,
+                    {.system = u"S"_s, .user = u"U"_s, .image = "\xff\xd8", .maxTokens = 2000, .temperature = 0.7F}));
         } catch (const text::LocalizedError& error) {
             return "! "_L1 + error.localizedDescription();
         }
@@ -183,7 +187,7 @@ TEST_F(VideoFallbackTest, OneFrameGoesToTheOtherVisionModels) {
     EXPECT_EQ(describeFrame(previous), u"! API error (500): frames"_s) << "the first failure is the one told";
     http.answer(429, "busy");
     EXPECT_EQ(describeFrame(nullptr), u"! API error (429): busy"_s);
-    service.visionModels = {PollinationsModel::nvidiaNemotron, PollinationsModel::glmVisionFlash};
+    service.configuration.visionModels = {PollinationsModel::nvidiaNemotron, PollinationsModel::glmVisionFlash};
     EXPECT_EQ(describeFrame(previous), u"! API error (500): frames"_s);
     EXPECT_EQ(http.requests().size(), 3U) << "no model was left to ask";
 }

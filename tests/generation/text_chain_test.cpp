@@ -3,6 +3,7 @@
 
 #include "generation/destinations.h"
 #include "generation/gateway_fixture.h"
+#include "generation/image_prompt_enhancement.h"
 
 namespace tavrelon::generation {
 
@@ -66,10 +67,10 @@ TEST_F(TextChainTest, AServerOnThisMachineIsTheOnlyOneAskedUnlessTheUserSaysOthe
         return std::ranges::all_of(http.requests(),
                                    [](const auto& request) { return request.url.host() == u"127.0.0.1"_s; });
     };
-    service.fallBackToOtherServices.reset();
-    service.pollinationsCustomEnabled = true;
-    service.pollinationsBaseURLOverride = u"http://127.0.0.1:8080"_s;
-    service.pollinationsVisionModelOverride = u"mine"_s;
+    service.configuration.fallBackToOtherServices.reset();
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsBaseURLOverride = u"http://127.0.0.1:8080"_s;
+    service.configuration.pollinationsVisionModelOverride = u"mine"_s;
     http.answer(500, "cannot see");
     http.answer(200, chatReply(u"blind"_s));
     EXPECT_EQ(generate(jpeg), u"blind"_s) << "it may be a model for texts only";
@@ -77,45 +78,46 @@ TEST_F(TextChainTest, AServerOnThisMachineIsTheOnlyOneAskedUnlessTheUserSaysOthe
     EXPECT_TRUE(generateError().contains("off"_L1)) << "its own reason";
     http.answer(500, "no");
     http.answer(500, "no");
-    EXPECT_EQ(runTask(loop, service.enhanceImagePrompt(u"a cat"_s, PromptSafety::Demanded)).isEmpty(), false);
+    EXPECT_EQ(runTask(loop, enhanceImagePrompt(service, u"a cat"_s, PromptSafety::Demanded)).isEmpty(), false);
     EXPECT_THROW(runTask(loop, service.downloadImage(QUrl(u"https://cdn.test/a.png"_s))), PollinationsError);
     EXPECT_THROW(runTask(loop, service.generateImageWithGLM(u"a cat"_s, 64, 64, u"hd"_s)), PollinationsError);
     EXPECT_TRUE(onlyOwnWasAsked());
     EXPECT_GE(http.requests().size(), 4U);
 
-    service.fallBackToOtherServices = true;
+    service.configuration.fallBackToOtherServices = true;
     http.answer(503, "off");
     http.answer(200, chatReply(u"chain"_s));
     EXPECT_EQ(generate(), u"chain"_s);
     EXPECT_FALSE(onlyOwnWasAsked());
-    service.fallBackToOtherServices.reset();
-    service.pollinationsBaseURLOverride = u"https://gateway.example.org"_s;
+    service.configuration.fallBackToOtherServices.reset();
+    service.configuration.pollinationsBaseURLOverride = u"https://gateway.example.org"_s;
     http.answer(503, "off");
     http.answer(200, chatReply(u"chain"_s));
     EXPECT_EQ(generate(), u"chain"_s) << "a public gateway is one of several";
 }
 
 TEST_F(TextChainTest, ARefusedKeyEndsTheChainBeforeAnotherServiceIsAsked) {
-    service.pollinationsCustomEnabled = true;
-    service.pollinationsBaseURLOverride = u"http://mine.test"_s;
-    service.pollinationsVisionModelOverride = u"my-model"_s;
-    service.pollinationsApiKey = u"own"_s;
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsBaseURLOverride = u"http://mine.test"_s;
+    service.configuration.pollinationsVisionModelOverride = u"my-model"_s;
+    service.configuration.pollinationsApiKey = u"own"_s;
     EXPECT_TRUE(generateError().contains("without encryption"_L1));
-    service.pollinationsCustomEnabled = false;
-    service.nvidiaEnabled = true;
-    service.nvidiaApiKey = u"own\r\nX: 1"_s;
+    service.configuration.pollinationsCustomEnabled = false;
+    service.configuration.nvidiaEnabled = true;
+    service.configuration.nvidiaApiKey = u"own\r\nX: 1"_s;
     EXPECT_TRUE(generateError().contains("control character"_L1));
     EXPECT_TRUE(http.requests().empty());
 }
 
 TEST_F(TextChainTest, AServicesErrorIsShortAndRepeatsNothingOfThePrompt) {
-    service.textModels = {PollinationsModel::openai};
+    service.configuration.textModels = {PollinationsModel::openai};
     const auto secret = u"Tell nobody: the vault opens with \"4711\"\nand 芝麻开门吧亲爱的朋友们快来"_s;
     const auto errorFor = [&](const QByteArray& body) {
         http.answer(400, body);
         try {
-            runTask(loop, service.generateText(u"Be brief.\nApplication: Vault"_s, u"User Input: hunter2\n"_s + secret,
-                                               {}, 10, 0.7F));
+            runTask(loop, generateText(service, {.system = u"Be brief.\nApplication: Vault"_s,
+                                                 .user = u"User Input: hunter2\n"_s + secret,
+                                                 .maxTokens = 10}));
         } catch (const text::LocalizedError& error) {
             return error.localizedDescription() + log.lines().join(u'\n');
         }
@@ -139,17 +141,17 @@ TEST_F(TextChainTest, AServicesErrorIsShortAndRepeatsNothingOfThePrompt) {
 }
 
 TEST_F(TextChainTest, OllamaTakesOverRequestsWithAnImageOnly) {
-    service.ollamaEnabled = true;
+    service.configuration.ollamaEnabled = true;
     EXPECT_EQ(generateError(jpeg), u"Ollama cloud model is required"_s);
     EXPECT_TRUE(http.requests().empty());
 
-    service.ollamaMode = OllamaMode::local;
-    service.ollamaLocalModel = u"llava"_s;
+    service.configuration.ollamaMode = OllamaMode::local;
+    service.configuration.ollamaLocalModel = u"llava"_s;
     http.answer(500, "down");
     EXPECT_EQ(generateError(jpeg), u"API error (500): down"_s);
     ASSERT_EQ(http.requests().size(), 1U);
     EXPECT_EQ(http.requests()[0].url, QUrl(u"http://localhost:11434/api/chat"_s));
-    service.ollamaLocalEndpoint = u"http://box:1/api/chat"_s;
+    service.configuration.ollamaLocalEndpoint = u"http://box:1/api/chat"_s;
     http.answer(200, R"({"message":{"content":"seen"}})");
     EXPECT_EQ(generate(jpeg), u"seen"_s);
     EXPECT_EQ(http.requests()[1].url.host(), u"box"_s);
@@ -160,30 +162,30 @@ TEST_F(TextChainTest, OllamaTakesOverRequestsWithAnImageOnly) {
 }
 
 TEST_F(TextChainTest, TheCustomModelGoesFirstAndItsFailureIsDropped) {
-    service.pollinationsCustomEnabled = true;
-    service.pollinationsBaseURLOverride = u"https://mine.test"_s;
-    service.pollinationsVisionModelOverride = u"my-model"_s;
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsBaseURLOverride = u"https://mine.test"_s;
+    service.configuration.pollinationsVisionModelOverride = u"my-model"_s;
     http.answer(200, chatReply(u"mine"_s));
     EXPECT_EQ(generate(jpeg), u"mine"_s);
     EXPECT_EQ(http.requests()[0].url, QUrl(u"https://mine.test/v1/chat/completions"_s));
     EXPECT_EQ(header(http.requests()[0], "Authorization"), "") << "the built-in key never goes to a custom gateway";
     EXPECT_TRUE(http.requests()[0].body.contains("image_url"));
 
-    service.pollinationsApiKey = u"own"_s;
+    service.configuration.pollinationsApiKey = u"own"_s;
     http.answer(503, "off");
     http.answer(200, chatReply(u"chain"_s));
     EXPECT_EQ(generate(), u"chain"_s);
     EXPECT_EQ(header(http.requests()[1], "Authorization"), "Bearer own");
     EXPECT_TRUE(logged(u"Custom Pollinations model failed: API error (503): off"_s));
 
-    service.pollinationsVisionModelOverride = QString();
+    service.configuration.pollinationsVisionModelOverride = QString();
     http.answer(200, chatReply(u"chain"_s));
     EXPECT_EQ(generate(), u"chain"_s);
     EXPECT_EQ(askedModels().last(), nemotron) << "an empty override skips the custom step";
 }
 
 TEST_F(TextChainTest, TheDeadlineCutsPollinationsAndGLMButNotNvidia) {
-    service.textModels = {PollinationsModel::openai, PollinationsModel::glmVisionFlash};
+    service.configuration.textModels = {PollinationsModel::openai, PollinationsModel::glmVisionFlash};
     http.neverAnswer();
     http.neverAnswer();
     const auto start = loop.now();
@@ -191,7 +193,7 @@ TEST_F(TextChainTest, TheDeadlineCutsPollinationsAndGLMButNotNvidia) {
     EXPECT_EQ(loop.now() - start, 60s) << "thirty seconds each";
     EXPECT_EQ(http.abandoned(), 2) << "past its deadline a request is ended on the wire";
 
-    service.textModels = {PollinationsModel::nvidiaNemotron};
+    service.configuration.textModels = {PollinationsModel::nvidiaNemotron};
     http.answer({platform::HttpResponse{.status = 200, .body = chatReply(u"slow"_s)}, 45s});
     EXPECT_EQ(generate(), u"slow"_s);
 }
@@ -202,7 +204,7 @@ TEST_F(TextChainTest, ACancellationEndsTheWalk) {
     async::TaskScope scope(loop);
     auto handle = scope.spawn([](PollinationsService& gateway, bool& flag) -> async::Task<void> {
         try {
-            co_await gateway.generateText(u"S"_s, u"U"_s, std::nullopt, 10, 0.7F);
+            co_await generateText(gateway, {.system = u"S"_s, .user = u"U"_s, .maxTokens = 10});
         } catch (const async::CancellationError&) {
             flag = true;
         }
@@ -230,7 +232,7 @@ TEST(Destinations, OnlyWhatLeavesTheUsersNetworkIsPublic) {
 TEST_F(TextChainTest, TheDestinationsAreThoseThatTheChainAsks) {
     const auto hosts = [this](RequestContents contents) {
         QStringList list;
-        for (const auto& address : destinations(service, contents))
+        for (const auto& address : destinations(service.configuration, contents))
             list << address.host();
         return list;
     };
@@ -247,17 +249,17 @@ TEST_F(TextChainTest, TheDestinationsAreThoseThatTheChainAsks) {
         return testing::FakeHttpSession::Reply{platform::HttpResponse{.status = 503, .body = "busy"}, {}};
     };
     EXPECT_EQ(hosts(RequestContents::Text), asked({}));
-    service.ollamaEnabled = true;
-    service.ollamaLocalEndpoint = QStringLiteral("http://llama.test/api/chat");
-    service.ollamaMode = OllamaMode::local;
-    service.ollamaLocalModel = QStringLiteral("llama");
+    service.configuration.ollamaEnabled = true;
+    service.configuration.ollamaLocalEndpoint = QStringLiteral("http://llama.test/api/chat");
+    service.configuration.ollamaMode = OllamaMode::local;
+    service.configuration.ollamaLocalModel = QStringLiteral("llama");
     EXPECT_EQ(hosts(RequestContents::Picture), asked("picture"));
     EXPECT_EQ(hosts(RequestContents::Text), asked({}));
-    service.ollamaEnabled = false;
-    service.pollinationsCustomEnabled = true;
-    service.pollinationsBaseURLOverride = QStringLiteral("https://own.test");
-    service.pollinationsVisionModelOverride = QStringLiteral("m");
-    service.glmApiKey.reset();
+    service.configuration.ollamaEnabled = false;
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsBaseURLOverride = QStringLiteral("https://own.test");
+    service.configuration.pollinationsVisionModelOverride = QStringLiteral("m");
+    service.configuration.endpoints.builtInGLMKey.clear();
     EXPECT_EQ(hosts(RequestContents::Picture).contains(QStringLiteral("own.test")), true);
     for (const auto& host : asked("picture"))
         EXPECT_TRUE(hosts(RequestContents::Picture).contains(host)) << qPrintable(host);

@@ -71,7 +71,7 @@ TEST_F(CloneServiceTest, TheWalkGoesOnUntilAReplyHoldsAProfile) {
         http.fail(HttpCode::Transport, u"no route"_s);
     http.answer(200, chatReply(u"I would rather not."_s));
     EXPECT_EQ(failure([&] { learnText(samples); }), u"Invalid response from server."_s) << "the last model's error";
-    service.textModels.clear();
+    service.configuration.textModels.clear();
     EXPECT_EQ(failure([&] { learnText(samples); }), u"Invalid response from server."_s);
 }
 

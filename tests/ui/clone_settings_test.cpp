@@ -18,14 +18,14 @@ class CloneSettingsTest : public ::testing::Test {
     tavrelon::testing::FakeFilePicker picker{desktop.loop};
     persistence::StorageManager storage{desktop.defaultsStore, desktop.fileSystem, desktop.log, desktop.loop,
                                         u"/data/Tavrelon"_s};
-    generation::PollinationsService service{
-        desktop.loop, desktop.httpSession, desktop.log, generation::ServiceEndpoints::builtIn(), {}};
+    generation::PollinationsService service{desktop.loop, desktop.httpSession, desktop.log,
+                                            generation::ServiceEndpoints::builtIn()};
     learning::CloneService cloneService{desktop.httpSession, desktop.documentReader, service, QString(),
                                         u"http://127.0.0.1:3002"_s};
     CloneLearner learner{{desktop.loop, storage, cloneService}};
     std::unique_ptr<CloneSettingsModel> page = openPage();
 
-    CloneSettingsTest() { service.textModels = {generation::PollinationsModel::openai}; }
+    CloneSettingsTest() { service.configuration.textModels = {generation::PollinationsModel::openai}; }
     std::unique_ptr<CloneSettingsModel> openPage() {
         return std::make_unique<CloneSettingsModel>(desktop.loop, storage, learner, picker);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generation/pollinations_service.h"
+#include "app/provider_settings.h"
 #include "support/fake_raw_keys.h"
 #include "support/qt_gtest.h"
 #include "support/test_desktop.h"
@@ -10,24 +10,15 @@
 
 namespace tavrelon::testing {
 
-/// A defaults store that lets a test look around at the moment of each write.
-class WatchedDefaultsStore : public MemoryDefaultsStore {
- public:
-    std::function<void()> onWrite = [] {};
-    bool setData(const QString& key, const QByteArray& value) override {
-        onWrite();
-        return MemoryDefaultsStore::setData(key, value);
-    }
-};
-
 /// The models of the pages of settings over fakes.
 struct DashboardDesk {
     TestDesktop desktop;
-    WatchedDefaultsStore store;
+    MemoryDefaultsStore store;
     persistence::StorageManager storage{store, desktop.fileSystem, desktop.log, desktop.loop,
                                         desktop.platform.applicationSupport};
-    generation::PollinationsService service{
-        desktop.loop, desktop.httpSession, desktop.log, generation::ServiceEndpoints::builtIn(), {}};
+    generation::PollinationsService service{desktop.loop, desktop.httpSession, desktop.log,
+                                            generation::ServiceEndpoints::builtIn()};
+    persistence::ChangeSubscription following = app::followSettings(storage, service);
     hotkeys::HotkeyManager manager{desktop.platform};
     FakeRawKeys keys;
     std::vector<bool> shownStates;  ///< what the overlay of all hotkeys showed

@@ -4,24 +4,20 @@
 
 namespace tavrelon::ui {
 
+using generation::ServiceConfiguration;
 using generation::VisionModelPreference;
 
 class DashboardTest : public ::testing::Test, public tavrelon::testing::DashboardDesk {};
 
-TEST_F(DashboardTest, GeneralSettingsAreStoredBeforeTheyReachTheService) {
-    store.onWrite = [&] {
-        EXPECT_EQ(service.visionModelPreference(), VisionModelPreference::speed);
-        EXPECT_FALSE(service.nvidiaThinkEnabled);
-    };
+TEST_F(DashboardTest, GeneralSettingsAreStoredAndReachTheService) {
     general.setVisionModelPreference(QStringLiteral("quality"));
-    store.onWrite = [] {};
-    EXPECT_EQ(service.visionModelPreference(), VisionModelPreference::quality);
+    EXPECT_EQ(service.configuration.visionModels, ServiceConfiguration::modelsFor(VisionModelPreference::quality));
     EXPECT_EQ(stored().visionModelPreference, QStringLiteral("quality"));
     general.setVisionModelPreference(QStringLiteral("best"));
     EXPECT_EQ(general.visionModelPreference(), QStringLiteral("quality"));
 
     general.setThinkEnabled(true);
-    EXPECT_TRUE(service.nvidiaThinkEnabled);
+    EXPECT_TRUE(service.configuration.nvidiaThinkEnabled);
     general.setLocalLearningEnabled(false);
     general.setSharesImprovements(true);
     general.setEnhancesImagePrompts(false);
@@ -34,7 +30,7 @@ TEST_F(DashboardTest, AFolderThatTakesNoSettingsStopsNothing) {
     store.refuseWrites = true;
     general.setThinkEnabled(true);
     hotkeys.setEnabled(0, false);
-    EXPECT_TRUE(service.nvidiaThinkEnabled && general.isThinkEnabled());
+    EXPECT_TRUE(service.configuration.nvidiaThinkEnabled && general.isThinkEnabled());
     EXPECT_FALSE(manager.toggleHotkeyEnabled);
     EXPECT_EQ(store.data(persistence::defaults_keys::settings), std::nullopt);
 }

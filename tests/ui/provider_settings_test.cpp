@@ -17,8 +17,9 @@ class ProviderSettingsTest : public ::testing::Test {
  public:
     tavrelon::testing::TestDesktop desktop;
     persistence::StorageManager storage = openStorage();
-    PollinationsService service{
-        desktop.loop, desktop.httpSession, desktop.log, generation::ServiceEndpoints::builtIn(), {}};
+    PollinationsService service{desktop.loop, desktop.httpSession, desktop.log,
+                                generation::ServiceEndpoints::builtIn()};
+    persistence::ChangeSubscription following = app::followSettings(storage, service);
     ProviderSettingsModel page{{desktop.loop, storage, service, desktop.workspace, desktop.httpSession}};
 
     persistence::StorageManager openStorage() {
@@ -37,33 +38,32 @@ class ProviderSettingsTest : public ::testing::Test {
 
 TEST_F(ProviderSettingsTest, TurningOneOnTurnsTheOthersOffAndIsInUseAtOnce) {
     page.setNvidiaApiKey(u"  nvapi-1 \n"_s);
-    EXPECT_EQ(service.nvidiaApiKey, std::nullopt) << "only in use while its switch is on";
+    EXPECT_EQ(service.configuration.nvidiaApiKey, std::nullopt) << "only in use while its switch is on";
     page.setEnableNvidiaLocal(true);
-    EXPECT_TRUE(service.nvidiaEnabled);
-    EXPECT_EQ(service.nvidiaApiKey, u"nvapi-1"_s);
+    EXPECT_TRUE(service.configuration.nvidiaEnabled);
+    EXPECT_EQ(service.configuration.nvidiaApiKey, u"nvapi-1"_s);
 
     page.setEnableOllamaVision(true);
-    EXPECT_TRUE(service.ollamaEnabled);
-    EXPECT_FALSE(service.nvidiaEnabled);
-    EXPECT_EQ(service.nvidiaApiKey, std::nullopt);
+    EXPECT_TRUE(service.configuration.ollamaEnabled);
+    EXPECT_FALSE(service.configuration.nvidiaEnabled);
+    EXPECT_EQ(service.configuration.nvidiaApiKey, std::nullopt);
     EXPECT_EQ(desktop.defaultsStore.string(entries::nvidiaApiKey), u"  nvapi-1 \n"_s) << "as typed";
     EXPECT_TRUE(stored().enableOllamaVision);
     EXPECT_FALSE(stored().enableNvidiaLocal);
 
     page.setPollinationsBaseURL(u" http://gateway.example/v1// "_s);
     page.setPollinationsVisionModel(u" openai.pollinations"_s);
-    service.pollinationsBaseURLOverride.reset();
     page.setEnableCustomPollinations(true);
-    EXPECT_FALSE(service.ollamaEnabled);
+    EXPECT_FALSE(service.configuration.ollamaEnabled);
     EXPECT_FALSE(stored().enableOllamaVision);
-    EXPECT_TRUE(service.pollinationsCustomEnabled);
-    EXPECT_EQ(service.pollinationsBaseURLOverride, u"http://gateway.example/v1"_s);
-    EXPECT_EQ(service.pollinationsVisionModelOverride, u"openai"_s);
-    EXPECT_EQ(service.pollinationsImageModelOverride, u"zimage"_s);
+    EXPECT_TRUE(service.configuration.pollinationsCustomEnabled);
+    EXPECT_EQ(service.configuration.pollinationsBaseURLOverride, u"http://gateway.example/v1"_s);
+    EXPECT_EQ(service.configuration.pollinationsVisionModelOverride, u"openai"_s);
+    EXPECT_EQ(service.configuration.pollinationsImageModelOverride, u"zimage"_s);
     EXPECT_EQ(stored().pollinationsBaseURL, u" http://gateway.example/v1// "_s) << "as typed";
 
     page.setEnableNvidiaLocal(true);
-    EXPECT_FALSE(service.pollinationsCustomEnabled);
+    EXPECT_FALSE(service.configuration.pollinationsCustomEnabled);
     EXPECT_FALSE(page.enableCustomPollinations());
     page.setEnableNvidiaLocal(false);
     EXPECT_FALSE(page.enableCustomPollinations() || page.enableOllamaVision()) << "off touches only that one";
@@ -103,8 +103,8 @@ TEST_F(ProviderSettingsTest, AServerOnThisMachineIsFoundAndTakenWithOneClick) {
     page.found()->take(u"http://127.0.0.1:11434"_s, u"index"_s);
     EXPECT_TRUE(page.found()->isNothingChosen()) << "it is not on offer";
     page.found()->take(u"http://127.0.0.1:11434"_s, u"writer"_s);
-    EXPECT_EQ(service.pollinationsBaseURL(), u"http://127.0.0.1:11434"_s);
-    EXPECT_TRUE(service.asksGatewayOnly());
+    EXPECT_EQ(service.configuration.pollinationsBaseURL(), u"http://127.0.0.1:11434"_s);
+    EXPECT_TRUE(service.configuration.asksGatewayOnly());
     EXPECT_EQ(stored().textOnlyModel, u"writer"_s);
     page.found()->take(u"http://127.0.0.1:11434"_s, u"seer"_s);
     EXPECT_EQ(stored().pollinationsVisionModel, u"seer"_s);
@@ -150,19 +150,20 @@ TEST_F(ProviderSettingsTest, BlanksCountAsNothingAndNothingIsRefused) {
     EXPECT_FALSE(page.nvidiaKeyMissing()) << "its switch is off";
     page.setEnableNvidiaLocal(true);
     page.setNvidiaApiKey(u" \t"_s);
+    desktop.loop.runUntilIdle();
     EXPECT_TRUE(page.nvidiaKeyMissing());
-    EXPECT_TRUE(service.nvidiaEnabled);
-    EXPECT_EQ(service.nvidiaApiKey, std::nullopt);
+    EXPECT_TRUE(service.configuration.nvidiaEnabled);
+    EXPECT_EQ(service.configuration.nvidiaApiKey, std::nullopt);
     EXPECT_EQ(desktop.defaultsStore.string(entries::nvidiaApiKey), u" \t"_s);
 
     page.setOllamaLocalEndpoint(u"no address at all"_s);
-    EXPECT_EQ(service.ollamaLocalEndpoint, u"no address at all"_s);
+    EXPECT_EQ(service.configuration.ollamaLocalEndpoint, u"no address at all"_s);
     page.setOllamaLocalModel(u"  "_s);
-    EXPECT_EQ(service.ollamaLocalModel, std::nullopt);
+    EXPECT_EQ(service.configuration.ollamaLocalModel, std::nullopt);
     page.setOllamaMode(u"local"_s);
-    EXPECT_EQ(service.ollamaMode, OllamaMode::local);
+    EXPECT_EQ(service.configuration.ollamaMode, OllamaMode::local);
     page.setOllamaMode(QString());
-    EXPECT_EQ(service.ollamaMode, OllamaMode::cloud);
+    EXPECT_EQ(service.configuration.ollamaMode, OllamaMode::cloud);
     page.setPollinationsImageModel(QString());
     EXPECT_TRUE(page.imageModelMissing());
     EXPECT_FALSE(page.baseURLMissing() || page.visionModelMissing());
@@ -172,35 +173,39 @@ TEST_F(ProviderSettingsTest, AKeyStaysWithTheServerForWhichItWasTyped) {
     // Stored by an older version, without a server: it belongs to the one that is in use.
     desktop.defaultsStore.setString(entries::pollinationsApiKey, u"old\n"_s);
     storage.changeSettings([](auto& settings) { settings.pollinationsBaseURL = u"https://a.example/v1"_s; });
-    app::applyProviderSettings(storage.settings(), desktop.defaultsStore, service);
-    EXPECT_EQ(service.pollinationsApiKey, u"old"_s);
+    storage.saveSettings();
+    auto next = openStorage();
+    const auto followingNext = app::followSettings(next, service);
+    EXPECT_EQ(service.configuration.pollinationsApiKey, u"old"_s);
 
-    ProviderSettingsModel opened{{desktop.loop, storage, service, desktop.workspace, desktop.httpSession}};
+    ProviderSettingsModel opened{{desktop.loop, next, service, desktop.workspace, desktop.httpSession}};
     for (const auto* other :
          {"https://b.example/v1", "http://a.example/v1", "https://a.example:444", "a.example", ""}) {
         SCOPED_TRACE(other);
         opened.setPollinationsBaseURL(QString::fromLatin1(other));
-        EXPECT_EQ(service.pollinationsApiKey, std::nullopt);
+        EXPECT_EQ(service.configuration.pollinationsApiKey, std::nullopt);
         EXPECT_EQ(opened.pollinationsApiKey(), QString()) << "it is asked for anew";
         EXPECT_EQ(opened.pollinationsKeyNote(), u"keyElsewhere"_s);
-        service.pollinationsApiKey = u"left over"_s;
-        app::applyProviderSettings(storage.settings(), desktop.defaultsStore, service);
-        EXPECT_EQ(service.pollinationsApiKey, std::nullopt) << "nor at the next start";
+        const auto later = openStorage();
+        const auto found = app::serviceConfiguration({}, later.settings(), later.keys());
+        EXPECT_EQ(found.pollinationsApiKey, std::nullopt) << "nor at the next start";
     }
     opened.setPollinationsBaseURL(u"https://A.example:443/v2"_s);
-    EXPECT_EQ(service.pollinationsApiKey, u"old"_s) << "another path of the same server";
+    EXPECT_EQ(service.configuration.pollinationsApiKey, u"old"_s) << "another path of the same server";
     EXPECT_EQ(opened.pollinationsKeyNote(), QString());
 
     opened.setPollinationsBaseURL(u"https://b.example"_s);
     opened.setPollinationsApiKey(u"new"_s);
-    EXPECT_EQ(service.pollinationsApiKey, u"new"_s);
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(service.configuration.pollinationsApiKey, u"new"_s);
     opened.setPollinationsBaseURL(u"https://a.example"_s);
-    EXPECT_EQ(service.pollinationsApiKey, std::nullopt);
+    EXPECT_EQ(service.configuration.pollinationsApiKey, std::nullopt);
 
     opened.setOllamaLocalApiKey(u"local"_s);
-    EXPECT_EQ(service.ollamaLocalApiKey, u"local"_s);
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(service.configuration.ollamaLocalApiKey, u"local"_s);
     opened.setOllamaLocalEndpoint(u"http://box:11434/api/chat"_s);
-    EXPECT_EQ(service.ollamaLocalApiKey, std::nullopt);
+    EXPECT_EQ(service.configuration.ollamaLocalApiKey, std::nullopt);
     opened.setOllamaLocalApiKey(u"box"_s);
     EXPECT_EQ(opened.ollamaLocalKeyNote(), u"keyUnencrypted"_s);
 }

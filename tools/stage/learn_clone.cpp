@@ -57,11 +57,12 @@ int main(int argc, char** argv) {
     desktop::DocumentProcessReader documents(loop, arguments[3]);
     persistence::StorageManager storage(store, files, log, loop, arguments[2]);
     const auto endpoints = generation::ServiceEndpoints::builtIn();
-    generation::PollinationsService models(loop, session, log, endpoints, {});
+    generation::PollinationsService models(loop, session, log, endpoints);
     const auto& settings = storage.settings();
-    models.pollinationsCustomEnabled = settings.enableCustomPollinations;
-    models.pollinationsBaseURLOverride =
-        generation::PollinationsService::normalizedBaseURL(settings.pollinationsBaseURL);
+    auto& configuration = models.configuration;
+    configuration.pollinationsCustomEnabled = settings.enableCustomPollinations;
+    configuration.pollinationsBaseURLOverride =
+        generation::ServiceConfiguration::normalizedBaseURL(settings.pollinationsBaseURL);
     learning::CloneService service(session, documents, models, settings.cloneApiBaseURL, endpoints.cloneApiBaseURL);
     int status = 1;
     async::TaskScope scope(loop);

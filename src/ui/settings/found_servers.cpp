@@ -52,7 +52,7 @@ void FoundServers::take(const QString& baseURL, const QString& model) {
         if (server && server->baseURL == baseURL)
             for (const auto& served : server->models)
                 if (served.name == model) {
-                    app::useServer(storage(), services_.pollinations, baseURL, served);
+                    app::useServer(storage(), baseURL, served);
                     Q_EMIT taken();
                     return;
                 }

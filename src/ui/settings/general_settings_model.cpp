@@ -7,7 +7,6 @@
 
 namespace tavrelon::ui {
 
-using generation::VisionModelPreference;
 using persistence::AppSettings;
 
 namespace {
@@ -45,10 +44,7 @@ constexpr std::array<PageText, 22> pageTexts{{
 }  // namespace
 
 GeneralSettingsModel::GeneralSettingsModel(FoundServers::Services services, std::function<void()> forgetLearned)
-    : PageModel(services.storage, pageTexts),
-      service_(services.pollinations),
-      firstSteps_(services),
-      forgetLearned_(std::move(forgetLearned)) {}
+    : PageModel(services.storage, pageTexts), firstSteps_(services), forgetLearned_(std::move(forgetLearned)) {}
 
 void GeneralSettingsModel::forget() {
     hasForgotten_ = true;
@@ -74,13 +70,10 @@ void GeneralSettingsModel::setVisionModelPreference(const QString& preference) {
     if (preference != speed && preference != quality)
         return;
     store([&](AppSettings& settings) { settings.visionModelPreference = preference; });
-    service_.setVisionModelPreference(preference == quality ? VisionModelPreference::quality
-                                                            : VisionModelPreference::speed);
 }
 
 void GeneralSettingsModel::setThinkEnabled(bool enabled) {
     store([&](AppSettings& settings) { settings.enableNvidiaThink = enabled; });
-    service_.nvidiaThinkEnabled = enabled;
 }
 
 void GeneralSettingsModel::setLocalLearningEnabled(bool enabled) {

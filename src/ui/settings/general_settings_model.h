@@ -60,7 +60,6 @@ class GeneralSettingsModel : public PageModel {
     bool hasForgotten() const { return hasForgotten_; }  ///< since the page was opened
 
  private:
-    generation::PollinationsService& service_;
     FirstSteps firstSteps_;
     std::function<void()> forgetLearned_;
     bool hasForgotten_ = false;

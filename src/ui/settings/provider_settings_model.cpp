@@ -1,5 +1,6 @@
 #include "ui/settings/provider_settings_model.h"
 
+#include "app/provider_settings.h"
 #include "platform/web_origin.h"
 #include "text/characters.h"
 #include "ui/settings/provider_texts.h"
@@ -7,39 +8,31 @@
 namespace tavrelon::ui {
 
 using namespace Qt::StringLiterals;
-using generation::OllamaMode;
-using generation::PollinationsService;
+using generation::ServiceConfiguration;
 using persistence::AppSettings;
-namespace entries = persistence::defaults_keys;
+using persistence::ServiceKeys;
 
 ProviderSettingsModel::ProviderSettingsModel(Services services)
     : PageModel(services.storage, providerTexts),
       services_(services),
       selection_(u"nvidia"_s),
       cloudModels_(services.mainLoop, services.pollinations) {
-    const auto stored = [this](QLatin1StringView entry) {
-        return storage().userDefaults().string(entry).value_or(QString());
-    };
-    auto& defaults = storage().userDefaults();
-    keys_ = {stored(entries::nvidiaApiKey), stored(entries::ollamaCloudApiKey),
-             persistence::boundKey(defaults, entries::ollamaLocalApiKey, ollamaAddress()),
-             persistence::boundKey(defaults, entries::pollinationsApiKey, pollinationsAddress())};
     connect(this, &PageModel::changed, &trial_, &ServiceTrial::forget);
     connect(&found_, &FoundServers::taken, this, [this] { select(u"pollinations"_s); });
 }
 
+ServiceConfiguration ProviderSettingsModel::configuration() const {
+    return app::serviceConfiguration(services_.pollinations.configuration.endpoints, settings(), storage().keys());
+}
+
 QString ProviderSettingsModel::ollamaAddress() const {
-    return text::trimmedOrAbsent(ollamaLocalEndpoint()).value_or(services_.pollinations.endpoints().ollamaLocalChatURL);
+    const auto chosen = configuration();
+    return chosen.ollamaLocalEndpoint.value_or(chosen.endpoints.ollamaLocalChatURL);
 }
 
 QString ProviderSettingsModel::pollinationsAddress() const {
-    return PollinationsService::normalizedBaseURL(pollinationsBaseURL())
-        .value_or(services_.pollinations.endpoints().pollinationsBaseURL);
-}
-
-void ProviderSettingsModel::handOnBoundKeys() {
-    services_.pollinations.ollamaLocalApiKey = keys_.ollamaLocal.keyFor(ollamaAddress());
-    services_.pollinations.pollinationsApiKey = keys_.pollinations.keyFor(pollinationsAddress());
+    const auto chosen = configuration();
+    return chosen.pollinationsBaseURLOverride.value_or(chosen.endpoints.pollinationsBaseURL);
 }
 
 QString ProviderSettingsModel::shownKey(const persistence::BoundKey& key, const QString& address) {
@@ -61,163 +54,53 @@ void ProviderSettingsModel::select(const QString& provider) {
     Q_EMIT selectionChanged();
 }
 
-void ProviderSettingsModel::turnOffNvidia() {
-    services_.pollinations.nvidiaEnabled = false;
-    services_.pollinations.nvidiaApiKey.reset();
-}
-
-void ProviderSettingsModel::setEnableNvidiaLocal(bool enabled) {
-    auto& service = services_.pollinations;
-    storage().changeSettings([enabled](AppSettings& changed) {
-        changed.enableNvidiaLocal = enabled;
+void ProviderSettingsModel::enable(bool AppSettings::* provider, bool enabled) {
+    store([&](AppSettings& changed) {
         if (enabled)
-            changed.enableOllamaVision = changed.enableCustomPollinations = false;
+            changed.enableNvidiaLocal = changed.enableOllamaVision = changed.enableCustomPollinations = false;
+        changed.*provider = enabled;
     });
-    if (enabled)
-        service.ollamaEnabled = service.pollinationsCustomEnabled = false;
-    storage().saveSettings();
-    service.nvidiaEnabled = enabled;
-    service.nvidiaApiKey = enabled ? text::trimmedOrAbsent(keys_.nvidia) : std::nullopt;
-}
-
-void ProviderSettingsModel::setEnableOllamaVision(bool enabled) {
-    auto& service = services_.pollinations;
-    storage().changeSettings([enabled](AppSettings& changed) {
-        changed.enableOllamaVision = enabled;
-        if (enabled)
-            changed.enableNvidiaLocal = changed.enableCustomPollinations = false;
-    });
-    if (enabled) {
-        turnOffNvidia();
-        service.pollinationsCustomEnabled = false;
-    }
-    storage().saveSettings();
-    service.ollamaEnabled = enabled;
-}
-
-void ProviderSettingsModel::setEnableCustomPollinations(bool enabled) {
-    auto& service = services_.pollinations;
-    storage().changeSettings([enabled](AppSettings& changed) {
-        changed.enableCustomPollinations = enabled;
-        if (enabled)
-            changed.enableOllamaVision = changed.enableNvidiaLocal = false;
-    });
-    if (enabled) {
-        service.ollamaEnabled = false;
-        turnOffNvidia();
-    }
-    storage().saveSettings();
-    service.pollinationsCustomEnabled = enabled;
-    handOnCustomPollinations();
 }
 
 void ProviderSettingsModel::setStaysWithGateway(bool stays) {
-    services_.pollinations.fallBackToOtherServices = !stays;
     store([stays](AppSettings& changed) { changed.fallBackToOtherServices = !stays; });
-}
-
-void ProviderSettingsModel::handOnCustomPollinations() {
-    auto& service = services_.pollinations;
-    service.pollinationsBaseURLOverride = PollinationsService::normalizedBaseURL(pollinationsBaseURL());
-    service.pollinationsImageModelOverride = PollinationsService::normalizedModelName(pollinationsImageModel());
-    service.pollinationsVisionModelOverride = PollinationsService::normalizedModelName(pollinationsVisionModel());
-    handOnBoundKeys();
 }
 
 QString ProviderSettingsModel::ollamaMode() const {
     return text::trimmed(settings().ollamaMode) == "local"_L1 ? u"local"_s : u"cloud"_s;
 }
 
-void ProviderSettingsModel::setOllamaMode(const QString& mode) {
-    store([&mode](AppSettings& changed) { changed.ollamaMode = mode; });
-    services_.pollinations.ollamaMode = ollamaMode() == "local"_L1 ? OllamaMode::local : OllamaMode::cloud;
-}
-
-void ProviderSettingsModel::setField(QString AppSettings::* field, const QString& typed, InUse inUse,
-                                     Normalization normalized) {
-    if (settings().*field == typed)
-        return;
-    store([&](AppSettings& changed) { changed.*field = typed; });
-    services_.pollinations.*inUse = normalized(typed);
-}
-
-void ProviderSettingsModel::setOllamaCloudModel(const QString& typed) {
-    setField(&AppSettings::ollamaCloudModel, typed, &PollinationsService::ollamaCloudModel, text::trimmedOrAbsent);
-}
-
-void ProviderSettingsModel::setOllamaLocalModel(const QString& typed) {
-    setField(&AppSettings::ollamaLocalModel, typed, &PollinationsService::ollamaLocalModel, text::trimmedOrAbsent);
-}
-
-void ProviderSettingsModel::setOllamaLocalEndpoint(const QString& typed) {
-    setField(&AppSettings::ollamaLocalEndpoint, typed, &PollinationsService::ollamaLocalEndpoint,
-             text::trimmedOrAbsent);
-    handOnBoundKeys();
-}
-
-void ProviderSettingsModel::setPollinationsBaseURL(const QString& typed) {
-    setField(&AppSettings::pollinationsBaseURL, typed, &PollinationsService::pollinationsBaseURLOverride,
-             PollinationsService::normalizedBaseURL);
-    handOnBoundKeys();
-}
-
-void ProviderSettingsModel::setPollinationsImageModel(const QString& typed) {
-    setField(&AppSettings::pollinationsImageModel, typed, &PollinationsService::pollinationsImageModelOverride,
-             PollinationsService::normalizedModelName);
-}
-
-void ProviderSettingsModel::setPollinationsVisionModel(const QString& typed) {
-    setField(&AppSettings::pollinationsVisionModel, typed, &PollinationsService::pollinationsVisionModelOverride,
-             PollinationsService::normalizedModelName);
-}
-
-/// False when nothing changed.
-bool ProviderSettingsModel::storeKey(QString Keys::* key, QLatin1StringView entry, const QString& typed) {
-    if (keys_.*key == typed)
-        return false;
-    keys_.*key = typed;
-    storage().notifySettingsChanged();
-    storage().userDefaults().setString(entry, typed);
-    Q_EMIT changed();
-    return true;
-}
-
-void ProviderSettingsModel::storeKey(persistence::BoundKey Keys::* key, QLatin1StringView entry,
-                                     const persistence::BoundKey& typed) {
-    keys_.*key = typed;
-    handOnBoundKeys();
-    storage().notifySettingsChanged();
-    persistence::storeBoundKey(storage().userDefaults(), entry, typed);
-    Q_EMIT changed();
+void ProviderSettingsModel::setField(QString AppSettings::* field, const QString& typed) {
+    if (settings().*field != typed)
+        store([&](AppSettings& changed) { changed.*field = typed; });
 }
 
 void ProviderSettingsModel::setNvidiaApiKey(const QString& typed) {
-    if (storeKey(&Keys::nvidia, entries::nvidiaApiKey, typed) && enableNvidiaLocal())
-        services_.pollinations.nvidiaApiKey = text::trimmedOrAbsent(typed);
+    if (typed != nvidiaApiKey())
+        storeKey(&ServiceKeys::nvidia, typed);
 }
 
 void ProviderSettingsModel::setOllamaCloudApiKey(const QString& typed) {
-    if (storeKey(&Keys::ollamaCloud, entries::ollamaCloudApiKey, typed))
-        services_.pollinations.ollamaCloudApiKey = text::trimmedOrAbsent(typed);
+    if (typed != ollamaCloudApiKey())
+        storeKey(&ServiceKeys::ollamaCloud, typed);
 }
 
 void ProviderSettingsModel::setOllamaLocalApiKey(const QString& typed) {
     if (typed != ollamaLocalApiKey())
-        storeKey(&Keys::ollamaLocal, entries::ollamaLocalApiKey, persistence::keyTypedFor(ollamaAddress(), typed));
+        storeKey(&ServiceKeys::ollamaLocal, persistence::keyTypedFor(ollamaAddress(), typed));
 }
 
 void ProviderSettingsModel::setPollinationsApiKey(const QString& typed) {
     if (typed != pollinationsApiKey())
-        storeKey(&Keys::pollinations, entries::pollinationsApiKey,
-                 persistence::keyTypedFor(pollinationsAddress(), typed));
+        storeKey(&ServiceKeys::pollinations, persistence::keyTypedFor(pollinationsAddress(), typed));
 }
 
 bool ProviderSettingsModel::nvidiaKeyMissing() const {
-    return enableNvidiaLocal() && text::isBlank(keys_.nvidia);
+    return enableNvidiaLocal() && text::isBlank(nvidiaApiKey());
 }
 
 bool ProviderSettingsModel::cloudKeyMissing() const {
-    return text::isBlank(keys_.ollamaCloud);
+    return text::isBlank(ollamaCloudApiKey());
 }
 
 bool ProviderSettingsModel::cloudModelMissing() const {

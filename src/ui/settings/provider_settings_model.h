@@ -1,6 +1,5 @@
 #pragma once
 
-#include "persistence/bound_key.h"
 #include "platform/workspace.h"
 #include "ui/dashboard/page_model.h"
 #include "ui/settings/found_servers.h"
@@ -79,43 +78,53 @@ class ProviderSettingsModel : public PageModel {
 
     // Turning one on turns the others off; turning one off touches only that one.
     bool enableNvidiaLocal() const { return settings().enableNvidiaLocal; }
-    void setEnableNvidiaLocal(bool enabled);
+    void setEnableNvidiaLocal(bool enabled) { enable(&persistence::AppSettings::enableNvidiaLocal, enabled); }
     bool enableOllamaVision() const { return settings().enableOllamaVision; }
-    void setEnableOllamaVision(bool enabled);
+    void setEnableOllamaVision(bool enabled) { enable(&persistence::AppSettings::enableOllamaVision, enabled); }
     bool enableCustomPollinations() const { return settings().enableCustomPollinations; }
-    void setEnableCustomPollinations(bool enabled);
-    bool isGatewayLocal() const { return services_.pollinations.asksLocalServer(); }
-    bool staysWithGateway() const { return services_.pollinations.asksGatewayOnly(); }
+    void setEnableCustomPollinations(bool enabled) {
+        enable(&persistence::AppSettings::enableCustomPollinations, enabled);
+    }
+    bool isGatewayLocal() const { return configuration().asksLocalServer(); }
+    bool staysWithGateway() const { return configuration().asksGatewayOnly(); }
     void setStaysWithGateway(bool stays);
 
     QString ollamaMode() const;
-    void setOllamaMode(const QString& mode);
+    void setOllamaMode(const QString& mode) { setField(&persistence::AppSettings::ollamaMode, mode); }
     QString ollamaCloudModel() const { return settings().ollamaCloudModel; }
-    void setOllamaCloudModel(const QString& typed);
+    void setOllamaCloudModel(const QString& typed) { setField(&persistence::AppSettings::ollamaCloudModel, typed); }
     QString ollamaLocalModel() const { return settings().ollamaLocalModel; }
-    void setOllamaLocalModel(const QString& typed);
+    void setOllamaLocalModel(const QString& typed) { setField(&persistence::AppSettings::ollamaLocalModel, typed); }
     QString ollamaLocalEndpoint() const { return settings().ollamaLocalEndpoint; }
-    void setOllamaLocalEndpoint(const QString& typed);
+    void setOllamaLocalEndpoint(const QString& typed) {
+        setField(&persistence::AppSettings::ollamaLocalEndpoint, typed);
+    }
     QString pollinationsBaseURL() const { return settings().pollinationsBaseURL; }
-    void setPollinationsBaseURL(const QString& typed);
+    void setPollinationsBaseURL(const QString& typed) {
+        setField(&persistence::AppSettings::pollinationsBaseURL, typed);
+    }
     QString pollinationsImageModel() const { return settings().pollinationsImageModel; }
-    void setPollinationsImageModel(const QString& typed);
+    void setPollinationsImageModel(const QString& typed) {
+        setField(&persistence::AppSettings::pollinationsImageModel, typed);
+    }
     QString pollinationsVisionModel() const { return settings().pollinationsVisionModel; }
-    void setPollinationsVisionModel(const QString& typed);
+    void setPollinationsVisionModel(const QString& typed) {
+        setField(&persistence::AppSettings::pollinationsVisionModel, typed);
+    }
 
-    QString nvidiaApiKey() const { return keys_.nvidia; }
+    QString nvidiaApiKey() const { return storage().keys().nvidia; }
     void setNvidiaApiKey(const QString& typed);
-    QString ollamaCloudApiKey() const { return keys_.ollamaCloud; }
+    QString ollamaCloudApiKey() const { return storage().keys().ollamaCloud; }
     void setOllamaCloudApiKey(const QString& typed);
     // A key that was typed for another server is not shown: it is asked for anew, and good again when the address is.
-    QString ollamaLocalApiKey() const { return shownKey(keys_.ollamaLocal, ollamaAddress()); }
+    QString ollamaLocalApiKey() const { return shownKey(storage().keys().ollamaLocal, ollamaAddress()); }
     void setOllamaLocalApiKey(const QString& typed);
-    QString pollinationsApiKey() const { return shownKey(keys_.pollinations, pollinationsAddress()); }
+    QString pollinationsApiKey() const { return shownKey(storage().keys().pollinations, pollinationsAddress()); }
     void setPollinationsApiKey(const QString& typed);
 
     // The name of the text that tells why a key is not sent; empty while it is, or while there is none.
-    QString ollamaLocalKeyNote() const { return keyNote(keys_.ollamaLocal, ollamaAddress()); }
-    QString pollinationsKeyNote() const { return keyNote(keys_.pollinations, pollinationsAddress()); }
+    QString ollamaLocalKeyNote() const { return keyNote(storage().keys().ollamaLocal, ollamaAddress()); }
+    QString pollinationsKeyNote() const { return keyNote(storage().keys().pollinations, pollinationsAddress()); }
 
     // What is shown below a field; nothing is refused for it.
     bool nvidiaKeyMissing() const;
@@ -137,31 +146,23 @@ class ProviderSettingsModel : public PageModel {
     Q_SIGNAL void selectionChanged();
 
  private:
-    /// As typed. Read once: a field must not jump back where the store refuses what is typed.
-    struct Keys {
-        QString nvidia;
-        QString ollamaCloud;
-        persistence::BoundKey ollamaLocal;
-        persistence::BoundKey pollinations;
-    };
+    /// As the service will have it once it has heard of the last change.
+    generation::ServiceConfiguration configuration() const;
 
-    using InUse = std::optional<QString> generation::PollinationsService::*;
-    using Normalization = std::optional<QString> (*)(const QString&);
+    void enable(bool persistence::AppSettings::* provider, bool enabled);
+    void setField(QString persistence::AppSettings::* field, const QString& typed);
+    template <typename Key>
+    void storeKey(Key persistence::ServiceKeys::* key, const Key& typed) {
+        storage().changeKeys([&](persistence::ServiceKeys& keys) { keys.*key = typed; });
+        Q_EMIT changed();
+    }
 
-    void setField(QString persistence::AppSettings::* field, const QString& typed, InUse inUse,
-                  Normalization normalized);
-    bool storeKey(QString Keys::* key, QLatin1StringView entry, const QString& typed);
-    void storeKey(persistence::BoundKey Keys::* key, QLatin1StringView entry, const persistence::BoundKey& typed);
-    void handOnBoundKeys();
     QString ollamaAddress() const;
     QString pollinationsAddress() const;
     static QString shownKey(const persistence::BoundKey& key, const QString& address);
     static QString keyNote(const persistence::BoundKey& key, const QString& address);
-    void turnOffNvidia();
-    void handOnCustomPollinations();
 
     Services services_;
-    Keys keys_;
     QString selection_;
     OllamaCloudModels cloudModels_;
     FoundServers found_{{services_.mainLoop, storage(), services_.pollinations, services_.httpSession}};
