@@ -22,9 +22,9 @@ QString executableNameOf(qint64 processIdentifier) {
     return target.sliced(target.lastIndexOf(u'/') + 1).section(QStringLiteral(" (deleted)"), 0, 0);
 }
 
-bool hasLoaded(qint64 processIdentifier, QByteArrayView library) {
+QByteArray mappedFilesOf(qint64 processIdentifier) {
     QFile maps(QStringLiteral("/proc/%1/maps").arg(processIdentifier));
-    return processIdentifier > 0 && maps.open(QIODevice::ReadOnly) && maps.readAll().contains(library);
+    return processIdentifier > 0 && maps.open(QIODevice::ReadOnly) ? maps.readAll() : QByteArray();
 }
 
 bool isThisMachine(const QString& machine) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArrayView>
+#include <QByteArray>
 #include <QString>
 
 namespace tavrelon::desktop {
@@ -11,9 +11,9 @@ bool isProcessRunning(qint64 processIdentifier);
 /// The file name of the program that a process runs; empty where that cannot be seen.
 QString executableNameOf(qint64 processIdentifier);
 
-/// Whether a process has loaded a library whose file name holds this; false where that cannot be seen. Reads the list
-/// of all that is mapped, which takes a browser about a millisecond.
-bool hasLoaded(qint64 processIdentifier, QByteArrayView library);
+/// The list of all that a process has mapped, with the paths of its libraries; empty where that cannot be seen. It
+/// takes a browser about a millisecond.
+QByteArray mappedFilesOf(qint64 processIdentifier);
 
 /// Whether a machine's name, as windows carry it, means this machine.
 bool isThisMachine(const QString& machine);

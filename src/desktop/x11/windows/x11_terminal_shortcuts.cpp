@@ -71,10 +71,16 @@ std::optional<KeyChord> X11TerminalShortcuts::paste(const TerminalShortcuts& kno
 bool X11TerminalShortcuts::takesChordsTwice() {
     const auto window = windows_->activeWindow();
     const auto process = window == XCB_NONE ? 0 : windows_->properties(window).processIdentifier;
-    // The engine stays where it was loaded, and comes with the first page.
-    if (process != std::exchange(lastProcess_, process) || !isLastWebEngine_)
-        isLastWebEngine_ = hasLoaded(process, "WebEngineCore");
-    return isLastWebEngine_;
+    if (process != std::exchange(lastProcess_, process))
+        isLastWebEngine_.reset();
+    if (!isLastWebEngine_) {
+        const auto files = mappedFilesOf(process);
+        const bool isWebEngine = files.contains("WebEngineCore");
+        // The engine stays where it was loaded, and may come late, with the first page, but only to programs of Qt.
+        if (isWebEngine || !files.contains("Qt"))
+            isLastWebEngine_ = isWebEngine;
+    }
+    return isLastWebEngine_.value_or(false);
 }
 
 async::Task<void> X11TerminalShortcuts::copyPrimary() {

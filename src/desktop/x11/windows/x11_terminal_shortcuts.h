@@ -41,7 +41,7 @@ class X11TerminalShortcuts : public ShortcutTranslator {
     std::unique_ptr<X11Pasteboard> primary_;
     async::TaskScope copies_;
     qint64 lastProcess_ = 0;
-    bool isLastWebEngine_ = false;
+    std::optional<bool> isLastWebEngine_;  ///< absent while it may still change
 };
 
 }  // namespace tavrelon::desktop
