@@ -232,7 +232,9 @@ void measureWrites(Desk& desk, const QString& way, int length, int count) {
 
 void measurePictures(Desk& desk, int count) {
     std::optional<platform::Image> image;
-    require(eventually([&] { return (image = desk.finish(desk.capturer.captureFocusedWindowImage())).has_value(); }),
+    require(eventually([&] {
+                return (image = desk.finish(desk.capturer.screenshots.captureFocusedWindowImage())).has_value();
+            }),
             "no picture");
     image->pixels.detach();  // into memory of this process alone
     image->memory.reset();
@@ -242,8 +244,9 @@ void measurePictures(Desk& desk, int count) {
     const auto fetch = [&] { return pixels.fetch(connection->root(), area, Clock::now() + 2s).has_value(); };
     require(fetch(), "no pixels");  // the first time, memory is made for them
     for (int i = 0; i < count; ++i) {
-        report("window to JPEG",
-               timeOf([&] { require(desk.finish(desk.capturer.captureScreenshot()).has_value(), "no picture"); }));
+        report("window to JPEG", timeOf([&] {
+                   require(desk.finish(desk.capturer.screenshots.captureScreenshot()).has_value(), "no picture");
+               }));
         report("fetching alone", timeOf(fetch));
         report("encoding alone", timeOf([&] { bench::encodeJpegAlone(*image, 70); }));
     }

@@ -95,10 +95,10 @@ void measureVideo(Desktop& desktop, int times) {
     BusyWindow window;
     window.showFullScreen();
     desktop.pass(1500ms);
-    capture::ContextCapturer capturer(desktop.platform);
+    capture::Screenshots screenshots(desktop.platform);
     constexpr auto noPause = 0ms;
     constexpr std::size_t longest = 24;
-    media::WindowVideoRecorder recorder(desktop.platform, capturer, noPause, 100000);
+    media::WindowVideoRecorder recorder(desktop.platform, screenshots, noPause, 100000);
     async::TaskScope scope(desktop.loop);
     std::vector<double> passes, sizes;
     for (int i = 0; i < times; ++i) {

@@ -45,7 +45,7 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       outputWriter_(platform),
       historyManager_(platform.fileSystem, platform.log, platform.applicationSupport, historyCap),
       speechRecognizer_(platform),
-      videoRecorder_(platform, contextCapturer_, frameInterval, maxFrames),
+      videoRecorder_(platform, contextCapturer_.screenshots, frameInterval, maxFrames),
       hotkeyStatusHUDController_(platform.mainLoop, userInterface, [this] { return overlayLanguage(); }),
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints),
       consent_(platform.mainLoop, platform.defaultsStore) {
@@ -158,11 +158,11 @@ void AppState::applyCaptureSettings() {
     const auto& settings = storageManager_.settings();
     const bool seesNothing = settings.enableCustomPollinations && !settings.textOnlyModel.isEmpty() &&
                              settings.textOnlyModel == settings.pollinationsVisionModel;
-    contextCapturer_.screenshotMode =
+    contextCapturer_.screenshots.screenshotMode =
         seesNothing ? capture::ScreenshotMode::none : screenshotModeNamed(settings.screenshotMode);
     videoRecorder_.longestSide = settings.enableOllamaVision ? longestSideForOllama : 0;
-    contextCapturer_.screenshotQuality = settings.screenshotQuality;
-    contextCapturer_.maxScreenshotWidth = static_cast<double>(settings.maxScreenshotWidth);
+    contextCapturer_.screenshots.screenshotQuality = settings.screenshotQuality;
+    contextCapturer_.screenshots.maxScreenshotWidth = static_cast<double>(settings.maxScreenshotWidth);
 }
 
 /// The work runs a turn later, as all changes of the input's state do.

@@ -19,8 +19,10 @@ std::optional<QString> nameOf(const std::optional<QString>& foreign) {
 }  // namespace
 
 ContextCapturer::ContextCapturer(platform::Platform& platform)
-    : platform_(platform),
+    : screenshots(platform),
+      platform_(platform),
       reader_(platform.mainLoop, platform.log, platform.accessibility, platform.workspace),
+      focusedText_(platform.log, platform.accessibility),
       clipboardSelection_(platform.mainLoop, platform.log, platform.pasteboard, platform.keyPoster) {}
 
 async::Task<CapturedContext> ContextCapturer::captureContext(QString inputBuffer, ScreenshotWish wish) {
@@ -30,7 +32,7 @@ async::Task<CapturedContext> ContextCapturer::captureContext(QString inputBuffer
     async::Concurrent title(focusedWindowTitle(), own);
     CapturedContext context;
     if (wish == ScreenshotWish::Include)
-        context.screenshotData = co_await screenshotOrNothing();
+        context.screenshotData = co_await screenshots.screenshotOrNothing();
     context.inputBuffer = std::move(inputBuffer);
     context.selection = co_await std::move(selection);
     context.windowTitle = nameOf(co_await std::move(title));
@@ -39,6 +41,14 @@ async::Task<CapturedContext> ContextCapturer::captureContext(QString inputBuffer
         context.appName = nameOf(application->localizedName);
     }
     co_return context;
+}
+
+std::optional<AccessibilityTextSnapshot> ContextCapturer::fetchFocusedTextSnapshot() {
+    if (!platform_.accessibility.isProcessTrusted())
+        return std::nullopt;
+    platform_.log.line(QStringLiteral("[ContextCapturer] fetchFocusedTextSnapshot called, AXIsProcessTrusted: true"));
+    const auto element = reader_.focusedElement();
+    return element ? focusedText_.snapshotOf(*element) : std::nullopt;
 }
 
 async::Task<std::optional<QString>> ContextCapturer::selectedText() {

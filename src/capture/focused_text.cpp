@@ -1,6 +1,4 @@
-// The text of the focused field: ContextCapturer's snapshot and its fall-backs.
-#include "capture/context_capturer.h"
-#include "text/characters.h"
+#include "capture/focused_text.h"
 
 namespace tavrelon::capture {
 
@@ -21,43 +19,31 @@ QString tagged(const QString& message) {
 
 }  // namespace
 
-std::optional<AccessibilityTextSnapshot> ContextCapturer::fetchFocusedTextSnapshot() {
-    const bool trusted = platform_.accessibility.isProcessTrusted();
-    if (!trusted)
-        return std::nullopt;
-    platform_.log.line(tagged(QStringLiteral("fetchFocusedTextSnapshot called, AXIsProcessTrusted: true")));
-    const auto element = reader_.focusedElement();
-    if (!element)
-        return std::nullopt;
-    return snapshotOf(*element);
-}
-
-std::optional<AccessibilityTextSnapshot> ContextCapturer::snapshotOf(const AXElement& element) {
-    auto& log = platform_.log;
+std::optional<AccessibilityTextSnapshot> FocusedText::snapshotOf(const AXElement& element) {
     const auto range = selectedRangeOf(element);
     auto value = valueOf(element);
     std::optional<AccessibilityTextSnapshot> snapshot;
     if (range && (!value || text::isBlank(*value)))
         snapshot = windowedValueOf(element, *range);
     if (snapshot)
-        log.line(tagged(QStringLiteral("Using fallback windowed value")));
+        log_.line(tagged(QStringLiteral("Using fallback windowed value")));
     else if (value)
         snapshot = AccessibilityTextSnapshot{*std::move(value), range};
     if (!snapshot) {
-        log.line(tagged(QStringLiteral("No value string found, returning nil")));
+        log_.line(tagged(QStringLiteral("No value string found, returning nil")));
         return std::nullopt;
     }
     if (snapshot->value.contains(platform::axEmbeddedObject)) {
-        log.line(tagged(QStringLiteral("The value has its text elsewhere, returning nil")));
+        log_.line(tagged(QStringLiteral("The value has its text elsewhere, returning nil")));
         return std::nullopt;
     }
     snapshot->element = element;
-    log.line(tagged(QStringLiteral("Returning snapshot with a value")));
+    log_.line(tagged(QStringLiteral("Returning snapshot with a value")));
     return snapshot;
 }
 
-std::optional<text::Utf16Range> ContextCapturer::selectedRangeOf(const AXElement& element) {
-    const auto value = platform_.accessibility.copyAttribute(element, AXAttribute::SelectedTextRange);
+std::optional<text::Utf16Range> FocusedText::selectedRangeOf(const AXElement& element) {
+    const auto value = accessibility_.copyAttribute(element, AXAttribute::SelectedTextRange);
     if (!value)
         return std::nullopt;
     const auto* range = std::get_if<text::Utf16Range>(&*value);
@@ -66,31 +52,30 @@ std::optional<text::Utf16Range> ContextCapturer::selectedRangeOf(const AXElement
     return *range;
 }
 
-std::optional<QString> ContextCapturer::valueOf(const AXElement& element) {
-    auto& log = platform_.log;
-    const auto value = platform_.accessibility.copyAttribute(element, AXAttribute::Value);
-    log.line(tagged(QStringLiteral("kAXValueAttribute result: %1")
-                        .arg(platform::axErrorName(value ? platform::AXError::Success : value.error()))));
+std::optional<QString> FocusedText::valueOf(const AXElement& element) {
+    const auto value = accessibility_.copyAttribute(element, AXAttribute::Value);
+    log_.line(tagged(QStringLiteral("kAXValueAttribute result: %1")
+                         .arg(platform::axErrorName(value ? platform::AXError::Success : value.error()))));
     if (!value || std::holds_alternative<std::monostate>(*value))
         return std::nullopt;
     if (const auto* string = std::get_if<QString>(&*value)) {
-        log.line(tagged(QStringLiteral("Got value string")));
+        log_.line(tagged(QStringLiteral("Got value string")));
         return *string;
     }
     if (const auto* attributed = std::get_if<platform::AXAttributedString>(&*value)) {
-        log.line(tagged(QStringLiteral("Got attributed string")));
+        log_.line(tagged(QStringLiteral("Got attributed string")));
         return attributed->plainText;
     }
-    log.line(tagged(QStringLiteral("Value object is not string type: ") + platform::axTypeName(*value)));
+    log_.line(tagged(QStringLiteral("Value object is not string type: ") + platform::axTypeName(*value)));
     return std::nullopt;
 }
 
-std::optional<AccessibilityTextSnapshot> ContextCapturer::windowedValueOf(const AXElement& element,
-                                                                          text::Utf16Range selected) {
+std::optional<AccessibilityTextSnapshot> FocusedText::windowedValueOf(const AXElement& element,
+                                                                      text::Utf16Range selected) {
     const qint64 start = std::max<qint64>(selected.location - windowReach, 0);
     const qint64 length = std::max<qint64>(selected.length + 2 * windowReach, 1);
-    const auto value = platform_.accessibility.copyParameterizedAttribute(
-        element, AXAttribute::AttributedStringForRange, {start, length});
+    const auto value =
+        accessibility_.copyParameterizedAttribute(element, AXAttribute::AttributedStringForRange, {start, length});
     if (!value)
         return std::nullopt;
     const text::Utf16Range relative{std::max<qint64>(selected.location - start, 0), selected.length};

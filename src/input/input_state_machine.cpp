@@ -165,8 +165,8 @@ void InputStateMachine::returnToIdle() {
 void InputStateMachine::enterInputState(const InputState& state, InputTrigger trigger) {
     // Before the state shows on the screen, perhaps over the very window that the picture is to be of.
     if (trigger != InputTrigger::voiceDictation)
-        expectedScreenshot = trigger == InputTrigger::video ? services_.contextCapturer.expectWindowImage()
-                                                            : services_.contextCapturer.expectScreenshot();
+        expectedScreenshot = trigger == InputTrigger::video ? services_.contextCapturer.screenshots.expectWindowImage()
+                                                            : services_.contextCapturer.screenshots.expectScreenshot();
     setState(state);
     currentTranscript_ = QString();
     activeTrigger_ = trigger;

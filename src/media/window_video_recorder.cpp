@@ -6,10 +6,10 @@
 
 namespace tavrelon::media {
 
-WindowVideoRecorder::WindowVideoRecorder(platform::Platform& platform, capture::ContextCapturer& contextCapturer,
+WindowVideoRecorder::WindowVideoRecorder(platform::Platform& platform, capture::Screenshots& screenshots,
                                          std::chrono::nanoseconds frameInterval, std::size_t maxFrames)
     : platform_(platform),
-      contextCapturer_(contextCapturer),
+      screenshots_(screenshots),
       frameInterval_(frameInterval),
       maxFrames_(maxFrames),
       tasks_(platform.mainLoop) {}
@@ -44,13 +44,13 @@ async::Task<std::optional<QByteArray>> WindowVideoRecorder::takeFrame() {
     if (!platform_.screenCapture.preflightAccess())
         co_return std::nullopt;
     try {
-        auto image = co_await contextCapturer_.captureFocusedWindowImage();
+        auto image = co_await screenshots_.captureFocusedWindowImage();
         if (!image)
             co_return std::nullopt;
         if (const auto width = widestFor(*image); width > 0)
-            if (auto scaled = co_await contextCapturer_.scaledImage(*image, width))
+            if (auto scaled = co_await screenshots_.scaledImage(*image, width))
                 image = std::move(scaled);
-        co_return co_await contextCapturer_.encodeJPEG(*std::move(image));
+        co_return co_await screenshots_.encodeJPEG(*std::move(image));
     } catch (const std::exception&) {  // costs this frame only
         co_return std::nullopt;
     }
@@ -58,7 +58,7 @@ async::Task<std::optional<QByteArray>> WindowVideoRecorder::takeFrame() {
 
 /// 0 for no bound.
 double WindowVideoRecorder::widestFor(const platform::Image& image) const {
-    const double width = contextCapturer_.maxScreenshotWidth;
+    const double width = screenshots_.maxScreenshotWidth;
     if (longestSide <= 0 || image.width <= 0)
         return width;
     const double scaled = image.width * longestSide / std::max(image.width, image.height);

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "async/task_scope.h"
-#include "capture/context_capturer.h"
+#include "capture/screenshots.h"
 
 namespace tavrelon::media {
 
@@ -13,10 +13,10 @@ namespace tavrelon::media {
 /// from touching the frames at once. Nothing fails: a picture that could not be taken is missing.
 class WindowVideoRecorder {
  public:
-    WindowVideoRecorder(platform::Platform& platform, capture::ContextCapturer& contextCapturer,
+    WindowVideoRecorder(platform::Platform& platform, capture::Screenshots& screenshots,
                         std::chrono::nanoseconds frameInterval, std::size_t maxFrames);
 
-    /// Pixels; a frame that is longer on one side is made smaller. 0 for no bound but the contextCapturer's.
+    /// Pixels; a frame that is longer on one side is made smaller. 0 for no bound but that of the screenshots.
     double longestSide = 0;
 
     /// Begins anew with an empty list.
@@ -32,7 +32,7 @@ class WindowVideoRecorder {
     void keep(QByteArray frame);
 
     platform::Platform& platform_;
-    capture::ContextCapturer& contextCapturer_;
+    capture::Screenshots& screenshots_;
     std::chrono::nanoseconds frameInterval_;
     std::size_t maxFrames_;
     std::vector<QByteArray> frames_;

@@ -22,7 +22,7 @@ class Screenshots : public ::testing::Test {
         desktop.screenCapture.addDisplay(1280, 800, 'D');
         desktop.screenCapture.addDisplay(640, 480, 'd');
     }
-    auto screenshot() { return runTask(desktop.loop, capturer.captureScreenshot()); }
+    auto screenshot() { return runTask(desktop.loop, capturer.screenshots.captureScreenshot()); }
     auto contextScreenshot(ScreenshotWish wish) {
         return runTask(desktop.loop, capturer.captureContext(QString(), wish)).screenshotData;
     }
@@ -43,7 +43,7 @@ TEST_F(Screenshots, ShowTheFirstWindowOnScreenOfTheFrontmostApplication) {
 TEST_F(Screenshots, TheWholeScreenIsShownOnlyWhereTheModeSaysSo) {
     desktop.screenCapture.addWindow(QStringLiteral("org.example.other"), 100, 100, 'o');
     EXPECT_EQ(screenshot(), std::nullopt) << "no window of the application is on the screen";
-    capturer.screenshotMode = ScreenshotMode::fullScreen;
+    capturer.screenshots.screenshotMode = ScreenshotMode::fullScreen;
     EXPECT_EQ(screenshot(), "jpeg 1280x800 D 0.7");
     desktop.screenCapture.displays.clear();
     EXPECT_EQ(screenshot(), std::nullopt);
@@ -54,20 +54,20 @@ TEST_F(Screenshots, NothingIsPhotographedWhileAPasswordFieldHasTheFocus) {
     desktop.editor.open(QStringLiteral("hunter2"));
     desktop.accessibility.fieldKind = platform::FocusKind::Password;
     for (const auto mode : {ScreenshotMode::focusedWindow, ScreenshotMode::fullScreen}) {
-        capturer.screenshotMode = mode;
+        capturer.screenshots.screenshotMode = mode;
         EXPECT_EQ(screenshot(), std::nullopt);
     }
-    EXPECT_EQ(runTask(desktop.loop, capturer.captureFocusedWindowImage()), std::nullopt) << "nor filmed";
+    EXPECT_EQ(runTask(desktop.loop, capturer.screenshots.captureFocusedWindowImage()), std::nullopt) << "nor filmed";
 }
 
 TEST_F(Screenshots, FollowModeAndQuality) {
     desktop.screenCapture.addWindow(front, 300, 200, 'w');
-    capturer.screenshotQuality = 0.25;
-    capturer.screenshotMode = ScreenshotMode::fullScreen;
+    capturer.screenshots.screenshotQuality = 0.25;
+    capturer.screenshots.screenshotMode = ScreenshotMode::fullScreen;
     EXPECT_EQ(screenshot(), "jpeg 1280x800 D 0.25");
-    capturer.screenshotMode = ScreenshotMode::none;
+    capturer.screenshots.screenshotMode = ScreenshotMode::none;
     EXPECT_EQ(screenshot(), std::nullopt);
-    capturer.screenshotMode = ScreenshotMode::focusedWindow;
+    capturer.screenshots.screenshotMode = ScreenshotMode::focusedWindow;
     desktop.screenCapture.permitted = false;
     EXPECT_EQ(screenshot(), std::nullopt);
 }
@@ -88,7 +88,7 @@ TEST_F(Screenshots, AFailureIsThrownAndCostsARequestOnlyThePicture) {
 
 TEST_F(Screenshots, ScaleDownOnlyAndKeepTheAspect) {
     const auto scaled = [&](int width, int height, double maxWidth) {
-        return runTask(desktop.loop, capturer.scaledImage(plainImage(width, height, 'p'), maxWidth));
+        return runTask(desktop.loop, capturer.screenshots.scaledImage(plainImage(width, height, 'p'), maxWidth));
     };
     const auto image = scaled(3000, 1001, 1920);
     ASSERT_TRUE(image);

@@ -126,7 +126,7 @@ TEST_F(InputStateMachineTest, APictureIsExpectedFromTheFirstPressUntilItIsTaken)
     desk.loop.runUntilIdle();
     EXPECT_FALSE(isExpected());
 
-    desk.capturer.screenshotMode = capture::ScreenshotMode::none;
+    desk.capturer.screenshots.screenshotMode = capture::ScreenshotMode::none;
     desk.machine->startVideoInput();
     desk.loop.runUntilIdle();
     EXPECT_TRUE(isExpected()) << "a video has its pictures in every mode";

@@ -12,13 +12,13 @@ using namespace std::chrono_literals;
 class WindowVideoRecorderTest : public ::testing::Test {
  public:
     tavrelon::testing::TestDesktop desk;
-    capture::ContextCapturer capturer{desk.platform};
+    capture::Screenshots screenshots{desk.platform};
     async::TaskScope scope{desk.loop};
     std::optional<WindowVideoRecorder> recorder;
 
     WindowVideoRecorderTest() {
         desk.screenCapture.permitted = true;
-        recorder.emplace(desk.platform, capturer, 500ms, 24);
+        recorder.emplace(desk.platform, screenshots, 500ms, 24);
     }
     void show(int width, int height, char colour = 'w') {
         desk.screenCapture.windows.clear();
@@ -60,11 +60,11 @@ TEST_F(WindowVideoRecorderTest, WidePicturesAreScaledUnlessTheWidthIsZero) {
     show(1280, 720);
     desk.loop.advance(500ms);
     EXPECT_EQ(stop(), (std::vector<QByteArray>{"jpeg 1920x1080 w 0.7", "jpeg 1280x720 w 0.7"}));
-    capturer.maxScreenshotWidth = 0;
+    screenshots.maxScreenshotWidth = 0;
     show(3840, 2160);
     start();
     EXPECT_EQ(stop(), (std::vector<QByteArray>{"jpeg 3840x2160 w 0.7"})) << "and a new list";
-    capturer.maxScreenshotWidth = 1920;
+    screenshots.maxScreenshotWidth = 1920;
     recorder->longestSide = 1024;
     show(1000, 2048);
     start();

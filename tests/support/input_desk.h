@@ -31,7 +31,7 @@ struct InputCore {
     output::OutputWriter writer{ports};
     FakeGenerator generator{ports.mainLoop};
     media::SpeechRecognizer recognizer{ports};
-    media::WindowVideoRecorder recorder{ports, capturer, std::chrono::milliseconds(500), 24};
+    media::WindowVideoRecorder recorder{ports, capturer.screenshots, std::chrono::milliseconds(500), 24};
     FakeInputRecorder learner;
     std::shared_ptr<input::InputStateMachine> machine = std::make_shared<input::InputStateMachine>(
         input::InputServices{ports, capturer, generator, writer, history, storage, &learner, recorder});

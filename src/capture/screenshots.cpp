@@ -1,7 +1,7 @@
-// Pictures of what the user sees.
+#include "capture/screenshots.h"
+
 #include <algorithm>
 
-#include "capture/context_capturer.h"
 #include "text/localized_error.h"
 
 namespace tavrelon::capture {
@@ -20,7 +20,7 @@ T valueOrThrow(std::expected<T, CaptureError> outcome) {
 
 }  // namespace
 
-async::Task<std::optional<QByteArray>> ContextCapturer::captureScreenshot() {
+async::Task<std::optional<QByteArray>> Screenshots::captureScreenshot() {
     if (screenshotMode == ScreenshotMode::none || !platform_.screenCapture.preflightAccess())
         co_return std::nullopt;
     auto image = screenshotMode == ScreenshotMode::focusedWindow ? co_await captureFocusedWindowImage()
@@ -30,15 +30,15 @@ async::Task<std::optional<QByteArray>> ContextCapturer::captureScreenshot() {
     co_return co_await encodeJPEG(*std::move(image));
 }
 
-std::shared_ptr<void> ContextCapturer::expectScreenshot() {
+std::shared_ptr<void> Screenshots::expectScreenshot() {
     return screenshotMode == ScreenshotMode::focusedWindow ? expectWindowImage() : nullptr;
 }
 
-std::shared_ptr<void> ContextCapturer::expectWindowImage() {
+std::shared_ptr<void> Screenshots::expectWindowImage() {
     return platform_.screenCapture.preflightAccess() ? platform_.screenCapture.expectCapture() : nullptr;
 }
 
-async::Task<std::optional<Image>> ContextCapturer::captureFocusedWindowImage() {
+async::Task<std::optional<Image>> Screenshots::captureFocusedWindowImage() {
     // Both at once, before the wait: whatever comes to the front meanwhile was not asked about. Here the answer is
     // known from what was read in this turn.
     const auto application = platform_.workspace.frontmostApplication();
@@ -53,7 +53,7 @@ async::Task<std::optional<Image>> ContextCapturer::captureFocusedWindowImage() {
     co_return valueOrThrow(co_await platform_.screenCapture.captureWindow(*window));
 }
 
-async::Task<std::optional<Image>> ContextCapturer::captureFullScreenImage() {
+async::Task<std::optional<Image>> Screenshots::captureFullScreenImage() {
     if (platform_.accessibility.isFocusSecure())
         co_return std::nullopt;
     const auto content = valueOrThrow(co_await platform_.screenCapture.shareableContent());
@@ -62,11 +62,11 @@ async::Task<std::optional<Image>> ContextCapturer::captureFullScreenImage() {
     co_return valueOrThrow(co_await platform_.screenCapture.captureDisplay(content.displays.front()));
 }
 
-async::Task<std::optional<QByteArray>> ContextCapturer::encodeJPEG(Image image) {
+async::Task<std::optional<QByteArray>> Screenshots::encodeJPEG(Image image) {
     co_return co_await platform_.imageCodec.jpegRepresentation(std::move(image), screenshotQuality);
 }
 
-async::Task<std::optional<Image>> ContextCapturer::scaledImage(Image image, double maxWidth) {
+async::Task<std::optional<Image>> Screenshots::scaledImage(Image image, double maxWidth) {
     if (!(image.width > maxWidth) || maxWidth < 1)
         co_return std::nullopt;
     const auto height = maxWidth / image.width * image.height;
@@ -74,7 +74,7 @@ async::Task<std::optional<Image>> ContextCapturer::scaledImage(Image image, doub
                                                    static_cast<int>(height));
 }
 
-async::Task<std::optional<QByteArray>> ContextCapturer::screenshotOrNothing() {
+async::Task<std::optional<QByteArray>> Screenshots::screenshotOrNothing() {
     try {
         co_return co_await captureScreenshot();
     } catch (const std::exception&) {  // the request goes on without a picture
