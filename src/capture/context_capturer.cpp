@@ -1,5 +1,6 @@
 #include "capture/context_capturer.h"
 
+#include "platform/terminal_focus.h"
 #include "text/foreign_text.h"
 
 namespace tavrelon::capture {
@@ -70,11 +71,8 @@ async::Task<std::optional<QString>> ContextCapturer::selectedText() {
 
 async::Task<std::optional<QString>> ContextCapturer::selectionViaClipboard(SelectAll selectAll) {
     // In a terminal inside of another program's window the copy shortcut would end what runs there.
-    const auto window = platform_.workspace.frontmostWindow();
-    const auto kind = platform_.accessibility.focusKind();
-    const bool isInnerTerminal =
-        kind == platform::FocusKind::Terminal && !(window && window->kind == platform::WindowKind::Terminal);
-    if (isInnerTerminal || kind == platform::FocusKind::Password)
+    if (platform_.accessibility.isFocusSecure() ||
+        platform::terminalFocus(platform_) == platform::TerminalFocus::Inside)
         co_return std::nullopt;
     co_return co_await clipboardSelection_.read(selectAll);
 }

@@ -1,5 +1,7 @@
 #include "output/answer_place.h"
 
+#include "platform/terminal_focus.h"
+
 namespace tavrelon::output {
 
 using platform::AXAttribute;
@@ -41,9 +43,7 @@ bool AnswerPlace::isWindowInFront() const {
 }
 
 bool AnswerPlace::isTerminal() const {
-    const auto window = platform_.workspace.frontmostWindow();
-    return (window && window->kind == platform::WindowKind::Terminal) ||
-           platform_.accessibility.focusKind() == platform::FocusKind::Terminal;
+    return platform::terminalFocus(platform_) != platform::TerminalFocus::None;
 }
 
 bool AnswerPlace::takesNoPaste() const {
@@ -52,9 +52,7 @@ bool AnswerPlace::takesNoPaste() const {
 }
 
 keys::Modifiers AnswerPlace::pasteModifiers() const {
-    const auto window = platform_.workspace.frontmostWindow();
-    const bool isInside = (!window || window->kind == platform::WindowKind::Ordinary) &&
-                          platform_.accessibility.focusKind() == platform::FocusKind::Terminal;
+    const bool isInside = platform::terminalFocus(platform_) == platform::TerminalFocus::Inside;
     return isInside ? keys::commandFlag | keys::shiftFlag : keys::commandFlag;
 }
 
