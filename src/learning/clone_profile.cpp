@@ -1,7 +1,6 @@
 #include "learning/clone_profile.h"
 
 #include "learning/clone_error.h"
-#include "learning/json_texts.h"
 #include "text/tolerant_json.h"
 
 namespace tavrelon::learning {
@@ -32,17 +31,17 @@ CloneProfile parseCloneProfile(const QString& reply) {
     std::optional<QString> prompt;
     std::optional<QString> style;
     if (const auto* persona = text::find(*object, "persona"); persona && persona->is_object()) {
-        prompt = firstText(*persona, {"systemPrompt", "system_prompt"});
+        prompt = text::firstText(*persona, {"systemPrompt", "system_prompt"});
         const auto* styles = prompt ? text::find(*persona, "styles") : nullptr;
         if (styles && styles->is_object())
-            style = firstText(*styles, {"language"});
+            style = text::firstText(*styles, {"language"});
     }
     if (!prompt)
-        prompt = firstText(*object, {"system_prompt", "systemPrompt"});
+        prompt = text::firstText(*object, {"system_prompt", "systemPrompt"});
     if (!prompt)
         throw CloneServiceError(Code::missingSystemPrompt);
     if (!style)
-        style = firstText(*object, {"language_style", "languageStyle"});
+        style = text::firstText(*object, {"language_style", "languageStyle"});
     return {*prompt, style.value_or(QString())};
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "learning/clone_error.h"
-#include "learning/json_texts.h"
+#include "text/json.h"
 
 namespace tavrelon::learning::clone_scrape {
 
@@ -79,18 +79,18 @@ Page parseScrapeResponse(const QByteArray& data) {
     if (!answer.is_object())
         throw CloneServiceError(Code::invalidResponse);
     if (const auto* success = text::find(answer, "success"); success && success->is_boolean() && !success->get<bool>())
-        throw CloneServiceError::serverError(firstText(answer, {"error", "message"}).value_or(QString()));
+        throw CloneServiceError::serverError(text::firstText(answer, {"error", "message"}).value_or(QString()));
 
     const auto& record = recordOf(answer);
     Page page;
     if (const auto* metadata = text::find(record, "metadata"); metadata && metadata->is_object())
         for (const char* key : {"title", "description"})
-            if (auto found = firstText(*metadata, {key}))
+            if (auto found = text::firstText(*metadata, {key}))
                 page.texts << *std::move(found);
-    if (auto body = firstText(record, {"markdown", "content", "text"}))
+    if (auto body = text::firstText(record, {"markdown", "content", "text"}))
         page.texts << *std::move(body);
     else
-        page.html = firstText(record, {"html"});
+        page.html = text::firstText(record, {"html"});
     return page;
 }
 
