@@ -2,6 +2,7 @@
 
 #include "generation/chat_wire.h"
 #include "generation/pollinations_error.h"
+#include "scenes/json_fields.h"
 
 namespace tavrelon::generation::chat_glm {
 
@@ -75,7 +76,7 @@ platform::HttpRequest buildRequest(const Call& call) {
         {"model", text::toJson(identifier(call.model))},
         {"messages", messages(call, pictures)},
         {"stream", false},
-        {"temperature", chat_wire::decimal(call.prompt.temperature)},
+        {"temperature", scenes::shortestDecimal(call.prompt.temperature)},
         {"top_p", 0.95},
         {"do_sample", true},
         {"max_tokens", call.prompt.maxTokens},

@@ -2,6 +2,7 @@
 
 #include "generation/chat_wire.h"
 #include "generation/pollinations_error.h"
+#include "scenes/json_fields.h"
 #include "text/characters.h"
 
 namespace tavrelon::generation::chat_nvidia {
@@ -78,7 +79,7 @@ platform::HttpRequest buildRequest(const Call& call) {
         {"messages", Json::array({chat_wire::message("system", text::toJson(system)),
                                   chat_wire::message("user", userContent(call, pictures))})},
         {"stream", false},
-        {"temperature", chat_wire::decimal(call.prompt.temperature)},
+        {"temperature", scenes::shortestDecimal(call.prompt.temperature)},
         {"top_p", 1},
     };
     if (call.prompt.maxTokens >= 1)

@@ -2,6 +2,7 @@
 
 #include "generation/chat_wire.h"
 #include "generation/pollinations_error.h"
+#include "scenes/json_fields.h"
 
 namespace tavrelon::generation::chat_pollinations {
 
@@ -30,7 +31,7 @@ platform::HttpRequest buildRequest(const Call& call) {
         {"messages", Json::array({chat_wire::message("system", text::toJson(call.prompt.system)),
                                   chat_wire::message("user", userContent(call, pictures))})},
         {"max_tokens", call.prompt.maxTokens},
-        {"temperature", chat_wire::decimal(call.prompt.temperature)},
+        {"temperature", scenes::shortestDecimal(call.prompt.temperature)},
     };
     if (call.jsonMode == JsonMode::On)
         body["response_format"] = {{"type", "json_object"}};

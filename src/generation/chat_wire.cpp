@@ -1,8 +1,6 @@
 #include "generation/chat_wire.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 
 #include "generation/error_text.h"
 #include "platform/web_origin.h"
@@ -38,12 +36,6 @@ std::optional<QUrl> formUrl(const QString& text) {
     if (url.isEmpty() || !url.isValid())
         return std::nullopt;
     return url;
-}
-
-Json decimal(float value) {
-    std::array<char, 32> digits;
-    const auto written = std::to_chars(digits.begin(), digits.end(), value);
-    return QByteArrayView(digits.data(), written.ptr).toByteArray().toDouble();
 }
 
 QString withoutThoughts(const QString& reply) {

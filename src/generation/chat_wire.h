@@ -16,9 +16,6 @@ inline constexpr std::chrono::seconds requestTimeout{60};
 /// The address, absent when the text does not form one.
 std::optional<QUrl> formUrl(const QString& text);
 
-/// A number that prints as the shortest decimal that means this float: 0.7, not 0.699999988.
-text::Json decimal(float value);
-
 text::Json message(const char* role, text::Json content);
 text::Json textPart(const QString& text);
 

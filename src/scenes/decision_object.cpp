@@ -1,6 +1,5 @@
 #include "scenes/decision_object.h"
 
-#include <charconv>
 #include <cmath>
 
 #include "scenes/json_fields.h"
@@ -8,16 +7,6 @@
 namespace tavrelon::scenes {
 
 namespace {
-
-/// The double whose shortest decimal form is that of the float, so that 0.6 is written as 0.6.
-double widened(float value) {
-    std::array<char, 32> digits{};
-    const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-    double result = value;
-    if (error == std::errc{} && std::isfinite(value))
-        result = QByteArrayView(digits.data(), end - digits.data()).toDouble();
-    return result;
-}
 
 float floatFrom(const text::Json& json) {
     const auto value = static_cast<float>(text::doubleFrom(json));
@@ -29,11 +18,13 @@ float floatFrom(const text::Json& json) {
 }  // namespace
 
 text::Json toJson(const DecisionObject& decision) {
-    text::Json json{
-        {"id", text::toJson(text::uuidText(decision.id))},          {"sceneID", text::toJson(decision.sceneID)},
-        {"sceneConfidence", widened(decision.sceneConfidence)},     {"intent", text::toJson(decision.intent)},
-        {"intentConfidence", widened(decision.intentConfidence)},   {"needsScreenshot", decision.needsScreenshot},
-        {"outputType", text::toJson(rawValue(decision.outputType))}};
+    text::Json json{{"id", text::toJson(text::uuidText(decision.id))},
+                    {"sceneID", text::toJson(decision.sceneID)},
+                    {"sceneConfidence", shortestDecimal(decision.sceneConfidence)},
+                    {"intent", text::toJson(decision.intent)},
+                    {"intentConfidence", shortestDecimal(decision.intentConfidence)},
+                    {"needsScreenshot", decision.needsScreenshot},
+                    {"outputType", text::toJson(rawValue(decision.outputType))}};
     putIfPresent(json, "templateID", decision.templateID);
     json["style"] = toJson(decision.style);
     json["replacementStrategy"] = toJson(decision.replacementStrategy);
