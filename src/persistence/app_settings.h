@@ -6,10 +6,14 @@
 #include <optional>
 
 #include "keys/hotkey_set.h"
-#include "persistence/service_defaults.h"
 #include "text/json.h"
 
 namespace tavrelon::persistence {
+
+/// The addresses that stand in the settings until the user changes them, as configured at build time.
+QString defaultPollinationsBaseURL();
+QString defaultOllamaLocalEndpoint();
+QString defaultCloneApiBaseURL();
 
 /// Every setting of the user but the keys of the model services. A new record holds the defaults.
 struct AppSettings : keys::HotkeySet {
