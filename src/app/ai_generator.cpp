@@ -9,7 +9,7 @@ using generation::RequestContents;
 
 std::chrono::seconds AIGenerator::deadline() const {
     return models_.configuration.asksLocalServer() ? generation::PollinationsService::localDeadline
-                                                   : Generator::deadline();
+                                                   : generation::Generator::deadline();
 }
 
 async::Task<generation::GenerationResult> AIGenerator::generate(generation::GenerationRequest request) {

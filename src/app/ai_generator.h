@@ -2,12 +2,12 @@
 
 #include "app/service_consent.h"
 #include "generation/ai_service.h"
-#include "input/generator.h"
+#include "generation/generator.h"
 
 namespace tavrelon::app {
 
 /// Lets the input flows ask the generation service, once the user has agreed to where the request goes. Main thread.
-class AIGenerator : public input::Generator {
+class AIGenerator : public generation::Generator {
  public:
     /// All outlive this object.
     AIGenerator(generation::TavrelonAIService& service, const generation::PollinationsService& models,

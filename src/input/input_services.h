@@ -1,7 +1,7 @@
 #pragma once
 
 #include "capture/context_capturer.h"
-#include "input/generator.h"
+#include "generation/generator.h"
 #include "learning/input_recorder.h"
 #include "media/window_video_recorder.h"
 #include "output/output_writer.h"
@@ -15,7 +15,7 @@ namespace tavrelon::input {
 struct InputServices {
     platform::Platform& platform;
     capture::ContextCapturer& contextCapturer;
-    Generator& generator;
+    generation::Generator& generator;
     output::OutputWriter& outputWriter;
     persistence::HistoryManager& historyManager;
     persistence::StorageManager& storageManager;

@@ -4,13 +4,13 @@
 #include <variant>
 
 #include "async/waits.h"
+#include "generation/generator.h"
 #include "generation/processing_error.h"
-#include "input/generator.h"
 
 namespace tavrelon::testing {
 
 /// Answers requests from a script and keeps them. Without a script it answers "ANSWER".
-class FakeGenerator : public input::Generator {
+class FakeGenerator : public generation::Generator {
  public:
     struct Failure {
         QString reason;
