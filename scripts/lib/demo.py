@@ -1,7 +1,6 @@
 """demo.py BUILD OUTPUT: runs every case in every editor on the display at hand and compares the saved files."""
 
 import shutil
-import sys
 import tempfile
 import time
 from pathlib import Path
@@ -10,7 +9,7 @@ import demo_pictures
 import screen
 from demo_cases import CASES
 from programs import EDITORS, Editor, StandIn, Tavrelon
-from waiting import Fault, wait_for
+from waiting import Fault, run, wait_for
 
 REST = 2.3  # seconds; after an answer or an error the next request waits until the last one has left the stage
 
@@ -105,8 +104,4 @@ def main(build, output):
 
 
 if __name__ == "__main__":
-    try:
-        sys.exit(main(*sys.argv[1:]))
-    except Fault as fault:
-        print(f"demo: {fault}", file=sys.stderr)
-        sys.exit(1)
+    run(main, "demo")

@@ -4,7 +4,6 @@ import http.server
 import json
 import shutil
 import subprocess
-import sys
 import tempfile
 import threading
 import time
@@ -14,7 +13,7 @@ from pathlib import Path
 import documents
 import screen
 from programs import Editor, StandIn, Tavrelon
-from waiting import Fault, wait_for
+from waiting import Fault, run, wait_for
 
 REST = 2.3  # seconds that an answer keeps the stage
 LEARNT = "Short, lower-case lines without full stops. Friendly, a little dry, thanks at the end."
@@ -183,8 +182,4 @@ def main(build, output):
 
 
 if __name__ == "__main__":
-    try:
-        sys.exit(main(*sys.argv[1:]))
-    except Fault as fault:
-        print(f"demo: {fault}", file=sys.stderr)
-        sys.exit(1)
+    run(main, "demo")

@@ -1,14 +1,13 @@
 """demo_voice.py BUILD OUTPUT: speaks to the program in two editors on the display at hand and compares the files."""
 
 import shutil
-import sys
 import tempfile
 from pathlib import Path
 
 import screen
 from programs import Editor, StandIn, Tavrelon
 from sound import SoundServer, install_recogniser
-from waiting import Fault, wait_for
+from waiting import Fault, run, wait_for
 
 DICTATED = "hello my dear friend"
 ASKED = "tell me a long story"
@@ -78,8 +77,4 @@ def main(build, output):
 
 
 if __name__ == "__main__":
-    try:
-        sys.exit(main(*sys.argv[1:]))
-    except Fault as fault:
-        print(f"demo: {fault}", file=sys.stderr)
-        sys.exit(1)
+    run(main, "demo")

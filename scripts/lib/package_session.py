@@ -6,7 +6,6 @@ runs, and a request to the running program and to the new one. BUILD has the sta
 import os
 import re
 import subprocess
-import sys
 import tempfile
 import time
 from pathlib import Path
@@ -16,7 +15,7 @@ import screen
 from demo import Stage, play_all, show
 from demo_cases import CASES
 from programs import StandIn, Tavrelon
-from waiting import Fault, wait_for
+from waiting import Fault, run, wait_for
 
 PAGES = {"settings": 135, "hotkeys": 189, "clone": 243, "providers": 297, "history": 351, "permissions": 405}
 SIDEBAR = 44  # pixels from the left edge to the middle of the page's button; the numbers above are from the top
@@ -90,8 +89,4 @@ def main(build, output, program, upgrade):
 
 
 if __name__ == "__main__":
-    try:
-        main(*sys.argv[1:])
-    except Fault as fault:
-        print(f"package: {fault}", file=sys.stderr)
-        sys.exit(1)
+    run(main, "package")

@@ -13,7 +13,7 @@ import soak_dashboard
 import soak_voice
 from soak_desk import Desk
 from soak_health import MEGABYTE, Health
-from waiting import Fault
+from waiting import Fault, run
 
 
 WEIGHTS = soak_actions.WEIGHTS | soak_voice.WEIGHTS | soak_dashboard.WEIGHTS
@@ -84,8 +84,4 @@ def main(build, output, minutes, seed):
 
 
 if __name__ == "__main__":
-    try:
-        main(*sys.argv[1:])
-    except Fault as fault:
-        print(f"soak: {fault}\n(replay with --seed {sys.argv[4]}; logs and a picture are in {sys.argv[2]}/)", file=sys.stderr)
-        sys.exit(1)
+    run(main, "soak", f"\n(replay with --seed {sys.argv[4]}; logs and a picture are in {sys.argv[2]}/)")
