@@ -30,8 +30,16 @@ Again againAfter(const std::exception& error) {
     return isFutile ? Again::Futile : Again::Worthwhile;
 }
 
-ProcessingError failureOf(const std::exception& error) {
-    return ProcessingError::generationFailed(text::localizedDescription(error), againAfter(error));
+/// Throws what fails in the task as what the user is told.
+template <typename T>
+async::Task<T> orFailure(async::Task<T> task) {
+    try {
+        co_return co_await std::move(task);
+    } catch (const async::CancellationError&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw ProcessingError::generationFailed(text::localizedDescription(error), againAfter(error));
+    }
 }
 
 /// The first and the last are among them.
@@ -88,6 +96,13 @@ TavrelonAIService::Situation TavrelonAIService::situationOf(GenerationRequest& r
     return situation;
 }
 
+ChatPrompt TavrelonAIService::promptOf(const Situation& situation, const UserVoice& voice) {
+    return {.system = composeSystemPrompt(situation.candidate, voice),
+            .user = composeUserMessage(situation.context, situation.input),
+            .maxTokens = maxTokens,
+            .temperature = temperature};
+}
+
 async::Task<GenerationResult> TavrelonAIService::generate(GenerationRequest request) {
     const auto situation = situationOf(request);
     if (!request.mayDraw || !isImageRequest(situation.input))
@@ -103,18 +118,7 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
     if (frames.empty())
         throw ProcessingError::generationFailed(u"No video frames captured"_s);
     request.voice.userStyle.reset();
-    QString reply;
-    try {
-        reply = co_await describeFrames({.system = composeSystemPrompt(situation.candidate, request.voice),
-                                         .user = composeUserMessage(situation.context, situation.input),
-                                         .maxTokens = maxTokens,
-                                         .temperature = temperature},
-                                        frames);
-    } catch (const async::CancellationError&) {
-        throw;
-    } catch (const std::exception& error) {
-        throw failureOf(error);
-    }
+    auto reply = co_await orFailure(describeFrames(promptOf(situation, request.voice), frames));
     auto decision = situation.decision(u"video_vision"_s);
     decision.intent = u"video"_s;
     decision.intentConfidence = 0.7F;
@@ -161,19 +165,9 @@ async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const 
 async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situation& situation,
                                                                     const GenerationRequest& request) {
     log_.line(u"[AIService] Detected text/vision intent"_s);
-    QString reply;
-    try {
-        reply = co_await generateText(pollinationsService_,
-                                      {.system = composeSystemPrompt(situation.candidate, request.voice),
-                                       .user = composeUserMessage(situation.context, situation.input),
-                                       .image = situation.screenshot(),
-                                       .maxTokens = maxTokens,
-                                       .temperature = temperature});
-    } catch (const async::CancellationError&) {
-        throw;
-    } catch (const std::exception& error) {
-        throw failureOf(error);
-    }
+    auto prompt = promptOf(situation, request.voice);
+    prompt.image = situation.screenshot();
+    auto reply = co_await orFailure(generateText(pollinationsService_, std::move(prompt)));
     if (auto toolPrompt = request.mayDraw ? parseImageToolCall(reply) : std::nullopt)
         co_return co_await generateImageResult(situation, std::move(*toolPrompt), 0.6F);
     auto decision = situation.decision(u"general_text"_s);
@@ -194,14 +188,7 @@ async::Task<QString> TavrelonAIService::imagePrompt(QString input, bool enhance)
 
 async::Task<GenerationResult> TavrelonAIService::generateImageResult(const Situation& situation, QString prompt,
                                                                      float confidence) {
-    QByteArray image;
-    try {
-        image = co_await generateImage(prompt);
-    } catch (const async::CancellationError&) {
-        throw;
-    } catch (const std::exception& error) {
-        throw failureOf(error);
-    }
+    auto image = co_await orFailure(generateImage(prompt));
     auto decision = situation.decision(u"image_generation"_s);
     decision.intent = u"image"_s;
     decision.intentConfidence = confidence;

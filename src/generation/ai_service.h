@@ -44,6 +44,7 @@ class TavrelonAIService {
     struct Situation;
 
     Situation situationOf(GenerationRequest& request) const;
+    static ChatPrompt promptOf(const Situation& situation, const UserVoice& voice);
     async::Task<QString> describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames);
     async::Task<GenerationResult> generateTextResult(const Situation& situation, const GenerationRequest& request);
     async::Task<GenerationResult> generateImageResult(const Situation& situation, QString prompt, float confidence);
