@@ -1,11 +1,14 @@
 #include "app/ai_generator.h"
 
-#include "generation/image_intent.h"
-#include "text/characters.h"
-
 namespace tavrelon::app {
 
-using generation::RequestContents;
+AIGenerator::AIGenerator(generation::TavrelonAIService& service, const generation::PollinationsService& models,
+                         ServiceConsent& consent)
+    : service_(service), models_(models) {
+    service_.permit = [&models, &consent](generation::RequestContents contents) {
+        return consent.obtain(generation::destinations(models.configuration, contents), contents);
+    };
+}
 
 std::chrono::seconds AIGenerator::deadline() const {
     return models_.configuration.asksLocalServer() ? generation::PollinationsService::localDeadline
@@ -13,23 +16,12 @@ std::chrono::seconds AIGenerator::deadline() const {
 }
 
 async::Task<generation::GenerationResult> AIGenerator::generate(generation::GenerationRequest request) {
-    const bool hasPicture = request.context && request.context->screenshotData;
-    const bool isWishForPicture =
-        request.mayDraw && generation::isImageRequest(text::trimmed(request.input));  // goes as text alone
-    co_await obtainConsent(request.input,
-                           hasPicture && !isWishForPicture ? RequestContents::Picture : RequestContents::Text);
-    co_return co_await service_.generate(std::move(request));
+    return service_.generate(std::move(request));
 }
 
 async::Task<generation::GenerationResult> AIGenerator::generateVideoResult(generation::GenerationRequest request,
                                                                            std::vector<QByteArray> frames) {
-    co_await obtainConsent(request.input, RequestContents::Frames);
-    co_return co_await service_.generateVideoResult(std::move(request), std::move(frames));
-}
-
-async::Task<void> AIGenerator::obtainConsent(QString input, RequestContents contents) {
-    if (!text::isBlank(input))  // else the service refuses it and nothing goes anywhere
-        co_await consent_.obtain(generation::destinations(models_.configuration, contents), contents);
+    return service_.generateVideoResult(std::move(request), std::move(frames));
 }
 
 }  // namespace tavrelon::app

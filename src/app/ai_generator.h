@@ -6,13 +6,13 @@
 
 namespace tavrelon::app {
 
-/// Lets the input flows ask the generation service, once the user has agreed to where the request goes. Main thread.
+/// Lets the input flows ask the generation service, which sends nothing before the user has agreed to
+/// where it goes. Main thread.
 class AIGenerator : public generation::Generator {
  public:
     /// All outlive this object.
     AIGenerator(generation::TavrelonAIService& service, const generation::PollinationsService& models,
-                ServiceConsent& consent)
-        : service_(service), models_(models), consent_(consent) {}
+                ServiceConsent& consent);
 
     std::chrono::seconds deadline() const override;
     async::Task<generation::GenerationResult> generate(generation::GenerationRequest request) override;
@@ -20,11 +20,8 @@ class AIGenerator : public generation::Generator {
                                                                   std::vector<QByteArray> frames) override;
 
  private:
-    async::Task<void> obtainConsent(QString input, generation::RequestContents contents);
-
     generation::TavrelonAIService& service_;
     const generation::PollinationsService& models_;
-    ServiceConsent& consent_;
 };
 
 }  // namespace tavrelon::app

@@ -156,8 +156,8 @@ void AppState::applyHotkeySettings() {
 
 void AppState::applyCaptureSettings() {
     const auto& settings = storageManager_.settings();
-    const bool seesNothing = settings.enableCustomPollinations && !settings.textOnlyModel.isEmpty() &&
-                             settings.textOnlyModel == settings.pollinationsVisionModel;
+    const bool seesNothing =
+        settings.enableCustomPollinations && !pollinationsService_.configuration.ownModelTakesPictures;
     contextCapturer_.screenshots.screenshotMode =
         seesNothing ? capture::ScreenshotMode::none : screenshotModeNamed(settings.screenshotMode);
     videoRecorder_.longestSide = settings.enableOllamaVision ? longestSideForOllama : 0;

@@ -41,6 +41,8 @@ ServiceConfiguration serviceConfiguration(generation::ServiceEndpoints endpoints
     made.pollinationsBaseURLOverride = ServiceConfiguration::normalizedBaseURL(settings.pollinationsBaseURL);
     made.pollinationsImageModelOverride = ServiceConfiguration::normalizedModelName(settings.pollinationsImageModel);
     made.pollinationsVisionModelOverride = ServiceConfiguration::normalizedModelName(settings.pollinationsVisionModel);
+    made.ownModelTakesPictures =
+        settings.textOnlyModel.isEmpty() || settings.textOnlyModel != settings.pollinationsVisionModel;
     made.pollinationsApiKey =
         keys.pollinations.keyFor(made.pollinationsBaseURLOverride.value_or(made.endpoints.pollinationsBaseURL));
 
@@ -80,6 +82,7 @@ void useServer(persistence::StorageManager& storage, const QString& baseURL, con
         changed.textOnlyModel = model.isTextOnly ? model.name : QString();
         changed.enableCustomPollinations = true;
         changed.enableOllamaVision = changed.enableNvidiaLocal = false;
+        changed.fallBackToOtherServices.reset();  // what was said of another server does not hold for this one
     });
     storage.saveSettings();
 }

@@ -8,6 +8,14 @@ namespace {
 
 constexpr qint64 answerTokens = 256;  // a model that thinks first needs more than the word
 
+/// Ollama looks at pictures alone, so the chain would ask somebody else.
+async::Task<generation::ModelAnswer> askChosen(generation::PollinationsService& models, generation::ChatPrompt prompt) {
+    if (!models.configuration.ollamaEnabled)
+        co_return co_await generation::answerText(models, std::move(prompt));
+    auto answer = co_await models.generateWithOllama(std::move(prompt.system), std::move(prompt.user), {});
+    co_return generation::ModelAnswer{std::move(answer), models.configuration.ollamaSourceName()};
+}
+
 }  // namespace
 
 async::Task<ServiceTest> testService(generation::PollinationsService& models, async::MainLoop& loop) {
@@ -15,10 +23,9 @@ async::Task<ServiceTest> testService(generation::PollinationsService& models, as
     ServiceTest test{std::unexpected(QString()), {}, {}};
     try {
         auto answer = co_await models.raceWithDeadline(
-            models.deadline(),
-            generation::answerText(models, {.system = QStringLiteral("You are a helpful assistant."),
-                                            .user = QStringLiteral("Answer with the single word: ready"),
-                                            .maxTokens = answerTokens}));
+            models.deadline(), askChosen(models, {.system = QStringLiteral("You are a helpful assistant."),
+                                                  .user = QStringLiteral("Answer with the single word: ready"),
+                                                  .maxTokens = answerTokens}));
         const auto words = answer.text.simplified();
         if (words.isEmpty())
             test.answer = std::unexpected(QStringLiteral("The model gave an empty answer."));

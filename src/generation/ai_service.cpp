@@ -15,21 +15,6 @@ namespace {
 
 using Again = ProcessingError::Again;
 
-/// A refusal, a missing setting and a silence are the same a moment later.
-Again againAfter(const std::exception& error) {
-    if (const auto* refused = dynamic_cast<const PollinationsError*>(&error)) {
-        const bool isRefusal = refused->status() == 401 || refused->status() == 403 || refused->status() == 404;
-        return isRefusal || refused->code() == PollinationsError::Code::configurationMissing ||
-                       refused->code() == PollinationsError::Code::requestTimedOut
-                   ? Again::Futile
-                   : Again::Worthwhile;
-    }
-    const auto* lost = dynamic_cast<const TransportError*>(&error);
-    const bool isFutile = dynamic_cast<const KeyRefused*>(&error) != nullptr ||
-                          (lost && lost->code() == platform::HttpError::Code::TimedOut);
-    return isFutile ? Again::Futile : Again::Worthwhile;
-}
-
 /// Throws what fails in the task as what the user is told.
 template <typename T>
 async::Task<T> orFailure(async::Task<T> task) {
@@ -38,7 +23,8 @@ async::Task<T> orFailure(async::Task<T> task) {
     } catch (const async::CancellationError&) {
         throw;
     } catch (const std::exception& error) {
-        throw ProcessingError::generationFailed(text::localizedDescription(error), againAfter(error));
+        throw ProcessingError::generationFailed(text::localizedDescription(error),
+                                                wouldFailAgain(error) ? Again::Futile : Again::Worthwhile);
     }
 }
 
@@ -108,6 +94,7 @@ async::Task<GenerationResult> TavrelonAIService::generate(GenerationRequest requ
     if (!request.mayDraw || !isImageRequest(situation.input))
         co_return co_await generateTextResult(situation, request);
     log_.line(u"[AIService] Detected image intent"_s);
+    co_await permit(RequestContents::Text);
     auto prompt = co_await imagePrompt(situation.input, request.enhanceImagePrompts);
     co_return co_await generateImageResult(situation, std::move(prompt), 0.7F);
 }
@@ -118,6 +105,7 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
     if (frames.empty())
         throw ProcessingError::generationFailed(u"No video frames captured"_s);
     request.voice.userStyle.reset();
+    co_await permit(RequestContents::Frames);
     auto reply = co_await orFailure(describeFrames(promptOf(situation, request.voice), frames));
     auto decision = situation.decision(u"video_vision"_s);
     decision.intent = u"video"_s;
@@ -129,7 +117,8 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
 }
 
 /// Ollama looks at pictures alone when it is switched on. Else all frames go to the one model that takes so many, and
-/// the last one to those that take one. What is told is why the first that was asked failed.
+/// the last one to those that take one: none describes what it does not see. What is told is why the first that was
+/// asked failed.
 async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const std::vector<QByteArray>& frames) {
     const auto& configuration = pollinationsService_.configuration;
     std::exception_ptr reason;
@@ -137,9 +126,11 @@ async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const 
         co_return co_await pollinationsService_.generateWithOllama(prompt.system, prompt.user, evenlySpaced(frames));
     auto oneFrame = prompt;
     oneFrame.image = frames.back();
-    if (configuration.pollinationsCustomEnabled) {
+    if (configuration.asksOwnModel()) {
         try {
-            co_return co_await generateText(pollinationsService_, oneFrame);
+            if (!configuration.ownModelTakesPictures)
+                throw PollinationsError::unsupportedImageInput(u"The model of your own server takes no pictures"_s);
+            co_return co_await pollinationsService_.generateWithGateway(oneFrame, JsonMode::Off);
         } catch (const async::CancellationError&) {
             throw;
         } catch (const std::exception&) {
@@ -167,9 +158,12 @@ async::Task<GenerationResult> TavrelonAIService::generateTextResult(const Situat
     log_.line(u"[AIService] Detected text/vision intent"_s);
     auto prompt = promptOf(situation, request.voice);
     prompt.image = situation.screenshot();
+    co_await permit(prompt.image ? RequestContents::Picture : RequestContents::Text);
     auto reply = co_await orFailure(generateText(pollinationsService_, std::move(prompt)));
-    if (auto toolPrompt = request.mayDraw ? parseImageToolCall(reply) : std::nullopt)
+    if (auto toolPrompt = request.mayDraw ? parseImageToolCall(reply) : std::nullopt) {
+        co_await permit(RequestContents::Text);  // who draws may be another than who answered
         co_return co_await generateImageResult(situation, std::move(*toolPrompt), 0.6F);
+    }
     auto decision = situation.decision(u"general_text"_s);
     decision.intent = u"reply"_s;
     decision.intentConfidence = 0.6F;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+
+#include "generation/destinations.h"
 #include "generation/pollinations_service.h"
 #include "generation/processing_error.h"
 #include "generation/system_prompt.h"
@@ -31,6 +34,10 @@ class TavrelonAIService {
 
     TavrelonAIService(PollinationsService& pollinationsService, const scenes::SceneRouter& sceneRouter,
                       platform::Log& log);
+
+    /// Awaited before anything is sent, and again before what a model answered is drawn elsewhere. What it throws ends
+    /// the request.
+    std::function<async::Task<void>(RequestContents)> permit = [](RequestContents) -> async::Task<void> { co_return; };
 
     /// Throws `ProcessingError` (`emptyInput` before any model is asked), or `async::CancellationError` when the
     /// awaiting task was asked to stop.

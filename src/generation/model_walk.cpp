@@ -4,8 +4,6 @@ namespace tavrelon::generation {
 
 async::Task<std::optional<QString>> walkModels(PollinationsService& service, std::vector<PollinationsModel> models,
                                                ChatPrompt prompt, JsonMode jsonMode, WalkSteps steps) {
-    if (service.configuration.asksGatewayOnly() && models.size() > 1)
-        models.resize(1);  // it is the gateway's own model that is asked, and once is enough
     for (const auto model : models) {
         if (!service.configuration.hasKeyFor(model))
             continue;  // its complaint would hide why the others failed

@@ -52,4 +52,14 @@ PollinationsError PollinationsError::allModelsFailed() {
     return {Code::allModelsFailed, u"All models failed to process request"_s};
 }
 
+bool wouldFailAgain(const std::exception& error) {
+    if (const auto* known = dynamic_cast<const PollinationsError*>(&error))
+        return known->status() == 401 || known->status() == 403 || known->status() == 404 ||
+               known->code() == PollinationsError::Code::configurationMissing ||
+               known->code() == PollinationsError::Code::unsupportedImageInput ||
+               known->code() == PollinationsError::Code::requestTimedOut;
+    const auto* lost = dynamic_cast<const TransportError*>(&error);
+    return dynamic_cast<const KeyRefused*>(&error) || (lost && lost->code() == platform::HttpError::Code::TimedOut);
+}
+
 }  // namespace tavrelon::generation

@@ -70,4 +70,8 @@ class TransportError : public text::LocalizedError {
     platform::HttpError::Code code_;
 };
 
+/// Whether the same request would fail in the same way a moment later: after a refusal, a missing setting, a silence,
+/// or where a model takes no pictures.
+bool wouldFailAgain(const std::exception& error);
+
 }  // namespace tavrelon::generation

@@ -37,6 +37,8 @@ ModelNames names(PollinationsModel model) {
             return {"flux"_L1, "Flux"_L1};
         case PollinationsModel::turbo:
             return {"turbo"_L1, "Turbo"_L1};
+        case PollinationsModel::own:
+            return {{}, "custom model"_L1};
     }
     std::unreachable();
 }

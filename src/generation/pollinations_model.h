@@ -18,6 +18,7 @@ enum class PollinationsModel : std::uint8_t {
     zimage,
     flux,
     turbo,
+    own,  ///< the user's, at their own gateway; its name is in the configuration
 };
 
 enum class ChatProtocol : std::uint8_t { Pollinations, Nvidia, GLM };

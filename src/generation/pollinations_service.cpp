@@ -25,6 +25,7 @@ async::Task<platform::HttpResponse> PollinationsService::exchange(platform::Http
     if (configuration.asksGatewayOnly() &&
         !platform::isWithinServer(request.url, QUrl(configuration.pollinationsBaseURL())))
         throw PollinationsError::configurationMissing(u"Requests stay with your own server"_s);
+    request.staysAtOrigin |= configuration.asksGatewayOnly();
     auto answer = co_await session_.send(std::move(request));
     if (answer)
         co_return std::move(*answer);
@@ -50,9 +51,10 @@ async::Task<QString> PollinationsService::generateWithPollinations(QString model
                                                     .imageCapable = imageCapable,
                                                     .prompt = std::move(prompt),
                                                     .jsonMode = jsonMode});
-    if (configuration.asksLocalServer())
+    const bool isLocal = configuration.isGatewayLocal();
+    if (isLocal)
         request.requestTimeout = request.resourceTimeout = localDeadline;
-    co_return co_await ask(std::move(request), deadline(), chat_pollinations::readResponse);
+    co_return co_await ask(std::move(request), isLocal ? localDeadline : raceDeadline, chat_pollinations::readResponse);
 }
 
 async::Task<QString> PollinationsService::generateWithGLM(PollinationsModel model, ChatPrompt prompt,
@@ -89,7 +91,7 @@ async::Task<QString> PollinationsService::generateWithOllama(QString systemPromp
                                    .systemPrompt = std::move(systemPrompt),
                                    .userPrompt = std::move(userPrompt),
                                    .images = std::move(images)});
-    if (configuration.asksLocalServer())
+    if (configuration.isOllamaLocal())
         request.requestTimeout = request.resourceTimeout = localDeadline;
     co_return co_await ask(std::move(request), std::nullopt, chat_ollama::readResponse);
 }
@@ -104,7 +106,7 @@ async::Task<QString> PollinationsService::generateWithGateway(ChatPrompt prompt,
 
 async::Task<QString> PollinationsService::generateWithModel(PollinationsModel model, ChatPrompt prompt,
                                                             JsonMode jsonMode) {
-    if (configuration.asksGatewayOnly())
+    if (model == PollinationsModel::own)
         co_return co_await generateWithGateway(std::move(prompt), jsonMode);
     switch (chatProtocol(model)) {
         case ChatProtocol::GLM:
@@ -133,6 +135,8 @@ async::Task<QByteArray> PollinationsService::generateImageWithPollinations(QStri
     // The path is the prompt, and no line tells what the user wrote.
     log_.line("[Pollinations] Generating image at "_L1 + url.host());
     auto request = imageGet(url, std::chrono::seconds(120));
+    if (configuration.isGatewayLocal())
+        request.requestTimeout = request.resourceTimeout = localDeadline;
     chat_wire::authorize(request, configuration.effectivePollinationsApiKey());
     auto image = image_wire::readPollinationsImage(co_await exchange(std::move(request)));
     log_.line(u"[Pollinations] Image generated successfully: %1 bytes"_s.arg(image.size()));

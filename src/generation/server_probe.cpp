@@ -40,6 +40,7 @@ Ability abilityIn(const Json& entry) {
 /// The answer as JSON; absent where there is none.
 async::Task<std::optional<Json>> asked(platform::HttpSession& session, platform::HttpRequest request) {
     request.requestTimeout = request.resourceTimeout = patience;
+    request.staysAtOrigin = true;  // these ports have other programs, too, which may send us anywhere
     const auto response = co_await session.send(std::move(request));
     if (!response || response->status != 200)
         co_return std::nullopt;

@@ -34,7 +34,8 @@ struct LocalServer {
 const std::vector<ServerPlace>& usualServerPlaces();
 
 /// Asks a server for its models by `/v1/models`, which all of them know. Absent where nobody listens, what answers is
-/// no model server or has no model, or one question takes longer than 300 ms. Names beyond the first 50 are left out.
+/// no model server, has no model or sends us elsewhere, or one question takes longer than 300 ms. Names beyond the
+/// first 50 are left out.
 async::Task<std::optional<LocalServer>> probe(platform::HttpSession& session, ServerPlace place);
 
 }  // namespace tavrelon::generation

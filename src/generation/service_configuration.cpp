@@ -71,8 +71,6 @@ std::optional<QString> ServiceConfiguration::keyFor(const QUrl& url) const {
 }
 
 bool ServiceConfiguration::hasKeyFor(PollinationsModel model) const {
-    if (asksGatewayOnly())
-        return true;  // it is the gateway that is asked, whatever the model is called
     switch (chatProtocol(model)) {
         case ChatProtocol::GLM:
             return glmApiKey().has_value();
@@ -85,8 +83,14 @@ bool ServiceConfiguration::hasKeyFor(PollinationsModel model) const {
 }
 
 bool ServiceConfiguration::asksLocalServer() const {
-    if (ollamaEnabled)
-        return ollamaMode == OllamaMode::local && !isPublic(QUrl(ollamaChatURL()));
+    return ollamaEnabled ? isOllamaLocal() : isGatewayLocal();
+}
+
+bool ServiceConfiguration::isOllamaLocal() const {
+    return ollamaMode == OllamaMode::local && !isPublic(QUrl(ollamaChatURL()));
+}
+
+bool ServiceConfiguration::isGatewayLocal() const {
     return pollinationsCustomEnabled && !isPublic(QUrl(pollinationsBaseURL()));
 }
 
@@ -97,7 +101,20 @@ bool ServiceConfiguration::asksGatewayOnly() const {
 std::vector<PollinationsModel> ServiceConfiguration::promptEnhancementModels() const {
     auto models = textModels;
     std::erase_if(models, [](PollinationsModel model) { return chatProtocol(model) == ChatProtocol::GLM; });
-    return allowGLMFallbackForPromptEnhancement || models.empty() ? textModels : models;
+    return ownFirst(allowGLMFallbackForPromptEnhancement || models.empty() ? textModels : models);
+}
+
+bool ServiceConfiguration::asksOwnModel() const {
+    return asksGatewayOnly() ||
+           (pollinationsCustomEnabled && !pollinationsVisionModelOverride.value_or(QString()).isEmpty());
+}
+
+std::vector<PollinationsModel> ServiceConfiguration::ownFirst(std::vector<PollinationsModel> models) const {
+    if (asksGatewayOnly())
+        return {PollinationsModel::own};
+    if (asksOwnModel())
+        models.insert(models.begin(), PollinationsModel::own);
+    return models;
 }
 
 QString ServiceConfiguration::imageModelName() const {
@@ -106,7 +123,7 @@ QString ServiceConfiguration::imageModelName() const {
 }
 
 QString ServiceConfiguration::sourceName(PollinationsModel model) const {
-    if (asksGatewayOnly() && pollinationsVisionModelOverride)
+    if (model == PollinationsModel::own)
         return gatewaySourceName();
     switch (chatProtocol(model)) {
         case ChatProtocol::Nvidia:
@@ -121,6 +138,11 @@ QString ServiceConfiguration::sourceName(PollinationsModel model) const {
 
 QString ServiceConfiguration::gatewaySourceName() const {
     return sourceAt(pollinationsVisionModelOverride.value_or(QString()), pollinationsBaseURL());
+}
+
+QString ServiceConfiguration::ollamaSourceName() const {
+    const auto& model = ollamaMode == OllamaMode::cloud ? ollamaCloudModel : ollamaLocalModel;
+    return sourceAt(model.value_or(u"Ollama"_s), ollamaChatURL());
 }
 
 }  // namespace tavrelon::generation

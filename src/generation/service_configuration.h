@@ -29,6 +29,7 @@ struct ServiceConfiguration {
     std::optional<QString> pollinationsBaseURLOverride{};
     std::optional<QString> pollinationsImageModelOverride{};
     std::optional<QString> pollinationsVisionModelOverride{};
+    bool ownModelTakesPictures = true;
     /// Whether other services are asked where the user's gateway does not answer. Where the user has not said, they are
     /// for a public gateway, and are not for one on this machine or in a private network.
     std::optional<bool> fallBackToOtherServices{};
@@ -70,11 +71,20 @@ struct ServiceConfiguration {
 
     /// Whether the service that the user chose is on this machine or in a private network.
     bool asksLocalServer() const;
+    bool isOllamaLocal() const;
+    bool isGatewayLocal() const;
 
     /// Whether every request goes to the user's gateway or nowhere. What would go elsewhere is not sent.
     bool asksGatewayOnly() const;
 
-    /// The models that write image prompts: the text models without those of GLM, unless these are allowed or alone.
+    /// Whether the user's own model at their own gateway is asked first.
+    bool asksOwnModel() const;
+
+    /// Where the user has a model of their own that is asked before `models`, or alone.
+    std::vector<PollinationsModel> ownFirst(std::vector<PollinationsModel> models) const;
+
+    /// The models that write image prompts: the user's own, and the text models without those of GLM, unless these are
+    /// allowed or alone.
     std::vector<PollinationsModel> promptEnhancementModels() const;
 
     /// The model that draws, as the gateway knows it.
@@ -82,6 +92,9 @@ struct ServiceConfiguration {
 
     /// The model and the host that it is asked at, as the user may read it.
     QString sourceName(PollinationsModel model) const;
+
+    /// The model of Ollama that is chosen, and its host.
+    QString ollamaSourceName() const;
 
     /// The user's own model and its host.
     QString gatewaySourceName() const;

@@ -52,12 +52,12 @@ class TextChain {
     /// The text of the user's own model; absent where there is none or it fails.
     async::Task<std::optional<QString>> askGateway(ChatPrompt prompt) {
         const auto& configuration = service_.configuration;
-        const auto model = configuration.pollinationsVisionModelOverride.value_or(QString());
-        if (!configuration.pollinationsCustomEnabled || model.isEmpty())
+        if (!configuration.asksOwnModel() || isSpent(PollinationsModel::own))
             co_return std::nullopt;
         try {
             auto text = co_await service_.generateWithGateway(std::move(prompt), JsonMode::Off);
-            service_.log().line(tag + "Text generated with custom model "_L1 + model);
+            service_.log().line(tag + "Text generated with custom model "_L1 +
+                                configuration.pollinationsVisionModelOverride.value_or(QString()));
             source_ = configuration.gatewaySourceName();
             co_return text;
         } catch (const async::CancellationError&) {
@@ -66,7 +66,7 @@ class TextChain {
             throw;
         } catch (const std::exception& error) {
             service_.log().line(tag + "Custom Pollinations model failed: "_L1 + text::localizedDescription(error));
-            keep(std::current_exception());
+            keep(PollinationsModel::own, std::current_exception());
         }
         co_return std::nullopt;
     }
@@ -86,9 +86,10 @@ class TextChain {
             .failed =
                 [this, failure = std::move(failure)](PollinationsModel model, std::exception_ptr error) {
                     service_.log().line(failure(model, error));
-                    keep(std::move(error));
+                    keep(model, std::move(error));
                 },
         };
+        std::erase_if(models, [this](PollinationsModel model) { return isSpent(model); });
         return walkModels(service_, std::move(models), std::move(prompt), JsonMode::Off, std::move(steps));
     }
 
@@ -99,7 +100,15 @@ class TextChain {
     }
 
  private:
-    void keep(std::exception_ptr error) {
+    bool isSpent(PollinationsModel model) const { return std::ranges::find(spent_, model) != spent_.end(); }
+
+    void keep(PollinationsModel model, std::exception_ptr error) {
+        try {
+            std::rethrow_exception(error);
+        } catch (const std::exception& known) {
+            if (wouldFailAgain(known))
+                spent_.push_back(model);
+        }
         if (!reason_)
             reason_ = std::move(error);
     }
@@ -107,6 +116,7 @@ class TextChain {
     PollinationsService& service_;
     QString source_;
     std::exception_ptr reason_;
+    std::vector<PollinationsModel> spent_;  ///< not asked again, without the picture either
 };
 
 /// The gateway is asked with the image, and once more without it where nobody else may be.
@@ -147,7 +157,7 @@ async::Task<ModelAnswer> answerText(PollinationsService& service, ChatPrompt pro
     if (service.configuration.ollamaEnabled && prompt.image)
         co_return ModelAnswer{co_await service.generateWithOllama(std::move(prompt.system), std::move(prompt.user),
                                                                   {*std::move(prompt.image)}),
-                              u"Ollama"_s};
+                              service.configuration.ollamaSourceName()};
     TextChain chain(service);
     auto text = co_await textBy(service, chain, std::move(prompt));
     co_return ModelAnswer{std::move(text), chain.source()};

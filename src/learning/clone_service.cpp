@@ -116,20 +116,21 @@ async::Task<CloneProfile> CloneService::learnProfile(QString samples) {
                                   .user = u"Samples:\n"_s + samples,
                                   .maxTokens = maxTokens,
                                   .temperature = temperature};
+    const auto& configuration = pollinationsService_.configuration;
     CloneProfile profile;
     std::exception_ptr lastError;
     generation::WalkSteps steps{
         .accept =
-            [this, &profile](generation::PollinationsModel model, const QString& reply) {
+            [&configuration, &profile](generation::PollinationsModel model, const QString& reply) {
                 profile = parseCloneProfile(reply);
-                profile.source = pollinationsService_.configuration.sourceName(model);
+                profile.source = configuration.sourceName(model);
                 return std::optional(reply);
             },
         .failed = [&lastError](generation::PollinationsModel,
                                std::exception_ptr error) { lastError = std::move(error); },
     };
     const auto reply =
-        co_await generation::walkModels(pollinationsService_, pollinationsService_.configuration.textModels,
+        co_await generation::walkModels(pollinationsService_, configuration.ownFirst(configuration.textModels),
                                         std::move(prompt), generation::JsonMode::On, std::move(steps));
     if (reply)
         co_return profile;

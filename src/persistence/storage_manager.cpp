@@ -46,7 +46,10 @@ AppSettings StorageManager::storedSettings() {
         if (!faultySettings_.isEmpty())
             userDefaults_.setData(brokenSettings(), *document);
         return std::move(stored.settings);
-    } catch (const text::JsonError&) {
+    } catch (const text::JsonError& error) {
+        log_.line(QStringLiteral("[Settings] Not understood, and kept beside the defaults: ") +
+                  error.localizedDescription());
+        faultySettings_ = {defaults_keys::settings};
         userDefaults_.setData(brokenSettings(), *document);
         return defaultSettings();
     }

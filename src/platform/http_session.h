@@ -21,6 +21,7 @@ struct HttpRequest {
     QByteArray body{};
     std::chrono::milliseconds requestTimeout{60'000};    ///< without a byte moving
     std::chrono::milliseconds resourceTimeout{120'000};  ///< for the whole exchange
+    bool staysAtOrigin = false;                          ///< a redirect to another origin is an error
 };
 
 struct HttpResponse {

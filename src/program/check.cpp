@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QSystemTrayIcon>
 #include <cstdio>
@@ -129,6 +130,19 @@ async::Task<Finding> clipboard(platform::Pasteboard& pasteboard) {
                              : QStringLiteral("read, in %1 form(s)").arg(items->front().dataByType.size());
 }
 
+/// The program's own files of a folder that it could not read.
+QStringList unreadableIn(const QString& path) {
+    QStringList unreadable;
+    constexpr auto all = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    for (const auto& entry : QDir(path).entryInfoList(all)) {
+        const auto name = entry.fileName();
+        const bool isOwn = name.startsWith(QStringLiteral("tavrelon.")) || name.endsWith(QStringLiteral(".json"));
+        if (isOwn ? !entry.isFile() || !entry.isReadable() : entry.isFile() && !entry.isReadable())
+            unreadable << name;
+    }
+    return unreadable;
+}
+
 /// A folder of the user's: a missing one is made at the first start.
 Finding folder(const QString& path) {
     struct stat status{};
@@ -142,6 +156,8 @@ Finding folder(const QString& path) {
         return missing(path + QStringLiteral(": belongs to somebody else"));
     if (::access(QFile::encodeName(path).constData(), R_OK | W_OK | X_OK) != 0)
         return missing(QStringLiteral("%1: cannot be written, mode %2").arg(path, mode));
+    if (const auto unreadable = unreadableIn(path); !unreadable.isEmpty())
+        return missing(QStringLiteral("%1: cannot be read: %2").arg(path, unreadable.join(u", ")));
     return QStringLiteral("%1, mode %2").arg(path, mode);
 }
 

@@ -149,6 +149,7 @@ TEST(HttpRedirectTest, DecidesWhatGoesWhere) {
     for (const char* bad : {"file:///etc/passwd", "javascript:x", "http://", "https:///x"})
         EXPECT_FALSE(desktop::redirected(plain, 302, bad)) << bad;
 
+    EXPECT_FALSE(desktop::redirected({.url = plain.url, .staysAtOrigin = true}, 302, "https://b.example/y"));
     const auto turned = desktop::redirected(keyed, 303, "../y?z=1");
     ASSERT_TRUE(turned);
     EXPECT_EQ(turned->method, "GET");

@@ -221,6 +221,15 @@ TEST_F(PosixFileSystemTest, WhatCannotBeReadIsNotReplaced) {
     EXPECT_FALSE(inOrdinaryProcess([&] { return files.write(at("f"), "defaults").has_value(); }));
     ASSERT_EQ(::chmod(native("f").constData(), S_IRUSR | S_IWUSR), 0);
     EXPECT_EQ(contentOf("f"), "whole");
+
+    // Whoever could not read it does not know what is in it when it can be read again.
+    ASSERT_EQ(::mkfifo(native("late").constData(), 0600), 0);
+    EXPECT_FALSE(files.read(at("late")));
+    ASSERT_EQ(::rename(native("f").constData(), native("late").constData()), 0);
+    EXPECT_FALSE(files.write(at("late"), "defaults"));
+    EXPECT_EQ(contentOf("late"), "whole");
+    ASSERT_TRUE(files.read(at("late")));
+    EXPECT_TRUE(files.write(at("late"), "more"));
 }
 
 TEST_F(PosixFileSystemTest, AKillAtAnyMomentLeavesTheFileWholeAndLittleBesideIt) {

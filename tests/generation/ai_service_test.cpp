@@ -82,6 +82,67 @@ TEST_F(AIServiceTest, AVideoGoesToOllamaAloneWhereThatIsOn) {
     EXPECT_EQ(http.unused(), 0U);
 }
 
+TEST_F(AIServiceTest, AVideoIsNotDescribedByWhoDoesNotSeeIt) {
+    service.configuration.fallBackToOtherServices = false;
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsVisionModelOverride = u"mine"_s;
+    const auto refused = [&] {
+        try {
+            runTask(loop, assistant.generateVideoResult({.input = u"what happens?"_s}, {"first", "last"}));
+        } catch (const ProcessingError& error) {
+            return error.localizedDescription();
+        }
+        return u"(no error)"_s;
+    };
+    http.answer(500, "cannot see");
+    EXPECT_EQ(refused(), u"Generation failed: API error (500): cannot see"_s);
+    EXPECT_EQ(http.requests().size(), 1U);
+    service.configuration.ownModelTakesPictures = false;
+    EXPECT_EQ(refused(), u"Generation failed: The model of your own server takes no pictures"_s);
+    EXPECT_EQ(http.requests().size(), 1U);
+}
+
+TEST_F(AIServiceTest, LeaveIsAskedForWhatIsReallySent) {
+    std::vector<RequestContents> asked;
+    bool mayDraw = false;
+    assistant.permit = [&](RequestContents contents) -> async::Task<void> {
+        EXPECT_EQ(http.requests().size(), asked.size()) << "before anything is sent";
+        asked.push_back(contents);
+        if (asked.size() > 1 && contents == RequestContents::Text && !mayDraw)
+            throw async::CancellationError();
+        co_return;
+    };
+    service.configuration.ollamaEnabled = true;
+    service.configuration.ollamaMode = OllamaMode::local;
+    service.configuration.ollamaLocalModel = u"llava"_s;
+    scenes::SceneConfig scene{.id = QUuid::createUuid(),
+                              .name = u"Bank"_s,
+                              .isEnabled = true,
+                              .priority = 1,
+                              .appBundleIDs = {u"org.bank"_s},
+                              .windowTitleKeywords = {},
+                              .domainPatterns = {},
+                              .outputContract = {},
+                              .allowScreenshot = false,
+                              .allowShare = false};
+    router.updateScenes({scene});
+    capture::CapturedContext context;
+    context.appBundleID = u"org.bank"_s;
+    context.screenshotData = QByteArray("\xff\xd8");
+    http.answer(200, chatReply(u"ok"_s));
+    EXPECT_EQ(ask({.input = u"answer"_s, .context = context}).text, u"ok"_s);
+    EXPECT_EQ(asked, std::vector{RequestContents::Text}) << "the scene keeps the picture, so it goes to the chain";
+    EXPECT_FALSE(http.requests()[0].body.contains("image_url"));
+
+    scene.allowScreenshot = true;
+    router.updateScenes({scene});
+    http.answer(200, R"({"message":{"content":"{\"action\": \"dalle\", \"prompt\": \"a secret\"}"}})");
+    EXPECT_THROW(ask({.input = u"answer"_s, .context = context}), async::CancellationError);
+    using enum RequestContents;
+    EXPECT_EQ(asked, (std::vector{Text, Picture, Text})) << "what the picture made the model say is not drawn unasked";
+    EXPECT_EQ(http.requests().size(), 2U);
+}
+
 TEST_F(AIServiceTest, TheSceneAndTheContextGoAlong) {
     router.updateScenes({{.id = QUuid::createUuid(),
                           .name = u"Mail"_s,

@@ -60,6 +60,13 @@ TEST_F(TextChainTest, AnImageGoesToTheVisionModelsFirstAndIsThenLeftOut) {
     http.answer(500, "no");
     http.answer(200, chatReply(u"blind"_s));
     EXPECT_EQ(generate(jpeg), u"blind"_s);
+    const auto before = http.requests().size();
+    http.answer(401, "who are you");
+    http.answer(500, "no");
+    http.answer(200, chatReply(u"blind"_s));
+    EXPECT_EQ(generate(jpeg), u"blind"_s);
+    EXPECT_EQ(askedModels().sliced(static_cast<qsizetype>(before)), (QStringList{nemotron, u"openai"_s, u"openai"_s}))
+        << "who refused is not asked again";
 }
 
 TEST_F(TextChainTest, AServerOnThisMachineIsTheOnlyOneAskedUnlessTheUserSaysOtherwise) {
@@ -74,8 +81,13 @@ TEST_F(TextChainTest, AServerOnThisMachineIsTheOnlyOneAskedUnlessTheUserSaysOthe
     http.answer(500, "cannot see");
     http.answer(200, chatReply(u"blind"_s));
     EXPECT_EQ(generate(jpeg), u"blind"_s) << "it may be a model for texts only";
-    http.answer(503, "off");
-    EXPECT_TRUE(generateError().contains("off"_L1)) << "its own reason";
+    for (const auto& [image, asked] :
+         {std::pair(std::optional<QByteArray>(), 503), std::pair(std::optional(jpeg), 404)}) {
+        const auto before = http.requests().size();
+        http.answer(asked, "off");
+        EXPECT_TRUE(generateError(image).contains("off"_L1)) << "its own reason";
+        EXPECT_EQ(http.requests().size(), before + 1);
+    }
     http.answer(500, "no");
     http.answer(500, "no");
     EXPECT_EQ(runTask(loop, enhanceImagePrompt(service, u"a cat"_s, PromptSafety::Demanded)).isEmpty(), false);

@@ -71,6 +71,12 @@ TEST_F(CloneServiceTest, TheWalkGoesOnUntilAReplyHoldsAProfile) {
         http.fail(HttpCode::Transport, u"no route"_s);
     http.answer(200, chatReply(u"I would rather not."_s));
     EXPECT_EQ(failure([&] { learnText(samples); }), u"Invalid response from server."_s) << "the last model's error";
+    service.configuration.pollinationsCustomEnabled = true;
+    service.configuration.pollinationsVisionModelOverride = u"mine"_s;
+    http.answer(200, chatReply(good));
+    learnText(samples);
+    EXPECT_EQ(askedModels().last(), u"mine"_s) << "the user's own goes first";
+    service.configuration.pollinationsCustomEnabled = false;
     service.configuration.textModels.clear();
     EXPECT_EQ(failure([&] { learnText(samples); }), u"Invalid response from server."_s);
 }

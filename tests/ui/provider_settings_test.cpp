@@ -74,6 +74,7 @@ TEST_F(ProviderSettingsTest, AServerOnThisMachineIsFoundAndTakenWithOneClick) {
     desktop.httpSession.otherwise = [&](const platform::HttpRequest& request) {
         asked.append(request.url.toString());
         EXPECT_EQ(request.resourceTimeout, std::chrono::milliseconds(300));
+        EXPECT_TRUE(request.staysAtOrigin);
         const auto url = request.url.toString();
         platform::HttpResponse response{.status = 200};
         if (url == "http://127.0.0.1:11434/v1/models"_L1)
@@ -102,6 +103,7 @@ TEST_F(ProviderSettingsTest, AServerOnThisMachineIsFoundAndTakenWithOneClick) {
 
     page.found()->take(u"http://127.0.0.1:11434"_s, u"index"_s);
     EXPECT_TRUE(page.found()->isNothingChosen()) << "it is not on offer";
+    page.setStaysWithGateway(false);  // of another server
     page.found()->take(u"http://127.0.0.1:11434"_s, u"writer"_s);
     EXPECT_EQ(service.configuration.pollinationsBaseURL(), u"http://127.0.0.1:11434"_s);
     EXPECT_TRUE(service.configuration.asksGatewayOnly());
@@ -132,6 +134,15 @@ TEST_F(ProviderSettingsTest, ATrialTellsTheAnswerOrTheReasonAndIsForgottenWithTh
     desktop.loop.runUntilIdle();
     EXPECT_TRUE(trial.hasFailed());
     EXPECT_TRUE(trial.outcome().contains(u"Nobody is there."_s)) << qPrintable(trial.outcome());
+    page.setEnableOllamaVision(true);
+    page.setOllamaMode(u"local"_s);
+    page.setOllamaLocalModel(u"llava"_s);
+    desktop.httpSession.answer(200, R"({"message":{"content":"ready"}})");
+    trial.start();
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(trial.outcome(), u"ready"_s) << "of the one that is chosen, though it is asked about pictures alone";
+    EXPECT_EQ(desktop.httpSession.requests().back().url.path(), u"/api/chat"_s);
+    page.setEnableCustomPollinations(true);
     page.setPollinationsVisionModel(u"other"_s);
     EXPECT_FALSE(trial.hasFailed());
     EXPECT_EQ(trial.outcome(), QString());

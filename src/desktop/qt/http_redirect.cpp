@@ -48,7 +48,7 @@ std::expected<platform::HttpRequest, platform::HttpError> redirected(const platf
         return refuse(u"The server redirected to an address without encryption."_s);
     if (platform::webOrigin(request.url) == platform::webOrigin(target))
         return next;
-    if (!next.body.isEmpty())
+    if (!next.body.isEmpty() || next.staysAtOrigin)
         return refuse(
             u"The server redirected to another one, %1. The request was not sent there."_s.arg(target.host()));
     std::erase_if(next.headers, [](const auto& header) { return named(header, "Authorization"); });

@@ -13,7 +13,8 @@ inline constexpr int mostRedirects = 10;
 bool isRedirect(int status);
 
 /// The request that follows a redirect. The Authorization header stays only while scheme, host and port stay, and a
-/// body goes nowhere else: that is an error, like a way from https to http with a key, and an address that is not HTTP.
+/// body or what stays at its origin goes nowhere else: that is an error, like a way from https to http with a key, and
+/// an address that is not HTTP.
 std::expected<platform::HttpRequest, platform::HttpError> redirected(const platform::HttpRequest& request, int status,
                                                                      const QByteArray& location);
 

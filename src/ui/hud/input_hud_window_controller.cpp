@@ -35,8 +35,7 @@ InputHUDWindowController::InputHUDWindowController(Desktop desktop,
 void InputHUDWindowController::react(const InputState& state) {
     resize(state);
     model_.show(state, stateMachine_->activeTrigger(), desktop_.language());
-    patience_ =
-        state == Case::processing ? desktop_.mainLoop.after(patience, [this] { sayWhoIsWaitedFor(); }) : async::Timer();
+    bePatient();
     switch (state.value) {
         case Case::idle:
             if (window_)
@@ -111,22 +110,23 @@ void InputHUDWindowController::ask(const std::optional<HUDQuestion>& question) {
     model_.setQuestion(question);
     const auto state = stateMachine_->currentState();
     resize(state);
+    bePatient();  // while the user reads nobody has been asked yet
     if (question && (!window_ || !window_->isVisible()))
         placeAndShow(state);
 }
 
 void InputHUDWindowController::scheduleReturnToIdle(std::chrono::milliseconds delay) {
-    const auto number = nextReturn_++;
-    returns_[number] = desktop_.mainLoop.after(delay, [this, number] {
-        returns_.erase(number);
-        stateMachine_->returnToIdle();
-    });
+    return_ = desktop_.mainLoop.after(delay, [this] { stateMachine_->returnToIdle(); });
+}
+
+void InputHUDWindowController::bePatient() {
+    const bool isServiceWaitedFor = stateMachine_->currentState() == Case::processing && !model_.isAsking();
+    patience_ =
+        isServiceWaitedFor ? desktop_.mainLoop.after(patience, [this] { sayWhoIsWaitedFor(); }) : async::Timer();
 }
 
 void InputHUDWindowController::sayWhoIsWaitedFor() {
     model_.setWaitingFor(desktop_.serviceName());
-    if (model_.isAsking())
-        return;
     contentSize_ = hudWaitingSize(stateMachine_->currentState(), stateMachine_->activeTrigger());
     if (!window_)
         return;

@@ -3,7 +3,6 @@
 #include <QProperty>
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 
 #include "async/lifetime.h"
@@ -45,6 +44,7 @@ class InputHUDWindowController {
     std::optional<platform::Screen> screenOf(const std::optional<QRectF>& caret);
     QRectF upward(const QRectF& rectangle);
     void scheduleReturnToIdle(std::chrono::milliseconds delay);
+    void bePatient();
     void sayWhoIsWaitedFor();
 
     Desktop desktop_;
@@ -56,8 +56,7 @@ class InputHUDWindowController {
     std::optional<QRectF> caret_;  ///< beside which the panel stands; y counts upward
     std::optional<platform::Screen> screen_;
     std::optional<QString> reason_;
-    std::map<quint64, async::Timer> returns_;  ///< one for each end of an input that is still in sight
-    quint64 nextReturn_ = 0;
+    async::Timer return_;  ///< of the last input that ended
     async::Timer patience_;
     QPropertyNotifier stateSubscription_;
     QPropertyNotifier transcriptSubscription_;

@@ -34,8 +34,9 @@ auto onNativePath(const QString& path, Operation operation) {
     using Described = std::expected<Value, FileError>;
     if (!result) {
         const int code = static_cast<int>(result.error());
-        const auto reason = code == EMLINK ? QStringLiteral("The file has a second name (a hard link)")
-                                           : QString::fromLocal8Bit(std::generic_category().message(code));
+        const auto reason = code == EMLINK            ? QStringLiteral("The file has a second name (a hard link)")
+                            : code == ENOTRECOVERABLE ? QStringLiteral("It could not be read, and is not replaced")
+                                                      : QString::fromLocal8Bit(std::generic_category().message(code));
         return Described(std::unexpect, path + QStringLiteral(": ") + reason);
     }
     if constexpr (std::is_void_v<Value>)
@@ -109,11 +110,29 @@ bool PosixFileSystem::exists(const QString& path) const {
 }
 
 std::expected<QByteArray, FileError> PosixFileSystem::read(const QString& path) const {
-    return onNativePath(path, readRegularFile);
+    return onNativePath(path, [this](const QByteArray& native) {
+        auto content = readRegularFile(native);
+        const bool isUnread = !content && content.error() != PosixError(ENOENT);
+        const std::scoped_lock lock(mutex_);
+        if (isUnread)
+            unread_.insert(native);
+        else
+            unread_.erase(native);
+        return content;
+    });
+}
+
+bool PosixFileSystem::wasNotRead(const QByteArray& path) const {
+    const std::scoped_lock lock(mutex_);
+    return unread_.contains(path);
 }
 
 std::expected<void, FileError> PosixFileSystem::write(const QString& path, const QByteArray& content) {
-    return onNativePath(path, [&](const QByteArray& native) { return writeTo(native, content); });
+    return onNativePath(path, [&](const QByteArray& native) -> std::expected<void, PosixError> {
+        if (wasNotRead(native) && ::access(native.constData(), F_OK) == 0)
+            return failure(ENOTRECOVERABLE);
+        return writeTo(native, content);
+    });
 }
 
 std::expected<void, FileError> PosixFileSystem::createDirectory(const QString& path) {
