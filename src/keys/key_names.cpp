@@ -52,9 +52,9 @@ constexpr std::array<NamedModifier, 4> symbols{{
 
 constexpr std::array<NamedModifier, 4> words{{
     {controlFlag, u"Ctrl"},
-    {commandFlag, u"Super"},
     {shiftFlag, u"Shift"},
     {optionFlag, u"Alt"},
+    {commandFlag, u"Super"},
 }};
 
 const NamedKey* named(VirtualKey keyCode) {

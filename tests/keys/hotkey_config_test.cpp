@@ -18,7 +18,7 @@ TEST(HotkeyConfig, IsShownBySymbolsAndToldInWords) {
         {0, noModifiers, ZeroKey::None, "Not Set", "Not Set"},
         {0, noModifiers, ZeroKey::A, "A", "A"},
         {0, controlFlag | optionFlag, ZeroKey::None, "⌃⌥", "Ctrl+Alt"},
-        {0, defaults::shiftOptionCommand, ZeroKey::A, "⌥⇧⌘A", "Super+Shift+Alt+A"},
+        {0, defaults::shiftOptionCommand, ZeroKey::A, "⌥⇧⌘A", "Shift+Alt+Super+A"},
         {37, controlFlag | optionFlag, ZeroKey::None, "⌃⌥L", "Ctrl+Alt+L"},
         {keySpace, controlFlag | Modifiers{0x1}, ZeroKey::None, "⌃Space", "Ctrl+Space"},
         {keyReturn, commandFlag, ZeroKey::A, "⌘↩", "Super+Return"},

@@ -21,6 +21,7 @@ async::Task<void> OllamaCloudModels::fetch() {
         cloudModels_ = co_await service_.fetchOllamaCloudModels();
     } catch (const std::exception& error) {
         cloudModelsError_ = text::localizedDescription(error);
+        hasRequestedCloudModels_ = false;
     }
     isLoadingCloudModels_ = false;
     Q_EMIT changed();

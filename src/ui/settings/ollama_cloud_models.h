@@ -24,7 +24,7 @@ class OllamaCloudModels : public QObject {
     bool isLoading() const { return isLoadingCloudModels_; }
     QString error() const { return cloudModelsError_.value_or(QString()); }  ///< empty when there is none
 
-    /// Lists once in this object's life: what the controls call when they come on screen.
+    /// Lists unless that has succeeded before: what the controls call when they come on screen.
     Q_INVOKABLE void load();
 
     /// Lists again, unless a listing is under way.
