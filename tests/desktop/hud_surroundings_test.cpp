@@ -5,6 +5,7 @@
 #include "desktop/qt/qt_application.h"
 #include "desktop/qt/qt_status_item.h"
 #include "support/qt_gtest.h"
+#include "ui/floating/floating_input_model.h"
 #include "ui/hud/hotkey_status_hud_window_controller.h"
 #include "ui/hud/input_hud_model.h"
 
@@ -43,6 +44,29 @@ TEST_F(HUDSurroundingsTest, AnOverlayStandsOnEveryWorkspaceAndAboveAFullScreenWi
     EXPECT_TRUE(runQtUntil([this] { return !isWhite({20, 20}); }));
     EXPECT_TRUE(runQtUntil([this] { return screenshot({onPanel, QSize(1, 1)}) != screenshot({20, 20, 1, 1}); }));
     EXPECT_TRUE(panel->isVisible());
+}
+
+TEST_F(HUDSurroundingsTest, APromptBoxGoesFromWorkspaceToWorkspaceAndHasNoPlaceInATaskBar) {
+    FloatingInputModel prompt;
+    const auto box = panels.create(
+        {platform::PanelKind::PromptBox, {420, 74}, QStringLiteral("floating/FloatingInputView"), &prompt});
+    box->setFrameOrigin({400, 400});
+    for (const auto* workspace : {"1", "0"}) {  // each showing wishes anew
+        box->makeKeyAndOrderFront();
+        ASSERT_TRUE(runQtUntil([this] { return !isWhite(onPanel); })) << "nothing is to be seen";
+        xdotool({QStringLiteral("set_desktop"), QString::fromLatin1(workspace)});
+        const QString window = QString::number(shownView()->winId());
+        QProcess told;
+        told.start(QStringLiteral("xprop"),
+                   {QStringLiteral("-id"), window, QStringLiteral("_NET_WM_DESKTOP"), QStringLiteral("_NET_WM_STATE")});
+        EXPECT_TRUE(runQtUntil([&] { return told.state() == QProcess::NotRunning; }));
+        const auto properties = told.readAllStandardOutput();
+        EXPECT_TRUE(properties.contains("SKIP_TASKBAR")) << properties.toStdString();
+        EXPECT_TRUE(properties.contains("4294967295")) << properties.toStdString();
+        EXPECT_TRUE(runQtUntil([this] { return screenshot({onPanel, QSize(1, 1)}) != screenshot({20, 20, 1, 1}); }));
+        box->orderOut();
+        EXPECT_TRUE(runQtUntil([this] { return screenshot({onPanel, QSize(1, 1)}) == screenshot({20, 20, 1, 1}); }));
+    }
 }
 
 TEST_F(HUDSurroundingsTest, ACompositorThatStartsOrEndsChangesTheShapeOfWhatIsShown) {

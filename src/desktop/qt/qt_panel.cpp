@@ -8,6 +8,7 @@
 
 #include "desktop/qt/qt_screens.h"
 #include "desktop/qt/qt_view_engine.h"
+#include "desktop/qt/qt_window_hints.h"
 
 namespace tavrelon::desktop {
 
@@ -132,6 +133,8 @@ void QtPanel::orderOut() {
 }
 
 void QtPanel::makeKeyAndOrderFront() {
+    if (!view_.isVisible())
+        wishForEveryWorkspace(view_);
     orderFront();
     view_.requestActivate();
     focusCheck_ = tools_.loop.after(focusPatience, [this] { insistOnFocus(); });
