@@ -16,6 +16,6 @@ TitledHUD {
         to: Theme.faded(Theme.cyan, 0.85)
         glowColor: Theme.blue
         symbol: "bubble.left.and.bubble.right.fill"
-        duration: 1100
+        glow: face.beat.swing(1100)
     }
 }

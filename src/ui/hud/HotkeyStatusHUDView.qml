@@ -53,17 +53,14 @@ Item {
         anchors.margins: glass.margin + 1
         clip: true
 
-        Rectangle {
-            x: icon.x + icon.width / 2 - width / 2 - parent.x + row.x
-            anchors.verticalCenter: parent.verticalCenter
-            width: 120
-            height: 120
-            radius: 60
-            color: "transparent"
-            border.width: 2
-            border.color: view.accent
+        Disc {
+            x: row.x + icon.x + icon.width / 2 - diameter / 2 - parent.x
+            y: row.y + icon.y + icon.height / 2 - diameter / 2 - parent.y
+            diameter: 120
+            lineWidth: 2
+            outline: view.accent
             scale: 0.85 + 0.3 * view.pulse
-            opacity: 0.35 * (1 - view.glow)
+            opacity: 0.6 - 0.4 * view.pulse - 0.2 * view.glow
         }
     }
 
@@ -72,15 +69,13 @@ Item {
         anchors.centerIn: parent
         spacing: 12
 
-        Rectangle {
+        Disc {
             id: icon
-            width: 28
-            height: 28
-            radius: 14
             anchors.verticalCenter: parent.verticalCenter
+            diameter: 28
             color: Theme.faded(view.accent, 0.18)
-            border.width: 1
-            border.color: view.accent
+            lineWidth: 1
+            outline: view.accent
 
             Symbol {
                 anchors.centerIn: parent

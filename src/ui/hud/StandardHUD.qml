@@ -12,6 +12,7 @@ Item {
 
     anchors.fill: parent
 
+    Beat { id: beat; running: face.hud.isPulsing }
     Glass {
         id: glass
         outline: Theme.faded(face.tint, 0.35)
@@ -26,35 +27,16 @@ Item {
             height: 32
             anchors.verticalCenter: parent.verticalCenter
 
-            Rectangle {
-                id: circle
-                anchors.fill: parent
-                radius: 16
+            Disc {
+                diameter: 32
                 color: Theme.faded(face.tint, 0.2)
-
-                SequentialAnimation on scale {
-                    running: face.hud.isPulsing
-                    loops: Animation.Infinite
-                    onRunningChanged: if (!running) circle.scale = 1
-                    NumberAnimation { from: 1; to: 1.14; duration: 1000; easing.type: Easing.InOutQuad }
-                    NumberAnimation { from: 1.14; to: 1; duration: 1000; easing.type: Easing.InOutQuad }
-                }
+                scale: face.hud.isPulsing ? 1 + 0.14 * beat.swing(1000) : 1
             }
-
             Symbol {
-                id: icon
                 anchors.centerIn: parent
                 name: face.hud.symbol
                 color: face.tint
-
-                RotationAnimation on rotation {
-                    running: face.hud.isRotating
-                    loops: Animation.Infinite
-                    from: 0
-                    to: 360
-                    duration: 1000
-                    onRunningChanged: if (!running) icon.rotation = 0
-                }
+                rotation: face.hud.isRotating ? beat.turn(1000) : 0
             }
         }
 

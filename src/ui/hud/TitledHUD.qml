@@ -9,11 +9,13 @@ Item {
     property string title
     property string subtitle
     default property alias badge: place.data
+    readonly property alias beat: beat
     readonly property rect maskRect: glass.maskRect
     readonly property real maskRadius: glass.radius
 
     anchors.fill: parent
 
+    Beat { id: beat }
     Glass {
         id: glass
         outline: Theme.faded(face.tint, 0.35)
@@ -21,13 +23,13 @@ Item {
 
     Item {
         id: place
-        anchors { left: parent.left; leftMargin: 22; verticalCenter: parent.verticalCenter }
+        anchors { left: parent.left; leftMargin: glass.margin + 12; verticalCenter: parent.verticalCenter }
         width: 34
         height: 34
     }
 
     Column {
-        anchors { left: place.right; leftMargin: 14; right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
+        anchors { left: place.right; leftMargin: 14; right: parent.right; rightMargin: glass.margin + 12; verticalCenter: parent.verticalCenter }
         spacing: 3
 
         Text {

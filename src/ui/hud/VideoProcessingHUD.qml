@@ -16,6 +16,6 @@ TitledHUD {
         to: Theme.faded(Theme.blue, 0.8)
         glowColor: Theme.purple
         symbol: "film.fill"
-        duration: 1000
+        glow: face.beat.swing(1000)
     }
 }

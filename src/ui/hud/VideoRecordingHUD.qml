@@ -11,25 +11,15 @@ TitledHUD {
     title: face.hud.isEnglish ? "Video Capture" : "视频录制"
     subtitle: face.hud.isEnglish ? "Recording..." : "正在录制…"
 
-    Rectangle {
-        id: circle
+    Disc {
         anchors.centerIn: parent
-        width: 32
-        height: 32
-        radius: 16
+        diameter: 32
         color: Theme.faded(Theme.red, 0.18)
-
-        SequentialAnimation on scale {
-            loops: Animation.Infinite
-            NumberAnimation { from: 0.9; to: 1.12; duration: 900; easing.type: Easing.InOutQuad }
-            NumberAnimation { from: 1.12; to: 0.9; duration: 900; easing.type: Easing.InOutQuad }
-        }
+        scale: 0.9 + 0.22 * face.beat.swing(900)
     }
-    Rectangle {
+    Disc {
         anchors.centerIn: parent
-        width: 10
-        height: 10
-        radius: 5
+        diameter: 10
         color: Theme.red
     }
 }

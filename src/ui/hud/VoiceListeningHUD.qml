@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Shapes
 import "qrc:/tavrelon/ui/theme"
 
 /// The microphone is open: an orange badge, a waveform, and what has been understood so far.
@@ -11,42 +12,49 @@ Item {
 
     anchors.fill: parent
 
+    Beat { id: beat }
     Glass {
         id: glass
         outline: Theme.faded(Theme.orange, 0.35)
     }
 
     Item {
-        id: badge
-        anchors { left: parent.left; leftMargin: 12; verticalCenter: parent.verticalCenter }
-        width: 48
-        height: 48
+        anchors.fill: parent
+        anchors.margins: glass.margin + 1
+        clip: true  // the halo is as high as the pane
 
         BreathingRing {
-            anchors.centerIn: parent
+            x: badge.x + badge.width / 2 - diameter / 2 - parent.x
+            anchors.verticalCenter: parent.verticalCenter
             diameter: 58
             tint: Theme.orange
             largest: 1.05
             faintest: 0.08
             strongest: 0.25
-            duration: 1100
+            breath: beat.swing(1100)
         }
+    }
+    Item {
+        id: badge
+        anchors { left: parent.left; leftMargin: glass.margin + 12; verticalCenter: parent.verticalCenter }
+        width: 48
+        height: 48
+
         Ring {
             anchors.centerIn: parent
             diameter: 48
             lineWidth: 1.2
             color: Theme.orange
             peak: 0.75
-            RotationAnimation on rotation { from: 0; to: 360; duration: 2200; loops: Animation.Infinite }
+            rotation: beat.turn(2200)
         }
-        Rectangle {
+        Disc {
             anchors.centerIn: parent
-            width: 36
-            height: 36
-            radius: 18
-            border.width: 0.8
-            border.color: Theme.faded(Theme.orange, 0.45)
-            gradient: Gradient {
+            diameter: 36
+            lineWidth: 0.8
+            outline: Theme.faded(Theme.orange, 0.45)
+            gradient: LinearGradient {
+                x1: 0; y1: 0; x2: 0; y2: 36
                 GradientStop { position: 0; color: Theme.faded(Theme.orange, 0.42) }
                 GradientStop { position: 1; color: Theme.faded(Theme.orange, 0.12) }
             }
@@ -60,10 +68,11 @@ Item {
     }
 
     Column {
-        anchors { left: badge.right; leftMargin: 12; right: parent.right; rightMargin: 16; verticalCenter: parent.verticalCenter }
+        anchors { left: badge.right; leftMargin: 14; right: parent.right; rightMargin: glass.margin + 12; verticalCenter: parent.verticalCenter }
         spacing: 5
 
         VoiceWaveformView {
+            beat: beat
             tint: Theme.orange
         }
         Text {

@@ -1,27 +1,19 @@
 import QtQuick
+import QtQuick.Shapes
 
 /// Five bars that rise and fall one after the other.
-Item {
+Shape {
     id: waveform
 
+    required property QtObject beat
     property color tint
 
-    width: 22
+    width: 27
     height: 16
 
-    Row {
-        anchors.horizontalCenter: parent.horizontalCenter
-        height: parent.height
-        spacing: 3
-
-        Repeater {
-            model: 5
-            WaveBar {
-                required property int index
-                anchors.verticalCenter: parent.verticalCenter
-                tint: waveform.tint
-                delay: index * 80
-            }
-        }
-    }
+    WaveBar { beat: waveform.beat; tint: waveform.tint; place: 0 }
+    WaveBar { beat: waveform.beat; tint: waveform.tint; place: 1 }
+    WaveBar { beat: waveform.beat; tint: waveform.tint; place: 2 }
+    WaveBar { beat: waveform.beat; tint: waveform.tint; place: 3 }
+    WaveBar { beat: waveform.beat; tint: waveform.tint; place: 4 }
 }

@@ -1,26 +1,24 @@
 import QtQuick
+import QtQuick.Shapes
 import "qrc:/tavrelon/ui/theme"
 
-/// One bar of the waveform.
-Rectangle {
+/// One bar of the waveform, a capsule.
+ShapePath {
     id: bar
 
+    required property QtObject beat
+    required property int place        ///< counted from the left
     property color tint
-    property int delay
-    property real grown: 6
 
-    width: 3
-    height: Math.round(grown * 2) / 2  // finer steps cost drawing that nobody sees
-    radius: 1.5
-    color: Theme.faded(tint, 0.9)
+    readonly property real thickness: 3
+    readonly property real gap: 3
+    readonly property real reach: (6 + 10 * beat.swing(550, place * 80) - thickness) / 2
 
-    SequentialAnimation {
-        running: true
-        PauseAnimation { duration: bar.delay }
-        SequentialAnimation {
-            loops: Animation.Infinite
-            NumberAnimation { target: bar; property: "grown"; from: 6; to: 16; duration: 550; easing.type: Easing.InOutQuad }
-            NumberAnimation { target: bar; property: "grown"; from: 16; to: 6; duration: 550; easing.type: Easing.InOutQuad }
-        }
-    }
+    strokeWidth: thickness
+    strokeColor: Theme.faded(tint, 0.9)
+    fillColor: "transparent"
+    capStyle: ShapePath.RoundCap
+    startX: thickness / 2 + place * (thickness + gap)
+    startY: 8 - reach
+    PathLine { relativeX: 0; relativeY: 2 * bar.reach }
 }

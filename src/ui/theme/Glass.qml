@@ -16,23 +16,37 @@ Item {
     /// The part of the window that is the pane, for its shape.
     readonly property rect maskRect: Qt.rect(margin, margin, width - 2 * margin, height - 2 * margin)
     readonly property real paneOpacity: surroundings.composited ? Theme.glassOpacity : 1
+    readonly property real corner: Math.min(radius, height / 2 - margin)
+
+    /// The path of a pane that is so much smaller than this item all around.
+    function outlinePath(inset, corner) {
+        const w = width - 2 * inset - 2 * corner;
+        const h = height - 2 * inset - 2 * corner;
+        const turn = (x, y) => `a${corner},${corner} 0 0 1 ${x},${y}`;
+        return `M${inset + corner},${inset}h${w}${turn(corner, corner)}v${h}${turn(-corner, corner)}`
+            + `h${-w}${turn(-corner, -corner)}v${-h}${turn(corner, -corner)}z`;
+    }
 
     anchors.fill: parent
 
     Repeater {
         model: surroundings.composited ? Math.ceil(glass.shadowRadius) : 0
 
-        Rectangle {
-            required property int index
-            readonly property real spread: index + 1
+        Shape {
+            id: shade
 
-            anchors.fill: pane
-            anchors.margins: -spread
-            radius: glass.radius + spread
-            color: "transparent"
-            border.width: 1
-            border.color: Theme.faded(glass.shadowColor,
-                                      glass.shadowOpacity * 1.6 * Math.pow(1 - index / glass.shadowRadius, 1.6))
+            required property int index
+            readonly property real spread: index + 0.5
+
+            anchors.fill: parent
+
+            ShapePath {
+                strokeWidth: 1
+                strokeColor: Theme.faded(glass.shadowColor, glass.shadowOpacity * 1.6
+                                         * Math.pow(1 - shade.index / glass.shadowRadius, 1.6))
+                fillColor: "transparent"
+                PathSvg { path: glass.outlinePath(glass.margin - shade.spread, glass.corner + shade.spread) }
+            }
         }
     }
 
@@ -48,35 +62,26 @@ Item {
         id: pane
 
         readonly property real edge: 0.5  // half of the outline
-        readonly property real corner: Math.min(glass.radius, height / 2) - edge
 
         anchors.fill: parent
-        anchors.margins: glass.margin
 
         ShapePath {
             strokeWidth: 1
             strokeColor: glass.outline
             fillGradient: LinearGradient {
-                x1: 0; y1: 0; x2: 0; y2: pane.height
+                x1: 0; y1: glass.margin; x2: 0; y2: pane.height - glass.margin
                 GradientStop { position: 0; color: Theme.faded(Theme.glassTop, glass.paneOpacity) }
                 GradientStop { position: 1; color: Theme.faded(Theme.glassBottom, glass.paneOpacity) }
             }
-            startX: pane.edge + pane.corner
-            startY: pane.edge
-            PathLine { relativeX: pane.width - 2 * (pane.edge + pane.corner); relativeY: 0 }
-            PathArc { relativeX: pane.corner; relativeY: pane.corner; radiusX: pane.corner; radiusY: pane.corner }
-            PathLine { relativeX: 0; relativeY: pane.height - 2 * (pane.edge + pane.corner) }
-            PathArc { relativeX: -pane.corner; relativeY: pane.corner; radiusX: pane.corner; radiusY: pane.corner }
-            PathLine { relativeX: -(pane.width - 2 * (pane.edge + pane.corner)); relativeY: 0 }
-            PathArc { relativeX: -pane.corner; relativeY: -pane.corner; radiusX: pane.corner; radiusY: pane.corner }
-            PathLine { relativeX: 0; relativeY: -(pane.height - 2 * (pane.edge + pane.corner)) }
-            PathArc { relativeX: pane.corner; relativeY: -pane.corner; radiusX: pane.corner; radiusY: pane.corner }
+            PathSvg { path: glass.outlinePath(glass.margin + pane.edge, glass.corner - pane.edge) }
         }
     }
 
     // The light that falls on the upper edge.
     Rectangle {
-        anchors { left: pane.left; right: pane.right; top: pane.top; leftMargin: glass.radius; rightMargin: glass.radius; topMargin: 1 }
+        x: glass.margin + glass.radius
+        y: glass.margin + 1
+        width: glass.width - 2 * x
         height: 1
         gradient: Gradient {
             orientation: Gradient.Horizontal
