@@ -1,4 +1,4 @@
-// gallery FOLDER: writes a picture of everything that the program shows.
+// gallery FOLDER [overlays|dashboard|tray]: writes a picture of everything that the program shows, or of that part.
 #include "gallery/gallery.h"
 
 #include <QApplication>
@@ -9,8 +9,12 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     const QDir folder(QString::fromLocal8Bit(argc > 1 ? argv[1] : "."));
     folder.mkpath(QStringLiteral("."));
-    tavrelon::testing::pictureOverlays(folder);
-    tavrelon::testing::pictureDashboard(folder);
-    tavrelon::testing::pictureTray(folder);
+    const auto part = QString::fromLocal8Bit(argc > 2 ? argv[2] : "");
+    if (part.isEmpty() || part == QLatin1StringView("overlays"))
+        tavrelon::testing::pictureOverlays(folder);
+    if (part.isEmpty() || part == QLatin1StringView("dashboard"))
+        tavrelon::testing::pictureDashboard(folder);
+    if (part.isEmpty() || part == QLatin1StringView("tray"))
+        tavrelon::testing::pictureTray(folder);
     return 0;
 }

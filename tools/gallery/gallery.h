@@ -4,8 +4,8 @@
 
 namespace tavrelon::testing {
 
-/// Shows every face, the prompt box and the status HUD on the running desktop, over a light and a dark page, and writes
-/// a picture of each.
+/// Shows every face, the prompt box and the status HUD on the running desktop, over a light and a dark page, in both
+/// languages, and writes a picture of each: as they are without a compositor and, as <name>-composited.png, with one.
 void pictureOverlays(const QDir& folder);
 
 /// Opens every page of the dashboard in both languages, as it is at first and as it is with something in it, and writes

@@ -1,5 +1,6 @@
 #include <QGuiApplication>
 #include <QPainter>
+#include <QProcess>
 #include <QScreen>
 #include <QWidget>
 
@@ -44,9 +45,12 @@ class Page : public QWidget {
 
 class Gallery {
  public:
-    explicit Gallery(QDir folder) : folder_(std::move(folder)) {
+    Gallery(QDir folder, bool composited)
+        : folder_(std::move(folder)), suffix_(composited ? QStringLiteral("-composited") : QString()) {
         page_.setGeometry(QGuiApplication::primaryScreen()->geometry());
         page_.show();
+        if (!eventually([&] { return x11_->isComposited() == composited; }, 15s))
+            throw std::runtime_error("the compositor does not start");
         letPass(300ms);
     }
 
@@ -68,7 +72,7 @@ class Gallery {
             append(both, grab(origin, panel->frameSize()));
             panel->orderOut();
         }
-        both.save(folder_.filePath(name + QStringLiteral(".png")));
+        both.save(folder_.filePath(name + suffix_ + QStringLiteral(".png")));
     }
 
  private:
@@ -99,6 +103,7 @@ class Gallery {
     }
 
     QDir folder_;
+    QString suffix_;
     Page page_;
     desktop::QtMainLoop loop_;
     desktop::StandardOutputLog log_;
@@ -108,75 +113,106 @@ class Gallery {
         loop_, log_, {[this] { return x11_->isComposited(); }, [this](quint64 window) { x11_->focus(window); }}};
 };
 
+constexpr std::pair<ui::HUDLanguage, const char*> languages[] = {{ui::HUDLanguage::English, "en"},
+                                                                 {ui::HUDLanguage::Chinese, "zh"}};
+
 void pictureFaces(Gallery& gallery) {
+    const QString heard = QStringLiteral("please write a friendly answer");
+    const QString service = QStringLiteral("gen.pollinations.ai");
     const struct {
         const char* name;
         InputState state;
         InputTrigger trigger;
+        QString transcript;
+        QString waitsFor;
     } faces[] = {
-        {"listening", InputState::Case::listening, InputTrigger::text},
-        {"voice", InputState::Case::listeningVoice, InputTrigger::voice},
-        {"video-recording", InputState::Case::recordingVideo, InputTrigger::video},
-        {"video-processing", InputState::Case::processing, InputTrigger::video},
-        {"auto-reply", InputState::Case::processing, InputTrigger::autoReply},
-        {"processing", InputState::Case::processing, InputTrigger::text},
-        {"completed", InputState::Case::completed, InputTrigger::text},
-        {"error", InputState::error(QStringLiteral("Answer is on the clipboard")), InputTrigger::text},
+        {"listening", InputState::Case::listening, InputTrigger::text, {}, {}},
+        {"voice", InputState::Case::listeningVoice, InputTrigger::voice, heard, {}},
+        {"voice-loading", InputState::Case::listeningVoice, InputTrigger::voice, {}, {}},
+        {"video-recording", InputState::Case::recordingVideo, InputTrigger::video, {}, {}},
+        {"video-processing", InputState::Case::processing, InputTrigger::video, {}, {}},
+        {"auto-reply", InputState::Case::processing, InputTrigger::autoReply, {}, {}},
+        {"auto-reply-waiting", InputState::Case::processing, InputTrigger::autoReply, {}, service},
+        {"processing", InputState::Case::processing, InputTrigger::text, {}, {}},
+        {"processing-waiting", InputState::Case::processing, InputTrigger::text, {}, service},
+        {"completed", InputState::Case::completed, InputTrigger::text, {}, {}},
+        {"error", InputState::error(QStringLiteral("Answer is on the clipboard")), InputTrigger::text, {}, {}},
         {"error-reason",
          InputState::error(QStringLiteral("Generation failed: API error (401): the key for models.example is not known "
                                           "there, or has been taken back by its owner")),
-         InputTrigger::text},
+         InputTrigger::text,
+         {},
+         {}},
     };
-    for (const auto language : {ui::HUDLanguage::English, ui::HUDLanguage::Chinese})
+    for (const auto& [language, suffix] : languages)
         for (const auto& face : faces) {
             ui::InputHUDModel model;
-            model.setTranscript(QStringLiteral("please write a friendly answer"));
             model.show(face.state, face.trigger, language);
-            const auto suffix = language == ui::HUDLanguage::English ? QString() : QStringLiteral("-zh");
-            gallery.picture(QString::fromLatin1(face.name) + suffix, platform::PanelKind::Overlay,
-                            QStringLiteral("hud/InputHUDView"), ui::hudContentSize(face.state, face.trigger), model);
+            model.setTranscript(face.transcript);
+            model.setRecogniserLoading(face.transcript.isEmpty());
+            auto size = ui::hudContentSize(face.state, face.trigger);
+            if (!face.waitsFor.isEmpty()) {
+                model.setWaitingFor(face.waitsFor);
+                size = ui::hudWaitingSize(face.state, face.trigger);
+            }
+            gallery.picture(QStringLiteral("%1-%2").arg(QLatin1StringView(face.name), QLatin1StringView(suffix)),
+                            platform::PanelKind::Overlay, QStringLiteral("hud/InputHUDView"), size, model);
         }
-    for (const auto trigger : {InputTrigger::text, InputTrigger::autoReply}) {
-        ui::InputHUDModel model;
-        model.show(InputState::Case::processing, trigger);
-        model.setWaitingFor(QStringLiteral("gen.pollinations.ai"));
-        gallery.picture(
-            trigger == InputTrigger::text ? QStringLiteral("waiting") : QStringLiteral("waiting-auto-reply"),
-            platform::PanelKind::Overlay, QStringLiteral("hud/InputHUDView"),
-            ui::hudWaitingSize(InputState::Case::processing, trigger), model);
-    }
-    for (const bool isEnglish : {true, false}) {
+}
+
+void pictureQuestion(Gallery& gallery) {
+    for (const auto& [language, suffix] : languages) {
         ui::InputHUDModel model;
         model.show(InputState::Case::processing, InputTrigger::text);
         persistence::AppSettings settings;
-        settings.appLanguage = isEnglish ? QStringLiteral("en") : QStringLiteral("zh");
+        settings.appLanguage = QString::fromLatin1(suffix);
         model.setQuestion(
             app::consentQuestion({{QStringLiteral("integrate.api.nvidia.com"), QStringLiteral("gen.pollinations.ai")},
                                   generation::RequestContents::Picture},
                                  settings));
-        gallery.picture(isEnglish ? QStringLiteral("question-english") : QStringLiteral("question-chinese"),
-                        platform::PanelKind::Overlay, QStringLiteral("hud/InputHUDView"), ui::hudQuestionSize, model);
+        gallery.picture(QStringLiteral("question-") + QLatin1StringView(suffix), platform::PanelKind::Overlay,
+                        QStringLiteral("hud/InputHUDView"), ui::hudQuestionSize, model);
     }
+}
+
+void pictureStatus(Gallery& gallery) {
+    for (const auto& [language, suffix] : languages)
+        for (const bool enabled : {true, false}) {
+            ui::HotkeyStatusHUDModel model;
+            const auto name = enabled ? QStringLiteral("hotkeys-enabled-") : QStringLiteral("hotkeys-disabled-");
+            gallery.picture(name + QLatin1StringView(suffix), platform::PanelKind::StatusOverlay,
+                            QStringLiteral("hud/HotkeyStatusHUDView"), {260, 80}, model,
+                            [&, spoken = language] { model.show(enabled, spoken); });
+        }
+}
+
+void picturePrompt(Gallery& gallery) {
+    for (const auto& [language, suffix] : languages)
+        for (const auto& typed : {QString(), QStringLiteral("写一封简短的感谢信 to the team, in two lines")}) {
+            ui::FloatingInputModel model;
+            model.setIsEnglish(language == ui::HUDLanguage::English);
+            const auto name = typed.isEmpty() ? QStringLiteral("prompt-") : QStringLiteral("prompt-typed-");
+            gallery.picture(name + QLatin1StringView(suffix), platform::PanelKind::PromptBox,
+                            QStringLiteral("floating/FloatingInputView"), {420, 74}, model,
+                            [&] { model.setText(typed); });
+        }
 }
 
 }  // namespace
 
 void pictureOverlays(const QDir& folder) {
-    Gallery gallery(folder);
-    pictureFaces(gallery);
-    for (const bool enabled : {true, false}) {
-        ui::HotkeyStatusHUDModel model;
-        gallery.picture(enabled ? QStringLiteral("hotkeys-enabled") : QStringLiteral("hotkeys-disabled"),
-                        platform::PanelKind::StatusOverlay, QStringLiteral("hud/HotkeyStatusHUDView"), {260, 80}, model,
-                        [&] { model.show(enabled); });
-    }
-    for (const bool english : {true, false}) {
-        ui::FloatingInputModel model;
-        model.setIsEnglish(english);
-        const auto typed = english ? QString() : QStringLiteral("写一封简短的感谢信");
-        gallery.picture(english ? QStringLiteral("prompt-english") : QStringLiteral("prompt-chinese"),
-                        platform::PanelKind::PromptBox, QStringLiteral("floating/FloatingInputView"), {420, 74}, model,
-                        [&] { model.setText(typed); });
+    for (const bool composited : {false, true}) {
+        QProcess compositor;
+        compositor.setStandardErrorFile(QProcess::nullDevice());
+        if (composited)
+            compositor.start(QStringLiteral("picom"), {QStringLiteral("--backend"), QStringLiteral("xrender")});
+        Gallery gallery(folder, composited);
+        pictureFaces(gallery);
+        pictureQuestion(gallery);
+        pictureStatus(gallery);
+        picturePrompt(gallery);
+        compositor.terminate();
+        compositor.waitForFinished(5000);
     }
 }
 
