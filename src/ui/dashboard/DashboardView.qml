@@ -45,22 +45,20 @@ Item {
                     anchors.horizontalCenter: parent.horizontalCenter
                     text: view.texts.name
                     color: Look.primary
-                    font { family: Look.fontFamily; pixelSize: 13; weight: Font.DemiBold }
+                    font { family: Look.fontFamily; pixelSize: Look.bodySize; weight: Font.DemiBold }
                 }
                 Row {
                     anchors.horizontalCenter: parent.horizontalCenter
                     spacing: 5
-                    Rectangle {
+                    Disc {
                         anchors.verticalCenter: parent.verticalCenter
-                        width: 6
-                        height: 6
-                        radius: 3
+                        diameter: 6
                         color: view.model.isActive ? Look.accent : Look.warning
                     }
                     Text {
                         text: view.model.state
                         color: Look.secondary
-                        font { family: Look.fontFamily; pixelSize: 11 }
+                        font { family: Look.fontFamily; pixelSize: Look.smallSize }
                     }
                 }
             }
@@ -128,7 +126,7 @@ Item {
                             anchors.horizontalCenter: parent.horizontalCenter
                             text: view.texts.donate
                             color: Look.secondary
-                            font { family: Look.fontFamily; pixelSize: 11 }
+                            font { family: Look.fontFamily; pixelSize: Look.smallSize }
                         }
                     }
                 }
@@ -144,7 +142,7 @@ Item {
                 anchors { left: parent.left; leftMargin: Look.margin; verticalCenter: parent.verticalCenter }
                 text: view.model.tabs[view.model.selection]?.name ?? ""
                 color: Look.primary
-                font { family: Look.fontFamily; pixelSize: 17; weight: Font.DemiBold }
+                font { family: Look.fontFamily; pixelSize: Look.titleSize; weight: Font.DemiBold }
                 Accessible.role: Accessible.Heading
                 Accessible.name: text
             }

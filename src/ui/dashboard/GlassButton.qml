@@ -39,7 +39,7 @@ PressArea {
             anchors.verticalCenter: parent.verticalCenter
             text: button.text
             color: button.ink
-            font { family: Look.fontFamily; pixelSize: 13; weight: Font.DemiBold }
+            font { family: Look.fontFamily; pixelSize: Look.bodySize; weight: Font.DemiBold }
         }
     }
 }

@@ -9,7 +9,7 @@ Rectangle {
 
     radius: cornerRadius
     border.width: 1
-    border.color: isHighlighted ? Look.faded(Look.accent, 0.5) : Look.white(0.14)
+    border.color: isHighlighted ? Look.faded(Look.accent, 0.5) : Look.white(0.12)
     gradient: Gradient {
         GradientStop { position: 0; color: card.isHighlighted ? "#e61c3c40" : "#e61f293c" }
         GradientStop { position: 1; color: card.isHighlighted ? "#e6162f35" : "#e6172033" }

@@ -8,5 +8,5 @@ Rectangle {
     radius: cornerRadius
     color: Look.faded(Qt.color("black"), isActive ? 0.55 : 0.4)
     border.width: 1
-    border.color: Look.white(isActive ? 0.38 : 0.2)
+    border.color: Look.white(isActive ? 0.38 : 0.28)
 }

@@ -64,7 +64,7 @@ FocusScope {
         selectionColor: Look.faded(Look.blue, 0.7)
         selectedTextColor: "white"
         selectByMouse: true
-        font { family: Look.fontFamily; pixelSize: 13 }
+        font { family: Look.fontFamily; pixelSize: Look.bodySize }
         onTextEdited: field.edited(text)
         onEditingFinished: field.committed(text)
         Accessible.role: Accessible.EditableText

@@ -1,4 +1,5 @@
 import QtQuick
+import "qrc:/tavrelon/ui/theme"
 
 /// The picture of a switch. `PressArea`s that hold it do the switching.
 Rectangle {
@@ -14,12 +15,10 @@ Rectangle {
     border.color: Look.white(0.28)
     Behavior on color { ColorAnimation { duration: Look.quick } }
 
-    Rectangle {
+    Disc {
         x: toggle.isOn ? parent.width - width - 3 : 3
         anchors.verticalCenter: parent.verticalCenter
-        width: 18
-        height: 18
-        radius: 9
+        diameter: 18
         color: "white"
         Behavior on x { NumberAnimation { duration: Look.quick; easing.type: Easing.OutQuad } }
     }

@@ -39,7 +39,7 @@ Column {
                 color: Look.secondary
                 wrapMode: Text.Wrap
                 lineHeight: 1.15
-                font { family: Look.fontFamily; pixelSize: 13 }
+                font { family: Look.fontFamily; pixelSize: Look.bodySize }
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
             }

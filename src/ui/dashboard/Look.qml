@@ -25,6 +25,7 @@ QtObject {
     readonly property int titleSize: 16
     readonly property int bodySize: 14
     readonly property int smallSize: 12
+    readonly property int keySize: 17    ///< of the signs on a key cap, some of which are small in their square
     readonly property int quick: 120     ///< milliseconds of a change of colour
 
     readonly property var installedFamilies: Qt.fontFamilies()

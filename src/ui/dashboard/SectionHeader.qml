@@ -9,14 +9,14 @@ Column {
     property int level: 2              ///< 1 is the page's own
 
     width: parent ? parent.width : implicitWidth
-    spacing: level === 1 ? 6 : 3
+    spacing: 3
 
     Text {
         width: parent.width
         text: header.title
         color: Look.primary
         wrapMode: Text.Wrap
-        font { family: Look.fontFamily; pixelSize: header.level === 1 ? 22 : Look.titleSize; weight: Font.DemiBold }
+        font { family: Look.fontFamily; pixelSize: header.level === 1 ? Look.titleSize : Look.bodySize; weight: Font.DemiBold }
         Accessible.role: Accessible.Heading
         Accessible.name: text
     }
@@ -27,7 +27,7 @@ Column {
         textFormat: Text.PlainText
         color: Look.secondary
         wrapMode: Text.Wrap
-        font { family: Look.fontFamily; pixelSize: header.level === 1 ? Look.bodySize : Look.smallSize }
+        font { family: Look.fontFamily; pixelSize: Look.smallSize }
         Accessible.role: Accessible.StaticText
         Accessible.name: text
     }

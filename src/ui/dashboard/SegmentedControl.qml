@@ -50,7 +50,7 @@ Item {
                     anchors.centerIn: parent
                     text: segment.modelData.label
                     color: segment.isCurrent ? Look.accentInk : Look.secondary
-                    font { family: Look.fontFamily; pixelSize: 13; weight: Font.DemiBold }
+                    font { family: Look.fontFamily; pixelSize: Look.bodySize; weight: Font.DemiBold }
                 }
             }
         }

@@ -12,6 +12,8 @@ PressArea {
     required property string preview
     property bool isSelected: false
 
+    readonly property real padding: 12
+
     height: texts.height + 20
     corner: 11
     name: displayName + ", " + count + ", " + latestTime
@@ -29,7 +31,7 @@ PressArea {
     }
     Column {
         id: texts
-        anchors { left: parent.left; right: parent.right; margins: 12; verticalCenter: parent.verticalCenter }
+        anchors { left: parent.left; right: parent.right; margins: row.padding; verticalCenter: parent.verticalCenter }
         spacing: 3
 
         Item {
@@ -51,7 +53,7 @@ PressArea {
                 anchors { right: parent.right; baseline: title.baseline }
                 text: row.count
                 color: row.isSelected ? Look.accent : Look.secondary
-                font { family: Look.fontFamily; pixelSize: 11 }
+                font { family: Look.fontFamily; pixelSize: Look.smallSize }
             }
         }
         Text {
@@ -69,7 +71,7 @@ PressArea {
             text: row.latestTime
             elide: Text.ElideRight
             color: Look.tertiary
-            font { family: Look.fontFamily; pixelSize: 11 }
+            font { family: Look.fontFamily; pixelSize: Look.smallSize }
         }
     }
 }

@@ -17,7 +17,7 @@ Row {
         anchors.verticalCenter: parent.verticalCenter
         text: turn.time
         color: Look.tertiary
-        font { family: Look.fontFamily; pixelSize: 11 }
+        font { family: Look.fontFamily; pixelSize: Look.smallSize }
     }
     Repeater {
         model: turn.badges
@@ -50,7 +50,7 @@ Row {
                     anchors.verticalCenter: parent.verticalCenter
                     text: badge.modelData.text
                     color: badge.tint
-                    font { family: Look.fontFamily; pixelSize: 11 }
+                    font { family: Look.fontFamily; pixelSize: Look.smallSize }
                 }
             }
         }

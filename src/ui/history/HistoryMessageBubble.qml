@@ -39,7 +39,7 @@ Item {
         rightPadding: 2
         text: bubble.label
         color: Look.secondary
-        font { family: Look.fontFamily; pixelSize: 11; weight: Font.DemiBold }
+        font { family: Look.fontFamily; pixelSize: Look.smallSize; weight: Font.DemiBold }
     }
     Item {
         id: frame
@@ -78,7 +78,7 @@ Item {
                 color: Look.primary
                 selectionColor: Look.faded(Look.azure, 0.7)
                 selectedTextColor: "white"
-                font { family: Look.fontFamily; pixelSize: 13 }
+                font { family: Look.fontFamily; pixelSize: Look.bodySize }
             }
             Image {
                 id: picture

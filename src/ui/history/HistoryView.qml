@@ -11,14 +11,14 @@ Item {
 
     Rectangle {
         id: side
-        width: 236
+        width: 256
         anchors { left: parent.left; top: parent.top; bottom: parent.bottom }
         color: Look.faded(Look.night, 0.6)
         EdgeBorder { edges: Qt.RightEdge }
 
         GlassTextField {
             id: search
-            anchors { left: parent.left; right: parent.right; top: parent.top; margins: 14 }
+            anchors { left: parent.left; right: parent.right; top: parent.top; margins: 16; leftMargin: Look.margin }
             icon: "magnifyingglass"
             name: page.texts.search
             placeholder: page.texts.search
@@ -35,8 +35,8 @@ Item {
             Accessible.role: Accessible.List
             Accessible.name: page.texts.applications
             delegate: HistoryAppRow {
-                x: 10
-                width: list.width - 20
+                x: Look.margin - padding
+                width: list.width - 2 * x
                 isSelected: appId === page.model.selectedAppID
                 onTriggered: page.model.selectedAppID = appId
                 onActiveFocusChanged: if (activeFocus) list.positionViewAtIndex(index, ListView.Contain)
@@ -51,7 +51,7 @@ Item {
         }
         GlassButton {
             id: clear
-            anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: 14 }
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom; margins: 16; leftMargin: Look.margin }
             icon: "trash"
             tint: Look.warning
             text: page.texts.clearAll

@@ -60,7 +60,7 @@ Item {
             lineWidth: 2
             outline: view.accent
             scale: 0.85 + 0.3 * view.pulse
-            opacity: 0.6 - 0.4 * view.pulse - 0.2 * view.glow
+            opacity: 0.4 - 0.28 * view.pulse - 0.12 * view.glow  // the text before it is still read
         }
     }
 

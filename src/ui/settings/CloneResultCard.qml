@@ -18,7 +18,7 @@ GlassCard {
         text: card.emptyText
         color: Look.tertiary
         wrapMode: Text.Wrap
-        font { family: Look.fontFamily; pixelSize: 13 }
+        font { family: Look.fontFamily; pixelSize: Look.bodySize }
         Accessible.role: Accessible.StaticText
         Accessible.name: text
     }

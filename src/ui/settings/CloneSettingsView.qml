@@ -67,7 +67,7 @@ ScrollPage {
                     textFormat: Text.PlainText
                     color: page.model.selectedFileName ? Look.primary : Look.tertiary
                     elide: Text.ElideMiddle
-                    font { family: Look.fontFamily; pixelSize: 13 }
+                    font { family: Look.fontFamily; pixelSize: Look.bodySize }
                     Accessible.role: Accessible.StaticText
                     Accessible.name: text
                 }
@@ -111,7 +111,7 @@ ScrollPage {
         Text {
             visible: page.model.updatedAt
             anchors {
-                left: parent.left; leftMargin: 4
+                left: parent.left
                 right: clear.left; rightMargin: 12
                 verticalCenter: parent.verticalCenter
             }

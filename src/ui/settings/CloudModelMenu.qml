@@ -78,7 +78,7 @@ FocusScope {
             anchors { left: parent.left; leftMargin: 16; verticalCenter: parent.verticalCenter }
             text: menu.models.isLoading ? menu.texts.loadingModels : menu.texts.noModels
             color: Look.tertiary
-            font { family: Look.fontFamily; pixelSize: 13 }
+            font { family: Look.fontFamily; pixelSize: Look.bodySize }
             Accessible.role: Accessible.StaticText
             Accessible.name: text
         }
@@ -112,7 +112,7 @@ FocusScope {
                     textFormat: Text.PlainText
                     elide: Text.ElideRight
                     color: Look.primary
-                    font { family: Look.fontFamily; pixelSize: 13 }
+                    font { family: Look.fontFamily; pixelSize: Look.bodySize }
                 }
                 Symbol {
                     id: tick

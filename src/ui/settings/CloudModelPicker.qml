@@ -26,7 +26,7 @@ PressArea {
         textFormat: Text.PlainText
         color: picker.current ? Look.primary : Look.tertiary
         elide: Text.ElideRight
-        font { family: Look.fontFamily; pixelSize: 13 }
+        font { family: Look.fontFamily; pixelSize: Look.bodySize }
     }
     Symbol {
         id: chevron

@@ -63,7 +63,7 @@ Column {
                 color: Look.primary
                 selectionColor: Look.faded(Look.blue, 0.7)
                 selectedTextColor: "white"
-                font { family: Look.fontFamily; pixelSize: 13 }
+                font { family: Look.fontFamily; pixelSize: Look.bodySize }
                 Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
                 Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                 Accessible.role: Accessible.EditableText

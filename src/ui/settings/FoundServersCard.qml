@@ -51,7 +51,7 @@ GlassCard {
                         textFormat: Text.PlainText
                         color: Look.primary
                         elide: Text.ElideRight
-                        font { family: Look.fontFamily; pixelSize: 13 }
+                        font { family: Look.fontFamily; pixelSize: Look.bodySize }
                         Accessible.role: Accessible.StaticText
                         Accessible.name: text
                     }

@@ -31,11 +31,11 @@ PressArea {
         text: recorder.key
         horizontalAlignment: Text.AlignHCenter
         fontSizeMode: Text.HorizontalFit
-        minimumPixelSize: 8
+        minimumPixelSize: 10
         color: recorder.isRecording ? Look.accent : Look.primary
         font {
             family: recorder.showsWords ? Look.fontFamily : Look.keyFamily
-            pixelSize: recorder.showsWords ? 12 : 14
+            pixelSize: recorder.showsWords ? Look.smallSize : Look.keySize
             weight: recorder.showsWords ? Font.DemiBold : Font.Normal
             letterSpacing: recorder.showsWords ? 0 : 1
         }

@@ -23,11 +23,9 @@ Rectangle {
         id: row
         anchors.centerIn: parent
         spacing: 6
-        Rectangle {
+        Disc {
             anchors.verticalCenter: parent.verticalCenter
-            width: 6
-            height: 6
-            radius: 3
+            diameter: 6
             color: pill.tint
         }
         Text {

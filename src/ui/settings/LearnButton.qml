@@ -41,7 +41,7 @@ PressArea {
             anchors.verticalCenter: parent.verticalCenter
             text: button.name
             color: Look.accentInk
-            font { family: Look.fontFamily; pixelSize: 13; weight: Font.DemiBold }
+            font { family: Look.fontFamily; pixelSize: Look.bodySize; weight: Font.DemiBold }
         }
     }
 }

@@ -32,7 +32,7 @@ Item {
             color: Look.primary
             selectionColor: Look.faded(Look.blue, 0.7)
             selectedTextColor: "white"
-            font { family: Look.fontFamily; pixelSize: 13 }
+            font { family: Look.fontFamily; pixelSize: Look.bodySize }
             Accessible.role: Accessible.StaticText
             Accessible.name: longText.name
             Accessible.description: text

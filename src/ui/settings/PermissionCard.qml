@@ -65,7 +65,7 @@ Item {
         Text {
             text: card.texts.granted
             color: Look.accent
-            font { family: Look.fontFamily; pixelSize: 13; weight: Font.DemiBold }
+            font { family: Look.fontFamily; pixelSize: Look.bodySize; weight: Font.DemiBold }
         }
     }
     GlassButton {

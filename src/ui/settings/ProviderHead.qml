@@ -1,12 +1,12 @@
 import QtQuick
 import "qrc:/tavrelon/ui/dashboard"
 
-/// The card that a provider's section begins with.
+/// The card that a provider's section begins with. The name is on the provider's tile above it.
 GlassCard {
     id: head
 
     property string imageName
-    property string title
+    property string title              ///< for assistive technology
     property string hint
     property color tint
 
@@ -15,7 +15,9 @@ GlassCard {
 
     Item {
         width: parent.width
-        height: Math.max(badge.height, header.height)
+        height: Math.max(badge.height, hint.height)
+        Accessible.role: Accessible.Heading
+        Accessible.name: head.title
 
         SymbolBadge {
             id: badge
@@ -24,11 +26,15 @@ GlassCard {
             name: head.imageName
             tint: head.tint
         }
-        SectionHeader {
-            id: header
+        Text {
+            id: hint
             anchors { left: badge.right; leftMargin: 14; right: parent.right; verticalCenter: parent.verticalCenter }
-            title: head.title
-            subtitle: head.hint
+            text: head.hint
+            color: Look.secondary
+            wrapMode: Text.Wrap
+            font { family: Look.fontFamily; pixelSize: Look.smallSize }
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
     }
 }

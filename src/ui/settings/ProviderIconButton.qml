@@ -23,7 +23,7 @@ PressArea {
 
     GlassCardBackground {
         anchors.fill: parent
-        border.color: tile.isSelected ? Look.faded(tile.tint, 0.75) : Look.white(0.14)
+        border.color: tile.isSelected ? Look.faded(tile.tint, 0.75) : Look.white(0.12)
     }
     Rectangle {
         anchors.fill: parent

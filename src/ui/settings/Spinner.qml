@@ -1,4 +1,5 @@
 import QtQuick
+import "qrc:/tavrelon/ui/theme"
 
 /// A small wheel of dots that turns while it is visible. It turns in steps, which cost little.
 Item {
@@ -20,17 +21,14 @@ Item {
     Repeater {
         model: spinner.count
 
-        Rectangle {
+        Disc {
             required property int index
             readonly property real angle: 2 * Math.PI * index / spinner.count
             readonly property real reach: (spinner.width - width) / 2
 
             x: reach * (1 + Math.sin(angle))
             y: reach * (1 - Math.cos(angle))
-            width: Math.round(spinner.width * 0.22)
-            height: width
-            radius: width / 2
-            antialiasing: true
+            diameter: spinner.width * 0.22
             color: spinner.color
             opacity: 1 - ((spinner.step - index + spinner.count) % spinner.count) / (spinner.count + 1)
         }

@@ -57,7 +57,7 @@ QStringList CloneSettingsModel::languageStylePieces() const {
 }
 
 QString CloneSettingsModel::updatedAt() const {
-    return dateText(settings().cloneLanguageStyleUpdatedAt, isEnglish());
+    return dateText(settings().cloneLanguageStyleUpdatedAt);
 }
 
 void CloneSettingsModel::showError(const QString& message) {

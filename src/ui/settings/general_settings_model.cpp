@@ -59,7 +59,7 @@ QStringList GeneralSettingsModel::learnedPieces() const {
 }
 
 QString GeneralSettingsModel::learnedAt() const {
-    return dateText(settings().adaptiveSystemPromptUpdatedAt, isEnglish());
+    return dateText(settings().adaptiveSystemPromptUpdatedAt);
 }
 
 QString GeneralSettingsModel::visionModelPreference() const {
