@@ -22,10 +22,15 @@ using tavrelon::testing::runQtUntil;
 
 namespace {
 
+bool isText(const QQuickItem& item) {
+    return (item.inherits("QQuickText") && !item.property("text").toString().isEmpty()) ||
+           (item.inherits("QQuickTextInput") && item.property("length").toInt() > 0);
+}
+
 QList<QQuickItem*> textsIn(QQuickItem& item) {
     QList<QQuickItem*> texts;
     for (auto* child : item.childItems())
-        texts += child->inherits("QQuickText") && child->isVisible() ? QList{child} : textsIn(*child);
+        texts += isText(*child) && child->isVisible() ? QList{child} : textsIn(*child);
     return texts;
 }
 
@@ -171,10 +176,13 @@ TEST_F(HUDDesktopTest, EveryFaceIsDrawnInItsColourWithinItsShape) {
 
 TEST_F(HUDDesktopTest, EveryTextIsReadOnAWhiteAndOnABlackPage) {
     desktop::QtPanels glass{loop, log, {[] { return true; }, [this](quint64 window) { x11->focus(window); }}};
-    const auto leastContrast = [&](platform::PanelKind kind, const QString& name, QSizeF size, QObject& shown) {
+    const auto leastContrast = [&](
+                                   platform::PanelKind kind, const QString& name, QSizeF size, QObject& shown,
+                                   const std::function<void()>& whenShown = [] {}) {
         const auto panel = glass.create({kind, size, name, &shown});
         panel->orderFront();
         EXPECT_TRUE(runQtUntil([this] { return shownView() != nullptr; }));
+        whenShown();
         pass(100ms);
         double least = 21;
         for (auto* text : textsIn(*shownView()->rootObject())) {
@@ -189,15 +197,29 @@ TEST_F(HUDDesktopTest, EveryTextIsReadOnAWhiteAndOnABlackPage) {
         EXPECT_LT(least, 21) << "no text";
         return least;
     };
+    const std::pair<InputState, InputTrigger> faces[] = {
+        {Case::listeningVoice, InputTrigger::voice},   {Case::recordingVideo, InputTrigger::video},
+        {Case::processing, InputTrigger::text},        {Case::processing, InputTrigger::autoReply},
+        {Case::processing, InputTrigger::video},       {Case::completed, InputTrigger::text},
+        {InputState{Case::error}, InputTrigger::text},
+    };
     const auto overlay = QStringLiteral("hud/InputHUDView");
-    for (const auto trigger : {InputTrigger::text, InputTrigger::autoReply, InputTrigger::video}) {
-        model.show(Case::processing, trigger);
-        EXPECT_GE(leastContrast(platform::PanelKind::Overlay, overlay, {220, 70}, model), 4.5);
+    model.setTranscript(QStringLiteral("please write"));
+    for (const auto& [state, trigger] : faces) {
+        model.show(state, trigger);
+        EXPECT_GE(leastContrast(platform::PanelKind::Overlay, overlay, hudContentSize(state, trigger), model), 4.5)
+            << model.face().toStdString();
     }
+    model.setQuestion(HUDQuestion{QStringLiteral("Send?"), QStringLiteral("Your request"), QStringLiteral("Escape")});
+    EXPECT_GE(leastContrast(platform::PanelKind::Overlay, overlay, hudQuestionSize, model), 4.5);
+    HotkeyStatusHUDModel status;
+    EXPECT_GE(leastContrast(platform::PanelKind::Overlay, QStringLiteral("hud/HotkeyStatusHUDView"), {260, 80}, status),
+              4.5);
     FloatingInputModel prompt;
-    EXPECT_GE(
-        leastContrast(platform::PanelKind::Overlay, QStringLiteral("floating/FloatingInputView"), {420, 74}, prompt),
-        4.5);
+    for (const auto& typed : {QString(), QStringLiteral("translate")})
+        EXPECT_GE(leastContrast(platform::PanelKind::Overlay, QStringLiteral("floating/FloatingInputView"), {420, 74},
+                                prompt, [&] { prompt.setText(typed); }),
+                  4.5);
 }
 
 TEST_F(HUDDesktopTest, AHiddenOverlayDrawsNothing) {
