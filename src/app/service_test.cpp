@@ -20,7 +20,7 @@ async::Task<generation::ModelAnswer> askChosen(generation::PollinationsService& 
 
 async::Task<ServiceTest> testService(generation::PollinationsService& models, async::MainLoop& loop) {
     const auto start = loop.now();
-    ServiceTest test{std::unexpected(QString()), {}, {}};
+    ServiceTest test{std::unexpected(text::LocalizedText()), {}, {}};
     try {
         auto answer = co_await models.raceWithDeadline(
             models.deadline(), askChosen(models, {.system = QStringLiteral("You are a helpful assistant."),
@@ -28,12 +28,14 @@ async::Task<ServiceTest> testService(generation::PollinationsService& models, as
                                                   .maxTokens = answerTokens}));
         const auto words = answer.text.simplified();
         if (words.isEmpty())
-            test.answer = std::unexpected(QStringLiteral("The model gave an empty answer."));
+            test.answer = std::unexpected(text::LocalizedText(QStringLiteral("The model gave an empty answer."),
+                                                              QStringLiteral("模型的回答为空。")));
         else
             test.answer = words;
         test.source = answer.source;
     } catch (const text::LocalizedError& error) {
-        test.answer = std::unexpected(error.localizedDescription().simplified());
+        test.answer = std::unexpected(
+            text::LocalizedText(error.description().english.simplified(), error.description().chinese.simplified()));
     }
     test.taken = std::chrono::duration_cast<std::chrono::milliseconds>(loop.now() - start);
     co_return test;

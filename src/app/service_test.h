@@ -5,13 +5,14 @@
 
 #include "async/main_loop.h"
 #include "generation/pollinations_service.h"
+#include "text/localized_text.h"
 
 namespace tavrelon::app {
 
 /// What became of one short question to the service that the user chose.
 struct ServiceTest {
-    std::expected<QString, QString> answer;  ///< trimmed, in one line; the error is a reason for the user to read
-    QString source;                          ///< the model and its host; empty where none answered
+    std::expected<QString, text::LocalizedText> answer;  ///< trimmed, in one line; the error is for the user
+    QString source;                                      ///< the model and its host; empty where none answered
     std::chrono::milliseconds taken{0};
 };
 

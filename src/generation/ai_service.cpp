@@ -23,7 +23,7 @@ async::Task<T> orFailure(async::Task<T> task) {
     } catch (const async::CancellationError&) {
         throw;
     } catch (const std::exception& error) {
-        throw ProcessingError::generationFailed(text::localizedDescription(error),
+        throw ProcessingError::generationFailed(text::descriptionOf(error),
                                                 wouldFailAgain(error) ? Again::Futile : Again::Worthwhile);
     }
 }
@@ -103,7 +103,7 @@ async::Task<GenerationResult> TavrelonAIService::generateVideoResult(GenerationR
                                                                      std::vector<QByteArray> frames) {
     const auto situation = situationOf(request);
     if (frames.empty())
-        throw ProcessingError::generationFailed(u"No video frames captured"_s);
+        throw ProcessingError::generationFailed({u"No video frames captured"_s, u"没有录到视频画面"_s});
     request.voice.userStyle.reset();
     co_await permit(RequestContents::Frames);
     auto reply = co_await orFailure(describeFrames(promptOf(situation, request.voice), frames));
@@ -129,7 +129,8 @@ async::Task<QString> TavrelonAIService::describeFrames(ChatPrompt prompt, const 
     if (configuration.asksOwnModel()) {
         try {
             if (!configuration.ownModelTakesPictures)
-                throw PollinationsError::unsupportedImageInput(u"The model of your own server takes no pictures"_s);
+                throw PollinationsError::unsupportedImageInput(
+                    {u"The model of your own server takes no pictures"_s, u"自有服务器的模型不能看图"_s});
             co_return co_await pollinationsService_.generateWithGateway(oneFrame, JsonMode::Off);
         } catch (const async::CancellationError&) {
             throw;

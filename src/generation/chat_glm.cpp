@@ -17,7 +17,8 @@ bool refusesImages(PollinationsModel model) {
 
 void check(const Call& call) {
     if (!call.key || call.key->isEmpty())
-        throw PollinationsError::apiError(401, QStringLiteral("GLM API key not configured"));
+        throw PollinationsError::apiError(
+            401, {QStringLiteral("GLM API key not configured"), QStringLiteral("未配置 GLM API 密钥")});
     if (call.prompt.image && refusesImages(call.model))
         throw PollinationsError::unsupportedImageInput(
             QStringLiteral("GLM model %1 does not support base64 image input").arg(identifier(call.model)));

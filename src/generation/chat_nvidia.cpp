@@ -68,7 +68,7 @@ QString applyThinkDirective(const QString& systemPrompt, Thinking thinking, bool
 
 platform::HttpRequest buildRequest(const Call& call) {
     if (!call.key || call.key->isEmpty())
-        throw PollinationsError::apiError(401, u"NVIDIA API key not configured"_s);
+        throw PollinationsError::apiError(401, {u"NVIDIA API key not configured"_s, u"未配置 NVIDIA API 密钥"_s});
     const auto url = chat_wire::formUrl(call.url);
     if (!url)
         throw PollinationsError::invalidURL();

@@ -18,11 +18,14 @@ bool missing(const std::optional<QString>& value) {
 }
 
 void check(const Call& call) {
-    const auto name = call.mode == OllamaMode::cloud ? "cloud"_L1 : "local"_L1;
     if (missing(call.model))
-        throw PollinationsError::configurationMissing("Ollama "_L1 + name + " model is required"_L1);
+        throw PollinationsError::configurationMissing(
+            call.mode == OllamaMode::cloud
+                ? text::LocalizedText(u"Ollama cloud model is required"_s, u"需要 Ollama 云端模型"_s)
+                : text::LocalizedText(u"Ollama local model is required"_s, u"需要 Ollama 本地模型"_s));
     if (call.mode == OllamaMode::cloud && missing(call.key))
-        throw PollinationsError::configurationMissing(u"Ollama cloud API key is required"_s);
+        throw PollinationsError::configurationMissing(
+            {u"Ollama cloud API key is required"_s, u"需要 Ollama 云端 API 密钥"_s});
 }
 
 Json messages(const Call& call, chat_wire::Pictures& pictures) {

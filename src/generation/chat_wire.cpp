@@ -112,13 +112,17 @@ void authorize(platform::HttpRequest& request, const std::optional<QString>& key
         return;
     const auto host = request.url.host();
     if (std::ranges::any_of(*sent, isControl))
-        throw KeyRefused(QStringLiteral("The API key for %1 holds a line break or another control character. "
-                                        "Enter it again.")
-                             .arg(host));
+        throw KeyRefused(
+            text::LocalizedText(QStringLiteral("The API key for %1 holds a line break or another control character. "
+                                               "Enter it again."),
+                                QStringLiteral("%1 的 API 密钥含有换行或其他控制字符，请重新输入。"))
+                .arg(host));
     if (!platform::isConfidential(request.url))
-        throw KeyRefused(QStringLiteral("The API key is not sent to %1 without encryption. "
-                                        "Use an address that begins with https://.")
-                             .arg(host));
+        throw KeyRefused(
+            text::LocalizedText(QStringLiteral("The API key is not sent to %1 without encryption. "
+                                               "Use an address that begins with https://."),
+                                QStringLiteral("API 密钥不会以未加密方式发送到 %1。请使用以 https:// 开头的地址。"))
+                .arg(host));
     request.headers.emplace_back("Authorization", "Bearer " + sent->toUtf8());
 }
 
@@ -138,7 +142,8 @@ Json document(const platform::HttpResponse& response) {
         // A parser's own words may quote a whole answer.
         if (!error.localizedDescription().startsWith(QLatin1StringView("[json.")))
             throw;
-        throw text::JsonError(QStringLiteral("The answer is not valid JSON."));
+        throw text::JsonError(
+            {QStringLiteral("The answer is not valid JSON."), QStringLiteral("回答不是有效的 JSON。")});
     }
 }
 

@@ -116,7 +116,7 @@ QByteArray readDownload(const platform::HttpResponse& response) {
 
 platform::HttpRequest buildGLMRequest(const GLMCall& call) {
     if (!call.key || call.key->isEmpty())
-        throw PollinationsError::apiError(401, u"GLM API key not configured"_s);
+        throw PollinationsError::apiError(401, {u"GLM API key not configured"_s, u"未配置 GLM API 密钥"_s});
     const auto url = chat_wire::formUrl(call.baseURL + "/images/generations"_L1);
     if (!url)
         throw PollinationsError::invalidURL();

@@ -24,10 +24,10 @@ class PollinationsError : public text::LocalizedError {
         allModelsFailed,
     };
 
-    static PollinationsError configurationMissing(const QString& text);
-    static PollinationsError unsupportedImageInput(const QString& text);
+    static PollinationsError configurationMissing(const text::LocalizedText& text);
+    static PollinationsError unsupportedImageInput(const text::LocalizedText& text);
     static PollinationsError parseError(const QString& text);
-    static PollinationsError apiError(int status, const QString& text);
+    static PollinationsError apiError(int status, const text::LocalizedText& text);
     static PollinationsError imageGenerationFailed(int status);
     static PollinationsError invalidURL();
     static PollinationsError invalidPrompt();
@@ -41,11 +41,12 @@ class PollinationsError : public text::LocalizedError {
     /// The HTTP status of `apiError` and `imageGenerationFailed`, else 0.
     int status() const { return status_; }
 
-    /// What the case carries, without the words that the description puts around it. Empty for cases without a text.
+    /// What the case carries, in English, without the words that the description puts around it. Empty for cases
+    /// without a text.
     const QString& text() const { return text_; }
 
  private:
-    PollinationsError(Code code, QString description, QString text = {}, int status = 0);
+    PollinationsError(Code code, text::LocalizedText description, QString text = {}, int status = 0);
 
     Code code_;
     int status_;

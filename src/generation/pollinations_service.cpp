@@ -24,7 +24,8 @@ platform::HttpRequest imageGet(const QUrl& url, std::chrono::seconds timeout) {
 async::Task<platform::HttpResponse> PollinationsService::exchange(platform::HttpRequest request) {
     if (configuration.asksGatewayOnly() &&
         !platform::isWithinServer(request.url, QUrl(configuration.pollinationsBaseURL())))
-        throw PollinationsError::configurationMissing(u"Requests stay with your own server"_s);
+        throw PollinationsError::configurationMissing(
+            {u"Requests stay with your own server"_s, u"请求只发往您自己的服务器"_s});
     request.staysAtOrigin |= configuration.asksGatewayOnly();
     auto answer = co_await session_.send(std::move(request));
     if (answer)
@@ -99,7 +100,8 @@ async::Task<QString> PollinationsService::generateWithOllama(QString systemPromp
 async::Task<QString> PollinationsService::generateWithGateway(ChatPrompt prompt, JsonMode jsonMode) {
     const auto& model = configuration.pollinationsVisionModelOverride;
     if (!model || model->isEmpty())
-        throw PollinationsError::configurationMissing(u"The model of your own server is missing"_s);
+        throw PollinationsError::configurationMissing(
+            {u"The model of your own server is missing"_s, u"未填写自有服务器的模型"_s});
     const auto capable = prompt.image ? ImageCapability::Yes : ImageCapability::No;
     co_return co_await generateWithPollinations(*model, capable, std::move(prompt), jsonMode);
 }

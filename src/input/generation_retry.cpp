@@ -44,8 +44,10 @@ async::Task<RetriedResult> generateWithRetry(InputStateMachine& machine, async::
     try {
         co_return co_await async::raceWithDeadline(loop, deadline, tryInTurn(machine, loop, id, std::move(operation)));
     } catch (const async::DeadlineExceeded&) {
-        throw ProcessingError::generationFailed(QStringLiteral("No answer within %1 s").arg(deadline.count()),
-                                                ProcessingError::Again::Futile);
+        throw ProcessingError::generationFailed(
+            text::LocalizedText(QStringLiteral("No answer within %1 s"), QStringLiteral("%1 秒内没有回答"))
+                .arg(QString::number(deadline.count())),
+            ProcessingError::Again::Futile);
     }
 }
 

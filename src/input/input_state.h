@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include "text/localized_text.h"
 
 namespace tavrelon::input {
 
@@ -9,11 +9,11 @@ struct InputState {
     enum class Case { idle, listening, listeningVoice, recordingVideo, processing, completed, error };
 
     Case value = Case::idle;
-    QString message;  ///< of error only
+    text::LocalizedText message;  ///< of error only
 
     // NOLINTNEXTLINE(google-explicit-constructor): a case without a message is a state.
     InputState(Case state = Case::idle) : value(state) {}
-    static InputState error(QString text) {
+    static InputState error(text::LocalizedText text) {
         InputState state(Case::error);
         state.message = std::move(text);
         return state;

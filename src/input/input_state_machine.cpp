@@ -175,7 +175,7 @@ void InputStateMachine::enterInputState(const InputState& state, InputTrigger tr
 bool InputStateMachine::ensureAIEnabled() {
     if (services_.storageManager.settings().enableAI)
         return true;
-    failInput(QStringLiteral("AI is disabled"));
+    failInput({QStringLiteral("AI is disabled"), QStringLiteral("AI 已停用")});
     return false;
 }
 
@@ -188,7 +188,7 @@ bool InputStateMachine::ensureNoPasswordField() {
     expectedScreenshot.reset();
     typedText_.end();
     dropFramesLater();
-    failInput(QStringLiteral("Password field"));
+    failInput({QStringLiteral("Password field"), QStringLiteral("密码输入框")});
     return false;
 }
 
@@ -197,8 +197,8 @@ void InputStateMachine::watchForPasswordField() {
         ensureNoPasswordField();
 }
 
-void InputStateMachine::failInput(const QString& message) {
-    services_.platform.log.line(QStringLiteral("[StateMachine] ") + message);
+void InputStateMachine::failInput(const text::LocalizedText& message) {
+    services_.platform.log.line(QStringLiteral("[StateMachine] ") + message.english);
     schedule([this, message] {
         lastError_ = message;
         setState(InputState::error(message));
@@ -252,8 +252,8 @@ async::Task<void> InputStateMachine::complete(TaskID id, std::chrono::millisecon
 }
 
 void InputStateMachine::fail(const TaskID& id, const QString& logPrefix, const std::exception& error) {
-    const auto message = text::localizedDescription(error);
-    services_.platform.log.line(logPrefix + message);
+    const auto message = text::descriptionOf(error);
+    services_.platform.log.line(logPrefix + message.english);
     schedule([this, id, message] {
         if (!ownsInput(id))
             return;

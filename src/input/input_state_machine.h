@@ -37,7 +37,7 @@ class InputStateMachine {
     // What others observe.
     InputState currentState() const { return currentState_.value(); }
     QString currentTranscript() const { return currentTranscript_.value(); }
-    std::optional<QString> lastError() const { return lastError_.value(); }
+    std::optional<text::LocalizedText> lastError() const { return lastError_.value(); }
     std::optional<InputTrigger> activeTrigger() const { return activeTrigger_.value(); }
     QBindable<InputState> bindableCurrentState() { return &currentState_; }
     QBindable<QString> bindableCurrentTranscript() { return &currentTranscript_; }
@@ -98,7 +98,7 @@ class InputStateMachine {
     void fail(const TaskID& id, const QString& logPrefix, const std::exception& error);
 
     /// Shows a failure that belongs to no task.
-    void failInput(const QString& message);
+    void failInput(const text::LocalizedText& message);
 
     void startRecordingFrames();
     void setStateLater(const InputState& state);
@@ -129,7 +129,7 @@ class InputStateMachine {
     bool isStageTaken_ = false;  ///< an input has begun, but its state shows a turn later
     QProperty<QString> currentTranscript_;
     QProperty<bool> isRecogniserLoading_{false};
-    QProperty<std::optional<QString>> lastError_;
+    QProperty<std::optional<text::LocalizedText>> lastError_;
     QProperty<std::optional<InputTrigger>> activeTrigger_;
     TypedText typedText_;
     std::optional<async::TaskHandle> processingTask_;

@@ -14,7 +14,8 @@ void VideoFlow::startVideoInput() {
     if (!machine_.takeStage() || !machine_.ensureAIEnabled() || !machine_.ensureNoPasswordField())
         return;
     if (!services_.platform.screenCapture.preflightAccess()) {
-        machine_.failInput(QStringLiteral("Screen recording permission required"));
+        machine_.failInput(
+            {QStringLiteral("Screen recording permission required"), QStringLiteral("需要屏幕录制权限")});
         return;
     }
     machine_.initialTextSnapshot = services_.contextCapturer.fetchFocusedTextSnapshot();
@@ -50,7 +51,8 @@ async::Task<void> VideoFlow::describe(const RequestText& request, const std::vec
                                       const QUuid& id) {
     const auto prompt = text::trimmedOrAbsent(request.text).value_or(QStringLiteral("Describe the video."));
     if (frames.empty())
-        throw ProcessingError::generationFailed(QStringLiteral("No video frames captured"));
+        throw ProcessingError::generationFailed(
+            {QStringLiteral("No video frames captured"), QStringLiteral("没有录到视频画面")});
     auto context = co_await services_.contextCapturer.captureContext(prompt, capture::ScreenshotWish::LeaveOut);
     machine_.requireCurrent(id);
     const auto answered = co_await generateWithRetry(

@@ -49,7 +49,8 @@ void VoiceFlow::startVoiceDictation() {
 void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
     if (!speechRecognizer_) {
         log(QStringLiteral("[StateMachine] SpeechRecognizer not available"));
-        machine_.failInput(QStringLiteral("Speech recognition is not available."));
+        machine_.failInput(
+            {QStringLiteral("Speech recognition is not available."), QStringLiteral("语音识别不可用。")});
         return;
     }
     services_.outputWriter.aim();
@@ -57,8 +58,8 @@ void VoiceFlow::startRecording(InputTrigger kind, const QString& logPrefix) {
     try {
         speechRecognizer_->startRecording();
     } catch (const std::exception& error) {
-        const auto description = text::localizedDescription(error);
-        log(logPrefix + description);
+        const auto description = text::descriptionOf(error);
+        log(logPrefix + description.english);
         machine_.setStateLater(InputState::error(description));
     }
 }
@@ -95,7 +96,7 @@ void VoiceFlow::follow(media::RecogniserState state) {
     if (state == Unavailable) {
         const media::SpeechRecognizerError error(media::SpeechRecognizerError::Code::recognizerNotAvailable);
         log(QStringLiteral("[StateMachine] The recording ended: ") + error.localizedDescription());
-        machine_.setStateLater(InputState::error(error.localizedDescription()));
+        machine_.setStateLater(InputState::error(error.description()));
     }
 }
 

@@ -7,12 +7,7 @@ using Code = CloneServiceError::Code;
 
 namespace {
 
-struct Texts {
-    QString english;
-    QString chinese;
-};
-
-Texts textsFor(Code code) {
+text::LocalizedText textFor(Code code) {
     switch (code) {
         case Code::contentTooShort:
             return {u"Content must be at least 100 characters."_s, u"内容至少需要 100 个字符。"_s};
@@ -33,20 +28,10 @@ Texts textsFor(Code code) {
     return {};
 }
 
-QString messageFor(Code code, const QString& serverMessage, MessageLanguage language) {
-    if (!serverMessage.isEmpty())
-        return serverMessage;
-    const auto texts = textsFor(code);
-    return language == MessageLanguage::English ? texts.english : texts.chinese;
-}
-
 }  // namespace
 
 CloneServiceError::CloneServiceError(Code code, qsizetype minimum, const QString& message)
-    : LocalizedError(messageFor(code, message, MessageLanguage::English)),
-      code_(code),
-      minimum_(minimum),
-      message_(message) {}
+    : LocalizedError(message.isEmpty() ? textFor(code) : message), code_(code), minimum_(minimum), message_(message) {}
 
 CloneServiceError::CloneServiceError(Code code) : CloneServiceError(code, 0, {}) {}
 
@@ -56,12 +41,6 @@ CloneServiceError CloneServiceError::contentTooShort(qsizetype minimum) {
 
 CloneServiceError CloneServiceError::serverError(const QString& message) {
     return {Code::serverError, 0, message};
-}
-
-QString cloneErrorMessage(const std::exception& error, MessageLanguage language) {
-    if (const auto* known = dynamic_cast<const CloneServiceError*>(&error))
-        return messageFor(known->code(), known->message(), language);
-    return text::localizedDescription(error);
 }
 
 }  // namespace tavrelon::learning

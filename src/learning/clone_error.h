@@ -6,7 +6,7 @@
 
 namespace tavrelon::learning {
 
-/// Why no profile was learned. The description is the English text for the user.
+/// Why no profile was learned.
 class CloneServiceError : public text::LocalizedError {
  public:
     enum class Code : std::uint8_t {
@@ -40,10 +40,5 @@ class CloneServiceError : public text::LocalizedError {
     qsizetype minimum_ = 0;
     QString message_;
 };
-
-enum class MessageLanguage : std::uint8_t { English, Chinese };
-
-/// What the user reads of a failed learning. Errors of other services give their own description.
-QString cloneErrorMessage(const std::exception& error, MessageLanguage language);
 
 }  // namespace tavrelon::learning

@@ -14,18 +14,21 @@ constexpr int tapBufferSize = 1024;
 
 }  // namespace
 
-QString SpeechRecognizerError::descriptionOf(Code code) {
+text::LocalizedText SpeechRecognizerError::textOf(Code code) {
     switch (code) {
         case Code::recognizerNotAvailable:
-            return QStringLiteral("Speech recognition is not available on this device");
+            return {QStringLiteral("Speech recognition is not available on this device"),
+                    QStringLiteral("此设备上语音识别不可用")};
         case Code::speechNotAuthorized:
-            return QStringLiteral("Speech recognition permission is required. Please allow it in System Settings.");
+            return {QStringLiteral("Speech recognition permission is required. Please allow it in System Settings."),
+                    QStringLiteral("需要语音识别权限，请在系统设置中允许。")};
         case Code::microphoneNotAuthorized:
-            return QStringLiteral("Microphone access is required. Please allow it in System Settings.");
+            return {QStringLiteral("Microphone access is required. Please allow it in System Settings."),
+                    QStringLiteral("需要麦克风权限，请在系统设置中允许。")};
         case Code::microphoneUnavailable:
-            return QStringLiteral("No microphone input device is available.");
+            return {QStringLiteral("No microphone input device is available."), QStringLiteral("没有可用的麦克风。")};
         case Code::requestCreationFailed:
-            return QStringLiteral("Failed to create speech recognition request");
+            return {QStringLiteral("Failed to create speech recognition request"), QStringLiteral("无法开始语音识别")};
     }
     return {};
 }

@@ -15,11 +15,11 @@ class SpeechRecognizerError : public text::LocalizedError {
         requestCreationFailed
     };
 
-    explicit SpeechRecognizerError(Code code) : LocalizedError(descriptionOf(code)), code_(code) {}
+    explicit SpeechRecognizerError(Code code) : LocalizedError(textOf(code)), code_(code) {}
     Code code() const { return code_; }
 
  private:
-    static QString descriptionOf(Code code);
+    static text::LocalizedText textOf(Code code);
     Code code_;
 };
 

@@ -25,29 +25,31 @@ constexpr auto beforePaste = 20ms - platform::KeyPoster::chordWait;
 constexpr int stalledLooks = 20;
 constexpr auto betweenLooks = 100ms;
 
-QString describe(OutputWriterError::Code code, const QString& detail) {
+text::LocalizedText describe(OutputWriterError::Code code, const text::LocalizedText& detail) {
     switch (code) {
         case OutputWriterError::Code::writeFailed:
-            return QStringLiteral("Failed to write output: ") + detail;
+            return text::LocalizedText(QStringLiteral("Failed to write output: %1"), QStringLiteral("写入失败：%1"))
+                .arg(detail);
         case OutputWriterError::Code::permissionDenied:
-            return QStringLiteral("Accessibility permission is required");
+            return {QStringLiteral("Accessibility permission is required"), QStringLiteral("需要辅助功能权限")};
         case OutputWriterError::Code::noFrontmostApp:
-            return QStringLiteral("No frontmost application found");
+            return {QStringLiteral("No frontmost application found"), QStringLiteral("找不到前台应用")};
         case OutputWriterError::Code::invalidImageData:
-            return QStringLiteral("Invalid image data");
+            return {QStringLiteral("Invalid image data"), QStringLiteral("图片数据无效")};
         case OutputWriterError::Code::leftOnClipboard:
-            return QStringLiteral("Answer is on the clipboard");
+            return {QStringLiteral("Answer is on the clipboard"), QStringLiteral("回答已放入剪贴板")};
     }
     std::abort();
 }
 
 OutputWriterError clipboardRefused() {
-    return OutputWriterError(OutputWriterError::Code::writeFailed, QStringLiteral("the clipboard could not be taken"));
+    return OutputWriterError(OutputWriterError::Code::writeFailed,
+                             {QStringLiteral("the clipboard could not be taken"), QStringLiteral("剪贴板不可用")});
 }
 
 }  // namespace
 
-OutputWriterError::OutputWriterError(Code code, const QString& detail)
+OutputWriterError::OutputWriterError(Code code, const text::LocalizedText& detail)
     : LocalizedError(describe(code, detail)), code_(code) {}
 
 void ensureWritten(Placement placement) {

@@ -20,7 +20,7 @@ class OutputWriterError : public text::LocalizedError {
  public:
     enum class Code { writeFailed, permissionDenied, noFrontmostApp, invalidImageData, leftOnClipboard };
 
-    explicit OutputWriterError(Code code, const QString& detail = {});
+    explicit OutputWriterError(Code code, const text::LocalizedText& detail = {});
     Code code() const { return code_; }
 
  private:

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "async/task.h"
+#include "text/localized_text.h"
 
 namespace tavrelon::platform {
 
@@ -35,7 +36,7 @@ struct HttpError {
     enum class Code { InvalidUrl, TimedOut, NotHttp, BodyTooLarge, Transport };
 
     Code code = Code::Transport;
-    QString description;  ///< for the user
+    text::LocalizedText description;  ///< for the user
 };
 
 /// Sends HTTP requests. Main thread. Certificates are verified. Redirects are followed; to another origin

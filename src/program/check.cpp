@@ -200,7 +200,7 @@ async::Task<Finding> model(Inquiry by) {
     const auto test = co_await app::testService(models, by.loop);
     const auto seconds = QString::number(static_cast<double>(test.taken.count()) / 1000, 'f', 1);
     if (!test.answer)
-        co_return missing(QStringLiteral("%1 (after %2 s)").arg(test.answer.error(), seconds));
+        co_return missing(QStringLiteral("%1 (after %2 s)").arg(test.answer.error().english, seconds));
     co_return QStringLiteral("%1 answered in %2 s: %3").arg(test.source, seconds, test.answer->left(40));
 }
 

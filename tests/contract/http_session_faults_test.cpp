@@ -153,7 +153,7 @@ class HttpFaultsTest : public HttpSessionTest {
         request.requestTimeout = 400ms;
         request.resourceTimeout = 3s;
         const auto outcome = send(std::move(request));
-        return outcome ? u"%1 "_s.arg(outcome->status) + QString::fromUtf8(outcome->body) : outcome.error().description;
+        return outcome ? u"%1 "_s.arg(outcome->status) + QString::fromUtf8(outcome->body) : outcome.error().description.english;
     }
 };
 

@@ -46,7 +46,7 @@ TEST_F(HttpSessionTest, TheBodyCapIsExact) {
     const auto refused = send(post("{}"));
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error().code, Code::BodyTooLarge);
-    EXPECT_TRUE(refused.error().description.contains(QStringLiteral("64 MiB")));
+    EXPECT_TRUE(refused.error().description.english.contains(QStringLiteral("64 MiB")));
 }
 
 TEST_F(HttpSessionTest, ACancelledTaskEndsTheExchange) {
@@ -87,7 +87,7 @@ TEST_F(HttpSessionTest, ABodyThatKeepsComingOutlastsTheRequestTimeOut) {
     auto patient = post();
     patient.requestTimeout = 800ms;
     const auto outcome = send(patient);
-    ASSERT_TRUE(outcome) << outcome.error().description.toStdString();
+    ASSERT_TRUE(outcome) << outcome.error().description.english.toStdString();
     EXPECT_EQ(outcome->body.size(), 80);
 }
 

@@ -30,11 +30,11 @@ class CloneServiceTest : public testing::GatewayFixture {
 
     /// What the user reads of the failure of `work`.
     template <typename Work>
-    QString failure(Work work, MessageLanguage language = MessageLanguage::English) {
+    QString failure(Work work, text::Language language = text::Language::English) {
         try {
             work();
         } catch (const std::exception& error) {
-            return cloneErrorMessage(error, language);
+            return text::descriptionOf(error).in(language);
         }
         return u"no error"_s;
     }
@@ -134,7 +134,7 @@ TEST_F(CloneServiceTest, TheSecondAttemptsFailureIsWhatTheUserReads) {
     const auto scraping = [&] { learnPage(page); };
     http.answer(500, "first");
     http.answer(500, "Rate limit reached.");
-    EXPECT_EQ(failure(scraping, MessageLanguage::Chinese), u"Rate limit reached."_s);
+    EXPECT_EQ(failure(scraping, text::Language::Chinese), u"Rate limit reached."_s);
     http.answer(500, "first");
     http.answer(502, "");
     EXPECT_EQ(failure(scraping), u"Invalid response from server."_s);
@@ -149,12 +149,12 @@ TEST_F(CloneServiceTest, TheSecondAttemptsFailureIsWhatTheUserReads) {
     EXPECT_EQ(failure(scraping), u"Connection refused"_s);
     http.answer(500, "first");
     http.fail(HttpCode::NotHttp, u"?"_s);
-    EXPECT_EQ(failure(scraping, MessageLanguage::Chinese), u"服务器响应无效。"_s);
+    EXPECT_EQ(failure(scraping, text::Language::Chinese), u"服务器响应无效。"_s);
     http.answer(500, "first");
     http.answer(200, R"({"success": false, "error": 3, "message": " Page not found. "})");
     EXPECT_EQ(failure(scraping), u"Page not found."_s);
     answerMarkdown(u"too short"_s);
-    EXPECT_EQ(failure(scraping, MessageLanguage::Chinese), u"内容至少需要 100 个字符。"_s);
+    EXPECT_EQ(failure(scraping, text::Language::Chinese), u"内容至少需要 100 个字符。"_s);
 
     const auto asked = http.requests().size();
     EXPECT_EQ(failure([&] { learnPage(u" \n"_s); }), u"Invalid response from server."_s);

@@ -50,6 +50,16 @@ class InputHUDTest : public ::testing::Test {
     bool isPanelVisible() { return !desk.panels.made.empty() && panel().visible; }
 };
 
+TEST_F(InputHUDTest, AFailureSpeaksTheLanguageOfTheInterface) {
+    language = HUDLanguage::Chinese;
+    desk.machine->failInput(generation::PollinationsError::apiError(429, QStringLiteral("slow down")).description());
+    desk.loop.runUntilIdle();
+    const auto expected = QStringLiteral("API 错误（429）：slow down");
+    EXPECT_EQ(hudLook(desk.state(), language).label, expected) << "what the service said stays as it is";
+    EXPECT_EQ(desk.statusItem.description, expected);
+    EXPECT_EQ(hudLook(desk.state(), HUDLanguage::English).label, QStringLiteral("API error (429): slow down"));
+}
+
 TEST_F(InputHUDTest, AFailureSaysItsReasonForFourSecondsAndInTheTrayUntilTheNextSuccess) {
     desk.toggle();
     desk.machine->failInput(QStringLiteral("No answer"));
@@ -58,7 +68,7 @@ TEST_F(InputHUDTest, AFailureSaysItsReasonForFourSecondsAndInTheTrayUntilTheNext
     EXPECT_EQ(panel().contentSize, QSizeF(320, 60));
     EXPECT_EQ(hudLook(desk.state(), language).label, QStringLiteral("No answer"));
     const auto longReason = InputState::error(QString(41, u'x'));
-    EXPECT_EQ(hudLook(longReason, language).label, longReason.message);
+    EXPECT_EQ(hudLook(longReason, language).label, longReason.message.english);
     EXPECT_EQ(hudContentSize(longReason, std::nullopt), QSizeF(420, 60));
     desk.loop.advance(3999ms);
     EXPECT_TRUE(desk.state() == InputState::error(QStringLiteral("No answer")));

@@ -33,24 +33,28 @@ bool isRedirect(int status) {
 
 std::expected<platform::HttpRequest, platform::HttpError> redirected(const platform::HttpRequest& request, int status,
                                                                      const QByteArray& location) {
-    const auto refuse = [](const QString& why) {
+    const auto refuse = [](const text::LocalizedText& why) {
         return std::unexpected(platform::HttpError{platform::HttpError::Code::Transport, why});
     };
     const auto target = request.url.resolved(QUrl::fromEncoded(location, QUrl::StrictMode));
     if (!target.isValid() || target.host().isEmpty() || (target.scheme() != "https"_L1 && target.scheme() != "http"_L1))
-        return refuse(u"The server redirected to an address that cannot be followed."_s);
+        return refuse(
+            {u"The server redirected to an address that cannot be followed."_s, u"服务器重定向到无法访问的地址。"_s});
 
     auto next = request;
     next.url = target;
     if ((status == 303 && request.method != "HEAD") || ((status == 301 || status == 302) && request.method == "POST"))
         turnIntoGet(next);
     if (request.url.scheme() == "https"_L1 && target.scheme() == "http"_L1 && carriesKeyOrBody(request))
-        return refuse(u"The server redirected to an address without encryption."_s);
+        return refuse(
+            {u"The server redirected to an address without encryption."_s, u"服务器重定向到未加密的地址。"_s});
     if (platform::webOrigin(request.url) == platform::webOrigin(target))
         return next;
     if (!next.body.isEmpty() || next.staysAtOrigin)
         return refuse(
-            u"The server redirected to another one, %1. The request was not sent there."_s.arg(target.host()));
+            text::LocalizedText(u"The server redirected to another one, %1. The request was not sent there."_s,
+                                u"服务器重定向到另一台服务器 %1，请求未发送到那里。"_s)
+                .arg(target.host()));
     std::erase_if(next.headers, [](const auto& header) { return named(header, "Authorization"); });
     return next;
 }

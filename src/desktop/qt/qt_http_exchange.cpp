@@ -54,8 +54,9 @@ QtHttpExchange::~QtHttpExchange() {
 
 void QtHttpExchange::start() {
     if (!isHttpAddress(request_.url))
-        return fail(Code::InvalidUrl, u"The address is not valid."_s);
-    wholeTimer_ = loop_.after(request_.resourceTimeout, [this] { fail(Code::TimedOut, u"The request timed out."_s); });
+        return fail(Code::InvalidUrl, {u"The address is not valid."_s, u"地址无效。"_s});
+    wholeTimer_ = loop_.after(request_.resourceTimeout,
+                              [this] { fail(Code::TimedOut, {u"The request timed out."_s, u"请求超时。"_s}); });
     sendRequest();
 }
 
@@ -88,7 +89,7 @@ void QtHttpExchange::sendRequest() {
 void QtHttpExchange::watchActivity() {
     const auto quiet = loop_.now() - lastActivity_;
     if (quiet >= request_.requestTimeout)
-        return fail(Code::TimedOut, u"The request timed out."_s);
+        return fail(Code::TimedOut, {u"The request timed out."_s, u"请求超时。"_s});
     activityTimer_ = loop_.after(request_.requestTimeout - quiet, [this] { watchActivity(); });
 }
 
@@ -96,7 +97,9 @@ void QtHttpExchange::readBody() {
     noteActivity();
     body_ += reply_->readAll();
     if (body_.size() > platform::HttpSession::bodyCap)
-        fail(Code::BodyTooLarge, u"The answer of %1 is larger than 64 MiB."_s.arg(request_.url.host()));
+        fail(Code::BodyTooLarge,
+             text::LocalizedText(u"The answer of %1 is larger than 64 MiB."_s, u"%1 的回答超过 64 MiB。"_s)
+                 .arg(request_.url.host()));
 }
 
 void QtHttpExchange::readAnswer() {
@@ -120,7 +123,9 @@ void QtHttpExchange::readAnswer() {
 platform::HttpError QtHttpExchange::failure(QNetworkReply::NetworkError error) const {
     const bool isCut = error == QNetworkReply::RemoteHostClosedError || error == QNetworkReply::UnknownNetworkError;
     if (isCut && upload_ && upload_->wasCutShort())
-        return {Code::Transport, u"%1 ended the connection during the upload."_s.arg(request_.url.host())};
+        return {Code::Transport,
+                text::LocalizedText(u"%1 ended the connection during the upload."_s, u"%1 在上传期间断开了连接。"_s)
+                    .arg(request_.url.host())};
     if (isCut && upload_ && upload_->wasRefused())
         error = QNetworkReply::RemoteHostClosedError;
     return httpError(error, request_.url, tlsFault_);
@@ -129,7 +134,8 @@ platform::HttpError QtHttpExchange::failure(QNetworkReply::NetworkError error) c
 void QtHttpExchange::follow(int status) {
     auto next = redirected(request_, status, reply_->rawHeader("Location"));
     if (next && ++redirects_ > mostRedirects)
-        next = std::unexpected(platform::HttpError{Code::Transport, u"The server redirects without end."_s});
+        next = std::unexpected(platform::HttpError{
+            Code::Transport, {u"The server redirects without end."_s, u"服务器的重定向没有尽头。"_s}});
     if (!next)
         return finish(std::unexpected(next.error()));
     dropReply();
@@ -150,7 +156,7 @@ void QtHttpExchange::dropReply() {
     reply->deleteLater();
 }
 
-void QtHttpExchange::fail(Code code, const QString& description) {
+void QtHttpExchange::fail(Code code, const text::LocalizedText& description) {
     finish(std::unexpected(platform::HttpError{code, description}));
 }
 

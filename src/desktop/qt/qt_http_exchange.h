@@ -33,7 +33,7 @@ class QtHttpExchange : public QObject {
     platform::HttpError failure(QNetworkReply::NetworkError error) const;
     void follow(int status);
     void dropReply();
-    void fail(platform::HttpError::Code code, const QString& description);
+    void fail(platform::HttpError::Code code, const text::LocalizedText& description);
     void finish(Answer answer);
 
     QNetworkAccessManager& manager_;

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "persistence/storage_manager.h"
+#include "text/localized_text.h"
 
 namespace tavrelon::ui {
 
@@ -28,6 +29,8 @@ class PageModel : public QObject {
 
     /// Any language but "en" is Chinese.
     bool isEnglish() const { return storage_.settings().appLanguage == QLatin1StringView("en"); }
+
+    text::Language language() const { return isEnglish() ? text::Language::English : text::Language::Chinese; }
 
     /// All texts of the page in the language at the moment, by their names.
     QVariantMap texts() const;

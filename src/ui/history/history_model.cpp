@@ -25,10 +25,6 @@ HistoryModel::HistoryModel(persistence::StorageManager& storage, persistence::Hi
     refresh();
 }
 
-HistoryLanguage HistoryModel::language() const {
-    return isEnglish() ? HistoryLanguage::English : HistoryLanguage::Chinese;
-}
-
 void HistoryModel::setSearchText(const QString& typed) {
     if (typed == searchText_)
         return;

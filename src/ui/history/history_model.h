@@ -43,12 +43,11 @@ class HistoryModel : public PageModel {
     QAbstractItemModel* groups() { return &groups_; }
     QAbstractItemModel* conversation() { return &conversation_; }
 
-    /// Removes all entries and their pictures, without a question.
+    /// Without a question.
     Q_INVOKABLE void clear();
 
  private:
     void refresh();
-    HistoryLanguage language() const;
     std::optional<HistoryImage> findImage(const QString& outputImagePath) const;
 
     persistence::HistoryManager& history_;
@@ -63,7 +62,7 @@ class HistoryModel : public PageModel {
     RowList<HistoryPieceRow> conversation_;
     persistence::ChangeSubscription subscription_;
     persistence::ChangeSubscription settingsSubscription_;
-    HistoryLanguage shownLanguage_ = HistoryLanguage::Chinese;
+    text::Language shownLanguage_ = text::Language::Chinese;
 };
 
 }  // namespace tavrelon::ui

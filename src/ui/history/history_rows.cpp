@@ -35,7 +35,7 @@ QString preview(const QString& input) {
     return beginning.size() < input.size() ? beginning + "..."_L1 : beginning;
 }
 
-std::vector<HistoryBadge> badgesOf(const HistoryEntry& entry, HistoryLanguage language) {
+std::vector<HistoryBadge> badgesOf(const HistoryEntry& entry, text::Language language) {
     std::vector<HistoryBadge> badges;
     if (entry.wasReverted)
         badges.push_back({history_texts::reverted.in(language), u"arrow.uturn.backward"_s, u"orange"_s});
@@ -66,7 +66,7 @@ QString roleName(HistoryMessageRole role) {
     return {};
 }
 
-QString labelOf(HistoryMessageRole role, HistoryLanguage language) {
+QString labelOf(HistoryMessageRole role, text::Language language) {
     switch (role) {
         case HistoryMessageRole::User:
             return history_texts::userLabel.in(language);
@@ -80,7 +80,7 @@ QString labelOf(HistoryMessageRole role, HistoryLanguage language) {
 
 /// Appends the bubble of one message, piece by piece.
 void addBubble(std::vector<HistoryPieceRow>& rows, const HistoryEntry& entry, HistoryMessageRole role,
-               const QString& messageText, HistoryLanguage language, std::optional<HistoryImage> image) {
+               const QString& messageText, text::Language language, std::optional<HistoryImage> image) {
     const auto first = rows.size();
     HistoryPieceRow piece{.kind = Kind::Bubble,
                           .entry = entry.id,
@@ -169,7 +169,7 @@ QVariant HistoryPieceRow::value(int wanted) const {
     }
 }
 
-QString entryCountText(std::size_t count, HistoryLanguage language) {
+QString entryCountText(std::size_t count, text::Language language) {
     return count == 1 ? history_texts::oneEntry.in(language) : history_texts::entries.in(language).arg(count);
 }
 
@@ -178,13 +178,13 @@ QString shortTimeText(std::chrono::system_clock::time_point time, const QLocale&
     return locale.toString(QDateTime::fromMSecsSinceEpoch(sinceEpoch.count()), QLocale::ShortFormat);
 }
 
-HistoryAppRow appRow(const AppHistoryGroup& group, const QLocale& locale, HistoryLanguage language) {
+HistoryAppRow appRow(const AppHistoryGroup& group, const QLocale& locale, text::Language language) {
     return {group.id, group.displayName, entryCountText(group.entries.size(), language),
             shortTimeText(group.latest().timestamp, locale), preview(group.latest().inputText)};
 }
 
 std::vector<HistoryPieceRow> conversationRows(const AppHistoryGroup& group, const QLocale& locale,
-                                              HistoryLanguage language, const HistoryImageFinder& findImage) {
+                                              text::Language language, const HistoryImageFinder& findImage) {
     std::vector<HistoryPieceRow> rows;
     for (const auto& entry : group.entries) {
         HistoryPieceRow head;

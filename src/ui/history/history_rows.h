@@ -69,12 +69,12 @@ struct HistoryPieceRow {
 /// Gives the picture of a path as an entry names it; nothing where it cannot be read.
 using HistoryImageFinder = std::function<std::optional<HistoryImage>(const QString& outputImagePath)>;
 
-QString entryCountText(std::size_t count, HistoryLanguage language);
+QString entryCountText(std::size_t count, text::Language language);
 QString shortTimeText(std::chrono::system_clock::time_point time, const QLocale& locale);
-HistoryAppRow appRow(const AppHistoryGroup& group, const QLocale& locale, HistoryLanguage language);
+HistoryAppRow appRow(const AppHistoryGroup& group, const QLocale& locale, text::Language language);
 
 /// The conversation of a group, from top to bottom.
 std::vector<HistoryPieceRow> conversationRows(const AppHistoryGroup& group, const QLocale& locale,
-                                              HistoryLanguage language, const HistoryImageFinder& findImage);
+                                              text::Language language, const HistoryImageFinder& findImage);
 
 }  // namespace tavrelon::ui

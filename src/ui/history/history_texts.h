@@ -15,14 +15,12 @@ inline constexpr std::array<PageText, 5> historyTexts{{
     {u"chooseApplication", u"Choose an application to see its requests", u"选择一个应用查看对话"},
 }};
 
-enum class HistoryLanguage { English, Chinese };
-
 struct HistoryText {
     QStringView english;
     QStringView chinese;
 
-    QString in(HistoryLanguage language) const {
-        return (language == HistoryLanguage::English ? english : chinese).toString();
+    QString in(text::Language language) const {
+        return (language == text::Language::English ? english : chinese).toString();
     }
 };
 

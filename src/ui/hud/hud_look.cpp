@@ -77,7 +77,7 @@ QSizeF hudContentSize(const InputState& state, std::optional<InputTrigger> trigg
         case HUDFace::Standard:
             break;
     }
-    return {state == Case::error ? widthOfError(state.message) : widthOfAState, height};
+    return {state == Case::error ? widthOfError(state.message.english) : widthOfAState, height};
 }
 
 QSizeF hudWaitingSize(const InputState& state, std::optional<InputTrigger> trigger) {
@@ -104,9 +104,9 @@ HUDLook hudLook(const InputState& state, HUDLanguage language) {
         case Case::completed:
             return look(u"Done", u"完成", "checkmark"_L1, "green"_L1);
         case Case::error:
-            return state.message.isEmpty()
-                       ? look(u"Error", u"出错了", "exclamationmark.triangle.fill"_L1, "red"_L1)
-                       : look(state.message, state.message, "exclamationmark.triangle.fill"_L1, "red"_L1);
+            return state.message.isEmpty() ? look(u"Error", u"出错了", "exclamationmark.triangle.fill"_L1, "red"_L1)
+                                           : look(state.message.english, state.message.chinese,
+                                                  "exclamationmark.triangle.fill"_L1, "red"_L1);
     }
     return look(u"Ready", u"就绪", "command"_L1, "grey"_L1);
 }

@@ -23,7 +23,7 @@ QSizeF hudContentSize(const input::InputState& state, std::optional<input::Input
 /// With room for the name of the service that is waited for.
 QSizeF hudWaitingSize(const input::InputState& state, std::optional<input::InputTrigger> trigger);
 
-enum class HUDLanguage { English, Chinese };
+using HUDLanguage = text::Language;
 
 /// What the standard face says of a state.
 struct HUDLook {

@@ -61,7 +61,8 @@ void InputHUDWindowController::react(const InputState& state) {
             scheduleReturnToIdle(resultDelay);
             break;
     }
-    desktop_.setStatusIcon(statusSymbol(state), reason_);
+    desktop_.setStatusIcon(statusSymbol(state),
+                           reason_ ? std::optional(reason_->in(desktop_.language())) : std::nullopt);
 }
 
 void InputHUDWindowController::resize(const InputState& state) {

@@ -55,7 +55,7 @@ class InputHUDWindowController {
     input::InputState placedFor_;
     std::optional<QRectF> caret_;  ///< beside which the panel stands; y counts upward
     std::optional<platform::Screen> screen_;
-    std::optional<QString> reason_;
+    std::optional<text::LocalizedText> reason_;
     async::Timer return_;  ///< of the last input that ended
     async::Timer patience_;
     QPropertyNotifier stateSubscription_;

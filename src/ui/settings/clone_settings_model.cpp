@@ -9,7 +9,6 @@
 namespace tavrelon::ui {
 
 using namespace Qt::StringLiterals;
-using learning::MessageLanguage;
 
 namespace {
 
@@ -34,8 +33,7 @@ void CloneSettingsModel::learnerChanged() {
                 std::rethrow_exception(*outcome);
             statusMessage_ = text(u"learned");
         } catch (const std::exception& error) {
-            errorMessage_ =
-                learning::cloneErrorMessage(error, isEnglish() ? MessageLanguage::English : MessageLanguage::Chinese);
+            errorMessage_ = text::descriptionOf(error).in(language());
         }
     }
     Q_EMIT changed();

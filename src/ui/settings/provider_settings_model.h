@@ -166,7 +166,7 @@ class ProviderSettingsModel : public PageModel {
     QString selection_;
     OllamaCloudModels cloudModels_;
     FoundServers found_{{services_.mainLoop, storage(), services_.pollinations, services_.httpSession}};
-    ServiceTrial trial_{services_.mainLoop, services_.pollinations};
+    ServiceTrial trial_{services_.mainLoop, services_.pollinations, [this] { return language(); }};
     TaughtModel taught_{storage(), {persistence::Taught::AdaptivePrompt, persistence::Taught::CloneProfile}};
 };
 

@@ -3,7 +3,7 @@
 namespace tavrelon::ui {
 
 QString ServiceTrial::outcome() const {
-    return !last_ ? QString() : last_->answer ? *last_->answer : last_->answer.error();
+    return !last_ ? QString() : last_->answer ? *last_->answer : last_->answer.error().in(language_());
 }
 
 QString ServiceTrial::seconds() const {

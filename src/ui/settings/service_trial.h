@@ -17,8 +17,10 @@ class ServiceTrial : public QObject {
     Q_PROPERTY(QString seconds READ seconds NOTIFY changed)
 
  public:
-    ServiceTrial(async::MainLoop& loop, generation::PollinationsService& service)
-        : loop_(loop), service_(service), tasks_(loop) {}
+    /// `language` is that of the interface at the moment.
+    ServiceTrial(async::MainLoop& loop, generation::PollinationsService& service,
+                 std::function<text::Language()> language)
+        : loop_(loop), service_(service), language_(std::move(language)), tasks_(loop) {}
 
     bool isBusy() const { return isBusy_; }
     bool hasFailed() const { return last_ && !last_->answer; }
@@ -39,6 +41,7 @@ class ServiceTrial : public QObject {
 
     async::MainLoop& loop_;
     generation::PollinationsService& service_;
+    std::function<text::Language()> language_;
     std::optional<app::ServiceTest> last_;
     std::optional<async::TaskHandle> running_;
     bool isBusy_ = false;
