@@ -48,7 +48,10 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       videoRecorder_(platform, contextCapturer_.screenshots, frameInterval, maxFrames),
       hotkeyStatusHUDController_(platform.mainLoop, userInterface, [this] { return overlayLanguage(); }),
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints),
-      consent_(platform.mainLoop, platform.defaultsStore) {
+      consent_(platform.mainLoop, platform.defaultsStore),
+      undoOffers_(platform.mainLoop) {
+    if (storageManager_.isNew())
+        speakAsTheSession();
     enforceProviderExclusivity(storageManager_);
     adoptWhatWasTaught(storageManager_);
     serviceSubscription_ = followSettings(storageManager_, pollinationsService_);
@@ -85,6 +88,17 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
     settingsSubscription_ = storageManager_.onChange([this] { applyCaptureSettings(); });
     outputWriter_.keepsClipboard = [this] { return storageManager_.settings().keepClipboard; };
 }
+/// Until the user chooses, the interface has the first of the session's languages that it knows.
+void AppState::speakAsTheSession() {
+    for (const auto& language : platform_.sessionLanguages) {
+        const auto code = language.section(u'-', 0, 0);
+        if (code != QLatin1StringView("en") && code != QLatin1StringView("zh"))
+            continue;
+        storageManager_.changeSettings([&](persistence::AppSettings& settings) { settings.appLanguage = code; });
+        return;
+    }
+}
+
 
 AppState::~AppState() {
     userInterface_.application.setOnActiveChanged(nullptr);

@@ -59,6 +59,7 @@ class AppState {
  private:
     void noteFirstAnswer();
     void askForConsent(const std::optional<ServiceConsent::Question>& question);
+    void speakAsTheSession();
     void applyHotkeySettings();
     void applyCaptureSettings();
     void setCallbacks();

@@ -36,6 +36,7 @@ StorageManager::StorageManager(platform::DefaultsStore& userDefaults, platform::
 
 AppSettings StorageManager::storedSettings() {
     const auto document = userDefaults_.data(defaults_keys::settings);
+    isNew_ = !document;
     if (!document)
         return defaultSettings();
     try {

@@ -33,6 +33,9 @@ class StorageManager {
     /// The current settings. The reference stays good for this object's life and always shows the newest values.
     const AppSettings& settings() const { return settings_; }
 
+    /// Whether nothing was stored before this object was made, as at the first start.
+    bool isNew() const { return isNew_; }
+
     /// Lets `change` write into the settings, then tells the subscribers. Nothing is stored: `saveSettings` follows.
     template <typename Change>
     void changeSettings(Change change) {
@@ -81,6 +84,7 @@ class StorageManager {
     platform::Log& log_;
     async::MainLoop& mainLoop_;
     QString applicationSupport_;
+    bool isNew_ = false;
     QStringList faultySettings_;
     AppSettings settings_;
     ServiceKeys keys_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 #include "async/main_loop.h"
 #include "platform/accessibility.h"
@@ -43,7 +43,8 @@ struct Platform {
     DocumentReader& documentReader;
     AudioInput& audioInput;
     Speech& speech;
-    QString applicationSupport;  ///< the folder "Tavrelon" in the user's data folder, absolute
+    QString applicationSupport;         ///< the folder "Tavrelon" in the user's data folder, absolute
+    QStringList sessionLanguages = {};  ///< of the user's session, the preferred first, as "zh-Hans-CN"
 };
 
 }  // namespace tavrelon::platform

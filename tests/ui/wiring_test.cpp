@@ -47,6 +47,22 @@ TEST_F(WiringTest, TheMasterSwitchShowsItsNewState) {
     EXPECT_EQ(desktop.panels.made.size(), 1U);
 }
 
+TEST_F(WiringTest, TheFirstStartSpeaksTheSessionsLanguageAndLaterOnesTheUsers) {
+    const auto languageAfterStart = [&](const QStringList& session) {
+        desktop.platform.sessionLanguages = session;
+        AppDelegate started(desktop.platform, desktop.userInterface,
+                                  generation::ServiceEndpoints::builtIn());
+        return started.appState().storageManager().settings().appLanguage;
+    };
+    const auto english = QStringLiteral("en");
+    const auto chinese = QStringLiteral("zh");
+    EXPECT_EQ(languageAfterStart({QStringLiteral("zh-Hans-CN"), QStringLiteral("en")}), chinese);
+    EXPECT_EQ(languageAfterStart({QStringLiteral("de-DE"), QStringLiteral("zh-TW")}), chinese);
+    EXPECT_EQ(languageAfterStart({QStringLiteral("de-DE")}), english);
+    desktop.defaultsStore.setData(persistence::defaults_keys::settings, R"({"appLanguage": "en"})");
+    EXPECT_EQ(languageAfterStart({QStringLiteral("zh-CN")}), english);
+}
+
 TEST_F(WiringTest, BothPromptBoxKeysOpenTheBoxAndTheSecondPressOfItsHotkeyClosesIt) {
     launch();
     press(keys::defaults::quickAskHotkey);

@@ -1,6 +1,7 @@
 #include "desktop/session/session_adapters.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 
 #include "desktop/audio/vosk_speech.h"
 #include "desktop/documents/confinement.h"
@@ -46,7 +47,8 @@ SessionAdapters::SessionAdapters(async::MainLoop& loop, platform::Log& log, Wind
                documentReader,
                audioInput,
                *speech,
-               folders.applicationSupport} {
+               folders.applicationSupport,
+               QLocale::system().uiLanguages()} {
     if (const auto gap = confinementGap())
         log.line(QStringLiteral("[Documents] ") + *gap);
 }
