@@ -78,16 +78,16 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
     userInterface.application.setOnActiveChanged(
         [this](bool isActive) { hotkeyManager_.setOwnWindowActive(isActive); });
     applyCaptureSettings();
-    historySubscription_ = historyManager_.onChange([this] {
-        // Who clears the history does not want its inputs kept elsewhere.
-        if (historyManager_.entries().empty())
-            adaptivePromptLearner_->forget();
-        noteFirstAnswer();
-    });
+    historySubscription_ = historyManager_.onChange([this] { noteFirstAnswer(); });
     noteFirstAnswer();
     settingsSubscription_ = storageManager_.onChange([this] { applyCaptureSettings(); });
     outputWriter_.keepsClipboard = [this] { return storageManager_.settings().keepClipboard; };
 }
+
+AppState::~AppState() {
+    userInterface_.application.setOnActiveChanged(nullptr);
+}
+
 /// Until the user chooses, the interface has the first of the session's languages that it knows.
 void AppState::speakAsTheSession() {
     for (const auto& language : platform_.sessionLanguages) {
@@ -97,11 +97,6 @@ void AppState::speakAsTheSession() {
         storageManager_.changeSettings([&](persistence::AppSettings& settings) { settings.appLanguage = code; });
         return;
     }
-}
-
-
-AppState::~AppState() {
-    userInterface_.application.setOnActiveChanged(nullptr);
 }
 
 void AppState::noteFirstAnswer() {

@@ -4,6 +4,7 @@
 
 #include "app/ai_generator.h"
 #include "app/readiness.h"
+#include "app/undo_offers.h"
 #include "async/lifetime.h"
 #include "capture/context_capturer.h"
 #include "capture/cursor_locator.h"
@@ -51,15 +52,16 @@ class AppState {
     input::InputStateMachine& inputStateMachine() { return *inputStateMachine_; }
     ui::HotkeyStatusHUDWindowController& hotkeyStatusHUDController() { return hotkeyStatusHUDController_; }
     ServiceConsent& serviceConsent() { return consent_; }
+    UndoOffers& undoOffers() { return undoOffers_; }
     async::MainLoop& mainLoop() { return platform_.mainLoop; }
 
     /// As far as it can be told without asking anybody.
     Readiness readiness() const;
 
  private:
+    void speakAsTheSession();
     void noteFirstAnswer();
     void askForConsent(const std::optional<ServiceConsent::Question>& question);
-    void speakAsTheSession();
     void applyHotkeySettings();
     void applyCaptureSettings();
     void setCallbacks();
@@ -98,6 +100,7 @@ class AppState {
     persistence::ChangeSubscription serviceSubscription_;
     persistence::ChangeSubscription settingsSubscription_;
     persistence::ChangeSubscription historySubscription_;
+    UndoOffers undoOffers_;
     async::Lifetime lifetime_;
 };
 

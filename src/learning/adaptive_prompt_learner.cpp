@@ -1,10 +1,10 @@
 #include "learning/adaptive_prompt_learner.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "generation/text_chain.h"
 #include "learning/adaptive_prompt.h"
-#include "persistence/taught.h"
 
 namespace tavrelon::learning {
 
@@ -71,14 +71,31 @@ void AdaptivePromptLearner::seed(const persistence::HistoryManager& historyManag
     save();  // an empty one too: what is forgotten does not come back from the history
 }
 
-void AdaptivePromptLearner::forget() {
+std::shared_ptr<AdaptivePromptLearner::Forgotten> AdaptivePromptLearner::forget() {
     ++forgettings_;
-    storageManager_.changeSettings(
-        [](persistence::AppSettings& settings) { forgetTaught(settings, persistence::Taught::AdaptivePrompt); });
+    const auto forgotten = std::make_shared<Forgotten>();
+    storageManager_.changeSettings([&](persistence::AppSettings& settings) {
+        forgotten->taught = forgetTaught(settings, persistence::Taught::AdaptivePrompt);
+    });
     storageManager_.saveSettings();
-    queue_->post([this, forgettings = forgettings_.load()] {
-        state_ = {};
+    queue_->post([this, forgotten, forgettings = forgettings_.load()] {
+        forgotten->state = std::exchange(state_, {});
         forgettingsOfState_ = forgettings;
+        save();
+    });
+    return forgotten;
+}
+
+void AdaptivePromptLearner::recall(const std::shared_ptr<Forgotten>& forgotten) {
+    storageManager_.changeSettings([&](persistence::AppSettings& settings) {
+        restoreTaught(settings, persistence::Taught::AdaptivePrompt, forgotten->taught);
+    });
+    storageManager_.saveSettings();
+    queue_->post([this, forgotten] {
+        auto& pending = state_.pendingInputs;
+        pending.insert(pending.begin(), forgotten->state.pendingInputs.begin(), forgotten->state.pendingInputs.end());
+        if (!state_.lastUpdatedAt)
+            state_.lastUpdatedAt = forgotten->state.lastUpdatedAt;
         save();
     });
 }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 
 #include "async/lifetime.h"
 #include "async/task_scope.h"
@@ -10,6 +11,7 @@
 #include "learning/learner_state.h"
 #include "persistence/history_manager.h"
 #include "persistence/storage_manager.h"
+#include "persistence/taught.h"
 #include "platform/serial_queue.h"
 
 namespace tavrelon::learning {
@@ -38,9 +40,18 @@ class AdaptivePromptLearner : public InputRecorder {
 
     void recordInput(const QString& text) override;
 
-    /// Empties the samples and the learned prompt, on disk too. An update under way teaches nothing any more. Main
-    /// thread.
-    void forget();
+    /// What was forgotten, in memory alone; it goes with its last owner.
+    struct Forgotten {
+        persistence::TaughtRecord taught;
+        LearnerState state;  ///< the queue's
+    };
+
+    /// Empties the samples and the learned prompt, on disk too, and gives them. An update under way teaches nothing any
+    /// more. Main thread.
+    std::shared_ptr<Forgotten> forget();
+
+    /// Puts back what was forgotten, before what was gathered since. Main thread.
+    void recall(const std::shared_ptr<Forgotten>& forgotten);
 
     /// Starts an update if enough samples wait for one. Returns at once.
     void scheduleEvaluation();

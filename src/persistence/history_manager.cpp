@@ -49,24 +49,52 @@ bool HistoryManager::save() {
 
 void HistoryManager::addEntry(HistoryEntry entry) {
     entries_.insert(entries_.begin(), std::move(entry));
-    if (std::ssize(entries_) > maxEntries_) {
-        const auto firstDropped = entries_.begin() + maxEntries_;
-        dropped_.insert(dropped_.end(), firstDropped, entries_.end());
-        entries_.erase(firstDropped, entries_.end());
-    }
+    dropExcess();
+    saveAndAnnounce();
+}
+
+void HistoryManager::dropExcess() {
+    if (std::ssize(entries_) <= maxEntries_)
+        return;
+    const auto firstDropped = entries_.begin() + maxEntries_;
+    dropped_.insert(dropped_.end(), firstDropped, entries_.end());
+    entries_.erase(firstDropped, entries_.end());
+}
+
+void HistoryManager::saveAndAnnounce() {
     if (save())
         removeImages(std::exchange(dropped_, {}));
     notice_.announce();
 }
 
-void HistoryManager::clearHistory() {
-    removeImages(std::exchange(entries_, {}));
+ClearedHistory HistoryManager::clearHistory() {
+    ClearedHistory cleared{std::exchange(entries_, {}), {}};
+    const auto take = [&](const QString& path) {
+        if (auto content = fileSystem_.read(path))
+            cleared.files.emplace_back(path, *std::move(content));
+    };
+    for (const auto& entry : cleared.entries)
+        if (const auto path = imageOf(entry))
+            take(*path);
+    if (fileSystem_.exists(brokenPath()))
+        take(brokenPath());
+    removeImages(cleared.entries);
     removeImages(std::exchange(dropped_, {}));
     // Whoever clears the history does not want it back at the next start, and a removal needs no room on the disk.
     if (!save())
         static_cast<void>(fileSystem_.remove(storagePath()));
     static_cast<void>(fileSystem_.remove(brokenPath()));
     notice_.announce();
+    return cleared;
+}
+
+void HistoryManager::restore(const ClearedHistory& cleared) {
+    for (const auto& [path, content] : cleared.files)
+        if (const auto written = fileSystem_.write(path, content); !written)
+            log_.line(QStringLiteral("Failed to restore history: ") + written.error().description);
+    entries_.insert(entries_.end(), cleared.entries.begin(), cleared.entries.end());
+    dropExcess();
+    saveAndAnnounce();
 }
 
 std::optional<QString> HistoryManager::saveImage(const QByteArray& data, const QUuid& id) {
@@ -85,8 +113,12 @@ std::optional<QString> HistoryManager::userStyleProfile(qint64 limit) const {
 
 void HistoryManager::removeImages(const std::vector<HistoryEntry>& dropped) {
     for (const auto& entry : dropped)
-        if (const auto path = resolvedImagePath(entry.outputImagePath.value_or(QString())))
+        if (const auto path = imageOf(entry))
             static_cast<void>(fileSystem_.remove(*path));
+}
+
+std::optional<QString> HistoryManager::imageOf(const HistoryEntry& entry) const {
+    return resolvedImagePath(entry.outputImagePath.value_or(QString()));
 }
 
 std::optional<QString> HistoryManager::resolvedImagePath(const QString& outputImagePath) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "persistence/change_notice.h"
@@ -8,6 +9,14 @@
 #include "platform/log.h"
 
 namespace tavrelon::persistence {
+
+/// What a clearing of the history took, in memory alone.
+struct ClearedHistory {
+    std::vector<HistoryEntry> entries;                  ///< newest first
+    std::vector<std::pair<QString, QByteArray>> files;  ///< pictures and an unreadable history, each under its path
+
+    bool isEmpty() const { return entries.empty() && files.empty(); }
+};
 
 /// Keeps the last requests of the user, on disk as well. Nothing here throws: a failed write is logged, and the list in
 /// memory is then ahead of the file until the next one that succeeds. Main thread.
@@ -32,8 +41,12 @@ class HistoryManager {
     /// Puts the entry in front and stores the list; what exceeds the cap goes, with its images.
     void addEntry(HistoryEntry entry);
 
-    /// Removes all entries and their images.
-    void clearHistory();
+    /// Removes all entries and their images, on disk at once. What it gives is all that is left of them.
+    ClearedHistory clearHistory();
+
+    /// Puts back what a clearing took, behind what came since; what exceeds the cap goes. A picture that cannot be
+    /// written again is logged and lost.
+    void restore(const ClearedHistory& cleared);
 
     /// Stores an image for the entry `id` and gives the path to put into it; absent when it could not be stored.
     std::optional<QString> saveImage(const QByteArray& data, const QUuid& id);
@@ -48,6 +61,9 @@ class HistoryManager {
  private:
     void load();
     bool save();
+    void dropExcess();
+    void saveAndAnnounce();
+    std::optional<QString> imageOf(const HistoryEntry& entry) const;
     void removeImages(const std::vector<HistoryEntry>& dropped);
     QString storagePath() const;
     QString brokenPath() const;

@@ -2,6 +2,7 @@
 
 #include <QUrl>
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "text/characters.h"
@@ -76,13 +77,26 @@ void keepTaught(AppSettings& settings, Taught what) {
     settings.*placeOf(what).provider = providerOf(settings);
 }
 
-void forgetTaught(AppSettings& settings, Taught what) {
+TaughtRecord forgetTaught(AppSettings& settings, Taught what) {
     const auto& place = placeOf(what);
+    TaughtRecord record;
     for (const auto text : place.texts)
-        (settings.*text).clear();
-    (settings.*place.source).clear();
-    (settings.*place.provider).clear();
-    (settings.*place.date).reset();
+        record.texts << std::exchange(settings.*text, {});
+    record.source = std::exchange(settings.*place.source, {});
+    record.provider = std::exchange(settings.*place.provider, {});
+    record.date = std::exchange(settings.*place.date, {});
+    return record;
+}
+
+void restoreTaught(AppSettings& settings, Taught what, const TaughtRecord& record) {
+    if (isTaught(settings, what))
+        return;
+    const auto& place = placeOf(what);
+    for (qsizetype i = 0; i < record.texts.size(); ++i)
+        settings.*place.texts[static_cast<std::size_t>(i)] = record.texts[i];
+    settings.*place.source = record.source;
+    settings.*place.provider = record.provider;
+    settings.*place.date = record.date;
 }
 
 bool adoptTaught(AppSettings& settings) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QStringList>
+#include <optional>
+
 #include "persistence/app_settings.h"
 
 /// What a service taught about the way the user writes is personal: it goes to the provider that taught it, and to
@@ -25,8 +28,19 @@ void noteSource(AppSettings& settings, Taught what, const QString& source, const
 /// Lets the provider chosen now have it.
 void keepTaught(AppSettings& settings, Taught what);
 
-/// Removes it with all that is known about it.
-void forgetTaught(AppSettings& settings, Taught what);
+/// What was taught, with all that is known about it.
+struct TaughtRecord {
+    QStringList texts;
+    QString source;
+    QString provider;
+    std::optional<AppSettings::Date> date;
+};
+
+/// Removes it with all that is known about it, and gives it.
+TaughtRecord forgetTaught(AppSettings& settings, Taught what);
+
+/// Puts back what `forgetTaught` gave, unless something else was taught since.
+void restoreTaught(AppSettings& settings, Taught what, const TaughtRecord& record);
 
 /// Older documents do not tell the provider: what they hold was used with the one chosen now. False if there was
 /// nothing to note.

@@ -46,6 +46,7 @@ Dashboard::Dashboard(app::AppState& appState, desktop::SessionAdapters& session)
               ui::hotkeysPage(appState, keys, session.platform.hotkeys, session.platform.speech),
               ui::clonePage(appState, session.platform, filePicker), ui::providersPage(appState, session.platform),
               ui::historyPage(appState), ui::privacyPage(appState, permissions(session))},
-             {donationLink(session.platform.workspace), [&appState] { return appState.readiness(); }}) {}
+             {donationLink(session.platform.workspace), [&appState] { return appState.readiness(); },
+              appState.undoOffers()}) {}
 
 }  // namespace tavrelon::program

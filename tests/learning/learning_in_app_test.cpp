@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "app/app_delegate.h"
+#include "app/history_clearing.h"
 #include "generation/gateway_fixture.h"
 #include "support/test_desktop.h"
 
@@ -59,9 +60,34 @@ TEST_F(LearningInApp, FortyRequestsTeachTheNextOne) {
     EXPECT_TRUE(userPrompts.back().contains(u"Input 40: please answer 40\n"_s));
     request(u"please answer again"_s);
     EXPECT_TRUE(systemPrompts.back().contains(u"Write tersely."_s));
-    program->appState().historyManager().clearHistory();
+
+    auto& state = program->appState();
+    const auto clear = [&] {
+        app::clearHistory(state.historyManager(), state.adaptivePromptLearner(), state.undoOffers());
+        desktop.loop.runUntilIdle();
+    };
+    const auto samples = [&] { return desktop.fileSystem.content(u"/data/Tavrelon/adaptive_prompt_state.json"_s); };
+    const auto gathered = samples();
+    ASSERT_TRUE(gathered.contains("please answer again"));
+    clear();
+    EXPECT_EQ(samples(), R"({"pendingInputs":[]})") << "on disk there is nothing to find, whatever ends the program";
+    clear();  // a double click
+    desktop.loop.advance(std::chrono::seconds(9));
+    state.undoOffers().undo(app::Undoable::HistoryClearing);
+    desktop.loop.runUntilIdle();
+    EXPECT_EQ(samples(), gathered);
+    EXPECT_EQ(state.historyManager().entries().size(), 20U);
+    request(u"please answer too"_s);
+    EXPECT_TRUE(systemPrompts.back().contains(u"Write tersely."_s));
+
+    clear();
     request(u"please answer once more"_s);
     EXPECT_FALSE(systemPrompts.back().contains(u"Write tersely."_s)) << "it goes with the history";
+    desktop.loop.advance(std::chrono::seconds(10));
+    EXPECT_TRUE(state.undoOffers().standing().empty());
+    state.undoOffers().undo(app::Undoable::HistoryClearing);
+    EXPECT_LE(state.historyManager().entries().size(), 1U);
+    EXPECT_EQ(state.storageManager().settings().adaptiveSystemPrompt, QString());
 }
 
 TEST_F(LearningInApp, SamplesOfTheLastRunAreLearnedFromAtTheStart) {

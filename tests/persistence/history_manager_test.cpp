@@ -140,6 +140,32 @@ TEST_F(HistoryManagerTest, WithoutRoomOnTheDiskAClearedHistoryIsGoneAndPicturesS
     EXPECT_EQ(files.files(), QStringList());
 }
 
+TEST_F(HistoryManagerTest, AClearingIsOffTheDiskAtOnceAndComesBackBehindWhatIsNewer) {
+    files.put(file, "[{}]");
+    auto history = start();
+    auto pictured = entry(QStringLiteral("pictured"));
+    pictured.outputImagePath = history.saveImage("jpeg", pictured.id);
+    history.addEntry(pictured);
+    history.addEntry(entry(QStringLiteral("plain")));
+    const auto before = files.files();
+    const auto cleared = history.clearHistory();
+    EXPECT_EQ(files.files(), QStringList(file));
+    EXPECT_EQ(files.content(file), "[]");
+    EXPECT_TRUE(history.clearHistory().isEmpty());
+    history.addEntry(entry(QStringLiteral("newer")));
+    history.restore(cleared);
+    EXPECT_EQ(inputs(start()).join(u' '), QStringLiteral("newer plain pictured"));
+    EXPECT_EQ(files.files(), before) << "the picture, and the history that could not be read";
+    EXPECT_EQ(files.content(*history.resolvedImagePath(*pictured.outputImagePath)), "jpeg");
+
+    const auto again = history.clearHistory();
+    for (int i = 0; i < 18; ++i)
+        history.addEntry(entry(QString::number(i)));
+    history.restore(again);
+    EXPECT_EQ(history.entries().size(), 20U);
+    EXPECT_FALSE(files.exists(*history.resolvedImagePath(*pictured.outputImagePath))) << "beyond the cap";
+}
+
 TEST_F(HistoryManagerTest, FailuresAreLoggedAndLoseNothingInMemory) {
     files.put(file, "[{}]");
     auto history = start();

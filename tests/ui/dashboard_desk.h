@@ -27,9 +27,10 @@ struct DashboardDesk {
 
     int forgettings = 0;
     ui::GeneralSettingsModel general{{desktop.loop, storage, service, desktop.httpSession}, [this] { ++forgettings; }};
+    app::UndoOffers undoOffers{desktop.loop};
     ui::HotkeysSettingsModel hotkeys{{desktop.loop, storage, manager, keys,
                                       [this](bool enabled) { shownStates.push_back(enabled); },
-                                      desktop.keyboard.hotkeys, desktop.speech}};
+                                      desktop.keyboard.hotkeys, desktop.speech, undoOffers}};
     app::ServiceConsent consent{desktop.loop, store};
     ui::PrivacySettingsModel privacy{storage, permissions(), consent};
 

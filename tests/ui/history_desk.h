@@ -15,7 +15,7 @@ struct HistoryDesk {
     persistence::StorageManager storage{desktop.defaultsStore, desktop.fileSystem, desktop.log, desktop.loop,
                                         desktop.platform.applicationSupport};
     persistence::HistoryManager history{desktop.fileSystem, desktop.log, folder.path(), 20};
-    ui::HistoryModel page{storage, history, QLocale(QStringLiteral("en_US"))};
+    ui::HistoryModel page{storage, history, [this] { history.clearHistory(); }, QLocale(QStringLiteral("en_US"))};
 
     HistoryDesk() { QDir(folder.path()).mkdir(QStringLiteral("history-images")); }
 

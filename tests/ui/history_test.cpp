@@ -77,7 +77,7 @@ TEST_F(HistoryTest, SearchesAllTextsAndHidesTheRest) {
     page.setFilterIntent(u"image"_s);
     EXPECT_EQ(groups(), QStringList{u"Notes"_s});
 
-    HistoryModel turkish(storage, history, QLocale(u"tr_TR"_s));
+    HistoryModel turkish(storage, history, {}, QLocale(u"tr_TR"_s));
     add({.appName = u"Işık"_s});
     turkish.setSearchText(u"ışık"_s);
     EXPECT_EQ(turkish.groups()->rowCount(), 1);

@@ -153,6 +153,7 @@ TEST_F(HotkeysSettingsTest, SwitchesWorkAtOnceAndTheDefaultsTouchNothingElse) {
         settings.voiceInputSilenceTimeoutSeconds = 9;
         settings.shareImprovements = true;
     });
+    const auto earlier = storage.settings();
     hotkeys.restoreDefaults();
     auto expected = persistence::defaultSettings();
     expected.shareImprovements = true;
@@ -160,6 +161,17 @@ TEST_F(HotkeysSettingsTest, SwitchesWorkAtOnceAndTheDefaultsTouchNothingElse) {
     EXPECT_TRUE(manager.hotkeysEnabled && manager.toggleHotkeyEnabled);
     EXPECT_EQ(manager.videoHotkey, keys::defaults::videoHotkey);
     EXPECT_EQ(shownStates, (std::vector{false, true}));
+
+    hotkeys.restoreDefaults();  // a second press has nothing to take back, and leaves the first one's offer
+    desktop.loop.advance(std::chrono::milliseconds(9999));
+    undoOffers.undo(app::Undoable::HotkeyReset);
+    EXPECT_EQ(stored(), earlier);
+    EXPECT_EQ(static_cast<const keys::HotkeySet&>(manager), earlier);
+    EXPECT_FALSE(shownStates.back());
+    hotkeys.restoreDefaults();
+    desktop.loop.advance(std::chrono::seconds(10));
+    undoOffers.undo(app::Undoable::HotkeyReset);
+    EXPECT_EQ(stored(), expected) << "too late";
 }
 
 }  // namespace tavrelon::ui

@@ -47,7 +47,7 @@ class DashboardGallery {
                                          ui::historyPage(appState),
                                          ui::privacyPage(appState, permissions())};
     ui::DashboardWindowController dashboard{
-        windows, appState.storageManager(), pages, {{}, [this] { return readiness; }}};
+        windows, appState.storageManager(), pages, {{}, [this] { return readiness; }, appState.undoOffers()}};
 
     /// One picture in each language, as <name>-<language>.png.
     void picture(const QString& name, ui::DashboardTab tab, const Preparation& prepare = [](DashboardGallery&) {}) {

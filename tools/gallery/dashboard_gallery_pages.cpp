@@ -220,7 +220,10 @@ void pictureHistory(DashboardGallery& gallery) {
         shown.scrollDown();
     });
     gallery.picture(u"history-right-to-left"_s, DashboardTab::history, choose(u"Firefox"_s));
-    gallery.appState.historyManager().clearHistory();
+    gallery.picture(u"history-cleared"_s, DashboardTab::history, [](DashboardGallery& shown) {
+        shown.page<ui::HistoryModel>().clear();
+    });
+    gallery.desktop.loop.advance(app::UndoOffers::timeToUndo);
 }
 
 }  // namespace tavrelon::testing

@@ -157,7 +157,7 @@ Item {
         }
         Loader {
             id: page
-            anchors { left: sidebar.right; right: parent.right; top: bar.bottom; bottom: parent.bottom }
+            anchors { left: sidebar.right; right: parent.right; top: bar.bottom; bottom: undoBars.top }
 
             function open() {
                 setSource(view.model.pageView, { model: view.model.pageModel });
@@ -171,6 +171,29 @@ Item {
         }
     }
     Connections {
+        // Over every page: what was done on one of them can be taken back from each.
+        Column {
+            id: undoBars
+            anchors { left: sidebar.right; right: parent.right; bottom: parent.bottom }
+
+            Repeater {
+                model: view.model.undoOffers
+                UndoBar {
+                    required property var modelData
+                    text: modelData.text
+                    undoText: view.texts.undo
+                    undoTip: view.texts.undoTip
+                    onUndone: view.model.undo(modelData.what)
+                    // A bar that goes gives the keyboard back to the page.
+                    Component.onDestruction: if (activeFocus) page.forceActiveFocus(Qt.OtherFocusReason)
+                }
+            }
+        }
+        Shortcut {
+            sequences: [StandardKey.Undo]
+            enabled: shell.enabled && view.model.undoOffers.length > 0
+            onActivated: view.model.undoLast()
+        }
         target: view.model
         function onShowingHelpChanged() {
             if (!view.model.showingHelp)

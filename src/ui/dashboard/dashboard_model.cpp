@@ -17,7 +17,10 @@ const DashboardTabLook& lookOf(DashboardTab tab) {
 
 DashboardModel::DashboardModel(persistence::StorageManager& storage, const std::vector<DashboardPage>& pages,
                                const DashboardSurroundings& surroundings)
-    : PageModel(storage, dashboardTexts), pages_(pages), surroundings_(surroundings) {
+    : PageModel(storage, dashboardTexts),
+      pages_(pages),
+      surroundings_(surroundings),
+      undoSubscription_(surroundings.undoOffers.onChange([this] { Q_EMIT undoOffersChanged(); })) {
     if (!pages_.empty())
         show(0);
 }
@@ -72,6 +75,28 @@ QString DashboardModel::state() const {
             return text(u"noKeyboardAccess");
     }
     return text(u"active");
+}
+
+QVariantList DashboardModel::undoOffers() const {
+    QVariantList list;
+    for (const auto what : surroundings_.undoOffers.standing())
+        list << QVariantMap{
+            {QStringLiteral("what"), static_cast<int>(what)},
+            {QStringLiteral("text"),
+             text(what == app::Undoable::HistoryClearing ? u"historyCleared" : u"hotkeysReset")},
+        };
+    return list;
+}
+
+void DashboardModel::undo(int what) {
+    surroundings_.undoOffers.undo(static_cast<app::Undoable>(what));
+    if (current_)
+        current_->appear();  // what the page has read of the desktop may have changed with it
+}
+
+void DashboardModel::undoLast() {
+    if (const auto standing = surroundings_.undoOffers.standing(); !standing.empty())
+        undo(static_cast<int>(standing.back()));
 }
 
 QVariantList DashboardModel::helpSections() const {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/readiness.h"
+#include "app/undo_offers.h"
 #include "ui/dashboard/dashboard_page.h"
 
 namespace tavrelon::ui {
@@ -12,6 +13,7 @@ namespace tavrelon::ui {
 struct DashboardSurroundings {
     std::function<void()> openDonationPage;  ///< in the browser; null where there is none
     std::function<app::Readiness()> readiness;
+    app::UndoOffers& undoOffers;
 };
 
 /// The shell of the dashboard: which page is shown, the language, the help. What is neither stored nor a page's own
@@ -26,6 +28,7 @@ class DashboardModel : public PageModel {
     Q_PROPERTY(bool isActive READ isActive NOTIFY changed)
     Q_PROPERTY(bool canDonate READ canDonate CONSTANT)
     Q_PROPERTY(bool showingHelp MEMBER showingHelp_ NOTIFY showingHelpChanged)
+    Q_PROPERTY(QVariantList undoOffers READ undoOffers NOTIFY undoOffersChanged)
     Q_PROPERTY(QVariantList helpSections READ helpSections NOTIFY changed)
 
  public:
@@ -48,6 +51,11 @@ class DashboardModel : public PageModel {
     QString state() const;
     bool isActive() const { return surroundings_.readiness() == app::Readiness::active; }
 
+    /// What can be taken back at the moment, each a record of `what` and `text`; the last is at the end.
+    QVariantList undoOffers() const;
+    Q_INVOKABLE void undo(int what);
+    Q_INVOKABLE void undoLast();
+
     QVariantList helpSections() const;
 
     // Operations and not properties, of which a view would read the whole list again for each number.
@@ -63,6 +71,7 @@ class DashboardModel : public PageModel {
 
     Q_SIGNAL void selectionChanged();
     Q_SIGNAL void showingHelpChanged();
+    Q_SIGNAL void undoOffersChanged();
 
  private:
     void show(std::size_t index);
@@ -73,6 +82,7 @@ class DashboardModel : public PageModel {
     std::size_t selection_ = 0;
     PageModel* current_ = nullptr;
     bool showingHelp_ = false;
+    persistence::ChangeSubscription undoSubscription_;
 };
 
 }  // namespace tavrelon::ui

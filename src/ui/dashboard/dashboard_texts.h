@@ -5,7 +5,7 @@
 namespace tavrelon::ui {
 
 /// The texts of the shell.
-inline constexpr std::array<PageText, 13> dashboardTexts{{
+inline constexpr std::array<PageText, 17> dashboardTexts{{
     {u"name", u"Tavrelon", u"Tavrelon"},
     {u"active", u"Active", u"已激活"},
     {u"hotkeysOff", u"Hotkeys off", u"快捷键已关闭"},
@@ -19,6 +19,10 @@ inline constexpr std::array<PageText, 13> dashboardTexts{{
     {u"helpTitle", u"How to Use Tavrelon", u"如何使用 Tavrelon"},
     {u"done", u"Done", u"完成"},
     {u"close", u"Close", u"关闭"},
+    {u"undo", u"Undo", u"撤销"},
+    {u"undoTip", u"Within ten seconds, also by Ctrl+Z", u"十秒内有效，也可按 Ctrl+Z"},
+    {u"historyCleared", u"The history was cleared", u"历史记录已清除"},
+    {u"hotkeysReset", u"The hotkeys are at their defaults", u"快捷键已恢复默认"},
 }};
 
 /// A section of the help sheet. Its items are fixed: they do not follow the user's hotkeys.

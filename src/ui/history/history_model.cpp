@@ -9,9 +9,10 @@
 namespace tavrelon::ui {
 
 HistoryModel::HistoryModel(persistence::StorageManager& storage, persistence::HistoryManager& history,
-                           const QLocale& locale)
+                           std::function<void()> clear, const QLocale& locale)
     : PageModel(storage, historyTexts),
       history_(history),
+      clear_(std::move(clear)),
       locale_(locale),
       search_(locale_),
       subscription_(history.onChange([this] {
@@ -48,7 +49,7 @@ void HistoryModel::setFilterIntent(const QString& intent) {
 
 void HistoryModel::clear() {
     selectedAppID_.clear();
-    history_.clearHistory();
+    clear_();
 }
 
 void HistoryModel::refresh() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "persistence/history_manager.h"
 #include "ui/dashboard/page_model.h"
 #include "ui/history/history_rows.h"
@@ -21,9 +23,10 @@ class HistoryModel : public PageModel {
     Q_PROPERTY(QAbstractItemModel* conversation READ conversation CONSTANT)
 
  public:
-    /// The managers outlive this object. `locale` is that of the user, for dates and for what counts as one letter.
+    /// The managers outlive this object. `clear` is to clear the history. `locale` is that of the user, for dates and
+    /// for what counts as one letter.
     HistoryModel(persistence::StorageManager& storage, persistence::HistoryManager& history,
-                 const QLocale& locale = QLocale());
+                 std::function<void()> clear, const QLocale& locale = QLocale());
 
     const QString& searchText() const { return searchText_; }
     void setSearchText(const QString& typed);
@@ -51,6 +54,7 @@ class HistoryModel : public PageModel {
     std::optional<HistoryImage> findImage(const QString& outputImagePath) const;
 
     persistence::HistoryManager& history_;
+    std::function<void()> clear_;
     QLocale locale_;
     HistorySearch search_;
     QString searchText_;

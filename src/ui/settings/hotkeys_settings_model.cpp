@@ -31,6 +31,26 @@ QString textOf(const PageText& text, bool isEnglish) {
     return (isEnglish ? text.english : text.chinese).toString();
 }
 
+/// All that this page sets, and nothing else.
+void copyThisPage(const AppSettings& from, AppSettings& to) {
+    static_cast<keys::HotkeySet&>(to) = from;
+    to.speechLocale = from.speechLocale;
+    for (const auto& row : hotkeyRows)
+        if (row.silenceTimeout)
+            to.*row.silenceTimeout = from.*row.silenceTimeout;
+}
+
+AppSettings ofThisPage(const AppSettings& settings) {
+    auto copy = persistence::defaultSettings();
+    copyThisPage(settings, copy);
+    return copy;
+}
+
+void handOn(const keys::HotkeySet& hotkeys, hotkeys::HotkeyManager& manager) {
+    static_cast<keys::HotkeySet&>(manager) = hotkeys;
+    manager.refresh();
+}
+
 /// With a point or a comma, in the digits of any script.
 std::optional<double> secondsTyped(const QString& typed) {
     bool isNumber = false;
@@ -166,20 +186,25 @@ void HotkeysSettingsModel::setHotkeysEnabled(bool enabled) {
 void HotkeysSettingsModel::restoreDefaults() {
     endRecording(afterglow);
     const auto& defaults = persistence::defaultSettings();
-    store([&](AppSettings& settings) {
-        static_cast<keys::HotkeySet&>(settings) = defaults;
-        settings.speechLocale = defaults.speechLocale;
-        for (const auto& row : hotkeyRows)
-            if (row.silenceTimeout)
-                settings.*row.silenceTimeout = defaults.*row.silenceTimeout;
-    });
+    const auto earlier = ofThisPage(settings());
+    store([&](AppSettings& settings) { copyThisPage(defaults, settings); });
     applyToManager();
     services_.showStatus(defaults.hotkeysEnabled);
+    if (earlier == ofThisPage(defaults))
+        return;
+    // Nothing of this model: the page may be gone by then.
+    services_.undoOffers.offer(
+        app::Undoable::HotkeyReset,
+        [earlier, &storage = services_.storage, &manager = services_.manager, showStatus = services_.showStatus] {
+            storage.changeSettings([&](AppSettings& settings) { copyThisPage(earlier, settings); });
+            storage.saveSettings();
+            handOn(storage.settings(), manager);
+            showStatus(earlier.hotkeysEnabled);
+        });
 }
 
 void HotkeysSettingsModel::applyToManager() {
-    static_cast<keys::HotkeySet&>(services_.manager) = settings();
-    services_.manager.refresh();
+    handOn(settings(), services_.manager);
     lookAround();
     Q_EMIT changed();
 }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+#include "app/undo_offers.h"
 #include "async/lifetime.h"
 #include "hotkeys/hotkey_manager.h"
 #include "platform/hotkeys.h"
@@ -34,6 +35,7 @@ class HotkeysSettingsModel : public PageModel {
 
         platform::Hotkeys& desktop;  ///< knows which keys something else holds
         platform::Speech& speech;    ///< knows which recognisers are installed
+        app::UndoOffers& undoOffers;
     };
 
     explicit HotkeysSettingsModel(Services services);
@@ -65,6 +67,7 @@ class HotkeysSettingsModel : public PageModel {
     /// Seconds, clamped; a text that is no number changes nothing.
     Q_INVOKABLE void setTimeout(int row, const QString& typed);
 
+    /// Offers to take it back where it changes anything.
     Q_INVOKABLE void restoreDefaults();
 
     void appear() override;

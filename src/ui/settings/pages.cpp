@@ -17,12 +17,13 @@ DashboardPage generalSettingsPage(app::AppState& appState, platform::HttpSession
 
 DashboardPage hotkeysPage(app::AppState& appState, platform::RawKeys& keys, platform::Hotkeys& desktop,
                           platform::Speech& speech) {
-    return {
-        DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"), [&appState, &keys, &desktop, &speech] {
-            return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
-                appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
-                [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }, desktop, speech});
-        }};
+    return {DashboardTab::hotkeys, QStringLiteral("settings/HotkeysSettingsView"),
+            [&appState, &keys, &desktop, &speech] {
+                return std::make_unique<HotkeysSettingsModel>(HotkeysSettingsModel::Services{
+                    appState.mainLoop(), appState.storageManager(), appState.hotkeyManager(), keys,
+                    [&appState](bool enabled) { appState.hotkeyStatusHUDController().show(enabled); }, desktop, speech,
+                    appState.undoOffers()});
+            }};
 }
 
 DashboardPage privacyPage(app::AppState& appState, platform::Permissions permissions) {
