@@ -1,7 +1,9 @@
 #include "desktop/qt/qt_view_engine.h"
 
+#include <QQmlContext>
 #include <QUrl>
 
+#include "desktop/qt/qt_motion.h"
 #include "desktop/qt/qt_symbols.h"
 
 namespace tavrelon::desktop {
@@ -13,6 +15,7 @@ std::unique_ptr<QQmlEngine> makeViewEngine(platform::Log& log) {
         for (const auto& warning : warnings)
             log.line(QStringLiteral("[UI] ") + warning.toString());
     });
+    engine->rootContext()->setContextProperty(QStringLiteral("motion"), new QtMotion(engine.get()));
     engine->addImageProvider(QStringLiteral("symbol"), new QtSymbolProvider);
     return engine;
 }

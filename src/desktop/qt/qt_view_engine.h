@@ -8,7 +8,8 @@
 
 namespace tavrelon::desktop {
 
-/// An engine for our views: knows the program's symbols, and logs what is wrong with a view.
+/// An engine for our views: knows the program's symbols and whether the session moves, and logs what is wrong with a
+/// view.
 std::unique_ptr<QQmlEngine> makeViewEngine(platform::Log& log);
 
 /// Empties a view that is about to go. The renderer gives textures back while it draws a frame, and what waits for that

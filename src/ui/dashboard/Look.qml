@@ -1,6 +1,7 @@
 pragma Singleton
 
 import QtQuick
+import "qrc:/tavrelon/ui/theme"
 
 /// The dashboard's palette, type and measures.
 QtObject {
@@ -26,7 +27,7 @@ QtObject {
     readonly property int bodySize: 14
     readonly property int smallSize: 12
     readonly property int keySize: 17    ///< of the signs on a key cap, some of which are small in their square
-    readonly property int quick: 120     ///< milliseconds of a change of colour
+    readonly property int quick: Theme.moves ? 120 : 0   ///< milliseconds of a change of colour
 
     readonly property var installedFamilies: Qt.fontFamilies()
     readonly property string fontFamily: firstInstalled(["Avenir Next", "Noto Sans CJK SC", "Source Han Sans SC"])

@@ -1,4 +1,5 @@
 import QtQuick
+import "qrc:/tavrelon/ui/theme"
 
 /// The window's backdrop: a night sky with two glows and two layers of stars that breathe while `isAnimating`.
 ///
@@ -21,7 +22,7 @@ Item {
         property int elapsed: 0
         interval: 200
         repeat: true
-        running: sky.isAnimating
+        running: sky.isAnimating && Theme.moves
         onTriggered: {
             elapsed = (elapsed + interval) % (2 * halfPeriod);
             sky.phase = (1 - Math.cos(Math.PI * elapsed / halfPeriod)) / 2;

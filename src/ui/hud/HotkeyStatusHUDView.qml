@@ -16,6 +16,8 @@ Item {
         pulse = 0;
         glow = 0;
         animation.restart();
+        if (!Theme.moves)
+            animation.complete();
     }
 
     Component.onCompleted: start()

@@ -15,7 +15,7 @@ Item {
     Timer {
         interval: 100
         repeat: true
-        running: spinner.visible
+        running: spinner.visible && Theme.moves
         onTriggered: spinner.step = (spinner.step + 1) % spinner.count
     }
     Repeater {

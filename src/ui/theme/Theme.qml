@@ -24,6 +24,9 @@ QtObject {
     readonly property color glassBottom: "#22252e"
     readonly property real glassOpacity: 0.98
 
+    /// Whether anything may move. All that moves asks here, since the user may have told the session to keep still.
+    readonly property bool moves: !motion.isReduced
+
     function tint(name) {
         return this[name];
     }
