@@ -6,7 +6,8 @@ from dataclasses import dataclass
 import screen
 from waiting import Fault, wait_for
 
-FOCUSED, SHOWING, ON_SCREEN, NOTHING = 12, 25, 0, 0  # as the library numbers them
+ON_SCREEN, NOTHING = 0, 0  # as the library numbers them
+CHECKED, FOCUSABLE, FOCUSED, SELECTED, SENSITIVE, SHOWING, VISIBLE = 4, 11, 12, 23, 24, 25, 30
 MILLISECONDS_TO_ANSWER = 3000
 
 
@@ -75,6 +76,20 @@ class Windows:
             if states and self.bus.contains(states, SHOWING):
                 role = (self.bus.role_of(handle, None) or b"").decode()
                 elements.append(Element(self.bus.name(handle), role, handle))
+            handles += reversed(self.bus.children(handle))
+        return elements
+
+    def has(self, element, *wanted):
+        """Whether all these states are set."""
+        states = self.bus.states_of(element.handle)
+        return bool(states) and all(self.bus.contains(states, state) for state in wanted)
+
+    def all_within(self, name, role):
+        """What is below this element, scrolled out of sight or not, in the order in which a screen reader reads it."""
+        elements, handles = [], list(reversed(self.bus.children(self.wait_for(name, role).handle)))
+        while handles:
+            handle = handles.pop()
+            elements.append(Element(self.bus.name(handle), (self.bus.role_of(handle, None) or b"").decode(), handle))
             handles += reversed(self.bus.children(handle))
         return elements
 

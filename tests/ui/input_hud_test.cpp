@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "generation/pollinations_error.h"
 #include "support/input_desk.h"
 #include "support/qt_gtest.h"
 #include "ui/hud/input_hud_window_controller.h"

@@ -56,6 +56,8 @@ Item {
                         color: view.model.isActive ? Look.accent : Look.warning
                     }
                     Text {
+                        Accessible.role: Accessible.StaticText
+                        Accessible.name: view.texts.name + ": " + text
                         text: view.model.state
                         color: Look.secondary
                         font { family: Look.fontFamily; pixelSize: Look.smallSize }
@@ -169,8 +171,6 @@ Item {
                 function onSelectionChanged() { page.open(); }
             }
         }
-    }
-    Connections {
         // Over every page: what was done on one of them can be taken back from each.
         Column {
             id: undoBars
@@ -194,6 +194,8 @@ Item {
             enabled: shell.enabled && view.model.undoOffers.length > 0
             onActivated: view.model.undoLast()
         }
+    }
+    Connections {
         target: view.model
         function onShowingHelpChanged() {
             if (!view.model.showingHelp)

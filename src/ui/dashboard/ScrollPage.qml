@@ -10,6 +10,16 @@ Item {
     property alias actions: actionRow.data
     default property alias content: column.data
 
+    // What has no stop of the Tab key below the last one comes into sight too.
+    Keys.onPressed: event => {
+        const page = flick.height - 40;
+        const step = ({ [Qt.Key_PageUp]: -page, [Qt.Key_PageDown]: page })[event.key];
+        if (step === undefined)
+            return;
+        flick.contentY = Math.max(0, Math.min(flick.contentY + step, flick.contentHeight - flick.height));
+        event.accepted = true;
+    }
+
     function reveal(item) {
         // A text follows its own caret.
         if (!item || !page.visible || item instanceof TextEdit)

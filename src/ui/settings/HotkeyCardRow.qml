@@ -64,6 +64,7 @@ Item {
                 name: card.row.title
                 key: card.row.key
                 keyName: card.row.keyName
+                hint: card.row.subtitle
                 canRecord: card.row.canRecord
                 isRecording: card.row.isRecording
                 onTriggered: card.hotkeys.toggleRecording(card.index)
@@ -72,6 +73,7 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 name: card.row.title
                 isOn: card.row.isEnabled
+                Accessible.description: card.row.subtitle
                 onToggled: isOn => card.hotkeys.setEnabled(card.index, isOn)
             }
         }

@@ -8,6 +8,7 @@ PressArea {
 
     property string key
     property string keyName            ///< the key in words
+    property string hint               ///< what to know while it records
     property bool canRecord: true      ///< false makes it a mere picture of its key
     property bool isRecording: false
 
@@ -19,7 +20,7 @@ PressArea {
     enabled: canRecord
     activeFocusOnTab: canRecord
     toolTip: keyName === key ? "" : keyName
-    Accessible.description: keyName
+    Accessible.description: isRecording && hint ? keyName + ". " + hint : keyName
 
     GlassKeycapBackground { anchors.fill: parent; isActive: recorder.isRecording; isHovered: recorder.hovered }
     Text {

@@ -17,6 +17,19 @@ Item {
         id: list
         anchors.fill: parent
         clip: interactive
+        activeFocusOnTab: interactive  // to be scrolled by keys
+        keyNavigationEnabled: false
+        Accessible.role: Accessible.List
+        Accessible.name: longText.name
+        Keys.onPressed: event => {
+            const step = ({
+                [Qt.Key_Up]: -40, [Qt.Key_Down]: 40, [Qt.Key_PageUp]: 40 - height, [Qt.Key_PageDown]: height - 40
+            })[event.key];
+            if (step === undefined || !interactive)
+                return;
+            contentY = Math.max(originY, Math.min(contentY + step, originY + contentHeight - height));
+            event.accepted = true;
+        }
         interactive: contentHeight > height
         boundsBehavior: Flickable.StopAtBounds
         model: longText.pieces
@@ -38,6 +51,7 @@ Item {
             Accessible.description: text
         }
     }
+    FocusRing { target: list; anchors.fill: list; anchors.margins: -3; corner: 8 }
     ScrollIndicator {
         flickable: list
         anchors.rightMargin: 0

@@ -21,7 +21,7 @@ Timer {
     }
 
     interval: 40
-    running: true
+    running: Theme.moves
     repeat: true
     onTriggered: elapsed = Date.now() - start
 }
