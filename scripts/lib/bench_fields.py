@@ -70,7 +70,7 @@ ROWS = [row for kind in EDITORS for row in reading_rows(kind) + writing_rows(kin
     Row(WHOLE, "ms", "The picture that goes along with a request.", limit=f"{{{ALONE}}}: libjpeg-turbo alone"),
     Row(FETCHED, "ms", "The copy that the X server makes, through shared memory."),
     Row(ALONE, "ms", "libjpeg-turbo on the same pixels."),
-    Row(RATIO, "times", "", aim=1.3, limit="1, if the pixels came for nothing",
+    Row(RATIO, "times", "", aim=1.2, limit="1, if the pixels came for nothing",
         missed="beside the encoding, 8 MB of pixels are fetched from the X server and the pointer is drawn in")]
 
 

@@ -29,7 +29,7 @@ def inward_row(how):
 
 ROWS = [row for how in HOWS for row in (
     Row(outward_row(how), "ms", "From the key that ends the request to its first byte at the model service: what the "
-        "program does before the waiting for the model begins.", aim=10,
+        "program does before the waiting for the model begins.", aim=5,
         limit="" if how == "text only" else "the window's picture is part of it"),
     Row(inward_row(how), "ms", f"From the reply to the paste, beyond the {PRESCRIBED} ms that the program waits on "
         "purpose while it takes back what was typed, because slow applications need it.", aim=10,

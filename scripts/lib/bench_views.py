@@ -29,7 +29,7 @@ def face_row(face):
 
 ROWS = [
     Row(OVERLAY_BUILT, "ms", "The overlay is built for it; until then nobody pays for its memory.", aim=50, limit=FRAME),
-    Row(OVERLAY_SHOWN, "ms", "Until the pixels have changed.", aim=50, limit=FRAME),
+    Row(OVERLAY_SHOWN, "ms", "Until the pixels have changed.", aim=10, limit=FRAME),
     Row(OPENED, "ms", "Until the next key goes into the box.", aim=100, limit=FRAME),
     Row(CLOSED, "ms", "Until the next key goes into the window that had the focus before.", aim=20,
         limit="the window manager decides it"),

@@ -42,7 +42,8 @@ def press_hotkey(tavrelon, camera, line, caption):
     mark = len(tavrelon.written())
     screen.press(screen.HOTKEY)
     tavrelon.wait_for_line(line, mark)
-    time.sleep(0.5)  # until the overlay has been faded in
+    wait_for("the overlay", lambda: screen.window_named("^Tavrelon$"), 20)
+    time.sleep(0.6)  # until it has been faded in
     camera.take(LOOK, caption)
 
 
@@ -64,7 +65,7 @@ def ask(tavrelon, service, camera, answer, typed=""):
 def play(tavrelon, service, camera, editor):
     screen.answer("xdotool", "windowsize", "--sync", editor.window, "100%", "100%")
     screen.press("ctrl+Home", "Down", "Down")
-    time.sleep(0.5)
+    time.sleep(3)  # until the editor has told the accessibility bus where its caret is
     camera.take(LOOK, "A request, in any text field")
     ask(tavrelon, service, camera, THANKS, REQUEST)
     camera.take(READ, "The answer stands in its place")

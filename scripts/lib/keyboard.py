@@ -10,6 +10,7 @@ PLACES |= {"Escape": 9, "BackSpace": 22, "Tab": 23, "Return": 36, "Control": 37,
            " ": 65, "Home": 110, "Up": 111, "Left": 113, "Right": 114, "End": 115, "Down": 116, "Insert": 118, "Delete": 119, "Super": 133}
 PLACES |= {f"F{number}": 66 + number for number in range(1, 11)}
 USE_CORE_KEYBOARD = 0x100
+GRAB_ASYNCHRONOUS, GRABBED, CURRENT_TIME = 1, 0, 0
 BETWEEN_KEYS = 0.02  # seconds, a very quick typist
 
 
@@ -28,6 +29,9 @@ class Keyboard:
         self.x11, self.xtst = ctypes.CDLL("libX11.so.6"), ctypes.CDLL("libXtst.so.6")
         self.x11.XOpenDisplay.restype = ctypes.c_void_p
         self.display = ctypes.c_void_p(self.x11.XOpenDisplay(None))
+        self.x11.XDefaultRootWindow.restype = ctypes.c_ulong
+        self.x11.XGrabKeyboard.argtypes = [ctypes.c_void_p, ctypes.c_ulong, ctypes.c_int, ctypes.c_int, ctypes.c_int, ctypes.c_ulong]
+        self.x11.XUngrabKeyboard.argtypes = [ctypes.c_void_p, ctypes.c_ulong]
         if not self.display:
             raise RuntimeError("no display can be opened")
 
@@ -70,6 +74,18 @@ class Keyboard:
         state = KeyboardState()
         self.x11.XkbGetState(self.display, USE_CORE_KEYBOARD, ctypes.byref(state))
         return state.mods
+
+    @contextlib.contextmanager
+    def locked(self):
+        """As a screen's lock does it, all keys come here and to no window."""
+        root = self.x11.XDefaultRootWindow(self.display)
+        if self.x11.XGrabKeyboard(self.display, root, 0, GRAB_ASYNCHRONOUS, GRAB_ASYNCHRONOUS, CURRENT_TIME) != GRABBED:
+            raise RuntimeError("another program holds the keyboard")
+        try:
+            yield
+        finally:
+            self.x11.XUngrabKeyboard(self.display, CURRENT_TIME)
+            self.x11.XSync(self.display, 1)  # the keys that came are nobody's
 
     def use_group(self, group):
         self.x11.XkbLockGroup(self.display, USE_CORE_KEYBOARD, group)

@@ -45,7 +45,7 @@ END
 printf '#!/bin/sh\nexec chroot "%s" /usr/bin/tavrelon "$@"\n' "$root" >"$place/tavrelon"
 chmod +x "$place/tavrelon" "$place/upgrade"
 
-say "the demonstration, the dashboard and an upgrade with the program of the fresh root"
+say "a first answer, the demonstration, the dashboard and an upgrade with the program of the fresh root"
 env -u TMPDIR scripts/on-desktop python3 -B scripts/lib/package_session.py \
     build/package "$place/session" "$place/tavrelon" "$place/upgrade" </dev/null
 in_root dpkg-query -W -f '${Package} ${Version}: ${Status}\n' tavrelon

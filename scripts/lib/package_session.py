@@ -1,6 +1,6 @@
 """package_session.py BUILD OUTPUT PROGRAM UPGRADE: works with an installed program as a user's session does.
 
-The demonstration; every page of the dashboard; then UPGRADE, a command that installs a newer package while the program
+A new user's first answer; the demonstration; every page of the dashboard; then UPGRADE, a command that installs a newer package while the program
 runs, and a request to the running program and to the new one. BUILD has the stand-in service."""
 
 import os
@@ -11,6 +11,7 @@ import time
 from pathlib import Path
 
 import demo_pictures
+import first_answer
 import screen
 from demo import Stage, play_all, show
 from demo_cases import CASES
@@ -68,6 +69,7 @@ def ask_once(stage, what):
 def main(build, output, program, upgrade):
     build, output = Path(build), Path(output)
     output.mkdir(parents=True, exist_ok=True)
+    show("first answer", f"{first_answer.play(build, output, program):.1f} s after the program's start")
     with tempfile.TemporaryDirectory(prefix="tavrelon-package.", ignore_cleanup_errors=True) as home, \
             StandIn(build / "tests/support/tavrelon-stand-in-service", output / "service.log") as service:
         with Tavrelon(program, output / "tavrelon.log", home, service.port) as tavrelon:
@@ -83,7 +85,7 @@ def main(build, output, program, upgrade):
         with Tavrelon(program, output / "tavrelon-new.log", home, service.port) as tavrelon:
             tavrelon.wait_until_live()
             ask_once(Stage(service, tavrelon, output), "new-program")
-    for log in (output / "tavrelon.log", output / "tavrelon-new.log"):
+    for log in (output / "first-tavrelon.log", output / "tavrelon.log", output / "tavrelon-new.log"):
         if found := [line for line in log.read_text(errors="replace").splitlines() if MISSING.search(line)]:
             raise Fault("something is missing in the package's surroundings:\n" + "\n".join(found))
 

@@ -52,8 +52,8 @@ class Program:
 class StandIn(Program):
     """The stand-in model service and the requests that it has had."""
 
-    def __init__(self, executable, log):
-        super().__init__([str(executable), "--port", "0"], log)
+    def __init__(self, executable, log, port=0):
+        super().__init__([str(executable), "--port", str(port)], log)
         try:
             self.port = int(self.wait_for_line(r"listening on (\d+)").group(1))
         except BaseException:
@@ -93,7 +93,7 @@ def text_of(content):
 
 
 class Tavrelon(Program):
-    """The product with settings of its own, so that a user's are neither read nor changed."""
+    """The product with settings of its own, so that a user's are neither read nor changed; without a service none yet."""
 
     def __init__(self, executable, log, home, service_port, extra_settings=None, extra_environment=None,
                  arguments=("--background",)):
@@ -101,9 +101,10 @@ class Tavrelon(Program):
         self.history = self.home / "data" / "Tavrelon" / "history.json"
         folder = self.home / "config" / "Tavrelon"
         folder.mkdir(parents=True, mode=0o700, exist_ok=True)
-        settings = {"enableCustomPollinations": True, "pollinationsBaseURL": f"http://127.0.0.1:{service_port}",
-                    "pollinationsVisionModel": "demo", **(extra_settings or {})}
-        (folder / "tavrelon.settings").write_text(json.dumps(settings))
+        if service_port is not None:
+            settings = {"enableCustomPollinations": True, "pollinationsBaseURL": f"http://127.0.0.1:{service_port}",
+                        "pollinationsVisionModel": "demo", **(extra_settings or {})}
+            (folder / "tavrelon.settings").write_text(json.dumps(settings))
         self.executable = str(executable)
         self.environment = {"XDG_CONFIG_HOME": str(self.home / "config"), "XDG_DATA_HOME": str(self.home / "data"),
                             **(extra_environment or {})}

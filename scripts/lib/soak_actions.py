@@ -1,5 +1,6 @@
 """What users do, each with what must come of it. All that is random comes from `dice`, so that a seed gives one run."""
 
+import re
 import signal
 import time
 
@@ -206,6 +207,33 @@ def change_surroundings(desk, dice, field):
     text_request(desk, dice, field)
 
 
+def locked_screen(desk, dice, field):
+    """A lock comes while the user types or the model thinks: nothing is heard under it, and no answer gets past it."""
+    places, answer = request_places(desk, dice), answer_for(desk, dice, field)
+    desk.service.answer_with({"content": answer, "delayMs": 1500})
+    field.clear()
+    mark = desk.begin()
+    field.type(places)
+    is_thinking = dice.random() < 0.5
+    if is_thinking:
+        desk.commit(mark)
+    with desk.keyboard.locked():
+        under_lock = desk.mark()
+        desk.keyboard.type_places("secret")
+        if is_thinking:
+            desk.wait_for_answer(answer)
+        else:
+            desk.keyboard.press(desk.hotkey)
+            time.sleep(0.5)
+        heard = re.search(r"Starting text listening|Committing text input", desk.tavrelon.written()[under_lock:])
+    if heard:
+        raise Fault(f"under the lock the hotkey did its work: {heard.group()}")
+    desk.rest()
+    if is_thinking:
+        wait_for("the answer on the clipboard", lambda: desk.clipboard() == answer, 10)
+    field.expect(desk.typed(places))
+
+
 def expect_clipboard(desk, text):
     held = desk.clipboard()
     if held != text:
@@ -215,5 +243,5 @@ def expect_clipboard(desk, text):
 WEIGHTS = {
     text_request: 6, selection_request: 4, failing_request: 3, escape_while_listening: 2, escape_while_processing: 2,
     picture_request: 2, prompt_box: 3, master_switch: 1, hung_application: 1, killed_application: 1,
-    change_layout: 2, change_surroundings: 2,
+    change_layout: 2, change_surroundings: 2, locked_screen: 1,
 }
