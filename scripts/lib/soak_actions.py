@@ -216,6 +216,7 @@ def locked_screen(desk, dice, field):
     field.type(places)
     is_thinking = dice.random() < 0.5
     if is_thinking:
+        desk.log.explain("Answer is on the clipboard", "Failed to get focused element")
         desk.commit(mark)
     with desk.keyboard.locked():
         under_lock = desk.mark()
