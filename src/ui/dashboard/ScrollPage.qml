@@ -56,11 +56,11 @@ Item {
         SectionHeader {
             id: header
 
-            readonly property real top: Look.margin - 6
-            readonly property real room: Math.max(height, actionRow.height)
+            readonly property real rowTop: Look.margin - 6
+            readonly property real rowHeight: Math.max(height, actionRow.height)
 
             x: Look.margin
-            y: top + (room - height) / 2
+            y: rowTop + (rowHeight - height) / 2
             width: flick.width - 2 * Look.margin - actionRow.width - (actionRow.width ? 12 : 0)
             visible: page.title
             level: 1
@@ -70,13 +70,13 @@ Item {
         Row {
             id: actionRow
             x: flick.width - Look.margin - width
-            y: header.top + (header.room - height) / 2
+            y: header.rowTop + (header.rowHeight - height) / 2
             spacing: 8
         }
         Column {
             id: column
             x: Look.margin
-            y: header.visible ? header.top + header.room + 18 : Look.margin
+            y: header.visible ? header.rowTop + header.rowHeight + 18 : Look.margin
             width: flick.width - 2 * Look.margin
             spacing: Look.gap
         }
