@@ -18,8 +18,8 @@ FLOORS = [
     ["ui/dashboard"],
     ["ui/settings", "ui/history"],
 ]
-ADAPTERS = ["desktop/applications", "desktop/atspi", "desktop/audio", "desktop/documents", "desktop/kwin",
-            "desktop/linux", "desktop/qt", "desktop/session", "desktop/wayland", "desktop/x11", "desktop/xkb"]
+ADAPTERS = ["desktop/applications", "desktop/atspi", "desktop/audio", "desktop/documents", "desktop/gnome",
+            "desktop/kwin", "desktop/linux", "desktop/qt", "desktop/session", "desktop/wayland", "desktop/x11", "desktop/xkb"]
 PICKER = "desktop/session"  # which of the other adapters this session has; it may use them all
 
 # Neighbours on one floor that may be used in this one direction, with the reason.
@@ -27,6 +27,11 @@ NEIGHBOURS = {
     ("keys", "text"): "hotkey records are written as JSON",
     ("desktop/atspi", "desktop/linux"): "a bus that may hang is tried before the library connects to it",
     ("desktop/documents", "desktop/linux"): "the document process reads files with the same care as the program",
+    ("desktop/gnome", "desktop/applications"): "which chords a window takes is told by its application",
+    ("desktop/gnome", "desktop/linux"): "the shell sees by the path of a process which program connects",
+    ("desktop/gnome", "desktop/wayland"): "what a script within a compositor tells of windows is alike in all",
+    ("desktop/gnome", "desktop/x11"): "the shell's X server knows the user's keyboard layouts",
+    ("desktop/gnome", "desktop/xkb"): "hotkeys and posted keys are keys of an xkb keymap",
     ("desktop/kwin", "desktop/applications"): "a window's id tells its application, and which chords that takes",
     ("desktop/kwin", "desktop/linux"): "the process behind a window is found in /proc, and a bus that may hang is tried",
     ("desktop/kwin", "desktop/wayland"): "KWin takes posted keys over the connection that the clipboard uses",

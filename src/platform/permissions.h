@@ -16,6 +16,7 @@ struct Permissions {
     Permission accessibility;
     Permission screenRecording;
     Permission microphone;
+    Permission shellExtension{};  ///< by which a session serves all windows; without functions where it needs none
 };
 
 }  // namespace tavrelon::platform

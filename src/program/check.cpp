@@ -45,16 +45,21 @@ Finding missing(const QString& reason) {
     return std::unexpected(reason);
 }
 
+QString readableFieldsIn(const char* session) {
+    return QString::fromUtf8(session) +
+           QStringLiteral(
+               ": a request is found in fields that accessibility can read; elsewhere the prompt box takes it");
+}
+
 Finding session() {
     const auto desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP", QStringLiteral("no desktop's name is set"));
     switch (desktop::sessionKind()) {
         case desktop::SessionKind::Sway:
-            return QStringLiteral(
-                "sway: a request is found in fields that accessibility can read; elsewhere the prompt box takes it");
+            return readableFieldsIn("sway");
         case desktop::SessionKind::Plasma:
-            return QStringLiteral(
-                "Plasma on Wayland: a request is found in fields that accessibility can read; elsewhere the prompt box "
-                "takes it");
+            return readableFieldsIn("Plasma on Wayland");
+        case desktop::SessionKind::Gnome:
+            return readableFieldsIn("GNOME on Wayland");
         case desktop::SessionKind::OtherWayland:
             return QStringLiteral("Wayland (%1): served are X11 windows, and what its keys bind to --trigger")
                 .arg(desktop);

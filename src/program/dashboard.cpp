@@ -25,7 +25,8 @@ platform::Permissions permissions(desktop::SessionAdapters& session) {
              [&audioInput] {
                  audioInput.requestAccess();
                  desktop::openSettingsPane(SettingsPane::Microphone);
-             }}};
+             }},
+            session.windowing.shellExtension};
 }
 
 /// Opens the page for donations; null where none is configured.

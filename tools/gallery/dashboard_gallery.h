@@ -124,7 +124,7 @@ class DashboardGallery {
     }
     platform::Permissions permissions() {
         const platform::Permission shown{[this] { return permission; }, [] {}};
-        return {shown, shown, shown};
+        return {shown, shown, shown, shown};
     }
 
     QDir folder_;

@@ -11,7 +11,9 @@ SessionKind sessionKind() {
         return SessionKind::Sway;
     // Names of the desktop and of what it is a kind of, with colons between them.
     const auto desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
-    return desktops.contains(u"KDE") ? SessionKind::Plasma : SessionKind::OtherWayland;
+    if (desktops.contains(u"KDE"))
+        return SessionKind::Plasma;
+    return desktops.contains(u"GNOME") ? SessionKind::Gnome : SessionKind::OtherWayland;
 }
 
 }  // namespace tavrelon::desktop

@@ -9,6 +9,7 @@ enum class SessionKind : std::uint8_t {
     X11,
     Sway,
     Plasma,
+    Gnome,
     OtherWayland,  ///< what is served there are the X11 windows
 };
 

@@ -1,5 +1,10 @@
 #include "desktop/session/windowing_system.h"
 
+#include "desktop/gnome/extension/shell_extension.h"
+#include "desktop/gnome/keys/gnome_hotkeys.h"
+#include "desktop/gnome/keys/gnome_key_poster.h"
+#include "desktop/gnome/screen/gnome_screen_capture.h"
+#include "desktop/gnome/windows/gnome_workspace.h"
 #include "desktop/kwin/connection_in_sight.h"
 #include "desktop/kwin/keys/kwin_hotkeys.h"
 #include "desktop/kwin/keys/kwin_key_poster.h"
@@ -146,13 +151,41 @@ WindowingSystem openPlasma(async::MainLoop& loop, platform::Log& log) {
                            [] {}};
 }
 
-/// Without KWin's leave the X11 windows are still served.
-WindowingSystem openPlasmaOrX11(async::MainLoop& loop, platform::Log& log) try {
-    return openPlasma(loop, log);
+/// What is native there by our extension of the shell, which shares its clipboard with X11 both ways.
+WindowingSystem openGnome(async::MainLoop& loop, platform::Log& log) {
+    const auto shell = opened(ShellConnection::open());
+    auto workspace = std::make_unique<GnomeWorkspace>(shell);
+    auto keyPoster = opened(GnomeKeyPoster::open(shell, shortcutsOf(*workspace)));
+    auto pasteboard = opened(X11Pasteboard::create(loop, log));
+    pasteboard->countPresses(keyPoster->presses());
+    auto screenCapture = std::make_unique<GnomeScreenCapture>(loop, *workspace, shell);
+    return WindowingSystem{shell,
+                           std::move(workspace),
+                           std::move(pasteboard),
+                           std::move(keyPoster),
+                           std::move(screenCapture),
+                           std::make_unique<GnomeHotkeys>(loop, log, shell),
+                           std::make_unique<NoKeyObserver>(),
+                           panelSurroundings(opened(X11PanelSurroundings::create())),
+                           keyNames(opened(X11NativeKeys::create())),
+                           [] {},
+                           [] {}};
+}
+
+/// Without what the compositor grants or runs for us the X11 windows are still served.
+WindowingSystem openNativeOrX11(WindowingSystem (*openNative)(async::MainLoop&, platform::Log&), async::MainLoop& loop,
+                                platform::Log& log) try {
+    return openNative(loop, log);
 } catch (const Missing& missing) {
     log.line(QStringLiteral("[Session] Only X11 windows are served: ") + missing.reason);
     auto system = openX11(loop, log);
     system.shortfall = missing.reason;
+    return system;
+}
+
+WindowingSystem openGnomeOrX11(async::MainLoop& loop, platform::Log& log) {
+    auto system = openNativeOrX11(openGnome, loop, log);
+    system.shellExtension = shellExtension(log, system.shortfall.isEmpty());
     return system;
 }
 
@@ -163,7 +196,9 @@ std::expected<WindowingSystem, QString> openWindowingSystem(async::MainLoop& loo
         case SessionKind::Sway:
             return openSway(loop, log);
         case SessionKind::Plasma:
-            return openPlasmaOrX11(loop, log);
+            return openNativeOrX11(openPlasma, loop, log);
+        case SessionKind::Gnome:
+            return openGnomeOrX11(loop, log);
         default:
             return openX11(loop, log);
     }

@@ -12,6 +12,7 @@
 #include "platform/key_poster.h"
 #include "platform/log.h"
 #include "platform/pasteboard.h"
+#include "platform/permissions.h"
 #include "platform/screen_capture.h"
 #include "platform/workspace.h"
 
@@ -30,6 +31,8 @@ struct WindowingSystem {
     NativeKeyNames keyNames;
     std::function<void()> letGoOfLeftOverModifiers;  ///< of a run that was killed; by the user's one process only
     std::function<void()> letGoOfModifiers;  ///< before the process stops: nobody would let go of what was given back
+    /// By which this session can serve all windows; without functions where it needs nothing.
+    platform::Permission shellExtension{};
     QString shortfall{};  ///< why only X11 windows are served where it could be all; empty otherwise. For the user.
 };
 

@@ -9,10 +9,11 @@ using platform::Permissions;
 
 namespace {
 
-constexpr std::array<PageText, 8> pageTexts{{
+constexpr std::array<PageText, 9> pageTexts{{
     {u"title", u"Permissions", u"权限"},
     {u"granted", u"Granted", u"已授权"},
     {u"allow", u"Allow", u"允许"},
+    {u"nextLogin", u"Installed; log out and in again to load it", u"已安装；注销并重新登录后生效"},
     {u"services", u"Allowed Services", u"已允许的服务"},
     {u"servicesDetail", u"You said yes to these; your requests go there without a question.",
      u"您已同意将请求发送到以下服务，不再询问。"},
@@ -27,7 +28,7 @@ struct PermissionCardText {
     Permission Permissions::* permission;
 };
 
-constexpr std::array<PermissionCardText, 3> cardTexts{{
+constexpr std::array<PermissionCardText, 4> cardTexts{{
     {{u"figure.arms.open", u"Accessibility", u"辅助功能"},
      {u"", u"Required for hotkeys", u"快捷键需要"},
      &Permissions::accessibility},
@@ -35,6 +36,9 @@ constexpr std::array<PermissionCardText, 3> cardTexts{{
      {u"", u"Required for context", u"了解上下文需要"},
      &Permissions::screenRecording},
     {{u"mic.fill", u"Microphone", u"麦克风"}, {u"", u"Required for voice", u"语音需要"}, &Permissions::microphone},
+    {{u"display", u"GNOME Shell Extension", u"GNOME Shell 扩展"},
+     {u"", u"Required in Wayland windows, from your next login on", u"Wayland 窗口需要，下次登录后生效"},
+     &Permissions::shellExtension},
 }};
 
 /// As people write it: without the port that goes without saying.
@@ -52,11 +56,16 @@ PrivacySettingsModel::PrivacySettingsModel(persistence::StorageManager& storage,
 QVariantList PrivacySettingsModel::cards() const {
     QVariantList list;
     for (const auto& card : cardTexts) {
-        const auto status = (permissions_.*card.permission).status();
+        const auto& permission = permissions_.*card.permission;
+        if (!permission.status)
+            continue;  // only the last: cards are known by their number
+        const auto status = permission.status();
         list << QVariantMap{
             {QStringLiteral("title"), (isEnglish() ? card.title.english : card.title.chinese).toString()},
             {QStringLiteral("description"),
-             (isEnglish() ? card.description.english : card.description.chinese).toString()},
+             status == platform::AuthorizationStatus::Restricted
+                 ? text(u"nextLogin")
+                 : (isEnglish() ? card.description.english : card.description.chinese).toString()},
             {QStringLiteral("icon"), card.title.name.toString()},
             {QStringLiteral("isGranted"), status == platform::AuthorizationStatus::Authorized},
         };
@@ -83,7 +92,10 @@ void PrivacySettingsModel::forget(const QString& origin) {
 void PrivacySettingsModel::allow(int card) {
     if (card < 0 || card >= static_cast<int>(cardTexts.size()))
         return;
-    (permissions_.*cardTexts[static_cast<std::size_t>(card)].permission).request();
+    const auto& permission = permissions_.*cardTexts[static_cast<std::size_t>(card)].permission;
+    if (!permission.request)
+        return;
+    permission.request();
     Q_EMIT changed();
 }
 

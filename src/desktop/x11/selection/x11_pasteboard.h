@@ -40,6 +40,12 @@ class X11Pasteboard : public platform::Pasteboard {
     /// The text that was put here last with success, whether or not it still is; absent after anything but `setString`.
     const std::optional<QString>& lastString() const { return lastString_; }
 
+    /// For an X server within a compositor, which fetches for windows of its own: what is fetched after one more of
+    /// these presses was fetched by the window in front.
+    void countPresses(std::shared_ptr<const std::atomic<std::uint64_t>> presses) {
+        thread_->countPresses(std::move(presses));
+    }
+
     /// What is here stands there too, and a fetching of that counts as one of ours, until something else is put here.
     void alsoFetchedFrom(const X11Pasteboard& other) { copy_ = other.thread_; }
 

@@ -15,6 +15,7 @@ bool SelectionServer::offer(SelectionContent content) {
     const auto& atoms = connection_.atoms();
     content_ = std::move(content);
     wasFetched_ = false;
+    pressesBefore_ = presses_ ? presses_->load() : 0;
     claiming_ = true;
     // A change in the same moment by another client can make our time the older one; a second try has a newer one.
     for (int attempt = 0; attempt < 2; ++attempt) {
@@ -92,7 +93,7 @@ bool SelectionServer::convert(xcb_window_t requestor, xcb_atom_t target, xcb_ato
     auto data = content_.dataFor(connection_.nameOf(target));
     if (!data || !give(requestor, property, std::move(*data)))
         return false;
-    wasFetched_ = wasFetched_ || connection_.hasFocus(requestor);
+    wasFetched_ = wasFetched_ || connection_.hasFocus(requestor) || (presses_ && *presses_ != pressesBefore_);
     return true;
 }
 

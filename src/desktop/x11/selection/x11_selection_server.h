@@ -2,8 +2,10 @@
 
 #include <xcb/xfixes.h>
 
+#include <atomic>
 #include <chrono>
 #include <map>
+#include <memory>
 #include <optional>
 
 #include "desktop/x11/selection/x11_selection_codec.h"
@@ -30,6 +32,10 @@ class SelectionServer {
     void release();
 
     bool owns() const { return owns_; }
+
+    /// Where a compositor fetches on behalf of windows that this server does not know, what is fetched after one more
+    /// of these presses counts as fetched by the window in front.
+    void countPresses(std::shared_ptr<const std::atomic<std::uint64_t>> presses) { presses_ = std::move(presses); }
 
     /// Whether the client that had the keyboard focus at that moment fetched what is offered.
     bool wasFetched() const { return owns_ && wasFetched_; }
@@ -67,6 +73,8 @@ class SelectionServer {
     SelectionContent content_;
     bool owns_ = false;
     bool wasFetched_ = false;
+    std::shared_ptr<const std::atomic<std::uint64_t>> presses_;
+    std::uint64_t pressesBefore_ = 0;
     bool claiming_ = false;  // our own change of the owner has not been reported yet
     xcb_timestamp_t ownedSince_ = XCB_CURRENT_TIME;
     Transfers transfers_;

@@ -94,6 +94,10 @@ bool SelectionThread::release() {
         .value_or(false);
 }
 
+void SelectionThread::countPresses(std::shared_ptr<const std::atomic<std::uint64_t>> presses) {
+    enqueue([this, presses = std::move(presses)]() mutable { server_.countPresses(std::move(presses)); });
+}
+
 bool SelectionThread::wasFetched() {
     return call<bool>([this] { return server_.wasFetched(); }).value_or(false);
 }

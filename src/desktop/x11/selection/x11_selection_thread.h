@@ -37,6 +37,9 @@ class SelectionThread {
     bool offer(platform::PasteboardItem item);
     bool release();
 
+    /// As of `SelectionServer`.
+    void countPresses(std::shared_ptr<const std::atomic<std::uint64_t>> presses);
+
     /// Whether the client with the keyboard focus fetched what was offered last.
     bool wasFetched();
 

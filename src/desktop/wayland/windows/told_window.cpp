@@ -1,9 +1,7 @@
-#include "desktop/kwin/windows/kwin_window.h"
+#include "desktop/wayland/windows/told_window.h"
 
 #include <algorithm>
 #include <cmath>
-
-#include "text/json.h"
 
 namespace tavrelon::desktop {
 
@@ -38,12 +36,9 @@ platform::WindowPlace placeOf(const Area& surface, const Area& frame) {
 
 }  // namespace
 
-std::optional<KWinWindow> windowIn(const QString& told) {
-    if (told.isEmpty())
-        return std::nullopt;
-    const auto json = text::parseJson(told.toUtf8());
+ToldWindow windowIn(const text::Json& json) {
     const auto textUnder = [&json](const char* key) { return text::stringFrom(required(json, key)); };
-    KWinWindow window{.identifier = textUnder("id"),
+    ToldWindow window{.identifier = textUnder("id"),
                       .processIdentifier = text::integerFrom(required(json, "pid")),
                       .applicationId = textUnder("entry"),
                       .windowClass = textUnder("class"),
