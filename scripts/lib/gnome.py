@@ -39,12 +39,15 @@ def taken(accelerator):
 
 
 def picture_of_focused_window(path):
-    """As the window has drawn itself."""
+    """As the window has drawn itself, up to its visible edge."""
     evaluate(f"""(() => {{
         const {{Gio, Shell}} = imports.gi;
         const stream = Gio.File.new_for_path('{path}.part').replace(null, false, 0, null);
-        const texture = global.display.focus_window.get_compositor_private().paint_to_content(null).get_texture();
-        Shell.Screenshot.composite_to_stream(texture, 0, 0, -1, -1, 1, null, 0, 0, 1, stream, () => {{
+        const window = global.display.focus_window;
+        const texture = window.get_compositor_private().paint_to_content(null).get_texture();
+        const frame = window.get_frame_rect(), around = window.get_buffer_rect();
+        Shell.Screenshot.composite_to_stream(texture, frame.x - around.x, frame.y - around.y, frame.width, frame.height,
+            1, null, 0, 0, 1, stream, () => {{
             stream.close(null);
             Gio.File.new_for_path('{path}.part').move(Gio.File.new_for_path('{path}'), 0, null, null);
         }});

@@ -12,12 +12,12 @@ const heldModifiers = Clutter.ModifierType.SHIFT_MASK | Clutter.ModifierType.CON
 const modifierCodes = {shift: [42, 54], control: [29, 97], alt: [56, 56]};
 
 // A window is told those modifiers that are down at the moment when the shell hands on its key, whatever they were when
-// it was pressed. So they stay down until then: a key follows that no keyboard has, and once the shell has come to
-// that one, only what is under way in its loop is waited for.
+// it was pressed. So they stay down until then: a key follows that no keyboard has, and once the shell hands on that
+// one, it has handed on those before. Where the field takes text from an input method each key makes a round by that,
+// and comes by a second time.
 const markCode = 194;
 const accelerators = {shift: '<Shift>', control: '<Control>', alt: '<Alt>'};
-const markLimit = 60;  // milliseconds
-const handOnTime = 8;  // milliseconds
+const markLimit = 1000;  // milliseconds; a busy machine may take as long
 
 const xkbOverKernel = 8;
 const mostLooks = 20;  // for the new keymap
@@ -31,8 +31,8 @@ function after(milliseconds) {
     }));
 }
 
-function whenIdle(priority) {
-    return new Promise(resolve => GLib.idle_add(priority, () => {
+function nextTurn() {
+    return new Promise(resolve => GLib.idle_add(GLib.PRIORITY_HIGH, () => {
         resolve();
         return GLib.SOURCE_REMOVE;
     }));
@@ -94,9 +94,7 @@ export class Poster {
         this._notify(held, Clutter.KeyState.PRESSED);
         this._strike(code);
         try {
-            await this._reached(modifiers);
-            await after(handOnTime);
-            await whenIdle(GLib.PRIORITY_LOW);
+            await this._handedOn(modifiers);
         } finally {
             this._notify(held.reverse(), Clutter.KeyState.RELEASED);
         }
@@ -115,8 +113,8 @@ export class Poster {
         }
     }
 
-    // Strikes the mark, and resolves when the shell has come to it.
-    async _reached(modifiers) {
+    // Strikes the mark, and resolves when the shell has handed it on.
+    async _handedOn(modifiers) {
         const accelerator = `${modifiers.map(each => accelerators[each]).join('')}0x${
             (markCode + xkbOverKernel).toString(16)}`;
         const action = global.display.grab_accelerator(accelerator, Meta.KeyBindingFlags.NONE);
@@ -127,14 +125,17 @@ export class Poster {
         let filter = 0;
         const isThere = new Promise(resolve => {
             filter = global.window_manager.connect('filter-keybinding', (_manager, binding) => {
-                if (binding.get_name() === name)
+                if (binding.get_name() !== name)
+                    return false;
+                const isRound = Clutter.get_current_event().get_flags() & Clutter.EventFlags.FLAG_INPUT_METHOD;
+                if (isRound || !this._Main.inputMethod?.currentFocus)
                     resolve();
-                return false;
+                return true;
             });
         });
         this._strike(markCode);
         await Promise.race([isThere, after(markLimit)]);
-        await whenIdle(GLib.PRIORITY_HIGH);  // no longer within the binding that goes now
+        await nextTurn();  // no longer within the binding that goes now
         global.window_manager.disconnect(filter);
         this._Main.wm.allowKeybinding(name, Shell.ActionMode.NONE);
         global.display.ungrab_accelerator(action);
@@ -159,9 +160,7 @@ export class Poster {
         }
         for (let looks = 0; looks < mostLooks && isHolding(); looks++)
             await after(betweenLooks);
-        this._strike(markCode);  // the window is told of modifiers with a key only
-        await after(handOnTime);
-        await whenIdle(GLib.PRIORITY_LOW);
+        await this._handedOn([]);  // the window is told of modifiers with a key only
         return {};
     }
 

@@ -52,11 +52,12 @@ async::Task<std::expected<ShareableContent, CaptureError>> GnomeScreenCapture::s
         co_return error("GNOME's shell tells its displays in an unknown way.");
     }
     for (const auto& [window, number, isShown] : workspace_.windows())
-        content.windows.push_back({.identifier = number,
-                                   .bundleIdentifier = workspace_.applicationBehind(window)->bundleIdentifier,
-                                   .isOnScreen = isShown,
-                                   .width = window.place.width,
-                                   .height = window.place.height});
+        content.windows.push_back(
+            {.identifier = number,
+             .bundleIdentifier = workspace_.applicationBehind(window)->bundleIdentifier,
+             .isOnScreen = isShown,
+             .width = window.place.width - window.place.shadow.left - window.place.shadow.right,
+             .height = window.place.height - window.place.shadow.top - window.place.shadow.bottom});
     co_return content;
 }
 
