@@ -37,8 +37,8 @@ class Desk:
         folder.mkdir()
         return folder
 
-    def open(self, kind, text=""):
-        return self.started(Application(kind, self.keyboard, self.build, self.folder_named(kind), text))
+    def open(self, kind, text="", environment=None):
+        return self.started(Application(kind, self.keyboard, self.build, self.folder_named(kind), text, environment))
 
     def start(self, settings=None, environment=None, prepare=None, arguments=("--background",)):
         home = self.folder_named("home")

@@ -70,7 +70,7 @@ def let_keys_arrive():
 class Application(Program):
     """It has the focus, with this text in its field."""
 
-    def __init__(self, kind, keyboard, build, folder, text=""):
+    def __init__(self, kind, keyboard, build, folder, text="", environment=None):
         self.kind, self.keyboard, self.folder = kind, keyboard, Path(folder)
         self.path = self.folder / "field.txt"
         command, self.shown_in, settling = KINDS[kind]
@@ -92,7 +92,7 @@ class Application(Program):
         places = {"folder": self.folder, "path": self.path, "build": build}
         super().__init__([part.format(**places) for part in command], self.folder / "log",
                          {"GSK_RENDERER": "cairo", "QTWEBENGINE_DISABLE_SANDBOX": "1", "XDG_CONFIG_HOME": str(config),
-                          **NATIVE})
+                          **NATIVE, **(environment or {})})
         try:
             wait_for(f"{kind} in front", lambda: "field.txt" in front_title(), 60)
         except BaseException:
@@ -214,6 +214,17 @@ class Application(Program):
                 self.keyboard.press("Return" if character == "\n" else
                                     f"Shift+{SHIFTED[character]}" if character in SHIFTED else character)
         self.settle()
+
+    def compose(self, words):
+        """Types words with an input method: strokes, with "<" for Backspace, and what comes of each."""
+        for strokes, text in words:
+            self.strike(strokes)
+            self.note(text)
+        self.settle()
+
+    def strike(self, strokes):
+        for stroke in strokes:
+            self.keyboard.press({"<": "BackSpace", "\n": "Return"}.get(stroke, stroke))
 
     def note(self, text):
         if self.refilled:

@@ -2,7 +2,7 @@
 
 Some are made in long fields, some after the caret was moved, and of some the answer finds another window in front, or
 what the user has written meanwhile. TAVRELON_TEST_EDITOR and TAVRELON_TEST_REQUESTS say where and how many,
-TAVRELON_TEST_SEED asks for other texts."""
+TAVRELON_TEST_SEED asks for other texts. With TAVRELON_TEST_INPUT_METHOD=pinyin requests are composed."""
 
 import os
 import random
@@ -11,6 +11,7 @@ from pathlib import Path
 
 from conftest import history
 from editors import let_keys_arrive
+from input_methods import ENVIRONMENT, HALF_WORDS, WORDS, Pinyin
 from programs import Program
 from session import bring_to_front, clipboard, front_title, front_window
 from waiting import wait_for
@@ -38,13 +39,15 @@ def keep_count(done, wanted):
     folder = os.environ.get("TAVRELON_TABLE_FOLDER")
     if folder:
         Path(folder).mkdir(parents=True, exist_ok=True)
-        (Path(folder) / f"{os.environ['TAVRELON_TEST_EDITOR']}.requests-{wanted}").write_text(f"{done}\n", encoding="ascii")
+        method = os.environ.get("TAVRELON_TEST_INPUT_METHOD")
+        name = os.environ["TAVRELON_TEST_EDITOR"] + (f"-{method}" if method else "")
+        (Path(folder) / f"{name}.requests-{wanted}").write_text(f"{done}\n", encoding="ascii")
 
 
 class RandomRequests:
     def __init__(self, desk, dice):
         self.desk, self.dice = desk, dice
-        self.editor = desk.open(os.environ["TAVRELON_TEST_EDITOR"])
+        self.editor = self.open_editor()
         if self.editor.kind == "falkon":
             # Its engine takes a key twice that overtakes its modifier, also a person's, where the machine is busy.
             desk.keyboard.after_modifier = 0.12
@@ -64,14 +67,31 @@ class RandomRequests:
             answer = answer.replace("\t", " ").replace("\n", " ")
         return before, after, typed, answer
 
+    def open_editor(self):
+        return self.desk.open(os.environ["TAVRELON_TEST_EDITOR"])
+
+    def write(self, typed):
+        self.editor.type(typed)
+
+    def write_meanwhile(self):
+        """What the user goes on to write, at the end of all."""
+        self.desk.keyboard.press("Control+End")
+        self.editor.note_at_end("Zz")
+        for letter in ("Shift+z", "z"):
+            self.desk.keyboard.press(letter)
+        return "Zz"
+
     def ask(self, typed, answer, **delay):
         self.desk.answers(answer, **delay)
-        self.desk.request(self.tavrelon, self.editor, typed)
+        self.desk.begin(self.tavrelon)
+        self.write(typed)
+        self.desk.commit()
 
-    def answered(self, answer):
+    def answered(self, answer, typed):
         self.done += 1
         wait_for("the answer", lambda: len(history(self.tavrelon)) >= min(self.done, 20), 20)
         wait_for("the answer", lambda: history(self.tavrelon)[0]["outputText"] == answer, 20)
+        assert history(self.tavrelon)[0]["inputText"].split() == typed.split()
         self.rested = time.monotonic() + REST
 
     def holds(self, wanted):
@@ -83,7 +103,7 @@ class RandomRequests:
         before, after, typed, answer = self.texts()
         self.editor.refill(before, after)
         self.ask(typed, answer)
-        self.answered(answer)
+        self.answered(answer, typed)
         self.holds(before + answer + after)
 
     def in_a_long_field(self):
@@ -98,7 +118,7 @@ class RandomRequests:
             self.editor.refill(before + after, "")
             self.editor.go_to(before, after)
         self.ask(typed, answer)
-        self.answered(answer)
+        self.answered(answer, typed)
         self.holds(before + answer + after)
 
     def with_a_moved_caret(self):
@@ -108,22 +128,19 @@ class RandomRequests:
         self.desk.answers(answer)
         self.desk.begin(self.tavrelon)
         self.editor.go_to("", before + after)
-        self.editor.type(typed)
+        self.write(typed)
         self.desk.commit()
-        self.answered(answer)
+        self.answered(answer, typed)
         self.holds(answer + before + after)
 
     def with_words_written_meanwhile(self):
         before, after, typed, answer = self.texts()
         self.editor.refill(before, after)
         self.ask(typed, answer, delayMs=UNDERWAY)
-        self.desk.keyboard.press("Control+End")
-        self.editor.note_at_end("Zz")
-        for letter in ("Shift+z", "z"):
-            self.desk.keyboard.press(letter)
-        self.answered(answer)
-        self.holds(before + answer + after + "Zz" if self.editor.kind in EDITED_IN_PLACE
-                   else before + typed + after + "Zz" + answer)
+        written = self.write_meanwhile()
+        self.answered(answer, typed)
+        self.holds(before + answer + after + written if self.editor.kind in EDITED_IN_PLACE
+                   else before + typed + after + written + answer)
 
     def with_another_window_in_front(self):
         before, after, typed, answer = self.texts()
@@ -134,7 +151,7 @@ class RandomRequests:
         other = self.desk.started(Program(["xterm", "-T", "another", "-e", "sh", "-c", f"cat >'{folder}/got'"],
                                           folder / "log"))
         wait_for("the other window", lambda: front_title() == "another", 20)
-        self.answered(answer)
+        self.answered(answer, typed)
         wait_for("the answer on the clipboard", lambda: clipboard() == answer, 20)
         self.desk.keyboard.press("Return")
         let_keys_arrive()
@@ -154,10 +171,91 @@ class RandomRequests:
         return ways
 
 
+class ComposedRequests(RandomRequests):
+    """Written with an input method, now and then with a word half composed at the second press."""
+
+    def open_editor(self):
+        pinyin = self.desk.started(Pinyin(self.desk.folder / "fcitx.log"))
+        editor = self.desk.open(os.environ["TAVRELON_TEST_EDITOR"], environment=ENVIRONMENT)
+        pinyin.wait_until_on()
+        return editor
+
+    def texts(self):
+        before, after, _, answer = super().texts()
+        self.words = [self.dice.choice(WORDS) for _ in range(self.dice.randint(1, 4))] + [self.dice.choice(WORDS[:4])]
+        return before, after, "".join(text for _, text in self.words), answer
+
+    def write(self, typed):
+        self.editor.compose(self.words)
+
+    def write_meanwhile(self):
+        self.desk.keyboard.press("Control+End")
+        self.editor.note_at_end("你好")
+        self.editor.strike("nihao ")
+        return "你好"
+
+    def with_a_half_word(self):
+        """It is neither asked nor left in the field."""
+        before, after, typed, answer = self.texts()
+        self.editor.refill(before, after)
+        self.desk.answers(answer)
+        self.desk.begin(self.tavrelon)
+        self.write(typed)
+        self.editor.strike(self.dice.choice(HALF_WORDS))
+        self.desk.commit()
+        self.answered(answer, typed)
+        self.holds(before + answer + after)
+
+    def with_letters_alone(self):
+        """They are waited for, and all that can be asked then."""
+        before, after, _, answer = self.texts()
+        letters = self.dice.choice(HALF_WORDS)
+        self.editor.refill(before, after)
+        self.desk.answers(answer)
+        self.desk.begin(self.tavrelon)
+        self.editor.strike(letters)
+        self.desk.commit()
+        self.answered(answer, letters)
+        self.holds(before + answer + after)
+
+    def with_a_word_committed_behind_the_hotkey(self):
+        before, after, _, answer = self.texts()
+        strokes, typed = WORDS[0]
+        self.editor.refill(before, after)
+        self.desk.answers(answer)
+        self.desk.begin(self.tavrelon)
+        self.editor.strike(strokes[:-1])
+        self.desk.commit()
+        self.editor.strike(strokes[-1])
+        self.answered(answer, typed)
+        self.holds(before + answer + after)
+
+    def with_a_word_committed_meanwhile(self):
+        """Of which a part was composed at the second press: it stays, since it was not asked."""
+        before, after, typed, answer = self.texts()
+        self.editor.refill(before, after)
+        self.desk.answers(answer, delayMs=UNDERWAY)
+        self.desk.begin(self.tavrelon)
+        self.write(typed)
+        self.editor.strike("zhong")
+        self.desk.commit()
+        self.editor.strike("guo ")
+        self.answered(answer, typed)
+        self.holds(before + answer + "中国" + after if self.editor.kind in EDITED_IN_PLACE
+                   else before + typed + "中国" + answer + after)
+
+    def ways(self):
+        return [*super().ways(), self.with_a_half_word, self.with_a_half_word, self.with_letters_alone,
+                self.with_a_word_committed_behind_the_hotkey, self.with_a_word_committed_meanwhile]
+
+
+WRITERS = {"": RandomRequests, "pinyin": ComposedRequests}
+
+
 def test_every_field_is_exactly_right(desk):
     wanted = int(os.environ["TAVRELON_TEST_REQUESTS"])
     dice = random.Random(int(os.environ.get("TAVRELON_TEST_SEED", "20261124")))
-    requests = RandomRequests(desk, dice)
+    requests = WRITERS[os.environ.get("TAVRELON_TEST_INPUT_METHOD", "")](desk, dice)
     keep_count(0, wanted)
     ways = requests.ways()
     for number in range(1, wanted + 1):
