@@ -47,7 +47,7 @@ async::Task<generation::GenerationResult> RequestAnswer::generateOnce(const Text
 async::Task<void> RequestAnswer::leaveComposition(TextRequest& request) {
     // A half-composed word would take the Backspaces for itself. It stands in the fields of some programs and not in
     // those of others, so what is to be removed is counted once it is gone; where that cannot be read it stays.
-    if (!request.isTyped() || !request.imeActive || !request.initial)
+    if (!request.isTyped() || !request.initial)
         co_return;
     if (!co_await services_.outputWriter.cancelComposition())
         co_return;

@@ -59,9 +59,11 @@ TEST_P(InputSourceOnTheBus, AHungFrameworkCostsABoundedWaitAndIsHeardAgain) {
     use(Method::Composing);
     ASSERT_TRUE(answers(true));
     framework().hang(true);
+    letPass(1ms);  // another turn of the loop
+    EXPECT_TRUE(source.isInputMethodActive()) << "busy for a moment, it counts as what it said last";
     ASSERT_TRUE(answers(false));
     for (int turn = 0; turn < 10; ++turn) {
-        runQtUntil([] { return true; });
+        letPass(1ms);  // another turn of the loop
         const auto before = std::chrono::steady_clock::now();
         EXPECT_FALSE(source.isInputMethodActive());
         EXPECT_LT(std::chrono::steady_clock::now() - before, 400ms) << "the limit is 50 ms, the machine may be busy";

@@ -50,7 +50,8 @@ TEST_F(TextRequestTest, TheAnswerTakesThePlaceOfWhatWasTyped) {
 TEST_F(TextRequestTest, AHalfComposedWordIsGivenUpAndNotCountedWhereverItStands) {
     for (const auto& shown : {QString(), QStringLiteral("wo")}) {
         const auto committed = QStringLiteral("你好");
-        desk.inputSource.active = desk.keyPoster.compositionOpen = true;
+        desk.keyPoster.compositionOpen = true;
+        desk.inputSource.active = shown.isEmpty();  // one that is busy may not have told in time
         desk.editor.open(QStringLiteral("before "));
         desk.editor.select(7);
         desk.keyPoster.onPress = [&, typical = desk.keyPoster.onPress](const auto& stroke) {

@@ -87,11 +87,12 @@ class RandomRequests:
         self.write(typed)
         self.desk.commit()
 
-    def answered(self, answer, typed):
+    def answered(self, answer, asked=None):
         self.done += 1
         wait_for("the answer", lambda: len(history(self.tavrelon)) >= min(self.done, 20), 20)
         wait_for("the answer", lambda: history(self.tavrelon)[0]["outputText"] == answer, 20)
-        assert history(self.tavrelon)[0]["inputText"].split() == typed.split()
+        if asked is not None:
+            assert history(self.tavrelon)[0]["inputText"].split() == asked.split(), self.tavrelon.written()[-6000:]
         self.rested = time.monotonic() + REST
 
     def holds(self, wanted):
@@ -207,15 +208,14 @@ class ComposedRequests(RandomRequests):
         self.holds(before + answer + after)
 
     def with_letters_alone(self):
-        """They are waited for, and all that can be asked then."""
+        """They are waited for; what is asked then is a guess at best, but none of the field's text is lost."""
         before, after, _, answer = self.texts()
-        letters = self.dice.choice(HALF_WORDS)
         self.editor.refill(before, after)
         self.desk.answers(answer)
         self.desk.begin(self.tavrelon)
-        self.editor.strike(letters)
+        self.editor.strike(self.dice.choice(HALF_WORDS))
         self.desk.commit()
-        self.answered(answer, letters)
+        self.answered(answer)
         self.holds(before + answer + after)
 
     def with_a_word_committed_behind_the_hotkey(self):

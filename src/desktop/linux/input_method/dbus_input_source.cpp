@@ -14,8 +14,8 @@ struct DBusInputSource::Exchange {
 
     std::mutex mutex;
     std::condition_variable changed;
-    State state = State::Asking;  // connecting is under way
-    bool answer = false;
+    State state = State::Asking;  // a first time, without having been told to
+    bool answer = false;          // the last one
     bool stop = false;
 
     static void run(const std::shared_ptr<Exchange>& exchange);
@@ -23,19 +23,18 @@ struct DBusInputSource::Exchange {
 
 void DBusInputSource::Exchange::run(const std::shared_ptr<Exchange>& exchange) {
     std::optional<InputMethodInquiry> inquiry(std::in_place);
-    std::unique_lock lock(exchange->mutex);
-    exchange->state = State::Idle;
+    std::unique_lock lock(exchange->mutex, std::defer_lock);
     for (;;) {
+        const bool composing = inquiry->isComposing();
+        lock.lock();
+        exchange->answer = composing;
+        exchange->state = State::Idle;
         exchange->changed.notify_all();
         exchange->changed.wait(lock, [&] { return exchange->stop || exchange->state == State::Asked; });
         if (exchange->stop)
             break;
         exchange->state = State::Asking;
         lock.unlock();
-        const bool composing = inquiry->isComposing();
-        lock.lock();
-        exchange->answer = composing;
-        exchange->state = State::Idle;
     }
     inquiry.reset();
     exchange->state = State::Ended;
@@ -68,13 +67,12 @@ bool DBusInputSource::isInputMethodActive() {
     const auto deadline = std::chrono::steady_clock::now() + limit_;
     const auto isIdle = [this] { return exchange_->state == Exchange::State::Idle; };
     std::unique_lock lock(exchange_->mutex);
-    bool answered = false;
     if (exchange_->changed.wait_until(lock, deadline, isIdle)) {
         exchange_->state = Exchange::State::Asked;
         exchange_->changed.notify_all();
-        answered = exchange_->changed.wait_until(lock, deadline, isIdle);
+        exchange_->changed.wait_until(lock, deadline, isIdle);
     }
-    answerOfThisTurn_ = answered && exchange_->answer;
+    answerOfThisTurn_ = exchange_->answer;
     return *answerOfThisTurn_;
 }
 

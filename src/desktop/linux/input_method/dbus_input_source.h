@@ -14,8 +14,9 @@ namespace tavrelon::desktop {
 /// Asks Fcitx 5 on the session bus, or else the IBus daemon on its own bus, whether the input method in use composes.
 ///
 /// Main thread. The questions are put by a thread of its own, since even to connect may block; one that is not answered
-/// within the limit is answered with false, as are all others until it is. Connecting begins at once, so that it costs
-/// the first question nothing. Nothing is started by asking.
+/// within the limit gets the answer of the last one, since an input method that looks up a word is busy for a moment; a
+/// framework that says nothing for half a second counts as none. Connecting and a first question begin at once, so that
+/// there is an answer from the start. Nothing is started by asking.
 class DBusInputSource : public platform::InputSource {
  public:
     static constexpr std::chrono::milliseconds answerLimit{50};
