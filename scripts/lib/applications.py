@@ -90,8 +90,11 @@ def requests_of(folder):
 
 
 def each_of(counts):
+    """In the table's order; one with an input method, such as "mousepad-pinyin", behind all without."""
+    known = [name for name in NAMES if name in counts]
+    names = known + sorted(counts.keys() - set(known))
     return ", ".join(f"{name} {counts[name][0]}" + (f" of {counts[name][1]}" if counts[name][0] < counts[name][1] else "")
-                     for name in NAMES if name in counts)
+                     for name in names)
 
 
 def request_line(folder):

@@ -187,6 +187,14 @@ class Application(Program):
         self.refilled = [before, after]
         let_keys_arrive()
 
+    def go_to_end(self, before, after):
+        """The same from its end."""
+        self.keyboard.press("Control+End")
+        for _ in characters(after):
+            self.keyboard.press("Left")
+        self.refilled = [before, after]
+        let_keys_arrive()
+
     def note_at_end(self, text):
         self.refilled[1] += text
 

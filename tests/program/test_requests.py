@@ -108,17 +108,23 @@ class RandomRequests:
         self.holds(before + answer + after)
 
     def in_a_long_field(self):
-        """Of 15 000 to 40 000 characters, near its begin or its end."""
+        """Of 15 000 to 40 000 characters, near its begin or its end; now and then the input is opened at the other one."""
         before, after, typed, answer = self.texts()
         words = "".join(self.dice.choice(["lorem ", "ipsum, ", "中文", "dolor\n"]) for _ in range(self.dice.randint(3500, 8000)))
-        if self.dice.random() < 0.5:
-            before = words + before
-            self.editor.refill(before, after)
-        else:
-            after = after + words
-            self.editor.refill(before + after, "")
-            self.editor.go_to(before, after)
-        self.ask(typed, answer)
+        is_near_end, is_moved = self.dice.random() < 0.5, self.dice.random() < 0.5
+        before, after = (words + before, after) if is_near_end else (before, after + words)
+        go_there = self.editor.go_to_end if is_near_end else self.editor.go_to
+        self.editor.refill(before + after, "")
+        if is_moved and is_near_end:
+            self.editor.go_to("", before + after)
+        elif not is_moved:
+            go_there(before, after)
+        self.desk.answers(answer)
+        self.desk.begin(self.tavrelon)
+        if is_moved:
+            go_there(before, after)
+        self.write(typed)
+        self.desk.commit()
         self.answered(answer, typed)
         self.holds(before + answer + after)
 
