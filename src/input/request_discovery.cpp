@@ -1,6 +1,7 @@
 #include "input/request_discovery.h"
 
 #include "async/waits.h"
+#include "generation/processing_error.h"
 #include "input/text_difference.h"
 
 namespace tavrelon::input {
@@ -48,7 +49,17 @@ async::Task<void> RequestDiscovery::readInput(TextRequest& request) {
         request.clipboardSelection = co_await async::shielded(services_.contextCapturer.selectionViaClipboard(
             wholeField(request) == WholeField::Allowed ? capture::SelectAll::Allowed : capture::SelectAll::Forbidden));
     machine_.requireCurrent(request.id);
+    if (tookMoreThanTheKeys(request)) {
+        services_.platform.keyPoster.press(keyRight, keys::noModifiers);  // or the next key would replace it all
+        throw generation::ProcessingError::unseenInput();
+    }
     request.requestText = chooseRequestText(request);
+}
+
+/// Whether the copy has what stood in the field before: an input method makes no more characters than it had keys.
+bool RequestDiscovery::tookMoreThanTheKeys(const TextRequest& request) {
+    return request.clipboardSelection && !text::isBlank(request.inputBuffer) &&
+           text::characterCount(*request.clipboardSelection) > text::characterCount(request.inputBuffer);
 }
 
 /// A reading that comes early would lose the end of what was typed, or all of it.

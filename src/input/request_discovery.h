@@ -8,6 +8,9 @@ namespace tavrelon::input {
 /// Main thread.
 class RequestDiscovery {
  public:
+    /// Gives up a selection and leaves the caret behind it.
+    static constexpr keys::VirtualKey keyRight = 124;
+
     RequestDiscovery(InputStateMachine& machine, const InputServices& services)
         : machine_(machine), services_(services), settlingLoop_(machine, services_) {}
 
@@ -22,6 +25,7 @@ class RequestDiscovery {
  private:
     async::Task<void> readInput(TextRequest& request);
     async::Task<void> awaitField(TextRequest& request);
+    static bool tookMoreThanTheKeys(const TextRequest& request);
     QString chooseRequestText(const TextRequest& request) const;
     static void believeSelection(TextRequest& request);
     static void testForComposition(TextRequest& request);

@@ -10,6 +10,11 @@ namespace tavrelon::testing {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
+struct TakesChordsTwice : desktop::ShortcutTranslator {
+    std::optional<desktop::KeyChord> translate(desktop::KeyChord asked) override { return asked; }
+    bool takesChordsTwice() override { return true; }
+};
+
 class KeyPosterOnDesktop : public HotkeysOnDesktop {
  public:
     static constexpr int control = 4;
@@ -106,11 +111,7 @@ TEST_F(KeyPosterOnDesktop, APressOnItsOwnPutsModifiersAsideForItself) {
 }
 
 TEST_F(KeyPosterOnDesktop, WhereChordsAreTakenTwiceTheirModifiersAreAState) {
-    struct TakesThemTwice : desktop::ShortcutTranslator {
-        std::optional<desktop::KeyChord> translate(desktop::KeyChord asked) override { return asked; }
-        bool takesChordsTwice() override { return true; }
-    };
-    const auto other = desktop::X11KeyPoster::open(loop, posted, std::make_unique<TakesThemTwice>()).value();
+    const auto other = desktop::X11KeyPoster::open(loop, posted, std::make_unique<TakesChordsTwice>()).value();
     other->press(keys::keyV, keys::commandFlag | keys::shiftFlag);
     other->press(keys::keyBackspace, keys::noModifiers);
     ASSERT_TRUE(settle());
@@ -177,6 +178,29 @@ TEST_F(KeyPosterOnDesktop, CapsLockChangesNoShortcut) {
     ASSERT_TRUE(settle());
     EXPECT_EQ(window.stateOf(place::v) & ~2, control);
     EXPECT_EQ(window.stateOf(place::f12), 0) << "the lock is as the user left it";
+}
+
+TEST_F(KeyPosterOnDesktop, StickyModifiersReachNoPostedKeyAndStayLocked) {
+    constexpr int shift = 1;
+    for (const bool asState : {false, true}) {
+        if (asState)
+            poster = desktop::X11KeyPoster::open(loop, posted, std::make_unique<TakesChordsTwice>()).value();
+        window.clear();
+        keyboard.lockModifiers(control);
+        keyboard.latchModifiers(shift);
+        {
+            const platform::ModifiersAside aside(*poster);
+            poster->press(keys::keyBackspace, keys::noModifiers);
+            poster->press(keys::keyV, keys::commandFlag);
+            poster->press(keys::keyA, keys::noModifiers);
+        }
+        ASSERT_TRUE(settle());
+        keyboard.lockModifiers(0);
+        EXPECT_EQ(window.stateOf(place::backspace), 0) << "with Control it would take a word";
+        EXPECT_EQ(window.stateOf(place::v), control) << asState;
+        EXPECT_EQ(window.stateOf(place::a), 0);
+        EXPECT_EQ(window.stateOf(place::f12), control) << "as the user left it";
+    }
 }
 
 }  // namespace tavrelon::testing

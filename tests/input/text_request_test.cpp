@@ -1,6 +1,7 @@
 // The road of a typed request, from the hotkey to the field, on a desktop of fakes.
 #include <gtest/gtest.h>
 
+#include "input/text_request_pipeline.h"
 #include "persistence/taught.h"
 #include "support/input_desk.h"
 #include "support/qt_gtest.h"
@@ -319,6 +320,29 @@ TEST_F(TextRequestTest, TakesTheLettersWhenNothingIsCommitted) {
     EXPECT_EQ(asked(), QStringLiteral("nihao"));
     EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
     EXPECT_TRUE(desk.learner.recorded.isEmpty()) << "raw letters teach nothing";
+}
+
+TEST_F(TextRequestTest, OfAnOpaqueFieldAnInputMethodsRequestIsTheWholeOnlyWhereTheKeysMayHaveMadeIt) {
+    desk.inputSource.active = true;
+    const auto compose = [&](const QString& before) {
+        desk.editor.open(before, SimulatedEditor::Visibility::Opaque);
+        desk.editor.select(before.size());
+        desk.toggle();
+        for (const auto letter : QStringLiteral("nihao "))
+            desk.keyboard.press(InputDesk::noKey, {}, letter);
+        desk.editor.type(QStringLiteral("你好"));
+        desk.toggle();
+        finish();
+    };
+    compose(QString());
+    EXPECT_EQ(asked(), QStringLiteral("你好"));
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("ANSWER"));
+    compose(QStringLiteral("a long letter "));
+    EXPECT_EQ(desk.generator.requests.size(), 1U);
+    EXPECT_EQ(desk.editor.text(), QStringLiteral("a long letter 你好"));
+    EXPECT_EQ(desk.keyPoster.count(input::RequestDiscovery::keyRight, keys::noModifiers), 1)
+        << "it does not stay selected";
+    EXPECT_TRUE(desk.machine->lastError().value_or(QString()).contains(QStringLiteral("prompt box")));
 }
 
 TEST_F(TextRequestTest, FallsBackToTheTextNearTheCaretWhenNothingOfTheKeysIsSeen) {

@@ -13,7 +13,7 @@ from conftest import history
 from editors import let_keys_arrive
 from input_methods import ENVIRONMENT, HALF_WORDS, WORDS, Pinyin
 from programs import Program
-from session import bring_to_front, clipboard, front_title, front_window
+from session import bring_to_front, clipboard, front_title, front_window, is_wayland
 from waiting import wait_for
 
 REST = 2.1  # seconds; an input that opened within two seconds of the last answer would be reset with it
@@ -144,6 +144,7 @@ class RandomRequests:
         before, after, typed, answer = self.texts()
         self.editor.refill(before, after)
         self.ask(typed, answer, delayMs=UNDERWAY)
+        wait_for("the question at the service", self.desk.asked, 20)
         written = self.write_meanwhile()
         self.answered(answer, typed)
         self.holds(before + answer + after + written if self.editor.kind in EDITED_IN_PLACE
@@ -249,14 +250,17 @@ class ComposedRequests(RandomRequests):
         self.write(typed)
         self.editor.strike("zhong")
         self.desk.commit()
+        wait_for("the question at the service", self.desk.asked, 20)
         self.editor.strike("guo ")
         self.answered(answer, self.seen(typed))
         self.holds(before + answer + "中国" + after if self.editor.kind in EDITED_IN_PLACE
                    else before + typed + "中国" + answer + after)
 
     def ways(self):
-        return [*super().ways(), self.with_a_half_word, self.with_a_half_word, self.with_letters_alone,
-                self.with_a_word_committed_behind_the_hotkey, self.with_a_word_committed_meanwhile]
+        ways = [*super().ways(), self.with_a_word_committed_behind_the_hotkey, self.with_a_word_committed_meanwhile]
+        if not is_wayland():  # there nobody tells that a word is open, and it stays so
+            ways += [self.with_a_half_word] * 2 + [self.with_letters_alone]
+        return ways
 
 
 WRITERS = {"": RandomRequests, "pinyin": ComposedRequests}

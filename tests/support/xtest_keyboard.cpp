@@ -93,6 +93,17 @@ void XTestKeyboard::lockGroup(unsigned group) {
     XSync(display_->x, False);
 }
 
+void XTestKeyboard::lockModifiers(unsigned mask) {
+    constexpr unsigned all = 0xFF;
+    XkbLockModifiers(display_->x, XkbUseCoreKbd, all, mask);
+    XSync(display_->x, False);
+}
+
+void XTestKeyboard::latchModifiers(unsigned mask) {
+    XkbLatchModifiers(display_->x, XkbUseCoreKbd, mask, mask);
+    XSync(display_->x, False);
+}
+
 std::vector<place::Code> XTestKeyboard::downOnPostingDevice() {
     XDeviceState* state = XQueryDeviceState(display_->x, display_->posting);
     std::vector<place::Code> down;

@@ -33,6 +33,12 @@ class XTestKeyboard {
     /// Switches to a layout of the map in force.
     void lockGroup(unsigned group);
 
+    /// Locks these modifiers of an X event's state, and unlocks all others, as sticky keys do.
+    void lockModifiers(unsigned mask);
+
+    /// Lets these go with the next key.
+    void latchModifiers(unsigned mask);
+
     /// Keys that are down on the device of posted keys.
     std::vector<place::Code> downOnPostingDevice();
 

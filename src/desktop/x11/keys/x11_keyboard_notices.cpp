@@ -36,10 +36,23 @@ std::optional<KeyboardState> keyboardState(const xcb_generic_event_t& event) {
         notice.baseMods, notice.group, {notice.time, notice.keycode, isPress ? KeyAction::Press : KeyAction::Release}};
 }
 
-unsigned keyboardGroup(X11Connection& connection) {
-    const XPointer<xcb_xkb_get_state_reply_t> state(xcb_xkb_get_state_reply(
+namespace {
+
+XPointer<xcb_xkb_get_state_reply_t> stateNow(X11Connection& connection) {
+    return XPointer<xcb_xkb_get_state_reply_t>(xcb_xkb_get_state_reply(
         connection.get(), xcb_xkb_get_state(connection.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+}
+
+}  // namespace
+
+unsigned keyboardGroup(X11Connection& connection) {
+    const auto state = stateNow(connection);
     return state ? state->group : 0;
+}
+
+StickyModifiers stickyModifiers(X11Connection& connection) {
+    const auto state = stateNow(connection);
+    return state ? StickyModifiers{state->lockedMods, state->latchedMods} : StickyModifiers();
 }
 
 }  // namespace tavrelon::desktop

@@ -30,4 +30,11 @@ std::optional<KeyboardState> keyboardState(const xcb_generic_event_t& event);
 /// The layout in force on the session's keyboard.
 unsigned keyboardGroup(X11Connection& connection);
 
+/// The modifiers that count as held without a key of theirs being down.
+struct StickyModifiers {
+    ModifierMask locked = 0;   ///< until they are unlocked
+    ModifierMask latched = 0;  ///< for the next key
+};
+StickyModifiers stickyModifiers(X11Connection& connection);
+
 }  // namespace tavrelon::desktop

@@ -34,6 +34,10 @@ void X11XTest::setLocked(ModifierMask modifiers, bool locked) {
                              0);
 }
 
+void X11XTest::unlatch(ModifierMask modifiers) {
+    xcb_xkb_latch_lock_state(connection_->get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, modifiers, 0, 0);
+}
+
 std::shared_ptr<const X11Keyboard> X11XTest::keyboard() {
     // The notice of any change so far is there once the server has answered.
     connection_->sync();

@@ -23,6 +23,9 @@ class X11XTest {
     /// Adds to them that these modifiers count as locked, or no longer. No key of theirs goes down.
     void setLocked(ModifierMask modifiers, bool locked);
 
+    /// Adds to them that the next key comes without these, latched or not.
+    void unlatch(ModifierMask modifiers);
+
     /// Sends in one go, so that hardly a key of the user comes in between, and returns once the server has them. Any
     /// thread.
     void send() { connection_->sync(); }

@@ -4,6 +4,9 @@
 #include <xcb/xinput.h>
 
 #include <array>
+#include <utility>
+
+#include "desktop/x11/keys/x11_keyboard_notices.h"
 
 namespace tavrelon::desktop {
 
@@ -76,6 +79,13 @@ void X11HeldModifiers::putAside(const X11Keyboard& keyboard) {
         xtest_.post(code, KeyAction::Release);
         aside_.set(code);
     });
+    const auto sticky = stickyModifiers(xtest_.connection());
+    if (const auto locked = static_cast<ModifierMask>(sticky.locked & ~unsigned{keyboard.locks()})) {
+        xtest_.setLocked(locked, false);
+        lockedAside_ |= locked;
+    }
+    if (sticky.latched != 0)
+        xtest_.unlatch(sticky.latched);
     xtest_.send();
 }
 
@@ -90,6 +100,8 @@ void X11HeldModifiers::giveBack() {
     restored_ |= aside_ & down;
     aside_.reset();
     forEachKey(restored_, [this](KeyCode code) { xtest_.post(code, KeyAction::Press); });
+    if (const auto locked = std::exchange(lockedAside_, ModifierMask{0}))
+        xtest_.setLocked(locked, true);
     xtest_.send();
     wake_.signal();  // the questions above may have read a release, which no poll announces any more
 }

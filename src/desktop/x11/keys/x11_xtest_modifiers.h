@@ -9,7 +9,8 @@
 
 namespace tavrelon::desktop {
 
-/// Takes the modifiers that the user holds out of the session's keyboard, and puts them back.
+/// Takes the modifiers that the user holds, or has locked as with sticky keys, out of the session's keyboard, and puts
+/// them back. Caps Lock and Num Lock stay. One that was to go with the next key only is not put back.
 ///
 /// What is put back is down on the posting device too, which the user's own release does not reach; a thread therefore
 /// watches the keyboards while anything is, and lets go there as the user lets go.
@@ -32,7 +33,7 @@ class X11HeldModifiers {
     /// Main thread. A second call takes out what the user pressed since the first.
     void putAside(const X11Keyboard& keyboard);
 
-    /// Main thread. Whether the user held any when they were put aside.
+    /// Main thread. Whether the user held any key of theirs when they were put aside.
     bool isAnyAside() const { return aside_.any(); }
 
     /// Main thread. Puts back what the user still holds of all that was put aside.
@@ -52,6 +53,7 @@ class X11HeldModifiers {
     KeyboardDevices devices_;
     KeySet aside_;  ///< of the main thread
     KeySet restored_;
+    ModifierMask lockedAside_ = 0;  ///< of the main thread
     bool stop_ = false;
 
     X11ThreadWake wake_;
