@@ -2,11 +2,13 @@
 
 #include <sysexits.h>
 
+#include <QCoreApplication>
 #include <QFile>
 #include <cstdio>
 
 #include "desktop/linux/files/private_folder.h"
 #include "desktop/linux/process/standard_output_log.h"
+#include "desktop/session/left_over_keys.h"
 #include "desktop/session/windowing_system.h"
 #include "hotkeys/hotkey_table.h"
 #include "persistence/history_manager.h"
@@ -38,6 +40,13 @@ std::unexpected<int> triggered(const desktop::UserFolders& folders, const QStrin
     return std::unexpected(EX_OK);
 }
 
+std::unexpected<int> keysLetGo(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    if (!desktop::letLeftOverKeysGo())
+        return endWith(EX_TEMPFAIL, QStringLiteral("Tavrelon is running, and holds its hotkeys."));
+    return std::unexpected(EX_OK);
+}
+
 }  // namespace
 
 std::expected<Start, int> prepareStart(int argc, char** argv) {
@@ -54,6 +63,8 @@ std::expected<Start, int> prepareStart(int argc, char** argv) {
             stdout);
         return std::unexpected(EX_OK);
     }
+    if (mode == desktop::StartMode::LetKeysGo)
+        return keysLetGo(argc, argv);
     auto folders = desktop::userFolders();
     if (!folders)
         return endWith(EX_CONFIG, QStringLiteral("Tavrelon cannot start: there is no home folder to keep settings in; "

@@ -2,6 +2,7 @@
 
 import json
 import os
+import subprocess
 import sys
 import time
 from pathlib import Path
@@ -95,6 +96,26 @@ def ends_well(tavrelon):
     assert tavrelon.process.wait(20) == 0, tavrelon.written()[-6000:]
     assert "[UI]" not in tavrelon.written()
     return True
+
+
+def guardian_of(tavrelon):
+    """The process that gives the keys back if the program cannot."""
+    told = subprocess.run(["pgrep", "-x", "-P", str(tavrelon.process.pid), "key-guardian"], stdin=subprocess.DEVNULL,
+                          capture_output=True, text=True, timeout=20).stdout
+    return int(told)
+
+
+def is_alive(process):
+    """One that has ended and that nobody has asked for yet is not."""
+    try:
+        return Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0] != "Z"
+    except FileNotFoundError:
+        return False
+
+
+def kill(tavrelon):
+    tavrelon.process.kill()
+    tavrelon.process.wait(10)
 
 
 def leave_sign(name):

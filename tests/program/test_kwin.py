@@ -1,9 +1,14 @@
 """The program in front of native windows of KWin: the main job, and whose the keys are."""
 
+import os
+import signal
+import time
+
 import kwin
 import pytest
-from conftest import ends_well, wait_for_history
+from conftest import ends_well, guardian_of, is_alive, kill, wait_for_history
 from session import clipboard, set_clipboard
+from waiting import wait_for
 
 SHIFT_ALT_SUPER_G, ESCAPE = 0x1A000047, "hotkey-53-0-0"
 BY_PASTE = "chromium-accessible"  # can be read by accessibility, but not written
@@ -33,14 +38,39 @@ def test_a_request_and_a_selection_are_replaced(desk, kind):
 
 def test_what_is_taken_stays_so_and_what_a_crash_leaves_is_let_go(desk):
     kwin.take_shortcut(SHIFT_ALT_SUPER_G)
-    desk.open("mousepad")
+    editor = desk.open("mousepad")
     killed = desk.start()
     killed.wait_for_line(r"\[Hotkey\] Super\+Shift\+Alt\+G is another program's")
     desk.begin(killed)
     assert ESCAPE in kwin.shortcuts()
-    killed.process.kill()
-    killed.process.wait(10)
+    kill(killed)
+    wait_for("all keys to be let go", lambda: "hotkey-" not in kwin.shortcuts(), 20)
+    editor.type("plain")
+    assert editor.saved("plain") == "plain", "no modifier is left down"
+    orphan = desk.start()
+    desk.begin(orphan)
+    os.kill(guardian_of(orphan), signal.SIGKILL)
+    kill(orphan)
+    assert ESCAPE in kwin.shortcuts(), "nobody lets go of it"
     again = desk.start()
     assert ESCAPE not in kwin.shortcuts()
     desk.begin(again)
+    guardian = guardian_of(again)
     assert ends_well(again)
+    wait_for("the end of the guardian", lambda: not is_alive(guardian))
+
+
+def test_a_program_that_is_killed_while_it_pastes_leaves_no_key_down(desk):
+    editor = desk.open(BY_PASTE)
+    desk.answers("ANSWER " * 20)
+    for round in range(5):
+        editor.refill("", "")
+        tavrelon = desk.start()
+        desk.request(tavrelon, editor, "a question of some length?")
+        wait_for("the question at the service", lambda: len(desk.asked()) > round, 20)
+        time.sleep(0.02 * round)
+        kill(tavrelon)
+        wait_for("all keys to be let go", lambda: "hotkey-" not in kwin.shortcuts(), 20)
+        editor.refill("", "")
+        editor.type("plain")  # with Control down these would be commands
+        assert editor.saved("plain") == "plain"

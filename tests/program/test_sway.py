@@ -2,12 +2,13 @@
 
 import os
 import shutil
+import signal
 import time
 from pathlib import Path
 
 import pytest
 import sway
-from conftest import HOTKEY, ends_well, history, wait_for_history
+from conftest import HOTKEY, ends_well, guardian_of, history, is_alive, kill, wait_for_history
 from editors import let_keys_arrive
 from session import clipboard, set_clipboard
 from test_prompt_box import open_box
@@ -129,16 +130,23 @@ def test_a_combination_that_is_taken_stays_the_users(desk, theirs):
     desk.begin(tavrelon)  # ours are bound anew
 
 
-def test_keys_are_given_back_at_the_end_and_after_a_crash(desk, theirs):
+@pytest.mark.parametrize("is_guarded", [True, False])
+def test_keys_are_given_back_at_the_end_and_after_a_crash(desk, theirs, is_guarded):
     desk.open("mousepad")
     # A binding that is in no configuration.
     sway.ask(f"bindsym Mod4+Mod1+Shift+l exec touch {theirs}")
     killed = desk.start()
     desk.begin(killed)
-    killed.process.kill()
-    killed.process.wait(10)
-    again = desk.start()
-    assert ends_well(again)
+    if is_guarded:
+        kill(killed)
+        wait_for("the end of the record", lambda: not list(Path(os.environ["XDG_RUNTIME_DIR"]).glob("tavrelon-keys-*")), 20)
+    else:  # the next start gives them back
+        os.kill(guardian_of(killed), signal.SIGKILL)
+        kill(killed)
+        again = desk.start()
+        guardian = guardian_of(again)
+        assert ends_well(again)
+        wait_for("the end of the guardian", lambda: not is_alive(guardian))
     pressed = sway.NextBinding()
     let_keys_arrive()
     desk.keyboard.press("Escape")

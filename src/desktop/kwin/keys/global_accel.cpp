@@ -86,14 +86,17 @@ bool GlobalAccel::letGo(const QString& action) {
     return bus_->call(registry, QStringLiteral("unregister"), {componentName, action}).has_value();
 }
 
+void GlobalAccel::letGoOfAll() {
+    const auto answer = bus_->call(component, QStringLiteral("shortcutNames"));
+    const auto actions = answer && !answer->isEmpty() ? answer->front().toStringList() : QStringList();
+    for (const auto& action : actions)
+        if (!letGo(action))
+            return;
+}
+
 bool GlobalAccel::isFree(int key) {
     const auto answer = bus_->call(registry, QStringLiteral("globalShortcutAvailable"), {sequenceOf(key), QString()});
     return !answer || answer->isEmpty() || answer->front().toBool();
-}
-
-QStringList GlobalAccel::actions() {
-    const auto answer = bus_->call(component, QStringLiteral("shortcutNames"));
-    return answer && !answer->isEmpty() ? answer->front().toStringList() : QStringList();
 }
 
 }  // namespace tavrelon::desktop

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QStringList>
+#include <QString>
 #include <memory>
 #include <vector>
 
@@ -27,10 +27,10 @@ class GlobalAccel {
     Outcome hold(const QString& action, const QString& friendlyName, const std::vector<int>& keys);
     /// The keys are the applications' again. False where nobody answers.
     bool letGo(const QString& action);
+    /// The same for all that are known of us, those of a process that was killed among them.
+    void letGoOfAll();
     /// Whether neither we nor another holds the key; so it is where nobody answers.
     bool isFree(int key);
-    /// The actions that are known of us, those of a process that was killed among them.
-    QStringList actions();
 
  private:
     std::shared_ptr<KWinBus> bus_;

@@ -45,6 +45,12 @@ KWinHotkeys::KWinHotkeys(async::MainLoop& loop, platform::Log& log, std::shared_
     });
 }
 
+KWinHotkeys::~KWinHotkeys() {
+    KWinHotkeys::stop();
+    if (guardian_ && isAllGivenBack_)
+        guardian_->dismiss();
+}
+
 std::expected<void, platform::HotkeysError> KWinHotkeys::start(Handler handler) {
     stop();
     if (!accel_.isThere())
@@ -57,18 +63,18 @@ std::expected<void, platform::HotkeysError> KWinHotkeys::start(Handler handler) 
                      SLOT(released(QString, QString, qlonglong))))
         return std::unexpected(platform::HotkeysError{QStringLiteral("KWin does not tell of its shortcuts.")});
     handler_ = std::move(handler);
-    for (const auto& leftOver : accel_.actions())
-        if (!accel_.letGo(leftOver))
-            break;
+    if (!guardian_)
+        guardian_.emplace(log_);
+    accel_.letGoOfAll();
     apply();
     return {};
 }
 
 void KWinHotkeys::stop() {
     handler_ = nullptr;
-    for (const auto& [action, hotkey] : std::exchange(held_, {}))
-        if (!accel_.letGo(action))
-            break;  // what is left, the next start lets go
+    // What is left, the guardian lets go, or the next start.
+    isAllGivenBack_ =
+        std::ranges::all_of(std::exchange(held_, {}), [this](const auto& each) { return accel_.letGo(each.first); });
     pressed_.clear();
 }
 

@@ -11,13 +11,15 @@
 #include "async/main_loop.h"
 #include "desktop/kwin/keys/global_accel.h"
 #include "desktop/kwin/keys/own_posts.h"
+#include "desktop/linux/process/key_guardian.h"
 #include "platform/hotkeys.h"
 #include "platform/log.h"
 
 namespace tavrelon::desktop {
 
 /// Hotkeys of Plasma by KGlobalAccel. A combination that another program holds stays there: it is not ours, and named
-/// in the log. A process that is killed leaves its keys withheld from all applications; the next start lets them go.
+/// in the log. KWin withholds the keys of a process that is killed from all applications, until its guardian lets them
+/// go, or else the next start.
 ///
 /// Modifiers alone are told by their press, whatever key comes next: nobody says that it was the begin of a longer
 /// shortcut. So those that fire when they are let go do so only where that was soon.
@@ -30,7 +32,7 @@ class KWinHotkeys : public QObject, public platform::Hotkeys {
     /// What is posted may look like modifiers alone; `posts` tells when.
     KWinHotkeys(async::MainLoop& loop, platform::Log& log, std::shared_ptr<KWinBus> bus,
                 std::shared_ptr<const OwnPosts> posts);
-    ~KWinHotkeys() override { KWinHotkeys::stop(); }
+    ~KWinHotkeys() override;
 
     std::expected<void, platform::HotkeysError> start(Handler handler) override;
     void stop() override;
@@ -59,6 +61,8 @@ class KWinHotkeys : public QObject, public platform::Hotkeys {
     std::map<QString, platform::WantedHotkey> held_;                    ///< by action
     std::map<QString, std::chrono::steady_clock::time_point> pressed_;  ///< when; until it is let go
     std::set<QString> reported_;
+    bool isAllGivenBack_ = true;
+    std::optional<KeyGuardian> guardian_;
     async::Lifetime lifetime_;
 };
 

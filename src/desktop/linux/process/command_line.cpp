@@ -13,6 +13,7 @@ constexpr std::pair<QLatin1StringView, StartMode> modes[] = {
     {QLatin1StringView("-h"), StartMode::Help},
     {QLatin1StringView("--version"), StartMode::Version},
     {QLatin1StringView("--check"), StartMode::Check},
+    {QLatin1StringView("--let-keys-go"), StartMode::LetKeysGo},
     {QLatin1StringView("--trigger"), StartMode::Trigger},
 };
 
@@ -41,7 +42,7 @@ std::expected<CommandLine, QString> commandLineFrom(const QStringList& arguments
 
 QString helpText() {
     return QStringLiteral(
-        "Usage: tavrelon [--background | --trigger NAME | --check [--json]]\n"
+        "Usage: tavrelon [--background | --trigger NAME | --check [--json] | --let-keys-go]\n"
         "Answers what you type, in every text field of the desktop.\n"
         "\n"
         "  --background   start with the tray icon alone, without the dashboard\n"
@@ -49,6 +50,7 @@ QString helpText() {
         "                 reply, video, cancel or toggle\n"
         "  --check        print what works here and what is missing, with one short question to the model;\n"
         "                 the exit status is the count of what is missing. --json: for programs to read\n"
+        "  --let-keys-go  give back hotkeys that a killed Tavrelon has left with the desktop; it is done by itself\n"
         "  --help         print this text\n"
         "  --version      print the version\n");
 }

@@ -12,6 +12,7 @@ enum class StartMode {
     Help,        ///< `helpText` on standard output, then the end
     Version,     ///< the version on standard output, then the end
     Check,       ///< what works on standard output, then the end
+    LetKeysGo,   ///< hotkeys that a killed program has left are given back, then the end
     Trigger,     ///< the running program does what one of its hotkeys is for, then the end
 };
 

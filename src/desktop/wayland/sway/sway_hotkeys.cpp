@@ -1,8 +1,5 @@
 #include "desktop/wayland/sway/sway_hotkeys.h"
 
-#include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <algorithm>
 
 #include "keys/key_names.h"
@@ -16,13 +13,6 @@ namespace {
 const QString mark = QStringLiteral("nop tavrelon ");
 const QString defaultMode = QStringLiteral("default");
 
-/// Where a later start finds what this one has bound. Empty where there is no folder for it.
-QString leftOversPath() {
-    const auto folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    const auto socket = QFileInfo(qEnvironmentVariable("SWAYSOCK")).fileName();
-    return folder.isEmpty() ? QString() : folder + QStringLiteral("/tavrelon-keys-") + socket;
-}
-
 QString nameOf(const keys::HotkeyConfig& hotkey, WantedHotkey::Fires fires) {
     return keys::plainName(hotkey.keyCode, hotkey.modifiers & keys::relevantModifierMask,
                            fires == WantedHotkey::Fires::OnPress ? keys::ZeroKey::A : keys::ZeroKey::None);
@@ -33,6 +23,12 @@ QString changeOf(const text::Json& event) {
 }
 
 }  // namespace
+
+SwayHotkeys::~SwayHotkeys() {
+    stop();
+    if (guardian_ && isAllGivenBack_)
+        guardian_->dismiss();
+}
 
 std::expected<void, platform::HotkeysError> SwayHotkeys::start(Handler handler) {
     stop();
@@ -47,7 +43,9 @@ std::expected<void, platform::HotkeysError> SwayHotkeys::start(Handler handler) 
     handler_ = std::move(handler);
     notifier_ = std::make_unique<QSocketNotifier>(events_->descriptor(), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { readable(); });
-    removeLeftOvers();
+    if (!guardian_)
+        guardian_.emplace(log_);
+    SwayLeftOvers::remove(*commands_);
     learnUsersKeys();
     apply();
     return {};
@@ -57,11 +55,11 @@ void SwayHotkeys::stop() {
     handler_ = nullptr;
     if (commands_)
         unbindAllBut([](const QString&, const Bound&) { return false; });
-    // What is still bound is left to the next start.
-    if (bound_.empty() && !remembered_.empty())
-        QFile::remove(leftOversPath());
+    // What is still bound is left to the guardian and the next start.
+    isAllGivenBack_ = bound_.empty();
+    if (isAllGivenBack_)
+        leftOvers_.forget();
     bound_.clear();
-    remembered_.clear();
     endEvents();
     commands_.reset();
 }
@@ -154,7 +152,7 @@ void SwayHotkeys::unbindAllBut(const std::function<bool(const QString&, const Bo
 void SwayHotkeys::bind(const QString& keys, const Target& target) {
     const auto command = u' ' + mark + QString::number(target.hotkey);
     for (const auto& tried : target.binding.tries) {
-        remember(tried);
+        leftOvers_.remember(tried);
         if (commands_->run(tried + command)) {
             bound_[keys] = {target.hotkey, tried};
             return;
@@ -213,34 +211,6 @@ void SwayHotkeys::pressed(const text::Json& event) {
         if (handler_)
             handler_(hotkey);
     }));
-}
-
-/// Before the binding is made, so that there is none of which nobody knows.
-void SwayHotkeys::remember(const QString& made) {
-    const auto path = leftOversPath();
-    if (path.isEmpty() || !remembered_.insert(made).second)
-        return;
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    for (const auto& each : remembered_)
-        file.write(each.toUtf8() + '\n');
-    file.commit();
-}
-
-void SwayHotkeys::removeLeftOvers() {
-    QFile file(leftOversPath());
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    while (!file.atEnd() && !commands_->isBroken()) {
-        const auto made = QString::fromUtf8(file.readLine()).trimmed();
-        // Nothing but what this class writes there.
-        if (made.startsWith(u"bind") && made.contains(u"Group") && !made.contains(u';') && !made.contains(u','))
-            commands_->run(unbinding(made));
-    }
-    if (!commands_->isBroken())
-        file.remove();
 }
 
 }  // namespace tavrelon::desktop

@@ -7,7 +7,9 @@
 
 #include "async/lifetime.h"
 #include "async/main_loop.h"
+#include "desktop/linux/process/key_guardian.h"
 #include "desktop/wayland/sway/sway_configuration.h"
+#include "desktop/wayland/sway/sway_left_overs.h"
 #include "platform/hotkeys.h"
 #include "platform/log.h"
 
@@ -15,13 +17,13 @@ namespace tavrelon::desktop {
 
 /// Hotkeys of sway, as bindings that are made while the program runs. A combination that the user's configuration binds
 /// stays the user's: it is not bound, and named in the log. In a mode of the user's own (such as one for resizing) no
-/// hotkey is ours. A program that is killed leaves its bindings; the next start removes them.
+/// hotkey is ours. The bindings of a program that is killed are removed by its guardian, or else by the next start.
 ///
 /// Main thread. If sway goes away no hotkey is told any more, and the log says so.
 class SwayHotkeys : public platform::Hotkeys {
  public:
     SwayHotkeys(async::MainLoop& loop, platform::Log& log) : loop_(loop), log_(log) {}
-    ~SwayHotkeys() override { stop(); }
+    ~SwayHotkeys() override;
 
     std::expected<void, platform::HotkeysError> start(Handler handler) override;
     void stop() override;
@@ -47,8 +49,6 @@ class SwayHotkeys : public platform::Hotkeys {
     void unbindAllBut(const std::function<bool(const QString& keys, const Bound& bound)>& isKept);
     void bind(const QString& keys, const Target& target);
     std::size_t numberOf(const platform::WantedHotkey& hotkey);
-    void remember(const QString& made);
-    void removeLeftOvers();
     void endEvents();
 
     async::MainLoop& loop_;
@@ -63,7 +63,9 @@ class SwayHotkeys : public platform::Hotkeys {
     QString mode_;
     int layouts_ = 1;
     std::map<QString, Bound> bound_;  ///< by the first of what was tried for it
-    std::set<QString> remembered_;
+    SwayLeftOvers leftOvers_;
+    bool isAllGivenBack_ = true;
+    std::optional<KeyGuardian> guardian_;
     std::set<QString> reported_;
     async::Lifetime lifetime_;
 };
