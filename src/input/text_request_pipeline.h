@@ -9,9 +9,6 @@ namespace tavrelon::input {
 /// Main thread.
 class TextRequestPipeline {
  public:
-    /// Gives up a selection and leaves the caret behind it.
-    static constexpr keys::VirtualKey keyRight = 124;
-
     static inline const auto failureLog = QStringLiteral("[StateMachine] Error processing: ");
 
     TextRequestPipeline(InputStateMachine& machine, const InputServices& services)

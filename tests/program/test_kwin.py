@@ -1,12 +1,13 @@
 """The program in front of native windows of KWin: the main job, and whose the keys are."""
 
 import os
+import shutil
 import signal
 import time
 
 import kwin
 import pytest
-from conftest import ends_well, guardian_of, is_alive, kill, wait_for_history
+from conftest import ends_well, guardian_of, history, is_alive, kill, wait_for_history
 from session import clipboard, set_clipboard
 from waiting import wait_for
 
@@ -14,7 +15,8 @@ SHIFT_ALT_SUPER_G, ESCAPE = 0x1A000047, "hotkey-53-0-0"
 BY_PASTE = "chromium-accessible"  # can be read by accessibility, but not written
 
 
-@pytest.mark.parametrize("kind", ["mousepad", BY_PASTE])
+@pytest.mark.parametrize("kind", ["mousepad", "gnome-text-editor", "qt6-editor", BY_PASTE, pytest.param(
+    "firefox", marks=pytest.mark.skipif(not shutil.which("firefox-esr"), reason="it is not installed"))])
 def test_a_request_and_a_selection_are_replaced(desk, kind):
     editor, tavrelon = desk.open(kind, "前文 before  after"), desk.start()
     set_clipboard("precious")
@@ -24,7 +26,7 @@ def test_a_request_and_a_selection_are_replaced(desk, kind):
     wait_for_history(tavrelon, 1)
     assert desk.service.user_messages()[0].startswith("what is 42?")
     assert editor.saved("前文 before 你好 answer after") == "前文 before 你好 answer after"
-    assert clipboard() == ("你好 answer" if kind == BY_PASTE else "precious")
+    assert clipboard() == ("你好 answer" if kind in (BY_PASTE, "firefox") else "precious")
     desk.keyboard.press("Control+End")
     editor.select_backward(5)
     desk.answers("AFTER")
@@ -34,6 +36,20 @@ def test_a_request_and_a_selection_are_replaced(desk, kind):
     assert editor.saved("前文 before 你好 answer AFTER") == "前文 before 你好 answer AFTER"
     assert ends_well(tavrelon)
     assert "hotkey-" not in kwin.shortcuts()
+
+
+def test_escape_while_the_model_thinks_ends_it_for_good(desk):
+    editor, tavrelon = desk.open("mousepad"), desk.start()
+    desk.answers("TOO LATE", delayMs=2000)
+    desk.request(tavrelon, editor, "a question")
+    wait_for("a question at the service", desk.asked, 20)
+    desk.keyboard.press("Escape")
+    wait_for("the end of the request on the wire", lambda: desk.asked()[0]["abandoned"], 20)
+    time.sleep(2.5)  # past the moment at which the answer would have come
+    editor.type("!")
+    assert editor.saved("a question!") == "a question!"
+    assert history(tavrelon) == []
+    wait_for("Escape to be the applications' again", lambda: ESCAPE not in kwin.shortcuts())
 
 
 def test_what_is_taken_stays_so_and_what_a_crash_leaves_is_let_go(desk):
@@ -63,12 +79,12 @@ def test_what_is_taken_stays_so_and_what_a_crash_leaves_is_let_go(desk):
 def test_a_program_that_is_killed_while_it_pastes_leaves_no_key_down(desk):
     editor = desk.open(BY_PASTE)
     desk.answers("ANSWER " * 20)
-    for round in range(5):
+    for round in range(3):
         editor.refill("", "")
         tavrelon = desk.start()
         desk.request(tavrelon, editor, "a question of some length?")
         wait_for("the question at the service", lambda: len(desk.asked()) > round, 20)
-        time.sleep(0.02 * round)
+        time.sleep(0.03 * round)
         kill(tavrelon)
         wait_for("all keys to be let go", lambda: "hotkey-" not in kwin.shortcuts(), 20)
         editor.refill("", "")

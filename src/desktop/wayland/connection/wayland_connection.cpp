@@ -19,8 +19,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// For the compositor's first answers, while the program starts.
-constexpr auto openingLimit = 2000ms;
+/// For the compositor's first answers, while the program starts; at a login it may have much else to do, and without
+/// them nothing native is served until the next start.
+constexpr auto openingLimit = 8000ms;
 /// So much may be sent before the compositor must take it; a client that sends on loses the connection.
 constexpr auto sendLimit = 1000ms;
 constexpr auto never = WaylandConnection::Clock::time_point::max();
