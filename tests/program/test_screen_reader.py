@@ -18,7 +18,7 @@ PAGES = {
                  {("radio button", "Speed"): CHECKED, ("check box", "Local Memory"): CHECKED}),
     "Hotkeys": ({"Hotkeys", "Enabled"}, {("check box", "Text Input"): CHECKED}),
     "Clone": ({"Clone", "Link", "File", "No file selected", "System Prompt", "No system prompt learned yet"}, {}),
-    "Providers": ({"Providers", "Pollinations"}, {("check box", "Use Custom Pollinations"): CHECKED}),
+    "Providers": ({"Providers", "NVIDIA"}, {("page tab", "NVIDIA"): SELECTED, ("page tab", "Pollinations"): CHECKED}),
     "History": ({"Notes", "1 entry", "You", "AI"}, {}),
     "Permissions": ({"Permissions", "Accessibility", "Required for hotkeys", "Microphone"}, {}),
 }
