@@ -12,7 +12,7 @@ Item {
 
     anchors.fill: parent
 
-    Beat { id: beat; running: face.hud.isPulsing }
+    Beat { id: beat; running: face.hud.isPulsing && Theme.moves }
     Glass {
         id: glass
         outline: Theme.faded(face.tint, 0.35)
