@@ -14,7 +14,7 @@ from editors import let_keys_arrive
 from input_methods import ENVIRONMENT, HALF_WORDS, WORDS, Pinyin
 from programs import Program
 from session import bring_to_front, clipboard, front_title, front_window, is_wayland
-from waiting import wait_for
+from waiting import Fault, wait_for
 
 REST = 2.1  # seconds; an input that opened within two seconds of the last answer would be reset with it
 UNDERWAY = 900  # milliseconds that an answer takes while something happens
@@ -89,8 +89,12 @@ class RandomRequests:
 
     def answered(self, answer, asked=None):
         self.done += 1
-        wait_for("the answer", lambda: len(history(self.tavrelon)) >= min(self.done, 20), 20)
-        wait_for("the answer", lambda: history(self.tavrelon)[0]["outputText"] == answer, 20)
+        count = min(self.done, 20)
+        try:
+            wait_for("the answer", lambda: len(history(self.tavrelon)) >= count and
+                     history(self.tavrelon)[0]["outputText"] == answer, 20)
+        except Fault as fault:
+            raise Fault(f"{fault}\n{self.tavrelon.written()[-6000:]}") from fault
         if asked is not None:
             assert history(self.tavrelon)[0]["inputText"].split() == asked.split(), self.tavrelon.written()[-6000:]
         self.rested = time.monotonic() + REST
