@@ -11,7 +11,7 @@ void OllamaCloudModels::refresh() {
     if (isLoadingCloudModels_)
         return;
     isLoadingCloudModels_ = hasRequestedCloudModels_ = true;
-    cloudModelsError_.reset();
+    cloudModelsError_ = {};
     tasks_.spawn(fetch());
     Q_EMIT changed();
 }
@@ -20,7 +20,7 @@ async::Task<void> OllamaCloudModels::fetch() {
     try {
         cloudModels_ = co_await service_.fetchOllamaCloudModels();
     } catch (const std::exception& error) {
-        cloudModelsError_ = text::localizedDescription(error);
+        cloudModelsError_ = text::descriptionOf(error);
         hasRequestedCloudModels_ = false;
     }
     isLoadingCloudModels_ = false;

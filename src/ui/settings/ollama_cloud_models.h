@@ -17,12 +17,14 @@ class OllamaCloudModels : public QObject {
     Q_PROPERTY(QString error READ error NOTIFY changed)
 
  public:
-    OllamaCloudModels(async::MainLoop& loop, generation::PollinationsService& service)
-        : service_(service), tasks_(loop) {}
+    /// `language` is that of the interface at the moment.
+    OllamaCloudModels(async::MainLoop& loop, generation::PollinationsService& service,
+                      std::function<text::Language()> language)
+        : service_(service), language_(std::move(language)), tasks_(loop) {}
 
     const QStringList& names() const { return cloudModels_; }
     bool isLoading() const { return isLoadingCloudModels_; }
-    QString error() const { return cloudModelsError_.value_or(QString()); }  ///< empty when there is none
+    QString error() const { return cloudModelsError_.in(language_()); }  ///< empty when there is none
 
     /// Lists unless that has succeeded before: what the controls call when they come on screen.
     Q_INVOKABLE void load();
@@ -39,8 +41,9 @@ class OllamaCloudModels : public QObject {
     async::Task<void> fetch();
 
     generation::PollinationsService& service_;
+    std::function<text::Language()> language_;
     QStringList cloudModels_;
-    std::optional<QString> cloudModelsError_;
+    text::LocalizedText cloudModelsError_;
     bool isLoadingCloudModels_ = false;
     bool hasRequestedCloudModels_ = false;
     async::TaskScope tasks_;

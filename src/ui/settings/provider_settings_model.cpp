@@ -16,7 +16,7 @@ ProviderSettingsModel::ProviderSettingsModel(Services services)
     : PageModel(services.storage, providerTexts),
       services_(services),
       selection_(u"nvidia"_s),
-      cloudModels_(services.mainLoop, services.pollinations) {
+      cloudModels_(services.mainLoop, services.pollinations, [this] { return language(); }) {
     connect(this, &PageModel::changed, &trial_, &ServiceTrial::forget);
     connect(&found_, &FoundServers::taken, this, [this] { select(u"pollinations"_s); });
 }
