@@ -342,7 +342,7 @@ TEST_F(TextRequestTest, OfAnOpaqueFieldAnInputMethodsRequestIsTheWholeOnlyWhereT
     EXPECT_EQ(desk.editor.text(), QStringLiteral("a long letter 你好"));
     EXPECT_EQ(desk.keyPoster.count(input::RequestDiscovery::keyRight, keys::noModifiers), 1)
         << "it does not stay selected";
-    EXPECT_TRUE(desk.machine->lastError().value_or(QString()).contains(QStringLiteral("prompt box")));
+    EXPECT_TRUE(desk.machine->lastError().value_or(QString()).english.contains(QStringLiteral("prompt box")));
 }
 
 TEST_F(TextRequestTest, FallsBackToTheTextNearTheCaretWhenNothingOfTheKeysIsSeen) {
