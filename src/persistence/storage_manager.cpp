@@ -47,9 +47,8 @@ AppSettings StorageManager::storedSettings() {
         if (!faultySettings_.isEmpty())
             userDefaults_.setData(brokenSettings(), *document);
         return std::move(stored.settings);
-    } catch (const text::JsonError& error) {
-        log_.line(QStringLiteral("[Settings] Not understood, and kept beside the defaults: ") +
-                  error.localizedDescription());
+    } catch (const text::JsonError&) {
+        log_.line(QStringLiteral("[Settings] The document is not understood; the defaults serve, and it is kept"));
         faultySettings_ = {defaults_keys::settings};
         userDefaults_.setData(brokenSettings(), *document);
         return defaultSettings();

@@ -188,7 +188,8 @@ TEST_F(TextRequestTest, WhereNobodyTellsKeysAWholeFieldIsNeverTheRequest) {
         finish();
         EXPECT_EQ(desk.editor.text(), kept);
         EXPECT_TRUE(desk.generator.requests.empty());
-        EXPECT_TRUE(desk.machine->lastError().value_or(text::LocalizedText()).english.contains(QStringLiteral("prompt box")));
+        EXPECT_TRUE(
+            desk.machine->lastError().value_or(text::LocalizedText()).english.contains(QStringLiteral("prompt box")));
     }
     desk.editor.select(2, 4);
     desk.request(QString());

@@ -50,8 +50,7 @@ TEST_F(WiringTest, TheMasterSwitchShowsItsNewState) {
 TEST_F(WiringTest, TheFirstStartSpeaksTheSessionsLanguageAndLaterOnesTheUsers) {
     const auto languageAfterStart = [&](const QStringList& session) {
         desktop.platform.sessionLanguages = session;
-        AppDelegate started(desktop.platform, desktop.userInterface,
-                                  generation::ServiceEndpoints::builtIn());
+        AppDelegate started(desktop.platform, desktop.userInterface, generation::ServiceEndpoints::builtIn());
         return started.appState().storageManager().settings().appLanguage;
     };
     const auto english = QStringLiteral("en");

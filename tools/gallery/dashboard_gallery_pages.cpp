@@ -220,9 +220,8 @@ void pictureHistory(DashboardGallery& gallery) {
         shown.scrollDown();
     });
     gallery.picture(u"history-right-to-left"_s, DashboardTab::history, choose(u"Firefox"_s));
-    gallery.picture(u"history-cleared"_s, DashboardTab::history, [](DashboardGallery& shown) {
-        shown.page<ui::HistoryModel>().clear();
-    });
+    gallery.picture(u"history-cleared"_s, DashboardTab::history,
+                    [](DashboardGallery& shown) { shown.page<ui::HistoryModel>().clear(); });
     gallery.desktop.loop.advance(app::UndoOffers::timeToUndo);
 }
 
