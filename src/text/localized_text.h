@@ -18,7 +18,8 @@ struct LocalizedText {
     LocalizedText() = default;
     // NOLINTNEXTLINE(google-explicit-constructor): what others wrote is a text for the user as it stands.
     LocalizedText(QString verbatim) : english(verbatim), chinese(std::move(verbatim)) {}
-    LocalizedText(QString english_, QString chinese_) : english(std::move(english_)), chinese(std::move(chinese_)) {}
+    LocalizedText(QString inEnglish, QString inChinese)
+        : english(std::move(inEnglish)), chinese(std::move(inChinese)) {}
 
     const QString& in(Language language) const { return language == Language::English ? english : chinese; }
     bool isEmpty() const { return english.isEmpty(); }

@@ -148,7 +148,8 @@ void ShellConnection::hear(const QByteArray& line) try {
         hearEvent(message);
     else
         hearAnswer(message);
-} catch (const text::JsonError&) {  // told in another way than is known here
+} catch (const text::JsonError&) {
+    return;  // told in another way than is known here
 }
 
 void ShellConnection::hearEvent(const text::Json& message) {

@@ -13,13 +13,13 @@ namespace tavrelon::desktop {
 
 namespace {
 
-template <std::size_t count>
-std::array<xcb_atom_t, count> atoms(xcb_connection_t* connection, const std::array<std::string_view, count>& names) {
-    std::array<xcb_intern_atom_cookie_t, count> asked{};
-    for (std::size_t i = 0; i < count; ++i)
+template <std::size_t Count>
+std::array<xcb_atom_t, Count> atoms(xcb_connection_t* connection, const std::array<std::string_view, Count>& names) {
+    std::array<xcb_intern_atom_cookie_t, Count> asked{};
+    for (std::size_t i = 0; i < Count; ++i)
         asked[i] = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(names[i].size()), names[i].data());
-    std::array<xcb_atom_t, count> found{};
-    for (std::size_t i = 0; i < count; ++i) {
+    std::array<xcb_atom_t, Count> found{};
+    for (std::size_t i = 0; i < Count; ++i) {
         const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
             xcb_intern_atom_reply(connection, asked[i], nullptr), &std::free);
         found[i] = reply ? reply->atom : XCB_ATOM_NONE;

@@ -19,7 +19,7 @@ namespace tavrelon::desktop {
 class GnomeHotkeys : public platform::Hotkeys {
  public:
     GnomeHotkeys(async::MainLoop& loop, platform::Log& log, std::shared_ptr<ShellConnection> shell);
-    ~GnomeHotkeys() override { GnomeHotkeys::stop(); }
+    ~GnomeHotkeys() override = default;  // what is held ends with the connection
 
     std::expected<void, platform::HotkeysError> start(Handler handler) override;
     void stop() override;
