@@ -43,7 +43,7 @@ def warm_up(desk):
         take_step(desk, desk.fields[0], action, dice)
 
 
-def run(desk, health, end, seed):
+def take_steps(desk, health, end, seed):
     """Gives how many steps were done. A fault names the step."""
     done = 0
     for number, (action, index, dice) in enumerate(steps(seed, len(desk.fields)), 1):
@@ -75,7 +75,7 @@ def main(build, output, minutes, seed):
         end = time.monotonic() + 60 * float(minutes)
         warm_up(desk)
         health = Health(desk.tavrelon.process.pid, Path(home), ["memory"] if Path(build).name != "release" else [])
-        done = run(desk, health, end, int(seed))
+        done = take_steps(desk, health, end, int(seed))
         health.judge()
         print(f"{done} steps right; {health.summary()}")
     status = desk.tavrelon.process.returncode

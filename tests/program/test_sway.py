@@ -120,7 +120,7 @@ def test_escape_while_the_model_thinks_ends_it_for_good(desk):
 def test_a_combination_that_is_taken_stays_the_users(desk, theirs):
     desk.open("mousepad")
     tavrelon = desk.start()
-    tavrelon.wait_for_line(r"\[Hotkey\] Super\+Shift\+Alt\+G is bound in sway's configuration")
+    tavrelon.wait_for_line(r"\[Hotkey\] Shift\+Alt\+Super\+G is bound in sway's configuration")
     assert "Alt+L is bound" not in tavrelon.written(), "that is bound in a mode"
     let_keys_arrive()
     desk.keyboard.press(THEIRS)
