@@ -40,10 +40,9 @@ class Reader:
                 if each.role not in ("label", "frame") and self.windows.has(each, FOCUSABLE, VISIBLE, SENSITIVE)]
 
     def focused(self):
-        for each in self.windows.in_sight():
-            if each.role != "frame" and self.windows.has(each, FOCUSED):
-                return each
-        return None
+        """The innermost: the toolkit says of a list, too, that it is focused while one of its rows is."""
+        focused = [each for each in self.windows.in_sight() if each.role != "frame" and self.windows.has(each, FOCUSED)]
+        return focused[-1] if focused else None
 
     def next_stop(self, previous):
         """By Tab. Elements of one name and role that follow each other are told apart by their places."""
