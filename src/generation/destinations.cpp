@@ -55,10 +55,14 @@ std::vector<QUrl> destinations(const ServiceConfiguration& configuration, Reques
         return {QUrl(configuration.ollamaChatURL())};
     if (configuration.asksGatewayOnly())
         return {QUrl(configuration.pollinationsBaseURL())};
+    const QUrl gateway(configuration.pollinationsBaseURL());
     std::vector<QUrl> list;
+    if (configuration.asksOwnModel())
+        list.push_back(gateway);
     if (configuration.effectiveNvidiaApiKey())
         list.emplace_back(configuration.endpoints.nvidiaChatCompletionsURL);
-    list.emplace_back(configuration.pollinationsBaseURL());
+    if (!configuration.asksOwnModel())
+        list.push_back(gateway);
     if (configuration.glmApiKey())
         list.emplace_back(configuration.endpoints.glmBaseURL);
     return list;

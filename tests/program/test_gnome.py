@@ -7,11 +7,9 @@ from pathlib import Path
 
 import gnome
 import pytest
-from conftest import ends_well, history, wait_for_history
-from editors import let_keys_arrive
-from session import clipboard, set_clipboard
+from conftest import ends_well, wait_for_history
+from jobs import answer_prompt, end_by_escape, replace_request_and_selection
 from sway import difference
-from test_prompt_box import open_box
 from waiting import wait_for
 
 BY_PASTE = "chromium-accessible"  # can be read by accessibility, but not written
@@ -20,35 +18,12 @@ BY_PASTE = "chromium-accessible"  # can be read by accessibility, but not writte
 @pytest.mark.parametrize("kind", ["mousepad", "gnome-text-editor", BY_PASTE])
 def test_a_request_and_a_selection_are_replaced(desk, kind):
     editor, tavrelon = desk.open(kind, "前文 before  after"), desk.start()
-    set_clipboard("precious")
-    editor.go_to("前文 before ", " after")
-    desk.answers("你好 answer")
-    desk.request(tavrelon, editor, "what is 42?")
-    wait_for_history(tavrelon, 1)
-    assert desk.service.user_messages()[0].startswith("what is 42?")
-    assert editor.saved("前文 before 你好 answer after") == "前文 before 你好 answer after"
-    assert clipboard() == ("你好 answer" if kind == BY_PASTE else "precious")
-    desk.keyboard.press("Control+End")
-    editor.select_backward(5)
-    desk.answers("AFTER")
-    desk.begin(tavrelon)
-    desk.commit()
-    wait_for_history(tavrelon, 2)
-    assert editor.saved("前文 before 你好 answer AFTER") == "前文 before 你好 answer AFTER"
+    replace_request_and_selection(desk, editor, tavrelon, kind == BY_PASTE)
     assert ends_well(tavrelon)
 
 
 def test_a_prompt_is_answered_where_the_user_was_writing(desk):
-    editor = desk.open("mousepad")
-    editor.type("before ")
-    tavrelon = desk.start()
-    desk.answers("你好 ANSWER")
-    open_box(desk)
-    editor.type("a poem")  # the keys go to the box
-    let_keys_arrive()
-    desk.keyboard.press("Return")
-    wait_for_history(tavrelon, 1)
-    assert editor.saved("before 你好 ANSWER") == "before 你好 ANSWER"
+    answer_prompt(desk, desk.open("mousepad"))
 
 
 def test_the_model_sees_the_window_without_our_overlay(desk):
@@ -68,16 +43,8 @@ def test_the_model_sees_the_window_without_our_overlay(desk):
 
 def test_escape_is_ours_while_the_model_thinks_and_no_longer(desk):
     editor, tavrelon = desk.open("mousepad"), desk.start()
-    desk.answers("TOO LATE", delayMs=2000)
-    desk.request(tavrelon, editor, "a question")
-    wait_for("a question at the service", desk.asked, 20)
-    desk.keyboard.press("Escape")
-    wait_for("the end of the request on the wire", lambda: desk.asked()[0]["abandoned"], 20)
+    end_by_escape(desk, editor, tavrelon)
     wait_for("Escape to be the applications' again", lambda: gnome.is_free("Escape"))
-    time.sleep(2.5)  # past the moment at which the answer would have come
-    editor.type("!")
-    assert editor.saved("a question!") == "a question!"
-    assert history(tavrelon) == []
 
 
 def test_what_is_taken_stays_so_and_a_crash_leaves_no_key(desk):

@@ -7,8 +7,8 @@ import time
 
 import kwin
 import pytest
-from conftest import ends_well, guardian_of, history, is_alive, kill, wait_for_history
-from session import clipboard, set_clipboard
+from conftest import ends_well, guardian_of, is_alive, kill
+from jobs import end_by_escape, replace_request_and_selection
 from waiting import wait_for
 
 SHIFT_ALT_SUPER_G, ESCAPE = 0x1A000047, "hotkey-53-0-0"
@@ -19,36 +19,14 @@ BY_PASTE = "chromium-accessible"  # can be read by accessibility, but not writte
     "firefox", marks=pytest.mark.skipif(not shutil.which("firefox-esr"), reason="it is not installed"))])
 def test_a_request_and_a_selection_are_replaced(desk, kind):
     editor, tavrelon = desk.open(kind, "前文 before  after"), desk.start()
-    set_clipboard("precious")
-    editor.go_to("前文 before ", " after")
-    desk.answers("你好 answer")
-    desk.request(tavrelon, editor, "what is 42?")
-    wait_for_history(tavrelon, 1)
-    assert desk.service.user_messages()[0].startswith("what is 42?")
-    assert editor.saved("前文 before 你好 answer after") == "前文 before 你好 answer after"
-    assert clipboard() == ("你好 answer" if kind in (BY_PASTE, "firefox") else "precious")
-    desk.keyboard.press("Control+End")
-    editor.select_backward(5)
-    desk.answers("AFTER")
-    desk.begin(tavrelon)
-    desk.commit()
-    wait_for_history(tavrelon, 2)
-    assert editor.saved("前文 before 你好 answer AFTER") == "前文 before 你好 answer AFTER"
+    replace_request_and_selection(desk, editor, tavrelon, kind in (BY_PASTE, "firefox"))
     assert ends_well(tavrelon)
     assert "hotkey-" not in kwin.shortcuts()
 
 
 def test_escape_while_the_model_thinks_ends_it_for_good(desk):
     editor, tavrelon = desk.open("mousepad"), desk.start()
-    desk.answers("TOO LATE", delayMs=2000)
-    desk.request(tavrelon, editor, "a question")
-    wait_for("a question at the service", desk.asked, 20)
-    desk.keyboard.press("Escape")
-    wait_for("the end of the request on the wire", lambda: desk.asked()[0]["abandoned"], 20)
-    time.sleep(2.5)  # past the moment at which the answer would have come
-    editor.type("!")
-    assert editor.saved("a question!") == "a question!"
-    assert history(tavrelon) == []
+    end_by_escape(desk, editor, tavrelon)
     wait_for("Escape to be the applications' again", lambda: ESCAPE not in kwin.shortcuts())
 
 

@@ -5,8 +5,9 @@ import time
 
 import pytest
 import screen
-from conftest import ends_well, history, wait_for_history
+from conftest import ends_well, wait_for_history
 from editors import let_keys_arrive
+from jobs import end_by_escape
 from programs import StandIn
 from waiting import wait_for
 
@@ -16,15 +17,7 @@ BOTH = pytest.mark.parametrize("kind", ["mousepad", "featherpad"])
 @BOTH
 def test_escape_while_the_model_thinks_ends_it_for_good(desk, kind):
     editor, tavrelon = desk.open(kind), desk.start()
-    desk.answers("TOO LATE", delayMs=2000)
-    desk.request(tavrelon, editor, "a question")
-    wait_for("a question at the service", desk.asked, 20)
-    desk.keyboard.press("Escape")
-    wait_for("the end of the request on the wire", lambda: desk.asked()[0]["abandoned"], 20)
-    time.sleep(2.5)  # past the moment at which the answer would have come
-    editor.type("!")
-    assert editor.saved("a question!") == "a question!"
-    assert history(tavrelon) == []
+    end_by_escape(desk, editor, tavrelon)
     assert ends_well(tavrelon)
 
 

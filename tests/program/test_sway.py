@@ -8,10 +8,9 @@ from pathlib import Path
 
 import pytest
 import sway
-from conftest import HOTKEY, ends_well, guardian_of, history, is_alive, kill, wait_for_history
+from conftest import HOTKEY, ends_well, guardian_of, is_alive, kill, wait_for_history
 from editors import let_keys_arrive
-from session import clipboard, set_clipboard
-from test_prompt_box import open_box
+from jobs import answer_prompt, end_by_escape, replace_request, replace_selection
 from waiting import wait_for
 
 THEIRS = "Shift+Alt+Super+g"  # as in sway.config
@@ -32,26 +31,14 @@ def theirs():
 def test_a_request_in_the_middle_of_a_text_is_replaced(desk, kind):
     editor, tavrelon = desk.open(kind, "前文 before  after"), desk.start()
     assert sway.focused()["app_id"], "a client of Wayland"
-    set_clipboard("precious")
-    editor.go_to("前文 before ", " after")
-    desk.answers("你好 answer")
-    desk.request(tavrelon, editor, "what is 42?")
-    wait_for_history(tavrelon, 1)
-    assert desk.service.user_messages()[0].startswith("what is 42?")
-    assert editor.saved("前文 before 你好 answer after") == "前文 before 你好 answer after"
-    assert clipboard() == ("你好 answer" if kind in BY_PASTE else "precious")
+    replace_request(desk, editor, tavrelon, kind in BY_PASTE)
     assert ends_well(tavrelon)
 
 
 @EACH
 def test_a_selection_is_replaced(desk, kind):
     editor, tavrelon = desk.open(kind, "keep these words"), desk.start()
-    desk.keyboard.press("Control+End")
-    editor.select_backward(5)
-    desk.answers("WORDS")
-    desk.begin(tavrelon)
-    desk.commit()
-    wait_for_history(tavrelon, 1)
+    replace_selection(desk, editor, tavrelon)
     assert desk.service.user_messages()[0].startswith("words")
     assert editor.saved("keep these WORDS") == "keep these WORDS"
 
@@ -87,29 +74,12 @@ def test_what_nobody_can_see_is_no_request_and_the_field_stays(desk, kind):
 
 @pytest.mark.parametrize("kind", ["mousepad", "foot"])
 def test_a_prompt_is_answered_where_the_user_was_writing(desk, kind):
-    editor = desk.open(kind)
-    editor.type("before ")
-    tavrelon = desk.start()
-    desk.answers("你好 ANSWER")
-    open_box(desk)
-    editor.type("a poem")  # the keys go to the box
-    let_keys_arrive()
-    desk.keyboard.press("Return")
-    wait_for_history(tavrelon, 1)
-    assert editor.saved("before 你好 ANSWER") == "before 你好 ANSWER"
+    answer_prompt(desk, desk.open(kind))
 
 
 def test_escape_while_the_model_thinks_ends_it_for_good(desk):
     editor, tavrelon = desk.open("mousepad"), desk.start()
-    desk.answers("TOO LATE", delayMs=2000)
-    desk.request(tavrelon, editor, "a question")
-    wait_for("a question at the service", desk.asked, 20)
-    desk.keyboard.press("Escape")
-    wait_for("the end of the request on the wire", lambda: desk.asked()[0]["abandoned"], 20)
-    time.sleep(2.5)  # past the moment at which the answer would have come
-    editor.type("!")
-    assert editor.saved("a question!") == "a question!"
-    assert history(tavrelon) == []
+    end_by_escape(desk, editor, tavrelon)
     pressed = sway.NextBinding()
     let_keys_arrive()
     desk.keyboard.press("Escape")

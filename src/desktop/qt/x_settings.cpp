@@ -27,7 +27,7 @@ enum Kind : quint8 { Integer, String, Colour };
 
 }  // namespace
 
-/// As the specification lays it out: the order of bytes, the document's number and how many settings there are; of each
+/// As XSETTINGS lays it out: the order of bytes, the document's number and how many settings there are; of each
 /// its kind, its name, when it changed last, and its value.
 std::optional<qint32> xSetting(const QByteArray& document, QByteArrayView name) {
     QDataStream stream(document);
