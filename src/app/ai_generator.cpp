@@ -5,8 +5,10 @@ namespace tavrelon::app {
 AIGenerator::AIGenerator(generation::TavrelonAIService& service, const generation::PollinationsService& models,
                          ServiceConsent& consent)
     : service_(service), models_(models) {
-    service_.permit = [&models, &consent](generation::RequestContents contents) {
-        return consent.obtain(generation::destinations(models.configuration, contents), contents);
+    service_.permit = [this, &consent](generation::RequestContents contents) {
+        auto destinations = generation::destinations(models_.configuration, contents);
+        lastAsked_ = destinations.empty() ? QString() : destinations.front().host();
+        return consent.obtain(std::move(destinations), contents);
     };
 }
 

@@ -14,6 +14,9 @@ class AIGenerator : public generation::Generator {
     AIGenerator(generation::TavrelonAIService& service, const generation::PollinationsService& models,
                 ServiceConsent& consent);
 
+    /// The host that the last request went to first; empty before one.
+    const QString& lastAsked() const { return lastAsked_; }
+
     std::chrono::seconds deadline() const override;
     async::Task<generation::GenerationResult> generate(generation::GenerationRequest request) override;
     async::Task<generation::GenerationResult> generateVideoResult(generation::GenerationRequest request,
@@ -22,6 +25,7 @@ class AIGenerator : public generation::Generator {
  private:
     generation::TavrelonAIService& service_;
     const generation::PollinationsService& models_;
+    QString lastAsked_;
 };
 
 }  // namespace tavrelon::app

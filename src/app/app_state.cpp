@@ -138,18 +138,13 @@ ui::HUDLanguage AppState::overlayLanguage() const {
 void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon) {
     const auto caret = [this] { return caretRect(); };
     inputHUDController_ = std::make_unique<ui::InputHUDWindowController>(
-        ui::InputHUDWindowController::Desktop{platform_.mainLoop, userInterface, caret,
-                                              [this] { return frontWindowRect(); }, std::move(setStatusIcon),
-                                              [this] { return serviceName(); }, [this] { return overlayLanguage(); }},
+        ui::InputHUDWindowController::Desktop{
+            platform_.mainLoop, userInterface, caret, [this] { return frontWindowRect(); }, std::move(setStatusIcon),
+            [this] { return generator_->lastAsked(); }, [this] { return overlayLanguage(); }},
         inputStateMachine_);
     floatingInputController_ = std::make_unique<ui::FloatingInputWindowController>(
         ui::FloatingInputWindowController::Desktop{platform_.mainLoop, platform_.workspace, userInterface, caret},
         inputStateMachine_, [this] { return storageManager_.settings().appLanguage == QLatin1StringView("en"); });
-}
-
-QString AppState::serviceName() const {
-    const auto asked = generation::destinations(pollinationsService_.configuration, generation::RequestContents::Text);
-    return asked.empty() ? QString() : asked.front().host();
 }
 
 void AppState::askForConsent(const std::optional<ServiceConsent::Question>& question) {

@@ -71,7 +71,6 @@ class AppState {
     std::optional<QRectF> caretRect();
     std::optional<QRectF> frontWindowRect();
     ui::HUDLanguage overlayLanguage() const;
-    QString serviceName() const;
     void makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon);
     template <typename Work>
     hotkeys::HotkeyManager::Callback nextTurn(Work work);

@@ -6,18 +6,12 @@ namespace tavrelon::scenes {
 
 namespace {
 
-std::optional<QStringList> optionalStringList(const text::Json& json, const char* key) {
-    if (const auto* value = text::find(json, key))
-        return stringListFrom(*value);
-    return std::nullopt;
-}
-
 std::optional<LengthRange> lengthRangeFrom(const text::Json& json) {
-    const auto* lower = text::find(json, "lengthMin");
-    const auto* upper = lower ? text::find(json, "lengthMax") : nullptr;
+    const auto lower = readOptional(json, "lengthMin", text::integerFrom);
+    const auto upper = lower ? readOptional(json, "lengthMax", text::integerFrom) : std::nullopt;
     if (!upper)
         return std::nullopt;
-    const LengthRange range{text::integerFrom(*lower), text::integerFrom(*upper)};
+    const LengthRange range{*lower, *upper};
     // No such range can exist. The file is the user's own, so it is reported as faulty like any other mistake in it
     // instead of stopping the program at every start.
     if (range.upper < range.lower)
@@ -59,10 +53,10 @@ text::Json toJson(const OutputContract& contract) {
 
 OutputContract outputContractFrom(const text::Json& json) {
     OutputContract contract;
-    contract.requiredFields = optionalStringList(json, "requiredFields");
-    contract.prohibitedTerms = optionalStringList(json, "prohibitedTerms");
-    contract.tone = text::optionalString(json, "tone");
-    contract.format = text::optionalString(json, "format");
+    contract.requiredFields = readOptional(json, "requiredFields", stringListFrom);
+    contract.prohibitedTerms = readOptional(json, "prohibitedTerms", stringListFrom);
+    contract.tone = readOptional(json, "tone", text::stringFrom);
+    contract.format = readOptional(json, "format", text::stringFrom);
     contract.lengthRange = lengthRangeFrom(json);
     return contract;
 }

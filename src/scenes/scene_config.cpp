@@ -1,19 +1,10 @@
 #include "scenes/scene_config.h"
 
+#include "scenes/json_fields.h"
+
 namespace tavrelon::scenes {
 
 namespace {
-
-/// The value under a key that is required; an error says which key has the fault.
-template <typename Read>
-auto read(const text::Json& scene, const char* key, Read from) {
-    const auto& value = text::required(scene, key);
-    try {
-        return from(value);
-    } catch (const text::JsonError& error) {
-        throw text::JsonError(QStringLiteral("\"%1\": ").arg(QLatin1StringView(key)) + error.localizedDescription());
-    }
-}
 
 /// "scene 2 (Mail)", for whoever wrote the list.
 QString placeOf(const text::Json& scene, std::size_t index) {
@@ -46,16 +37,16 @@ text::Json toJson(const std::vector<SceneConfig>& scenes) {
 
 SceneConfig sceneConfigFrom(const text::Json& json) {
     SceneConfig scene;
-    scene.id = read(json, "id", text::uuidFrom);
-    scene.name = read(json, "name", text::stringFrom);
-    scene.isEnabled = read(json, "isEnabled", text::boolFrom);
-    scene.priority = read(json, "priority", text::integerFrom);
-    scene.appBundleIDs = read(json, "appBundleIDs", stringListFrom);
-    scene.windowTitleKeywords = read(json, "windowTitleKeywords", stringListFrom);
-    scene.domainPatterns = read(json, "domainPatterns", stringListFrom);
-    scene.outputContract = read(json, "outputContract", outputContractFrom);
-    scene.allowScreenshot = read(json, "allowScreenshot", text::boolFrom);
-    scene.allowShare = read(json, "allowShare", text::boolFrom);
+    scene.id = readRequired(json, "id", text::uuidFrom);
+    scene.name = readRequired(json, "name", text::stringFrom);
+    scene.isEnabled = readRequired(json, "isEnabled", text::boolFrom);
+    scene.priority = readRequired(json, "priority", text::integerFrom);
+    scene.appBundleIDs = readRequired(json, "appBundleIDs", stringListFrom);
+    scene.windowTitleKeywords = readRequired(json, "windowTitleKeywords", stringListFrom);
+    scene.domainPatterns = readRequired(json, "domainPatterns", stringListFrom);
+    scene.outputContract = readRequired(json, "outputContract", outputContractFrom);
+    scene.allowScreenshot = readRequired(json, "allowScreenshot", text::boolFrom);
+    scene.allowShare = readRequired(json, "allowShare", text::boolFrom);
     return scene;
 }
 

@@ -166,6 +166,11 @@ TEST_F(DocumentFiles, RtfIsReadFromAFileOrFromItsFolder) {
     EXPECT_EQ(read(directory.filePath(u"b.rtfd"_s), DocumentFormat::Rtf), u"inside"_s);
     EXPECT_EQ(read(put(u"c.rtf"_s, "caf\xe9 {no RTF}"), DocumentFormat::Rtf), u"café {no RTF}"_s);
     EXPECT_EQ(read(put(u"d.rtf"_s, "\n<HTML><p>Dear <b>Zoe</b>"), DocumentFormat::Rtf), u"Dear Zoe"_s);
+    EXPECT_EQ(read(put(u"f.rtf"_s, QByteArray("\xff\xfe"
+                                              "D\0e\0a\0r\0",
+                                              10)),
+                   DocumentFormat::Rtf),
+              u"Dear"_s);
     expectUnsupported(read(put(u"e.rtf"_s, QByteArray("PK\3\4\0", 5)), DocumentFormat::Rtf));
 }
 

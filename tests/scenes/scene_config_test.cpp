@@ -44,16 +44,20 @@ TEST(SceneConfig, RequiresEveryKey) {
         EXPECT_THROW(sceneConfigFrom(lacking), text::JsonError) << key;
         EXPECT_THROW(sceneListFrom(text::Json::array({json, lacking})), text::JsonError) << key;
     }
-    auto wrong = json;
-    wrong["outputContract"]["lengthMax"] = 1;
-    try {
-        sceneListFrom(text::Json::array({json, wrong}));
-        ADD_FAILURE() << "it is taken";
-    } catch (const text::JsonError& error) {
-        EXPECT_EQ(error.localizedDescription(),
-                  QStringLiteral("scene 2 (邮件回复): \"outputContract\": \"lengthMax\" (1) is smaller than "
-                                 "\"lengthMin\" (50)."));
-    }
+    const auto faultWith = [&json](const char* key, const text::Json& value) {
+        auto wrong = json;
+        wrong["outputContract"][key] = value;
+        try {
+            sceneListFrom(text::Json::array({json, wrong}));
+            return QStringLiteral("none");
+        } catch (const text::JsonError& error) {
+            return error.localizedDescription();
+        }
+    };
+    EXPECT_EQ(faultWith("lengthMax", 1), QStringLiteral("scene 2 (邮件回复): \"outputContract\": \"lengthMax\" (1) is "
+                                                        "smaller than \"lengthMin\" (50)."));
+    EXPECT_TRUE(faultWith("requiredFields", "greeting")
+                    .startsWith(QStringLiteral("scene 2 (邮件回复): \"outputContract\": \"requiredFields\": ")));
     EXPECT_THROW(sceneListFrom(json), text::JsonError);
 }
 

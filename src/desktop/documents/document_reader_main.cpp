@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QLibraryInfo>
+#include <QStringConverter>
 #include <QtEndian>
 #include <array>
 #include <cstdio>
@@ -87,7 +88,8 @@ QString formatWithin(const QString& format, QByteArrayView bytes) {
         return format;
     if (head.contains("<html") || head.contains("<!doctype html"))
         return document_process::html;
-    return bytes.contains('\0') ? format : document_process::plain;
+    const bool isText = !bytes.contains('\0') || QStringConverter::encodingForData(bytes);
+    return isText ? document_process::plain : format;
 }
 
 std::expected<QByteArray, platform::FileError> fileContent(const QString& format, QString path) {

@@ -52,7 +52,7 @@ std::expected<void, QString> SelectionConnection::prepare(int screenNumber) {
         xcb_screen_next(&screens);
     root_ = screens.data->root;
     const auto* fixes = xcb_get_extension_data(connection_, &xcb_xfixes_id);
-    const XcbPointer<xcb_xfixes_query_version_reply_t> version(
+    const XPointer<xcb_xfixes_query_version_reply_t> version(
         fixes && fixes->present
             ? xcb_xfixes_query_version_reply(connection_, xcb_xfixes_query_version(connection_, 1, 0), nullptr)
             : nullptr);
@@ -109,7 +109,7 @@ std::vector<xcb_atom_t> SelectionConnection::atomsOf(const std::vector<QString>&
             name, xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(bytes.size()), bytes.constData()));
     }
     for (const auto& [name, cookie] : asked) {
-        if (const XcbPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr)); reply)
+        if (const XPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection_, cookie, nullptr)); reply)
             remember(name, reply->atom);
     }
     std::vector<xcb_atom_t> found;
@@ -126,7 +126,7 @@ std::vector<QString> SelectionConnection::namesOf(std::span<const xcb_atom_t> at
     }
     for (const auto& [atom, cookie] : asked) {
         // A foreign atom can be a wrong one; it then has no name.
-        const XcbPointer<xcb_get_atom_name_reply_t> reply(xcb_get_atom_name_reply(connection_, cookie, nullptr));
+        const XPointer<xcb_get_atom_name_reply_t> reply(xcb_get_atom_name_reply(connection_, cookie, nullptr));
         if (reply)
             remember(
                 QString::fromLatin1(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get())),
@@ -149,7 +149,7 @@ xcb_window_t SelectionConnection::createWindow() {
 PropertyValue SelectionConnection::readProperty(xcb_window_t window, xcb_atom_t property, AfterRead after,
                                                 qsizetype maximumBytes) {
     const auto units = static_cast<std::uint32_t>(maximumBytes / 4 + 1);
-    const XcbPointer<xcb_get_property_reply_t> reply(
+    const XPointer<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(connection_,
                                xcb_get_property(connection_, after == AfterRead::Delete, window, property,
                                                 XCB_GET_PROPERTY_TYPE_ANY, 0, units),
@@ -164,13 +164,13 @@ PropertyValue SelectionConnection::readProperty(xcb_window_t window, xcb_atom_t 
 }
 
 xcb_window_t SelectionConnection::ownerOf(xcb_atom_t selection) {
-    const XcbPointer<xcb_get_selection_owner_reply_t> reply(
+    const XPointer<xcb_get_selection_owner_reply_t> reply(
         xcb_get_selection_owner_reply(connection_, xcb_get_selection_owner(connection_, selection), nullptr));
     return reply ? reply->owner : static_cast<xcb_window_t>(XCB_NONE);
 }
 
 bool SelectionConnection::hasFocus(xcb_window_t window) {
-    const XcbPointer<xcb_get_input_focus_reply_t> focus(
+    const XPointer<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     // All that a client makes carries its number beside the bits that it may set itself.
     const auto client = ~xcb_get_setup(connection_)->resource_id_mask;
@@ -194,7 +194,7 @@ xcb_timestamp_t SelectionConnection::serverTime() {
 
 void SelectionConnection::synchronize() {
     // The server answers in order, so the reply comes behind every event that happened before.
-    const XcbPointer<xcb_get_input_focus_reply_t> reply(
+    const XPointer<xcb_get_input_focus_reply_t> reply(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     queueArrived();
 }
@@ -204,9 +204,9 @@ void SelectionConnection::queueArrived() {
         queue_.emplace_back(event);
 }
 
-XcbEvent SelectionConnection::nextEvent() {
+XPointer<xcb_generic_event_t> SelectionConnection::nextEvent() {
     if (queue_.empty())
-        return XcbEvent(xcb_poll_for_event(connection_));
+        return XPointer<xcb_generic_event_t>(xcb_poll_for_event(connection_));
     auto event = std::move(queue_.front());
     queue_.pop_front();
     return event;

@@ -5,21 +5,14 @@
 #include <QByteArray>
 #include <QHash>
 #include <QString>
-#include <cstdlib>
 #include <deque>
 #include <expected>
-#include <memory>
 #include <span>
 #include <vector>
 
-namespace tavrelon::desktop {
+#include "desktop/x11/connection/x11_connection.h"
 
-struct FreeDeleter {
-    void operator()(void* pointer) const { std::free(pointer); }
-};
-template <typename T>
-using XcbPointer = std::unique_ptr<T, FreeDeleter>;
-using XcbEvent = XcbPointer<xcb_generic_event_t>;
+namespace tavrelon::desktop {
 
 /// Which of the two selections: what was copied, or what is selected at the moment.
 enum class SelectionName { Clipboard, Primary };
@@ -83,7 +76,7 @@ class SelectionConnection {
     void synchronize();
 
     /// The next event; null when none has come yet.
-    XcbEvent nextEvent();
+    XPointer<xcb_generic_event_t> nextEvent();
     bool hasQueuedEvent();
 
  private:
@@ -101,7 +94,7 @@ class SelectionConnection {
     SelectionAtoms atoms_{};
     std::uint8_t ownerEvent_ = 0;
     qsizetype directLimit_ = 0;
-    std::deque<XcbEvent> queue_;
+    std::deque<XPointer<xcb_generic_event_t>> queue_;
     QHash<QString, xcb_atom_t> atomByName_;
     QHash<xcb_atom_t, QString> nameByAtom_;
 };
