@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 
+#include "desktop/applications/application_identifiers.h"
+
 namespace tavrelon::desktop {
 
 namespace {
@@ -65,6 +67,19 @@ std::optional<DesktopEntry> DesktopEntryCatalog::find(const ApplicationNames& na
     if (known != found_.constEnd())
         return *known;
     return *found_.insert(names, search(names));
+}
+
+platform::RunningApplication DesktopEntryCatalog::applicationOf(const ApplicationNames& names) {
+    const auto entry = find(names);
+    const auto& own = names.windowClass.isEmpty() ? names.applicationId : names.windowClass;
+    platform::RunningApplication application;
+    application.bundleIdentifier = bundleIdentifierOf(
+        {entry ? entry->id : QString(), names.applicationId, names.windowClass, names.windowInstance});
+    if (entry)
+        application.localizedName = entry->name;
+    else if (!own.isEmpty())
+        application.localizedName = own;
+    return application;
 }
 
 std::optional<DesktopEntry> DesktopEntryCatalog::search(const ApplicationNames& names) {

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "desktop/applications/desktop_entry_parser.h"
+#include "platform/workspace.h"
 
 namespace tavrelon::desktop {
 
@@ -32,6 +33,9 @@ class DesktopEntryCatalog {
 
     /// The entry of an application: by its id, then by the class or instance of its windows, then by its program.
     std::optional<DesktopEntry> find(const ApplicationNames& names);
+
+    /// The application as its entry names it, or else its window; process and window are left for the caller to say.
+    platform::RunningApplication applicationOf(const ApplicationNames& names);
 
  private:
     std::optional<DesktopEntry> search(const ApplicationNames& names);

@@ -54,7 +54,7 @@ async::Task<std::expected<ShareableContent, CaptureError>> GnomeScreenCapture::s
     for (const auto& [window, number, isShown] : workspace_.windows())
         content.windows.push_back(
             {.identifier = number,
-             .bundleIdentifier = workspace_.applicationBehind(window)->bundleIdentifier,
+             .bundleIdentifier = workspace_.applicationBehind(window).bundleIdentifier,
              .isOnScreen = isShown,
              .width = window.place.width - window.place.shadow.left - window.place.shadow.right,
              .height = window.place.height - window.place.shadow.top - window.place.shadow.bottom});

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "desktop/applications/application_identifiers.h"
 #include "desktop/linux/process/process_info.h"
 #include "desktop/linux/process/process_launcher.h"
 #include "desktop/wayland/keys/native_shortcuts.h"
@@ -11,14 +10,6 @@ namespace tavrelon::desktop {
 
 using platform::FrontmostWindow;
 using platform::RunningApplication;
-
-namespace {
-
-std::optional<QString> notEmpty(const QString& text) {
-    return text.isEmpty() ? std::nullopt : std::optional(text);
-}
-
-}  // namespace
 
 std::expected<std::unique_ptr<SwayWorkspace>, QString> SwayWorkspace::create(DesktopEntryCatalog entries) {
     auto ipc = SwayIpc::open();
@@ -64,15 +55,13 @@ std::optional<RunningApplication> SwayWorkspace::frontmostApplication() {
 }
 
 RunningApplication SwayWorkspace::applicationBehind(const SwayWindow& window) {
-    const auto entry = entries_.find({.applicationId = window.applicationId,
-                                      .windowClass = window.windowClass,
-                                      .windowInstance = window.windowInstance,
-                                      .executable = executableNameOf(window.processIdentifier)});
-    return {.processIdentifier = window.processIdentifier,
-            .bundleIdentifier = bundleIdentifierOf(
-                {entry ? entry->id : QString(), window.applicationId, window.windowClass, window.windowInstance}),
-            .localizedName = entry ? entry->name : notEmpty(window.name()),
-            .windowIdentifier = window.identifier};
+    auto application = entries_.applicationOf({.applicationId = window.applicationId,
+                                               .windowClass = window.windowClass,
+                                               .windowInstance = window.windowInstance,
+                                               .executable = executableNameOf(window.processIdentifier)});
+    application.processIdentifier = window.processIdentifier;
+    application.windowIdentifier = window.identifier;
+    return application;
 }
 
 std::optional<FrontmostWindow> SwayWorkspace::frontmostWindow() {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "desktop/applications/application_identifiers.h"
 #include "desktop/linux/process/process_info.h"
 #include "desktop/linux/process/process_launcher.h"
 #include "desktop/wayland/keys/native_shortcuts.h"
@@ -11,14 +10,6 @@ namespace tavrelon::desktop {
 
 using platform::FrontmostWindow;
 using platform::RunningApplication;
-
-namespace {
-
-std::optional<QString> notEmpty(const QString& text) {
-    return text.isEmpty() ? std::nullopt : std::optional(text);
-}
-
-}  // namespace
 
 void ToldWorkspace::setFront(std::optional<ToldWindow> window) {
     if (!front_ || !window || front_->identifier != window->identifier)
@@ -46,21 +37,18 @@ std::optional<QString> ToldWorkspace::identifierOf(quint64 number) const {
     return window == numbers_.end() ? std::nullopt : std::optional(window->first);
 }
 
-std::optional<RunningApplication> ToldWorkspace::applicationBehind(const ToldWindow& window) {
-    const auto entry = entries_.find({.applicationId = window.applicationId,
-                                      .windowClass = window.windowClass,
-                                      .windowInstance = window.windowInstance,
-                                      .executable = executableNameOf(window.processIdentifier)});
-    return RunningApplication{
-        .processIdentifier = window.processIdentifier,
-        .bundleIdentifier = bundleIdentifierOf(
-            {entry ? entry->id : QString(), window.applicationId, window.windowClass, window.windowInstance}),
-        .localizedName = entry ? entry->name : notEmpty(window.name()),
-        .windowIdentifier = numberOf(window)};
+RunningApplication ToldWorkspace::applicationBehind(const ToldWindow& window) {
+    auto application = entries_.applicationOf({.applicationId = window.applicationId,
+                                               .windowClass = window.windowClass,
+                                               .windowInstance = window.windowInstance,
+                                               .executable = executableNameOf(window.processIdentifier)});
+    application.processIdentifier = window.processIdentifier;
+    application.windowIdentifier = numberOf(window);
+    return application;
 }
 
 std::optional<RunningApplication> ToldWorkspace::frontmostApplication() {
-    return front_ ? applicationBehind(*front_) : std::nullopt;
+    return front_ ? std::optional(applicationBehind(*front_)) : std::nullopt;
 }
 
 std::optional<FrontmostWindow> ToldWorkspace::frontmostWindow() {

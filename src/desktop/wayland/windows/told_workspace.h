@@ -24,7 +24,7 @@ class ToldWorkspace : public platform::Workspace {
     /// The window with the keyboard. None while a panel or a screen's lock has it.
     const std::optional<ToldWindow>& focusedWindow() const { return front_; }
 
-    std::optional<platform::RunningApplication> applicationBehind(const ToldWindow& window);
+    platform::RunningApplication applicationBehind(const ToldWindow& window);
 
     /// The compositor's own name for a window; absent for one that is gone.
     std::optional<QString> identifierOf(quint64 number) const;

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include "desktop/applications/application_identifiers.h"
 #include "desktop/applications/terminal_shortcuts.h"
 #include "desktop/linux/process/process_info.h"
 #include "desktop/linux/process/process_launcher.h"
@@ -18,10 +17,6 @@ namespace {
 qint64 trustedProcess(const X11WindowProperties& window) {
     const bool here = window.machine.isEmpty() || isThisMachine(window.machine);
     return here && isProcessRunning(window.processIdentifier) ? window.processIdentifier : 0;
-}
-
-std::optional<QString> notEmpty(const QString& text) {
-    return text.isEmpty() ? std::nullopt : std::optional(text);
 }
 
 }  // namespace
@@ -57,16 +52,13 @@ std::optional<RunningApplication> X11Workspace::applicationBehind(xcb_window_t w
     if (!found.exists)
         return std::nullopt;
     const auto process = trustedProcess(found);
-    const auto entry = entries_.find({.applicationId = found.applicationId,
-                                      .windowClass = found.windowClass,
-                                      .windowInstance = found.windowInstance,
-                                      .executable = process == 0 ? QString() : executableNameOf(process)});
-    return RunningApplication{
-        .processIdentifier = process,
-        .bundleIdentifier = bundleIdentifierOf(
-            {entry ? entry->id : QString(), found.applicationId, found.windowClass, found.windowInstance}),
-        .localizedName = entry ? entry->name : notEmpty(found.windowClass),
-        .windowIdentifier = window};
+    auto application = entries_.applicationOf({.applicationId = found.applicationId,
+                                               .windowClass = found.windowClass,
+                                               .windowInstance = found.windowInstance,
+                                               .executable = process == 0 ? QString() : executableNameOf(process)});
+    application.processIdentifier = process;
+    application.windowIdentifier = window;
+    return application;
 }
 
 std::optional<platform::FrontmostWindow> X11Workspace::frontmostWindow() {
