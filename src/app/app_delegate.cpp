@@ -1,5 +1,7 @@
 #include "app/app_delegate.h"
 
+#include <utility>
+
 namespace tavrelon::app {
 
 AppDelegate::AppDelegate(platform::Platform& platform, platform::UserInterface& userInterface,
@@ -34,15 +36,27 @@ void AppDelegate::resume() {
 
 void AppDelegate::setupStatusItem() {
     setStatusIcon(QStringLiteral("key.fill"));
+    offerMenu();
+    settingsSubscription_ = appState_.storageManager().onChange([this] { offerMenu(); });
+}
+
+/// In the interface's language; one that is open is left alone as long as that stays.
+void AppDelegate::offerMenu() {
+    const auto language = appState_.language();
+    if (std::exchange(menuLanguage_, language) == language)
+        return;
+    const auto title = [language](const char16_t* english, const char16_t* chinese) {
+        return text::LocalizedText(QString::fromUtf16(english), QString::fromUtf16(chinese)).in(language);
+    };
     const platform::MenuItem separator;
     std::vector<platform::MenuItem> menu;
     if (showDashboard) {
-        menu.push_back({QStringLiteral("Open Dashboard"), QStringLiteral(","), [this] { openDashboard(); }});
+        menu.push_back({title(u"Open Dashboard", u"打开主界面"), QStringLiteral(","), [this] { openDashboard(); }});
         menu.push_back(separator);
     }
-    menu.push_back({QStringLiteral("About Tavrelon"), QString(), [this] { openAbout(); }});
+    menu.push_back({title(u"About Tavrelon", u"关于 Tavrelon"), QString(), [this] { openAbout(); }});
     menu.push_back(separator);
-    menu.push_back({QStringLiteral("Quit"), QStringLiteral("q"), [this] { quitApp(); }});
+    menu.push_back({title(u"Quit", u"退出"), QStringLiteral("q"), [this] { quitApp(); }});
     userInterface_.statusItem.setMenu(std::move(menu));
 }
 
@@ -52,7 +66,7 @@ void AppDelegate::openDashboard() {
 }
 
 void AppDelegate::openAbout() {
-    userInterface_.application.orderFrontStandardAboutPanel();
+    userInterface_.application.orderFrontStandardAboutPanel(appState_.language());
 }
 
 void AppDelegate::quitApp() {

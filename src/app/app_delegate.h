@@ -38,11 +38,14 @@ class AppDelegate {
 
  private:
     void setupStatusItem();
+    void offerMenu();
     void startHotkeyListener();
 
     platform::Platform& platform_;
     platform::UserInterface& userInterface_;
     AppState appState_;
+    std::optional<text::Language> menuLanguage_;
+    persistence::ChangeSubscription settingsSubscription_;
 };
 
 }  // namespace tavrelon::app

@@ -46,7 +46,7 @@ AppState::AppState(platform::Platform& platform, platform::UserInterface& userIn
       historyManager_(platform.fileSystem, platform.log, platform.applicationSupport, historyCap),
       speechRecognizer_(platform),
       videoRecorder_(platform, contextCapturer_.screenshots, frameInterval, maxFrames),
-      hotkeyStatusHUDController_(platform.mainLoop, userInterface, [this] { return overlayLanguage(); }),
+      hotkeyStatusHUDController_(platform.mainLoop, userInterface, [this] { return language(); }),
       pollinationsService_(platform.mainLoop, platform.httpSession, platform.log, endpoints),
       consent_(platform.mainLoop, platform.defaultsStore),
       undoOffers_(platform.mainLoop) {
@@ -130,9 +130,9 @@ std::optional<QRectF> AppState::frontWindowRect() {
     return place ? std::optional(QRectF(place->x, place->y, place->width, place->height)) : std::nullopt;
 }
 
-ui::HUDLanguage AppState::overlayLanguage() const {
-    return storageManager_.settings().appLanguage == QLatin1StringView("en") ? ui::HUDLanguage::English
-                                                                             : ui::HUDLanguage::Chinese;
+text::Language AppState::language() const {
+    return storageManager_.settings().appLanguage == QLatin1StringView("en") ? text::Language::English
+                                                                             : text::Language::Chinese;
 }
 
 void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon) {
@@ -140,11 +140,11 @@ void AppState::makeViews(platform::UserInterface& userInterface, StatusIconSette
     inputHUDController_ = std::make_unique<ui::InputHUDWindowController>(
         ui::InputHUDWindowController::Desktop{
             platform_.mainLoop, userInterface, caret, [this] { return frontWindowRect(); }, std::move(setStatusIcon),
-            [this] { return generator_->lastAsked(); }, [this] { return overlayLanguage(); }},
+            [this] { return generator_->lastAsked(); }, [this] { return language(); }},
         inputStateMachine_);
     floatingInputController_ = std::make_unique<ui::FloatingInputWindowController>(
         ui::FloatingInputWindowController::Desktop{platform_.mainLoop, platform_.workspace, userInterface, caret},
-        inputStateMachine_, [this] { return storageManager_.settings().appLanguage == QLatin1StringView("en"); });
+        inputStateMachine_, [this] { return language() == text::Language::English; });
 }
 
 void AppState::askForConsent(const std::optional<ServiceConsent::Question>& question) {

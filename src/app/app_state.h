@@ -55,6 +55,9 @@ class AppState {
     UndoOffers& undoOffers() { return undoOffers_; }
     async::MainLoop& mainLoop() { return platform_.mainLoop; }
 
+    /// Of the interface, as it is set at this moment.
+    text::Language language() const;
+
     /// As far as it can be told without asking anybody.
     Readiness readiness() const;
 
@@ -70,7 +73,6 @@ class AppState {
     void toggleVideo();
     std::optional<QRectF> caretRect();
     std::optional<QRectF> frontWindowRect();
-    ui::HUDLanguage overlayLanguage() const;
     void makeViews(platform::UserInterface& userInterface, StatusIconSetter setStatusIcon);
     template <typename Work>
     hotkeys::HotkeyManager::Callback nextTurn(Work work);

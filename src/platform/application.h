@@ -2,6 +2,8 @@
 
 #include <functional>
 
+#include "text/localized_text.h"
+
 namespace tavrelon::platform {
 
 /// This process as the desktop sees it. Main thread.
@@ -10,7 +12,7 @@ class Application {
     virtual ~Application() = default;
 
     /// Shows the program's name, version and licence in a small window that takes the focus.
-    virtual void orderFrontStandardAboutPanel() = 0;
+    virtual void orderFrontStandardAboutPanel(text::Language language) = 0;
 
     /// `onActiveChanged` is called when one of our windows gets the focus (true) or the last one loses it; null ends
     /// that.

@@ -10,7 +10,7 @@ class FakeApplication : public platform::Application {
     bool terminated = false;
     std::function<void(bool)> onActiveChanged;
 
-    void orderFrontStandardAboutPanel() override { ++aboutShown; }
+    void orderFrontStandardAboutPanel(text::Language) override { ++aboutShown; }
     void terminate() override { terminated = true; }
     void setOnActiveChanged(std::function<void(bool)> changed) override { onActiveChanged = std::move(changed); }
 };

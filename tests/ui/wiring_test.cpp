@@ -92,6 +92,9 @@ TEST_F(WiringTest, TheStatusItemFollowsTheStateAndHasItsMenu) {
     EXPECT_EQ(opened, 2);
     EXPECT_EQ(desktop.application.aboutShown, 1);
     EXPECT_TRUE(desktop.application.terminated);
+    delegate.appState().storageManager().changeSettings(
+        [](persistence::AppSettings& settings) { settings.appLanguage = QStringLiteral("zh"); });
+    EXPECT_EQ(menuTitles().last(), QStringLiteral("退出"));
 
     press(keys::defaults::toggleHotkey);
     EXPECT_EQ(desktop.statusItem.symbols, (QStringList{QStringLiteral("key.fill"), QStringLiteral("text.cursor")}));

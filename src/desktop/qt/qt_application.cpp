@@ -7,13 +7,19 @@
 
 namespace tavrelon::desktop {
 
-void QtApplication::orderFrontStandardAboutPanel() {
+void QtApplication::orderFrontStandardAboutPanel(text::Language language) {
     constexpr int iconPixels = 48;
+    const text::LocalizedText title{QStringLiteral("About %1"), QStringLiteral("关于 %1")};
+    const text::LocalizedText description{
+        QStringLiteral("A writing assistant for any application. Apache License 2.0."),
+        QStringLiteral("适用于任何应用的写作助手。Apache License 2.0 许可。")};
+    const text::LocalizedText close{QStringLiteral("Close"), QStringLiteral("关闭")};
     about_ = std::make_unique<QMessageBox>();
-    about_->setWindowTitle(QStringLiteral("About %1").arg(QCoreApplication::applicationName()));
+    about_->setWindowTitle(title.arg(QCoreApplication::applicationName()).in(language));
     about_->setText(QStringLiteral("<b>%1</b> %2")
                         .arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion()));
-    about_->setInformativeText(QStringLiteral("A writing assistant for any application. Apache License 2.0."));
+    about_->setInformativeText(description.in(language));
+    about_->addButton(close.in(language), QMessageBox::RejectRole);
     about_->setIconPixmap(
         QPixmap::fromImage(symbolImage(QStringLiteral("sparkles"), QColor(0x7f, 0x6b, 0xff), iconPixels)));
     about_->setWindowModality(Qt::NonModal);

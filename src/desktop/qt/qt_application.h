@@ -10,7 +10,7 @@ namespace tavrelon::desktop {
 /// The running QApplication. Main thread.
 class QtApplication : public platform::Application {
  public:
-    void orderFrontStandardAboutPanel() override;
+    void orderFrontStandardAboutPanel(text::Language language) override;
     void setOnActiveChanged(std::function<void(bool isActive)> onActiveChanged) override;
     void terminate() override;
 
