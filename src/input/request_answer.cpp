@@ -2,6 +2,7 @@
 
 #include "input/history_record.h"
 #include "input/request_settings.h"
+#include "input/settled_field.h"
 
 namespace tavrelon::input {
 
@@ -52,9 +53,11 @@ async::Task<void> RequestAnswer::leaveComposition(TextRequest& request) {
     if (!co_await services_.outputWriter.cancelComposition())
         co_return;
     machine_.requireCurrent(request.id);
-    const auto latest = services_.contextCapturer.fetchFocusedTextSnapshot();
-    if (!latest)
+    auto first = services_.contextCapturer.fetchFocusedTextSnapshot();
+    if (!first)
         co_return;
+    // Some programs tell of the end of a composition after the input method does.
+    const auto latest = co_await settledField(machine_, services_, request, *std::move(first));
     const auto left = deriveRequestText(latest, std::nullopt, request.initial);
     request.finalDeleteCount = left ? left->deleteCount.value_or(0) : 0;
     request.standing = left ? output::StandingText{left->text, left->place} : output::StandingText();

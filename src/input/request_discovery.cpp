@@ -2,6 +2,7 @@
 
 #include "async/waits.h"
 #include "generation/processing_error.h"
+#include "input/settled_field.h"
 #include "input/text_difference.h"
 
 namespace tavrelon::input {
@@ -10,10 +11,6 @@ namespace {
 
 /// How far around the caret non-ASCII text tells of a user who writes in such a script, in UTF-16 units.
 constexpr qint64 scriptRadius = 400;
-
-/// Where only the field tells what was typed, it is read until two readings are the same.
-constexpr auto fieldRhythm = std::chrono::milliseconds(40);
-constexpr int mostReadings = 8;
 
 bool isMissing(const std::optional<QString>& text) {
     return !text || text->isEmpty();
@@ -36,7 +33,7 @@ async::Task<void> RequestDiscovery::readInput(TextRequest& request) {
     if (!request.current)
         request.current = services_.contextCapturer.fetchFocusedTextSnapshot();
     if (request.isTyped() && request.current && !machine_.wereKeysTold())
-        co_await awaitField(request);
+        request.current = co_await settledField(machine_, services_, request, *request.current);
     if (!request.current)
         request.current = request.initial;
     machine_.requireCurrent(request.id);
@@ -60,21 +57,6 @@ async::Task<void> RequestDiscovery::readInput(TextRequest& request) {
 bool RequestDiscovery::tookMoreThanTheKeys(const TextRequest& request) {
     return request.clipboardSelection && !text::isBlank(request.inputBuffer) &&
            text::characterCount(*request.clipboardSelection) > text::characterCount(request.inputBuffer);
-}
-
-/// A reading that comes early would lose the end of what was typed, or all of it.
-async::Task<void> RequestDiscovery::awaitField(TextRequest& request) {
-    for (int reading = 1; reading < mostReadings; ++reading) {
-        co_await async::ignoringCancellation(async::pause(services_.platform.mainLoop, fieldRhythm));
-        machine_.requireCurrent(request.id);
-        auto next = services_.contextCapturer.fetchFocusedTextSnapshot();
-        if (!next)
-            co_return;
-        const bool isSettled = next == request.current;
-        request.current = std::move(next);
-        if (isSettled && deriveRequestText(request.current, std::nullopt, request.initial))
-            co_return;
-    }
 }
 
 WholeField RequestDiscovery::wholeField(const TextRequest& request) const {

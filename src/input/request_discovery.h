@@ -24,7 +24,6 @@ class RequestDiscovery {
 
  private:
     async::Task<void> readInput(TextRequest& request);
-    async::Task<void> awaitField(TextRequest& request);
     static bool tookMoreThanTheKeys(const TextRequest& request);
     QString chooseRequestText(const TextRequest& request) const;
     static void believeSelection(TextRequest& request);

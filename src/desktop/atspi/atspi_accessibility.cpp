@@ -1,13 +1,13 @@
 #include "desktop/atspi/atspi_accessibility.h"
 
-#include <QGuiApplication>
-#include <QInputMethodQueryEvent>
+#include <QCoreApplication>
 
 #include "desktop/atspi/atspi_focus_finder.h"
 #include "desktop/atspi/chain.h"
 #include "desktop/atspi/embedded_text.h"
 #include "desktop/atspi/field_places.h"
 #include "desktop/atspi/field_writer.h"
+#include "desktop/atspi/own_field.h"
 
 namespace tavrelon::desktop {
 
@@ -29,14 +29,14 @@ ObjectReference referenceOf(const AXElement& element) {
     return {element.busName, element.path};
 }
 
-/// Whether the field with the focus in our own windows, as of the keys of services, hides what is typed.
-bool isOwnFocusHidden() {
-    auto* const focus = qobject_cast<QGuiApplication*>(qApp) ? QGuiApplication::focusObject() : nullptr;
-    if (!focus)
-        return false;
-    QInputMethodQueryEvent hints(Qt::ImHints);
-    QCoreApplication::sendEvent(focus, &hints);
-    return Qt::InputMethodHints(hints.value(Qt::ImHints).toInt()).testFlag(Qt::ImhHiddenText);
+/// On the bus nobody is without a name.
+bool isOwn(const AXElement& element) {
+    return element.kind == Kind::Object && element.busName.isEmpty();
+}
+
+std::optional<OwnField> ownField(const AXElement& element) {
+    auto field = OwnField::focused();
+    return field && field->isAt(element) && !field->isHidden() ? field : std::nullopt;
 }
 
 }  // namespace
@@ -117,8 +117,11 @@ AtspiAccessibility::Result AtspiAccessibility::titleOf(qint64 process) {
 }
 
 AtspiAccessibility::Result AtspiAccessibility::focusedElementOf(qint64 process) {
-    // The thread that would have to answer is the one that would wait here.
-    if (process == 0 || process == QCoreApplication::applicationPid())
+    if (process == QCoreApplication::applicationPid()) {
+        const auto field = OwnField::focused();
+        return field ? Result(field->element()) : std::unexpected(AXError::NoValue);
+    }
+    if (process == 0)
         return std::unexpected(AXError::NoValue);
     auto& known = turn().focusedElement;
     if (known && known->first == process)
@@ -138,8 +141,10 @@ AtspiAccessibility::Result AtspiAccessibility::focusedElementOf(qint64 process) 
 platform::FocusKind AtspiAccessibility::focusKind() {
     using platform::FocusKind;
     const auto process = frontmostProcess();
-    if (process == QCoreApplication::applicationPid())
-        return isOwnFocusHidden() ? FocusKind::Password : FocusKind::Ordinary;
+    if (process == QCoreApplication::applicationPid()) {
+        const auto field = OwnField::focused();
+        return field && field->isHidden() ? FocusKind::Password : FocusKind::Ordinary;
+    }
     const auto focused = process ? focusedElementOf(*process) : std::unexpected(AXError::NoValue);
     if (!focused)
         return FocusKind::Unknown;
@@ -173,6 +178,11 @@ const AtspiAccessibility::Description& AtspiAccessibility::descriptionOf(const O
 
 const AtspiAccessibility::Contents& AtspiAccessibility::contentsOf(const ObjectReference& field) {
     auto& known = turn().contents;
+    if (field.busName.isEmpty()) {
+        const auto own = ownField({Kind::Object, 0, {}, field.path});
+        return known.emplace(field, own ? Contents(own->contents()) : std::unexpected(AXError::InvalidUIElement))
+            .second;
+    }
     if (!known || known->first != field) {
         atspi::AtspiCalls calls(tracker_, turn().allowance);
         atspi::FieldReader reader(calls, directory_);
@@ -184,7 +194,8 @@ const AtspiAccessibility::Contents& AtspiAccessibility::contentsOf(const ObjectR
 
 AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element, AXAttribute attribute) {
     if (attribute == AXAttribute::Position || attribute == AXAttribute::Size)
-        return frameOf(referenceOf(element), attribute);
+        return isOwn(element) ? std::unexpected(AXError::AttributeUnsupported)
+                              : frameOf(referenceOf(element), attribute);
     if (attribute != AXAttribute::Value && attribute != AXAttribute::SelectedText &&
         attribute != AXAttribute::SelectedTextRange)
         return std::unexpected(AXError::AttributeUnsupported);
@@ -208,7 +219,7 @@ AtspiAccessibility::Result AtspiAccessibility::ofField(const AXElement& element,
 
 AtspiAccessibility::Result AtspiAccessibility::copyParameterizedAttribute(const AXElement& element,
                                                                           AXAttribute attribute, Utf16Range range) {
-    if (element.kind == Kind::Object && attribute == AXAttribute::BoundsForRange)
+    if (element.kind == Kind::Object && !isOwn(element) && attribute == AXAttribute::BoundsForRange)
         return boundsOf(referenceOf(element), range);
     if (element.kind != Kind::Object || attribute != AXAttribute::AttributedStringForRange)
         return std::unexpected(AXError::ParameterizedAttributeUnsupported);
@@ -247,6 +258,10 @@ AXError AtspiAccessibility::setAttribute(const AXElement& element, AXAttribute a
     if (element.kind != Kind::Object || attribute != AXAttribute::SelectedText)
         return AXError::AttributeUnsupported;
     turn().contents.reset();
+    if (isOwn(element)) {
+        auto own = ownField(element);
+        return own ? own->replaceSelection(value) : AXError::InvalidUIElement;
+    }
     return atspi::FieldWriter(tracker_, directory_, log_).replaceSelection(referenceOf(element), value);
 }
 
@@ -255,6 +270,10 @@ AXError AtspiAccessibility::replaceText(const AXElement& element, Utf16Range ran
     if (element.kind != Kind::Object)
         return AXError::AttributeUnsupported;
     turn().contents.reset();
+    if (isOwn(element)) {
+        auto own = ownField(element);
+        return own ? own->replace(range, expected, text) : AXError::InvalidUIElement;
+    }
     return atspi::FieldWriter(tracker_, directory_, log_).replace(referenceOf(element), {range, expected}, text);
 }
 
