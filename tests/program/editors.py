@@ -149,7 +149,7 @@ class Application(Program):
             if self.shown_in == "file":
                 self.keyboard.press("Control+s")
             try:
-                wait_for("the field", lambda: self.without_end(self.shown()) == self.without_end(expected), 0.7)
+                wait_for("the field", lambda: self.without_end(self.shown()) in (expected, self.without_end(expected)), 0.7)
                 return True
             except Fault:
                 if time.monotonic() > end:
