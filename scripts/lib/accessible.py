@@ -45,6 +45,7 @@ class Bus:
         self.contains = function("state_set_contains", number, pointer, number)
         self.extents_of = function("component_get_extents", ctypes.POINTER(Rectangle), pointer, number, pointer)
         self.act = function("action_do_action", number, pointer, number, pointer)
+        self.text_of = function("text_get_text", ctypes.c_char_p, pointer, number, number, pointer)
 
     def children(self, handle):
         found = (self.child(handle, index, None) for index in range(max(0, self.count(handle, None))))
@@ -83,6 +84,10 @@ class Windows:
         """Whether all these states are set."""
         states = self.bus.states_of(element.handle)
         return bool(states) and all(self.bus.contains(states, state) for state in wanted)
+
+    def text(self, name):
+        """What a field of that name holds; Qt ends its paragraphs with a sign of their own."""
+        return (self.bus.text_of(self.wait_for(name).handle, 0, -1, None) or b"").decode().replace("\u2029", "\n")
 
     def all_within(self, name, role):
         """What is below this element, scrolled out of sight or not, in the order in which a screen reader reads it."""

@@ -8,6 +8,7 @@ from pathlib import Path
 
 import pytest
 import sway
+from accessible import FOCUSED, Windows
 from conftest import HOTKEY, ends_well, guardian_of, is_alive, kill, wait_for_history
 from editors import let_keys_arrive
 from jobs import answer_prompt, end_by_escape, replace_request, replace_selection
@@ -75,6 +76,21 @@ def test_what_nobody_can_see_is_no_request_and_the_field_stays(desk, kind):
 @pytest.mark.parametrize("kind", ["mousepad", "foot"])
 def test_a_prompt_is_answered_where_the_user_was_writing(desk, kind):
     answer_prompt(desk, desk.open(kind))
+
+
+def test_the_first_answer_comes_into_the_field_of_the_first_page(desk):
+    tavrelon, windows = desk.start(arguments=()), Windows("Tavrelon")
+    while not windows.has(windows.wait_for("Try it here"), FOCUSED):
+        desk.keyboard.press("Tab")
+        let_keys_arrive()
+    desk.keyboard.type_places("before ")
+    desk.answers("forty-two\n(42)")
+    desk.begin(tavrelon)
+    desk.keyboard.type_places("what")
+    desk.commit()
+    wait_for_history(tavrelon, 1)
+    assert desk.service.user_messages()[0].startswith("what")
+    wait_for("the answer in the field", lambda: windows.text("Try it here") == "before forty-two\n(42)", 20)
 
 
 def test_escape_while_the_model_thinks_ends_it_for_good(desk):
