@@ -1,14 +1,14 @@
 """demo.py BUILD OUTPUT: runs every case in every editor on the display at hand and compares the saved files."""
 
-import shutil
 import tempfile
 import time
 from pathlib import Path
 
 import demo_pictures
 import screen
+import session
 from demo_cases import CASES
-from programs import EDITORS, Editor, StandIn, Tavrelon
+from programs import SHOWN, Editor, StandIn, Tavrelon
 from waiting import Fault, run, wait_for
 
 REST = 2.3  # seconds; after an answer or an error the next request waits until the last one has left the stage
@@ -27,22 +27,22 @@ class Stage:
         path.write_text(case.before, encoding="utf-8")
         self.service.answer_with(case.answer)
         with Editor(kind, path, self.output / f"{kind}.log", self.tavrelon.home) as editor:
-            screen.press(*case.keys)
+            session.press(*case.keys)
             mark = self.ask(case, stem)
             self.see_outcome(case, mark)
             after = editor.saved_text(case.after)
-            screen.picture(self.output / f"{stem}-after.png")
+            session.picture(self.output / f"{stem}-after.png")
         return after
 
     def ask(self, case, stem):
         wait_for("the end of the last request", lambda: time.monotonic() >= self.free_at)
         mark = len(self.tavrelon.written())
-        screen.press(screen.HOTKEY)
+        session.press(screen.HOTKEY)
         self.tavrelon.wait_for_line(r"\[Hotkey\] Starting text listening", mark)
         if case.typed:
-            screen.type_text(case.typed)
-        screen.picture(self.output / f"{stem}-before.png")
-        screen.press(screen.HOTKEY)
+            session.type_text(case.typed)
+        session.picture(self.output / f"{stem}-before.png")
+        session.press(screen.HOTKEY)
         self.tavrelon.wait_for_line(r"\[Hotkey\] Committing text input", mark)
         return mark
 
@@ -67,7 +67,7 @@ def show(label, text):
 
 def play_all(stage):
     wrong = 0
-    for kind in EDITORS:
+    for kind in SHOWN:
         for number, case in enumerate(CASES, 1):
             print(f"\n{kind}: {case.name}")
             show("field before", case.before)
@@ -80,7 +80,7 @@ def play_all(stage):
                 if not right:
                     show("expected", case.after)
             except Fault as fault:
-                screen.picture(stage.output / f"{kind}-{number}-fault.png")
+                session.picture(stage.output / f"{kind}-{number}-fault.png")
                 show("fault", str(fault))
                 right = False
             print("  right" if right else "  WRONG", flush=True)
@@ -90,15 +90,16 @@ def play_all(stage):
 
 def main(build, output):
     build, output = Path(build), Path(output)
-    shutil.rmtree(output, ignore_errors=True)
-    output.mkdir(parents=True)
+    for left in output.glob("*"):
+        left.unlink()
+    output.mkdir(parents=True, exist_ok=True)
     with tempfile.TemporaryDirectory(prefix="tavrelon-demo.", ignore_cleanup_errors=True) as home, \
             StandIn(build / "tests/support/tavrelon-stand-in-service", output / "service.log") as service, \
             Tavrelon(build / "src/tavrelon", output / "tavrelon.log", home, service.port) as tavrelon:
         tavrelon.wait_until_live()
         stage = Stage(service, tavrelon, output)
         wrong = play_all(stage) + demo_pictures.play(stage, build, show)
-    total = len(EDITORS) * len(CASES) + 2
+    total = len(SHOWN) * len(CASES) + 2
     print(f"\n{total - wrong} of {total} right; screenshots and logs are in {output}/")
     return 1 if wrong else 0
 

@@ -6,6 +6,7 @@ import time
 import urllib.request
 
 import screen
+import session
 from demo_cases import Case
 from programs import Editor, Program
 from waiting import Fault, wait_for
@@ -26,7 +27,7 @@ class PictureField(Program):
         self.text_path = path.with_name(path.name + ".txt")
         super().__init__([str(executable), str(path)], path.with_suffix(".log"))
         try:
-            screen.focus(wait_for("the picture field", lambda: screen.window_named("Picture field"), seconds=20))
+            session.wait_for_window("Picture field")
         except BaseException:
             self.stop()
             raise
@@ -47,7 +48,7 @@ def draw(stage, build):
         wait_for("a picture in the field", lambda: pasted.exists() and pasted.stat().st_size > 0, seconds=20)
         wait_for("the picture in the history", lambda: stage.tavrelon.newest_answer() == ON_THE_CLIPBOARD, seconds=20)
         time.sleep(0.3)  # until the field is drawn
-        screen.picture(stage.output / "drawing-after.png")
+        session.picture(stage.output / "drawing-after.png")
         text = field.text_path.read_text(encoding="utf-8")
     asked = next(request for request in stage.service.control("requests") if request["path"].startswith("/image/"))
     sent = stage.output / "drawing-as-sent.png"
@@ -71,11 +72,11 @@ def see(stage):
     path.write_text(SEEN.before, encoding="utf-8")
     stage.service.answer_with(SEEN.answer)
     with Editor("mousepad", path, stage.output / "window.log", stage.tavrelon.home) as editor:
-        screen.press(*SEEN.keys)
+        session.press(*SEEN.keys)
         mark = stage.ask(SEEN, "window")
         stage.see_outcome(SEEN, mark)
         after = editor.saved_text(SEEN.after)
-        width, height = screen.size_of(editor.window)
+        size = " by ".join(map(str, screen.size_of(editor.window))) if editor.window else "not told"
     received = picture_in(stage.service.control("requests")[0])
     if received is None:
         raise Fault("the request carried no picture")
@@ -83,7 +84,7 @@ def see(stage):
     jpeg.write_bytes(received)
     form, shown_width, colours = screen.answer("identify", "-format", "%m %w %k", str(jpeg)).split()
     right = form == "JPEG" and int(colours) > 50 and after == SEEN.after
-    return jpeg, f"{form}, {shown_width} wide (the window is {width} by {height}), {colours} colours", after, right
+    return jpeg, f"{form}, {shown_width} wide (the window is {size}), {colours} colours", after, right
 
 
 def play(stage, build, show):

@@ -54,3 +54,15 @@ def picture_of_focused_window(path):
     }})()""")
     wait_for("a picture of the window", path.exists, 20)
     return path
+
+
+def screen_picture(path):
+    evaluate(f"""(() => {{
+        const {{Gio, Shell}} = imports.gi;
+        const stream = Gio.File.new_for_path('{path}.part').replace(null, false, 0, null);
+        new Shell.Screenshot().screenshot(false, stream, () => {{
+            stream.close(null);
+            Gio.File.new_for_path('{path}.part').move(Gio.File.new_for_path('{path}'), 0, null, null);
+        }});
+    }})()""")
+    wait_for("a picture of the screen", path.exists, 20)

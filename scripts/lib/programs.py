@@ -8,7 +8,7 @@ import subprocess
 import urllib.request
 from pathlib import Path
 
-import screen
+import session
 from waiting import Fault, wait_for
 
 
@@ -139,6 +139,7 @@ EDITORS = {
     "featherpad": ["featherpad", "--standalone"],
 }
 OTHER_EDITORS = {"gnome-text-editor": ["gnome-text-editor", "--standalone"]}
+SHOWN = ("mousepad", "gnome-text-editor") if session.is_wayland() else tuple(EDITORS)  # in a demonstration
 
 
 class Editor(Program):
@@ -150,11 +151,11 @@ class Editor(Program):
         (config / "featherpad").mkdir(parents=True, exist_ok=True)
         (config / "featherpad" / "fp.conf").write_text("[text]\nappendEmptyLine=false\n")
         self.path = Path(path)
+        self.adds_line_end = kind in OTHER_EDITORS
         super().__init__([*(EDITORS | OTHER_EDITORS)[kind], str(path)], log,
                          {"XDG_CONFIG_HOME": str(config), "GSK_RENDERER": "cairo"})
         try:
-            self.window = wait_for(f"a window of {kind}", lambda: screen.window_named(self.path.name), seconds=20)
-            screen.focus(self.window)
+            self.window = session.wait_for_window(self.path.name)
         except BaseException:
             self.stop()
             raise
@@ -162,10 +163,15 @@ class Editor(Program):
     def saved_text(self, expected, seconds=5.0):
         """Saves and reads the file until it holds what is expected; else what it holds in the end."""
         def saved():
-            screen.press("ctrl+s")
-            return self.path.read_text(encoding="utf-8") == expected
+            session.press("ctrl+s")
+            return self.text() == expected
         try:
             wait_for("the saved file", saved, seconds, pause=0.3)
         except Fault:
             pass
-        return self.path.read_text(encoding="utf-8")
+        return self.text()
+
+    def text(self):
+        """Of the file, without what an editor adds to each."""
+        text = self.path.read_text(encoding="utf-8")
+        return text.removesuffix("\n") if self.adds_line_end else text

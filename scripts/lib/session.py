@@ -1,5 +1,6 @@
 """Which session this is, and what differs by it for a person who looks at the screen and uses the clipboard."""
 
+import functools
 import os
 import subprocess
 import time
@@ -7,6 +8,9 @@ import time
 import kwin
 import screen
 import sway
+from waiting import wait_for
+
+PLACES = {"ctrl": "Control", "shift": "Shift", "alt": "Alt", "super": "Super"}
 
 
 def is_wayland():
@@ -34,6 +38,52 @@ def keyboard():
         return WaylandKeyboard()
     from keyboard import Keyboard
     return Keyboard()
+
+
+@functools.cache
+def hands():
+    return keyboard()
+
+
+def press(*keys):
+    """Chords such as "ctrl+s", one after the other."""
+    if not is_wayland():
+        screen.press(*keys)
+        return
+    for chord in keys:
+        hands().press("+".join(PLACES.get(key, key) for key in chord.split("+")))
+        time.sleep(screen.BETWEEN_KEYS / 1000)
+
+
+def type_text(text):
+    """By a US keyboard, in small letters."""
+    if is_wayland():
+        press(*("space" if letter == " " else letter for letter in text))
+    else:
+        screen.type_text(text)
+
+
+def wait_for_window(title):
+    """That has these words in its title, and gets the keyboard. Gives its number where windows have one."""
+    if is_wayland():
+        wait_for(f"the window '{title}' in front", lambda: title in (front_title() or ""), 30)
+        return None
+    window = wait_for(f"the window '{title}'", lambda: screen.window_named(title), 20)
+    screen.focus(window)
+    return window
+
+
+def picture(path):
+    """Of the whole screen."""
+    if kwin.is_session():
+        kwin.screen_picture(path, os.environ["TAVRELON_BUILD"] + "/src/tavrelon-window-picture")
+    elif is_gnome():
+        import gnome
+        gnome.screen_picture(path)
+    elif is_wayland():
+        subprocess.run(["grim", str(path)], stdin=subprocess.DEVNULL, capture_output=True, timeout=20, check=True)
+    else:
+        screen.picture(path)
 
 
 def front_title():
