@@ -57,6 +57,7 @@ def picture_of_focused_window(path):
 
 
 def screen_picture(path):
+    path = path.resolve()  # for the shell, which runs elsewhere
     evaluate(f"""(() => {{
         const {{Gio, Shell}} = imports.gi;
         const stream = Gio.File.new_for_path('{path}.part').replace(null, false, 0, null);
