@@ -7,8 +7,9 @@ import time
 
 import kwin
 import pytest
-from conftest import ends_well, guardian_of, is_alive, kill
+from conftest import ends_well, guardian_of, is_alive, kill, wait_for_history
 from jobs import end_by_escape, replace_request_and_selection
+from programs import Program
 from waiting import wait_for
 
 SHIFT_ALT_SUPER_G, ESCAPE = 0x1A000047, "hotkey-53-0-0"
@@ -28,6 +29,22 @@ def test_escape_while_the_model_thinks_ends_it_for_good(desk):
     editor, tavrelon = desk.open("mousepad"), desk.start()
     end_by_escape(desk, editor, tavrelon)
     wait_for("Escape to be the applications' again", lambda: ESCAPE not in kwin.shortcuts())
+
+
+def test_the_model_sees_the_window_that_another_covers(desk):
+    desk.started(Program(["display", "-title", "cover", "-size", "300x200", "xc:red"], desk.folder / "cover.log"))
+    wait_for("the cover", lambda: "cover" in kwin.front_title(), 20)
+    editor, tavrelon = desk.open("mousepad", "what is here\n" * 8), desk.start()
+    place = kwin.cover_front_window("cover")
+    screen = kwin.screen_picture(desk.folder / "screen.png", desk.build / "src/tavrelon-window-picture")
+    assert kwin.share_of("red", f"{screen}[{place}]") > 0.9
+    desk.answers("ANSWER")
+    desk.request(tavrelon, editor, "what is shown?")
+    wait_for_history(tavrelon, 1)
+    sent = desk.folder / "sent.jpg"
+    sent.write_bytes(desk.service.pictures()[0])
+    assert kwin.share_of("red", sent) == 0
+    assert kwin.share_of("white", sent) > 0.5, "the editor's page"
 
 
 def test_what_is_taken_stays_so_and_what_a_crash_leaves_is_let_go(desk):

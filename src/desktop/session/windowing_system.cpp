@@ -1,5 +1,7 @@
 #include "desktop/session/windowing_system.h"
 
+#include <QCoreApplication>
+
 #include "desktop/gnome/extension/shell_extension.h"
 #include "desktop/gnome/keys/gnome_hotkeys.h"
 #include "desktop/gnome/keys/gnome_key_poster.h"
@@ -8,6 +10,7 @@
 #include "desktop/kwin/connection_in_sight.h"
 #include "desktop/kwin/keys/kwin_hotkeys.h"
 #include "desktop/kwin/keys/kwin_key_poster.h"
+#include "desktop/kwin/screen/kwin_screen_capture.h"
 #include "desktop/kwin/windows/kwin_workspace.h"
 #include "desktop/session/session_kind.h"
 #include "desktop/wayland/clipboard/wayland_pasteboard.h"
@@ -37,23 +40,6 @@ class NoKeyObserver : public platform::KeyObserver {
  public:
     bool start(Calls) override { return false; }
     void stop() override {}
-};
-
-class NoScreenCapture : public platform::ScreenCapture {
- public:
-    using Content = std::expected<platform::ShareableContent, platform::CaptureError>;
-    using Picture = std::expected<platform::Image, platform::CaptureError>;
-
-    bool preflightAccess() override { return false; }
-    async::Task<Content> shareableContent() override { co_return std::unexpected(reason()); }
-    async::Task<Picture> captureWindow(platform::ShareableWindow) override { co_return std::unexpected(reason()); }
-    async::Task<Picture> captureDisplay(platform::ShareableDisplay) override { co_return std::unexpected(reason()); }
-    std::shared_ptr<void> expectCapture() override { return nullptr; }
-
- private:
-    static platform::CaptureError reason() {
-        return {QStringLiteral("Pictures of the screen are not taken in this session yet.")};
-    }
 };
 
 template <typename T>
@@ -138,11 +124,13 @@ WindowingSystem openPlasma(async::MainLoop& loop, platform::Log& log) {
     auto workspace = opened(KWinWorkspace::create(bus));
     auto keyPoster = opened(KWinKeyPoster::open(*connection, bus, posts, shortcutsOf(*workspace)));
     auto pasteboard = opened(WaylandPasteboard::create(loop, log, *connection, keyPoster->presses()));
+    auto screenCapture = std::make_unique<KWinScreenCapture>(
+        loop, log, *workspace, QCoreApplication::applicationDirPath() + QStringLiteral("/tavrelon-window-picture"));
     return WindowingSystem{std::move(connection),
                            std::move(workspace),
                            std::move(pasteboard),
                            std::move(keyPoster),
-                           std::make_unique<NoScreenCapture>(),
+                           std::move(screenCapture),
                            std::make_unique<KWinHotkeys>(loop, log, std::move(bus), posts),
                            std::make_unique<NoKeyObserver>(),
                            panelSurroundings(opened(X11PanelSurroundings::create())),

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "async/waits.h"
-
 namespace tavrelon::desktop {
 
 using platform::CaptureError;
@@ -21,12 +19,6 @@ std::unexpected<CaptureError> error(const char* text) {
 
 int pixels(int logical, double scale) {
     return static_cast<int>(std::lround(logical * scale));
-}
-
-platform::Image imageOf(QImage picture) {
-    const auto shared = std::make_shared<const QImage>(std::move(picture));
-    return {shared->width(), shared->height(),
-            QByteArray::fromRawData(reinterpret_cast<const char*>(shared->constBits()), shared->sizeInBytes()), shared};
 }
 
 /// Shows of the overlays, which are in logical pixels of the region, what was there ahead.
@@ -46,18 +38,6 @@ void uncover(QImage& picture, const QImage& ahead, const QRect& region, const st
 }
 
 }  // namespace
-
-async::Task<SwayScreenCapture::Picture> SwayScreenCapture::onQueue(std::function<Picture()> work) {
-    // The queue skips the work once this is gone, which a cancellation sees to.
-    co_return co_await async::fromCallback<Picture>(loop_, [this, &work](auto resolver) {
-        auto wanted = std::make_shared<bool>(true);
-        queue_.post([resolver, work, stillWanted = std::weak_ptr(wanted)]() mutable {
-            if (!stillWanted.expired())
-                resolver.resolve(work());
-        });
-        return wanted;
-    });
-}
 
 async::Task<std::expected<ShareableContent, CaptureError>> SwayScreenCapture::shareableContent() {
     const auto outputs = workspace_.outputs();
@@ -92,13 +72,11 @@ async::Task<SwayScreenCapture::Picture> SwayScreenCapture::captureWindow(Shareab
     std::vector<QRect> overlays;
     for (const auto& overlay : overlays_())
         overlays.push_back(overlay.translated(-shown->corner));
-    co_return co_await onQueue([region = shown->region, ahead, overlays, until]() -> Picture {
+    co_return co_await queue_.picture([region = shown->region, ahead, overlays, until] {
         auto picture = takePicture(region, until);
-        if (!picture)
-            return std::unexpected(picture.error());
-        if (ahead)
+        if (picture && ahead)
             uncover(*picture, ahead->picture, region.area, overlays);
-        return imageOf(*std::move(picture));
+        return picture;
     });
 }
 
@@ -109,10 +87,7 @@ async::Task<SwayScreenCapture::Picture> SwayScreenCapture::captureDisplay(Sharea
         co_return error("The display is no longer there.");
     const auto& output = outputs[display.identifier];
     const OutputRegion region{output.name, {QPoint(), output.area.size()}};
-    co_return co_await onQueue([region, until]() -> Picture {
-        auto picture = takePicture(region, until);
-        return picture ? Picture(imageOf(*std::move(picture))) : std::unexpected(picture.error());
-    });
+    co_return co_await queue_.picture([region, until] { return takePicture(region, until); });
 }
 
 std::shared_ptr<void> SwayScreenCapture::expectCapture() {

@@ -4,9 +4,8 @@
 #include <functional>
 #include <optional>
 
-#include "async/main_loop.h"
-#include "desktop/linux/process/thread_serial_queue.h"
 #include "desktop/wayland/screen/output_picture.h"
+#include "desktop/wayland/screen/picture_queue.h"
 #include "desktop/wayland/sway/sway_workspace.h"
 #include "platform/screen_capture.h"
 
@@ -26,7 +25,7 @@ class SwayScreenCapture : public platform::ScreenCapture {
     /// this object.
     SwayScreenCapture(async::MainLoop& loop, SwayWorkspace& workspace, bool hasAccess,
                       std::function<std::vector<QRect>()> overlays)
-        : loop_(loop), workspace_(workspace), hasAccess_(hasAccess), overlays_(std::move(overlays)) {}
+        : workspace_(workspace), hasAccess_(hasAccess), overlays_(std::move(overlays)), queue_(loop) {}
 
     bool preflightAccess() override { return hasAccess_; }
     async::Task<std::expected<platform::ShareableContent, platform::CaptureError>> shareableContent() override;
@@ -53,14 +52,12 @@ class SwayScreenCapture : public platform::ScreenCapture {
     };
 
     std::optional<Shown> shownPartOf(const SwayWindow& window);
-    async::Task<Picture> onQueue(std::function<Picture()> work);
 
-    async::MainLoop& loop_;
     SwayWorkspace& workspace_;
     bool hasAccess_;
     std::function<std::vector<QRect>()> overlays_;
     std::weak_ptr<Ahead> ahead_;
-    ThreadSerialQueue queue_{QStringLiteral("pictures")};
+    PictureQueue queue_;
 };
 
 }  // namespace tavrelon::desktop
