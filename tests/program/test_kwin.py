@@ -8,7 +8,7 @@ import time
 import kwin
 import pytest
 from conftest import ends_well, guardian_of, is_alive, kill, wait_for_history
-from jobs import end_by_escape, replace_request_and_selection
+from jobs import answer_prompt, end_by_escape, replace_request_and_selection
 from programs import Program
 from waiting import wait_for
 
@@ -23,6 +23,11 @@ def test_a_request_and_a_selection_are_replaced(desk, kind):
     replace_request_and_selection(desk, editor, tavrelon, kind in (BY_PASTE, "firefox"))
     assert ends_well(tavrelon)
     assert "hotkey-" not in kwin.shortcuts()
+
+
+@pytest.mark.parametrize("kind", ["mousepad", "lxterminal"])
+def test_a_prompt_is_answered_where_the_user_was_writing(desk, kind):
+    answer_prompt(desk, desk.open(kind))
 
 
 def test_escape_while_the_model_thinks_ends_it_for_good(desk):
