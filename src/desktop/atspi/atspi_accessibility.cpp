@@ -46,6 +46,7 @@ struct AtspiAccessibility::Turn {
     atspi::Allowance allowance{readAllowance};
     std::optional<std::optional<qint64>> frontmostProcess;
     std::optional<std::pair<qint64, Result>> focusedElement;
+    std::optional<bool> isPasswordFocused;
     std::optional<std::pair<ObjectReference, Description>> description;
     std::optional<std::pair<ObjectReference, Contents>> contents;
 };
@@ -147,13 +148,22 @@ platform::FocusKind AtspiAccessibility::focusKind() {
     }
     const auto focused = process ? focusedElementOf(*process) : std::unexpected(AXError::NoValue);
     if (!focused)
-        return FocusKind::Unknown;
+        return isPasswordFocused() ? FocusKind::Password : FocusKind::Unknown;
     const auto& description = descriptionOf(referenceOf(std::get<AXElement>(*focused)));
     if (!description)
         return FocusKind::Unknown;
     if (atspi::isPassword(description->role))
         return FocusKind::Password;
     return atspi::isTerminal(description->role) ? FocusKind::Terminal : FocusKind::Ordinary;
+}
+
+bool AtspiAccessibility::isPasswordFocused() {
+    auto& known = turn().isPasswordFocused;
+    if (!known) {
+        atspi::AtspiCalls calls(tracker_, turn().allowance);
+        known = atspi::AtspiFocusFinder(calls, directory_).isPasswordFocused();
+    }
+    return *known;
 }
 
 void AtspiAccessibility::onFocusChange(std::function<void()> handler) {

@@ -47,6 +47,7 @@ class AtspiAccessibility : public platform::Accessibility {
     Result ofApplication(qint64 process, platform::AXAttribute attribute);
     Result focusedElementOf(qint64 process);
     Result titleOf(qint64 process);
+    bool isPasswordFocused();
     Result ofField(const platform::AXElement& element, platform::AXAttribute attribute);
     using Description = std::expected<atspi::FieldDescription, platform::AXError>;
     const Description& descriptionOf(const atspi::ObjectReference& field);

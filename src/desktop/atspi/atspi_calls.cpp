@@ -4,6 +4,7 @@
 #include <array>
 
 #include "desktop/atspi/chain.h"
+#include "desktop/linux/process/process_info.h"
 
 namespace tavrelon::desktop::atspi {
 
@@ -80,7 +81,7 @@ void AtspiDirectory::enter(quint64 generation) {
         return;
     generation_ = generation;
     applications_.reset();
-    processes_.clear();
+    owners_.clear();
     toolkits_.clear();
 }
 
@@ -99,31 +100,31 @@ std::expected<std::vector<ObjectReference>, AXError> AtspiDirectory::application
     return *all;
 }
 
-std::vector<qint64> AtspiDirectory::processesOf(const std::vector<QString>& busNames, AtspiCalls& calls) {
+std::vector<ObjectReference> AtspiDirectory::ofProcess(qint64 process, std::vector<ObjectReference> elements,
+                                                       AtspiCalls& calls) {
     std::vector<QString> unknown;
     std::vector<QDBusMessage> questions;
-    for (const auto& name : busNames)
-        if (!processes_.contains(name)) {
-            unknown.push_back(name);
+    for (const auto& element : elements)
+        if (!owners_.contains(element.busName)) {
+            unknown.push_back(element.busName);
             questions.push_back(methodCall({QLatin1String(busDaemon), QStringLiteral("/org/freedesktop/DBus")},
-                                           busDaemon, "GetConnectionUnixProcessID", {name}));
+                                           busDaemon, "GetConnectionUnixProcessID", {element.busName}));
         }
     const auto replies = calls.send(questions);
     for (std::size_t i = 0; i < replies.size(); ++i)
-        if (const auto process = chain(replies[i], numberOf))
-            processes_.insert_or_assign(unknown[i], *process);
-
-    std::vector<qint64> processes;
-    for (const auto& name : busNames) {
-        const auto found = processes_.find(name);
-        processes.push_back(found == processes_.end() ? 0 : found->second);
-    }
-    return processes;
+        if (const auto owner = chain(replies[i], numberOf))
+            owners_.insert_or_assign(unknown[i], Owner{*owner, sandboxOf(*owner)});
+    const auto sandbox = sandboxOf(process);
+    std::erase_if(elements, [&](const ObjectReference& element) {
+        const auto owner = owners_.find(element.busName);
+        return owner == owners_.end() || !owner->second.isOf(process, sandbox);
+    });
+    return elements;
 }
 
 bool AtspiDirectory::isKnownAs(qint64 process, const QString& busName) const {
-    const auto found = processes_.find(busName);
-    return found != processes_.end() && found->second == process;
+    const auto owner = owners_.find(busName);
+    return owner != owners_.end() && owner->second.isOf(process, sandboxOf(process));
 }
 
 std::expected<Toolkit, AXError> AtspiDirectory::toolkitOf(const QString& busName, AtspiCalls& calls) {

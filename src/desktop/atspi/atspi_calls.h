@@ -56,19 +56,30 @@ class AtspiDirectory {
     /// each key of an answer, and many a window's program is not on the bus.
     std::expected<std::vector<ObjectReference>, platform::AXError> applications(AtspiCalls& calls);
 
-    /// The processes behind the bus names, 0 where it cannot be told.
-    std::vector<qint64> processesOf(const std::vector<QString>& busNames, AtspiCalls& calls);
+    /// Of some elements those whose application has its windows from this process. From within a sandbox programs
+    /// reach the bus through a proxy, whose process the bus takes for theirs.
+    std::vector<ObjectReference> ofProcess(qint64 process, std::vector<ObjectReference> elements, AtspiCalls& calls);
 
-    /// Whether the process is known to be behind the bus name, without asking.
+    /// Whether the bus name is known to be of the process, without asking.
     bool isKnownAs(qint64 process, const QString& busName) const;
 
     std::expected<Toolkit, platform::AXError> toolkitOf(const QString& busName, AtspiCalls& calls);
 
  private:
+    /// The process that has a connection, as the bus tells, and the sandbox it is in, if it is in one.
+    struct Owner {
+        qint64 process = 0;
+        QByteArray sandbox;
+
+        bool isOf(qint64 other, const QByteArray& othersSandbox) const {
+            return process == other || (!sandbox.isEmpty() && sandbox == othersSandbox);
+        }
+    };
+
     quint64 generation_ = 0;
     quint64 applicationsRevision_ = 0;
     std::optional<std::vector<ObjectReference>> applications_;
-    std::map<QString, qint64> processes_;
+    std::map<QString, Owner> owners_;
     std::map<QString, Toolkit> toolkits_;
 };
 

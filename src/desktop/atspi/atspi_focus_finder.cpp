@@ -44,43 +44,28 @@ bool AtspiFocusFinder::hungApplicationHas(qint64 process) const {
 }
 
 std::optional<ObjectReference> AtspiFocusFinder::trackedElementOf(qint64 process) {
-    const auto elements = calls_.tracker().focusedElements();
-    std::vector<QString> names;
-    for (const auto& element : elements)
-        names.push_back(element.busName);
-    const auto processes = directory_.processesOf(names, calls_);
-    const auto match = std::ranges::find(processes, process);
-    if (match == processes.end())
-        return std::nullopt;
-    return elements[static_cast<std::size_t>(match - processes.begin())];
+    const auto elements = directory_.ofProcess(process, calls_.tracker().focusedElements(), calls_);
+    return elements.empty() ? std::nullopt : std::optional(elements.front());
+}
+
+bool AtspiFocusFinder::isPasswordFocused() {
+    auto fields = describe(calls_.tracker().focusedElements());
+    std::erase_if(fields,
+                  [](const Node& field) { return !field.states.has(State::Focused) || !isPassword(field.role); });
+    return std::ranges::any_of(fields, [&](const Node& field) { return !activeWindows(field.object.busName).empty(); });
 }
 
 AtspiFocusFinder::Found AtspiFocusFinder::walk(qint64 process) {
-    const auto applications = applicationsOf(process);
-    if (!applications)
-        return std::unexpected(applications.error());
+    const auto all = directory_.applications(calls_);
+    if (!all)
+        return std::unexpected(all.error());
     Found result = std::unexpected(AXError::NoValue);
-    for (const auto& application : *applications) {
+    for (const auto& application : directory_.ofProcess(process, *all, calls_)) {
         result = walkApplication(application.busName);
         if (result)
             return result;
     }
     return result;
-}
-
-std::expected<AtspiFocusFinder::Objects, AXError> AtspiFocusFinder::applicationsOf(qint64 process) {
-    const auto all = directory_.applications(calls_);
-    if (!all)
-        return std::unexpected(all.error());
-    std::vector<QString> names;
-    for (const auto& application : *all)
-        names.push_back(application.busName);
-    const auto processes = directory_.processesOf(names, calls_);
-    Objects matching;
-    for (std::size_t i = 0; i < processes.size(); ++i)
-        if (processes[i] == process)
-            matching.push_back((*all)[i]);
-    return matching;
 }
 
 AtspiFocusFinder::Found AtspiFocusFinder::walkApplication(const QString& busName) {

@@ -13,6 +13,10 @@ class AtspiFocusFinder {
     /// `NoValue` when nothing has the focus or the application is not on the bus.
     std::expected<ObjectReference, platform::AXError> focusedElementOf(qint64 process);
 
+    /// Whether a password field has the focus in an active window of whatever application: of one whose process is not
+    /// that of its window, say.
+    bool isPasswordFocused();
+
  private:
     using Objects = std::vector<ObjectReference>;
 
@@ -32,7 +36,6 @@ class AtspiFocusFinder {
     bool hungApplicationHas(qint64 process) const;
     Found walk(qint64 process);
     Found walkApplication(const QString& busName);
-    std::expected<Objects, platform::AXError> applicationsOf(qint64 process);
     std::vector<Node> describe(const Objects& objects);
     Objects childrenOf(const std::vector<Node>& nodes);
     Objects activeWindows(const QString& busName);

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QSysInfo>
 
+#include "desktop/linux/files/posix_files.h"
+
 namespace tavrelon::desktop {
 
 bool isProcessRunning(qint64 processIdentifier) {
@@ -20,6 +22,21 @@ bool isProcessRunning(qint64 processIdentifier) {
 QString executableNameOf(qint64 processIdentifier) {
     const auto target = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(processIdentifier));
     return target.sliced(target.lastIndexOf(u'/') + 1).section(QStringLiteral(" (deleted)"), 0, 0);
+}
+
+QByteArray sandboxOf(qint64 processIdentifier) {
+    // Flatpak's way: the program's root holds a file that it cannot change.
+    const auto info = processIdentifier > 0
+                          ? readRegularFile("/proc/" + QByteArray::number(processIdentifier) + "/root/.flatpak-info")
+                          : failure(ESRCH);
+    bool isInstance = false;
+    for (const auto& line : info.value_or(QByteArray()).split('\n')) {
+        if (line.startsWith('['))
+            isInstance = line.trimmed() == "[Instance]";
+        else if (isInstance && line.startsWith("instance-id="))
+            return line.sliced(line.indexOf('=') + 1).trimmed();
+    }
+    return {};
 }
 
 QByteArray mappedFilesOf(qint64 processIdentifier) {
