@@ -1,5 +1,6 @@
 #include "input/request_answer.h"
 
+#include "async/waits.h"
 #include "input/history_record.h"
 #include "input/request_settings.h"
 #include "input/settled_field.h"
@@ -7,6 +8,15 @@
 namespace tavrelon::input {
 
 using Method = scenes::ReplacementStrategy::Method;
+
+namespace {
+
+/// How often a field is looked at for a word that was given up: some programs show it there and tell late that it went,
+/// others never had it there.
+constexpr int mostLooks = 8;
+constexpr auto betweenLooks = std::chrono::milliseconds(40);
+
+}  // namespace
 
 async::Task<void> RequestAnswer::answer(TextRequest& request) {
     request.context.inputBuffer = request.finalText;
@@ -48,16 +58,20 @@ async::Task<generation::GenerationResult> RequestAnswer::generateOnce(const Text
 async::Task<void> RequestAnswer::leaveComposition(TextRequest& request) {
     // A half-composed word would take the Backspaces for itself. It stands in the fields of some programs and not in
     // those of others, so what is to be removed is counted once it is gone; where that cannot be read it stays.
-    if (!request.isTyped() || !request.initial)
+    if (!request.isTyped() || !request.initial || !services_.platform.keyPoster.isCompositionOpen())
         co_return;
-    if (!co_await services_.outputWriter.cancelComposition())
-        co_return;
+    const auto composed = services_.contextCapturer.fetchFocusedTextSnapshot();
+    co_await services_.outputWriter.cancelComposition();
     machine_.requireCurrent(request.id);
-    auto first = services_.contextCapturer.fetchFocusedTextSnapshot();
-    if (!first)
+    auto latest = services_.contextCapturer.fetchFocusedTextSnapshot();
+    for (int look = 1; look < mostLooks && latest && composed && latest->value == composed->value; ++look) {
+        co_await async::pause(services_.platform.mainLoop, betweenLooks);
+        machine_.requireCurrent(request.id);
+        latest = services_.contextCapturer.fetchFocusedTextSnapshot();
+    }
+    if (!latest)
         co_return;
-    // Some programs tell of the end of a composition after the input method does.
-    const auto latest = co_await settledField(machine_, services_, request, *std::move(first));
+    latest = co_await settledField(machine_, services_, request, *std::move(latest));
     const auto left = deriveRequestText(latest, std::nullopt, request.initial);
     request.finalDeleteCount = left ? left->deleteCount.value_or(0) : 0;
     request.standing = left ? output::StandingText{left->text, left->place} : output::StandingText();

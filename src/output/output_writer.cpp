@@ -152,9 +152,8 @@ async::Task<bool> OutputWriter::tookEffect(platform::AXError outcome, AXElement 
     co_return false;
 }
 
-async::Task<bool> OutputWriter::cancelComposition() {
+async::Task<void> OutputWriter::cancelComposition() {
     auto& poster = platform_.keyPoster;
-    const bool wasOpen = poster.isCompositionOpen();
     const platform::ModifiersAside aside(poster);
     for (int wait = 0; wait < escapeWaits && poster.isCompositionOpen() && place_.isInFront(); ++wait) {
         // Some go back one step with each Escape. Again only after a while: the program might get it instead.
@@ -162,7 +161,6 @@ async::Task<bool> OutputWriter::cancelComposition() {
             pressPlain(keys::keyEscape);
         co_await async::pause(platform_.mainLoop, afterEscape);
     }
-    co_return wasOpen;
 }
 
 async::Task<Placement> OutputWriter::deleteBackward(qint64 count, StandingText standing) {

@@ -90,8 +90,7 @@ class OutputWriter {
     async::Task<Placement> pasteText(QString text);
 
     /// Gives up the word that an input method shows half composed, which would take the keys of a write for itself.
-    /// Whether there was one.
-    async::Task<bool> cancelComposition();
+    async::Task<void> cancelComposition();
 
     /// Removes `count` characters before the caret, one key at a time; stops for good when its place is not in front.
     /// Removes nothing where the field can be read and `standing` does not stand there.
