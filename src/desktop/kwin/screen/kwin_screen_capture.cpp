@@ -80,8 +80,8 @@ async::Task<std::expected<ShareableContent, CaptureError>> KWinScreenCapture::sh
     ShareableContent content{.displays = {{.width = size.width(), .height = size.height()}}, .windows = {}};
     if (const auto& front = workspace_.focusedWindow()) {
         const auto application = workspace_.applicationBehind(*front);
-        content.windows.push_back({.identifier = application->windowIdentifier,
-                                   .bundleIdentifier = application->bundleIdentifier,
+        content.windows.push_back({.identifier = application.windowIdentifier,
+                                   .bundleIdentifier = application.bundleIdentifier,
                                    .isOnScreen = true,
                                    .width = front->place.width,
                                    .height = front->place.height});
