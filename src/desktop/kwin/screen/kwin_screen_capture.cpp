@@ -40,7 +40,7 @@ Outcome run(const QString& program, const QString& subject) {
                 QString::fromUtf8(process.readAllStandardError())};
     const bool isInTime = process.state() == QProcess::NotRunning;
     process.kill();
-    process.waitForFinished(100);
+    process.waitForFinished(1000);  // a killed process ends, but a busy machine takes its time
     return {isInTime, -1, {}, process.errorString()};
 }
 
