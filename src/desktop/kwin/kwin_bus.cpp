@@ -23,12 +23,12 @@ KWinBus::~KWinBus() {
     QDBusConnection::disconnectFromBus(name_);
 }
 
-std::optional<QVariantList> KWinBus::call(const Address& address, const QString& method,
-                                          const QVariantList& arguments) {
+std::optional<QVariantList> KWinBus::call(const Address& address, const QString& method, const QVariantList& arguments,
+                                          std::chrono::milliseconds limit) {
     auto question = QDBusMessage::createMethodCall(address.service, address.path, address.interface, method);
     question.setArguments(arguments);
     question.setAutoStartService(false);
-    const auto answer = connection_.call(question, QDBus::Block, static_cast<int>(callLimit.count()));
+    const auto answer = connection_.call(question, QDBus::Block, static_cast<int>(limit.count()));
     return answer.type() == QDBusMessage::ReplyMessage ? std::optional(answer.arguments()) : std::nullopt;
 }
 

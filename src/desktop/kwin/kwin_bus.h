@@ -14,6 +14,8 @@ class KWinBus {
  public:
     /// What one call may cost its caller.
     static constexpr std::chrono::milliseconds callLimit{250};
+    /// The same for what the session is not served without, at a login, when everything starts at once.
+    static constexpr std::chrono::milliseconds startLimit{5000};
 
     struct Address {
         QString service;
@@ -28,7 +30,8 @@ class KWinBus {
     ~KWinBus();
 
     /// What the call returns; absent where it fails or is not answered in time.
-    std::optional<QVariantList> call(const Address& address, const QString& method, const QVariantList& arguments = {});
+    std::optional<QVariantList> call(const Address& address, const QString& method, const QVariantList& arguments = {},
+                                     std::chrono::milliseconds limit = callLimit);
 
     /// The unique name of a service; empty where nobody has it.
     QString ownerOf(const QString& service);

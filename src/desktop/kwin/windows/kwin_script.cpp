@@ -103,14 +103,15 @@ bool KWinScript::load() {
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
     file.write(script.arg(bus_->connection().baseService(), objectPath, interfaceName).toUtf8());
     file.close();
-    const auto loaded = bus_->call(scripting, QStringLiteral("loadScript"), {file.fileName(), name});
+    const auto loaded =
+        bus_->call(scripting, QStringLiteral("loadScript"), {file.fileName(), name}, KWinBus::startLimit);
     const int number = loaded && !loaded->isEmpty() ? loaded->front().toInt() : -1;
     if (number < 0)
         return false;
     // KWin 5 and 6 have it at different places.
     for (const auto& place : {QStringLiteral("/%1"), QStringLiteral("/Scripting/Script%1")})
         if (bus_->call({.service = kwin, .path = place.arg(number), .interface = QStringLiteral("org.kde.kwin.Script")},
-                       QStringLiteral("run")))
+                       QStringLiteral("run"), {}, KWinBus::startLimit))
             return true;
     return false;
 }

@@ -12,9 +12,11 @@ std::expected<std::unique_ptr<WaylandPasteboard>, QString> WaylandPasteboard::cr
     async::MainLoop& loop, platform::Log& log, WaylandConnection& connection,
     std::shared_ptr<std::atomic<std::uint64_t>> presses, const ClipboardLimits& limits) {
     std::unique_ptr<WaylandPasteboard> made(new WaylandPasteboard(loop, log, connection));
-    const bool isThere = connection.callAndSettle([&connection, clipboard = made->clipboard_, presses, limits] {
-        *clipboard = std::make_unique<WaylandClipboard>(connection, presses, limits);
-    });
+    const bool isThere = connection.callAndSettle(
+        [&connection, clipboard = made->clipboard_, presses, limits] {
+            *clipboard = std::make_unique<WaylandClipboard>(connection, presses, limits);
+        },
+        WaylandConnection::startLimit);
     if (!isThere)
         return std::unexpected(QStringLiteral("The Wayland compositor does not tell of the clipboard."));
     return made;

@@ -152,14 +152,14 @@ bool WaylandConnection::call(Command command) {
     return isOnItsWay && future.wait_for(callLimit) == std::future_status::ready && !broken_;
 }
 
-bool WaylandConnection::callAndSettle(Command command) {
+bool WaylandConnection::callAndSettle(Command command, std::chrono::milliseconds limit) {
     auto done = std::make_shared<std::promise<void>>();
     auto future = done->get_future();
     const bool isOnItsWay = enqueue([this, command = std::move(command), done = std::move(done)]() mutable {
         command();
         Settled::ask(display_, [done = std::move(done)] { done->set_value(); });
     });
-    return isOnItsWay && future.wait_for(callLimit) == std::future_status::ready && !broken_;
+    return isOnItsWay && future.wait_for(limit) == std::future_status::ready && !broken_;
 }
 
 void WaylandConnection::watch(int descriptor, short events, std::function<void()> ready) {

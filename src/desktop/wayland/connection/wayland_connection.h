@@ -30,6 +30,8 @@ class WaylandConnection {
 
     /// What one call on the connection may cost its caller.
     static constexpr std::chrono::milliseconds callLimit{250};
+    /// The same while the program starts: at a login everything starts at once.
+    static constexpr std::chrono::milliseconds startLimit{5000};
 
     /// What the compositor has to have, and the ways to post keys of which it has one.
     struct Globals {
@@ -56,7 +58,7 @@ class WaylandConnection {
     /// late runs all the same, so it must own what it uses.
     bool call(Command command);
     /// The same, and waits until the compositor has done what was sent, and its answers were heard.
-    bool callAndSettle(Command command);
+    bool callAndSettle(Command command, std::chrono::milliseconds limit = callLimit);
     bool isBroken() const { return broken_; }
 
     // On the thread.

@@ -73,11 +73,13 @@ std::expected<std::unique_ptr<WaylandKeyPoster>, QString> WaylandKeyPoster::open
     std::unique_ptr<WaylandKeyPoster> poster(new WaylandKeyPoster(connection, std::move(shortcuts)));
     const auto made = std::make_shared<virtual_keyboard::Keyboard*>(nullptr);
     const auto& globals = connection.globals();
-    const bool isDone = connection.callAndSettle([made, globals, memory, size = keymap.size()] {
-        *made = virtual_keyboard::create(globals.virtualKeyboards, globals.seat);
-        virtual_keyboard::setKeymap(*made, memory, static_cast<std::uint32_t>(size));
-        ::close(memory);
-    });
+    const bool isDone = connection.callAndSettle(
+        [made, globals, memory, size = keymap.size()] {
+            *made = virtual_keyboard::create(globals.virtualKeyboards, globals.seat);
+            virtual_keyboard::setKeymap(*made, memory, static_cast<std::uint32_t>(size));
+            ::close(memory);
+        },
+        WaylandConnection::startLimit);
     if (!isDone)
         return std::unexpected(QStringLiteral("The Wayland compositor gives no virtual keyboard."));
     poster->keyboard_ = *made;
