@@ -22,25 +22,31 @@ ClipboardSelection::ClipboardSelection(async::MainLoop& loop, platform::Log& log
                                        platform::KeyPoster& poster)
     : loop_(loop), log_(log), pasteboard_(pasteboard), poster_(poster) {}
 
-async::Task<std::optional<QString>> ClipboardSelection::read(SelectAll selectAll) {
+async::Task<std::optional<QString>> ClipboardSelection::read(SelectAll selectAll, std::function<bool()> mayPress) {
     auto saved = co_await snapshot();
     if (!saved)
         co_return finish(std::nullopt);
     const auto baseCount = pasteboard_.changeCount();
-    const platform::ModifiersAside aside(poster_);
-    pressCommand(keys::keyC);
-    co_await async::ignoringCancellation(async::pause(loop_, afterCopy));
-    auto string = co_await stringSince(baseCount);
-    if (isMissing(string) && selectAll == SelectAll::Allowed) {
-        pressCommand(keys::keyA);
-        co_await async::ignoringCancellation(async::pause(loop_, afterSelectAll));
-        pressCommand(keys::keyC);
-        co_await async::ignoringCancellation(async::pause(loop_, afterCopy));
-        string = co_await stringSince(baseCount);
-    }
+    auto string = co_await copied(selectAll, std::move(mayPress));
     if (pasteboard_.changeCount() != baseCount)
         restore(*std::move(saved));
     co_return finish(std::move(string));
+}
+
+async::Task<std::optional<QString>> ClipboardSelection::copied(SelectAll selectAll, std::function<bool()> mayPress) {
+    const auto baseCount = pasteboard_.changeCount();
+    const platform::ModifiersAside aside(poster_);
+    if (!mayPress())
+        co_return std::nullopt;
+    co_await pressCommand(keys::keyC, afterCopy);
+    auto string = co_await stringSince(baseCount);
+    if (!isMissing(string) || selectAll == SelectAll::Forbidden || !mayPress())
+        co_return string;
+    co_await pressCommand(keys::keyA, afterSelectAll);
+    if (!mayPress())
+        co_return std::nullopt;
+    co_await pressCommand(keys::keyC, afterCopy);
+    co_return co_await stringSince(baseCount);
 }
 
 async::Task<ClipboardSelection::Snapshot> ClipboardSelection::snapshot() {
@@ -60,8 +66,9 @@ void ClipboardSelection::restore(std::vector<platform::PasteboardItem> items) {
         pasteboard_.writeItems(std::move(items));
 }
 
-void ClipboardSelection::pressCommand(keys::VirtualKey key) {
+async::Task<void> ClipboardSelection::pressCommand(keys::VirtualKey key, std::chrono::milliseconds wait) {
     poster_.press(key, keys::commandFlag);
+    co_await async::ignoringCancellation(async::pause(loop_, wait));
 }
 
 async::Task<std::optional<QString>> ClipboardSelection::stringSince(std::int64_t baseCount) {

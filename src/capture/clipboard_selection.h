@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -24,7 +25,8 @@ class ClipboardSelection {
                        platform::KeyPoster& poster);
 
     /// The selected text, not trimmed. With `Allowed`, a field without a selection is selected whole and stays so.
-    async::Task<std::optional<QString>> read(SelectAll selectAll);
+    /// Before each key it asks `mayPress`: the waits are long enough for the user to be elsewhere by then.
+    async::Task<std::optional<QString>> read(SelectAll selectAll, std::function<bool()> mayPress);
 
  private:
     /// What was on the pasteboard; absent when its owner did not tell: nothing could be put back.
@@ -32,7 +34,8 @@ class ClipboardSelection {
 
     async::Task<Snapshot> snapshot();
     void restore(std::vector<platform::PasteboardItem> items);
-    void pressCommand(keys::VirtualKey key);
+    async::Task<std::optional<QString>> copied(SelectAll selectAll, std::function<bool()> mayPress);
+    async::Task<void> pressCommand(keys::VirtualKey key, std::chrono::milliseconds wait);
 
     /// The pasteboard's text if the pasteboard changed since `baseCount`.
     async::Task<std::optional<QString>> stringSince(std::int64_t baseCount);

@@ -70,11 +70,14 @@ async::Task<std::optional<QString>> ContextCapturer::selectedText() {
 }
 
 async::Task<std::optional<QString>> ContextCapturer::selectionViaClipboard(SelectAll selectAll) {
-    // In a terminal inside of another program's window the copy shortcut would end what runs there.
-    if (platform_.accessibility.isFocusSecure() ||
-        platform::terminalFocus(platform_) == platform::TerminalFocus::Inside)
+    const auto mayPress = [this, window = platform_.workspace.frontmostWindow()] {
+        // In a terminal inside of another program's window the copy shortcut would end what runs there.
+        return platform_.workspace.frontmostWindow() == window && !platform_.accessibility.isFocusSecure() &&
+               platform::terminalFocus(platform_) != platform::TerminalFocus::Inside;
+    };
+    if (!mayPress())
         co_return std::nullopt;
-    co_return co_await clipboardSelection_.read(selectAll);
+    co_return co_await clipboardSelection_.read(selectAll, mayPress);
 }
 
 async::Task<std::optional<QString>> ContextCapturer::focusedWindowTitle() {

@@ -155,6 +155,18 @@ TEST_F(ClipboardSelectionTest, AnApplicationThatIgnoresCopyLeavesTheClipboardUnt
     EXPECT_EQ(logged("[ContextCapturer] Clipboard fallback did not capture selection"), 2);
 }
 
+TEST_F(ClipboardSelectionTest, NoKeyIsPressedAnyMoreOnceAnotherWindowOrAPasswordFieldIsInFront) {
+    desk.editor.open(QString());
+    const std::function<void()> changes[]{[this] { desk.workspace.focus({77, {}, {}, 78}); },
+                                          [this] { desk.accessibility.fieldKind = platform::FocusKind::Password; }};
+    for (const auto& change : changes) {
+        desk.keyPoster.onPress = [&](const auto&) { change(); };
+        EXPECT_EQ(read(SelectAll::Allowed), std::nullopt);
+        EXPECT_EQ(desk.keyPoster.strokes().size(), 1U);
+        EXPECT_EQ(desk.pasteboard.contents(), before);
+    }
+}
+
 TEST_F(ClipboardSelectionTest, ACopiedPictureIsNoTextAndTheClipboardIsGivenBack) {
     desk.keyPoster.onPress = [this](const auto& stroke) {
         if (stroke.is(keys::keyC, keys::commandFlag))
