@@ -161,8 +161,10 @@ class DashboardBench {
                                           ui::providersPage(appState_, desktop_.platform),
                                           ui::historyPage(appState_),
                                           ui::privacyPage(appState_, permissions())};
-    ui::DashboardWindowController dashboard_{
-        windows_, appState_.storageManager(), pages_, {[] {}, [this] { return appState_.readiness(); }}};
+    ui::DashboardWindowController dashboard_{windows_,
+                                             appState_.storageManager(),
+                                             pages_,
+                                             {[] {}, [this] { return appState_.readiness(); }, appState_.undoOffers()}};
     QQuickWindow* window_ = nullptr;
     std::vector<Result> results_;
 

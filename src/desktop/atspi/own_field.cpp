@@ -11,7 +11,8 @@ using platform::AXError;
 using text::Utf16Range;
 
 std::optional<OwnField> OwnField::focused() {
-    auto* const object = qobject_cast<QGuiApplication*>(qApp) ? QGuiApplication::focusObject() : nullptr;
+    auto* const object =
+        qobject_cast<QGuiApplication*>(QCoreApplication::instance()) ? QGuiApplication::focusObject() : nullptr;
     if (!object)
         return std::nullopt;
     const OwnField field(*object);
