@@ -50,7 +50,7 @@ struct Page {
         QImage(4000, 3000, QImage::Format_RGB32).save(folder.filePath(pictureName));
         for (int index = 0; index < 20; ++index)
             history.addEntry(longEntry(index));
-        model = std::make_unique<ui::HistoryModel>(storage, history);
+        model = std::make_unique<ui::HistoryModel>(storage, history, [] {});
         model->selectApp(QStringLiteral("Editor"));
         view.setResizeMode(QQuickView::SizeRootObjectToView);
         view.resize(712, 540);

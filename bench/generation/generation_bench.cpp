@@ -78,7 +78,7 @@ void ollamaRequest(benchmark::State& state) {
                                  .model = u"llava"_s,
                                  .systemPrompt = asked.system,
                                  .userPrompt = asked.user,
-                                 .image = asked.image};
+                                 .images = asked.image ? std::vector{*asked.image} : std::vector<QByteArray>{}};
     atThroughput(state, [&call] { return chat_ollama::buildRequest(call); });
 }
 BENCHMARK(ollamaRequest)->Name("request with a 1 MB picture, Ollama");
