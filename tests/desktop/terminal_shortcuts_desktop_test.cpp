@@ -77,7 +77,7 @@ class Terminals : public PasteboardSession, public ::testing::WithParamInterface
     }
     std::optional<QString> selectionViaClipboard() {
         capture::ClipboardSelection selection(loop, log, *pasteboard, *poster);
-        return runTaskOnQt(loop, selection.read(capture::SelectAll::Allowed));
+        return runTaskOnQt(loop, selection.read(capture::SelectAll::Allowed, [] { return true; }));
     }
 };
 
