@@ -93,6 +93,8 @@ def main(build, output):
     for left in output.glob("*"):
         left.unlink()
     output.mkdir(parents=True, exist_ok=True)
+    if session.is_wayland():
+        session.hands()  # sessions without a keyboard are others than those of people
     with tempfile.TemporaryDirectory(prefix="tavrelon-demo.", ignore_cleanup_errors=True) as home, \
             StandIn(build / "tests/support/tavrelon-stand-in-service", output / "service.log") as service, \
             Tavrelon(build / "src/tavrelon", output / "tavrelon.log", home, service.port) as tavrelon:
