@@ -16,7 +16,7 @@ std::optional<OwnField> OwnField::focused() {
     if (!object)
         return std::nullopt;
     const OwnField field(*object);
-    return field.ask(Qt::ImEnabled).toBool() ? std::optional(field) : std::nullopt;
+    return field.isHidden() || field.ask(Qt::ImEnabled).toBool() ? std::optional(field) : std::nullopt;
 }
 
 QVariant OwnField::ask(Qt::InputMethodQuery query) const {
